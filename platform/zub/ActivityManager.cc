@@ -1,0 +1,165 @@
+#include "zub/ActivityManager.h"
+
+#include <algorithm>
+#include <chrono>
+#include <thread>
+
+#include "zub/Assert.h"
+
+namespace Zub {
+
+// ---- Clock ----
+
+Clock::Clock( ActivityManager* loop ) : loop_( loop ) {
+   if( loop_ ) loop_->clocks_.push_back( this );
+}
+
+Clock::~Clock() {
+   if( loop_ ) std::erase( loop_->clocks_, this );
+}
+
+Seconds Clock::now() const {
+   return loop_ ? loop_->now() : 0.0;
+}
+
+Clock::NotifieeConst::~NotifieeConst() {
+   if( sequence_ ) {
+      if( auto c = notifier(); c && c->loop_ ) c->loop_->cancel( this );
+   }
+}
+
+void Clock::NotifieeConst::notifierIs( Ptr< Clock const > const& c ) {
+   if( c.ptr() == zubNotifier() ) return;
+   Seconds pending = timeMin_;
+   timeMinIs( never );
+   zubNotifierIs( c.ptr(), 0, false );
+   timeMinIs( pending );
+}
+
+void Clock::NotifieeConst::timeMinIs( Seconds t ) {
+   auto c = notifier();
+   ActivityManager* loop = c ? c->loop_ : nullptr;
+   if( sequence_ && loop ) loop->cancel( this );
+   timeMin_ = t;
+   if( loop && t != never ) loop->schedule( this, t );
+}
+
+// ---- ActivityManager ----
+
+namespace {
+
+Seconds realNow() {
+   using namespace std::chrono;
+   return duration< double >( system_clock::now().time_since_epoch() ).count();
+}
+
+Ptr< ActivityManager >& currentLoop() {
+   thread_local Ptr< ActivityManager > loop;
+   return loop;
+}
+
+}  // namespace
+
+Ptr< ActivityManager > ActivityManager::create( TimeSource source, Seconds start ) {
+   return Ptr< ActivityManager >( new ActivityManager( source, start ) );
+}
+
+ActivityManager::ActivityManager( TimeSource source, Seconds start )
+    : source_( source ), simulatedNow_( start ) {
+   clock_ = make< Clock >( this );
+}
+
+ActivityManager::~ActivityManager() {
+   for( auto& [ key, n ] : timers_ ) n->sequence_ = 0;
+   timers_.clear();
+   for( Clock* c : clocks_ ) c->loop_ = nullptr;
+}
+
+Seconds ActivityManager::now() const {
+   return source_ == TimeSource::simulated ? simulatedNow_ : realNow();
+}
+
+void ActivityManager::timeIs( Seconds t ) {
+   ZUB_ASSERT( source_ == TimeSource::simulated );
+   simulatedNow_ = std::max( simulatedNow_, t );
+}
+
+Seconds ActivityManager::nextTime() const {
+   return timers_.empty() ? never : timers_.begin()->first.first;
+}
+
+void ActivityManager::schedule( Clock::NotifieeConst* n, Seconds t ) {
+   std::uint64_t seq = nextSequence_++;
+   timers_.emplace( TimerKey( t, seq ), n );
+   n->sequence_ = seq;
+}
+
+void ActivityManager::cancel( Clock::NotifieeConst* n ) {
+   timers_.erase( TimerKey( n->timeMin_, n->sequence_ ) );
+   n->sequence_ = 0;
+}
+
+std::size_t ActivityManager::runOnce() {
+   if( timers_.empty() ) return 0;
+   Seconds first = nextTime();
+   if( first > now() ) {
+      if( source_ == TimeSource::simulated ) {
+         simulatedNow_ = first;
+      } else {
+         std::this_thread::sleep_for( std::chrono::duration< double >( first - now() ) );
+      }
+   }
+   Seconds const turnTime = now();
+   std::vector< TimerKey > due;
+   for( auto const& [ key, n ] : timers_ ) {
+      if( key.first > turnTime ) break;
+      due.push_back( key );
+   }
+   fireDue( due );
+   return due.size();
+}
+
+void ActivityManager::fireDue( std::vector< TimerKey > const& due ) {
+   for( TimerKey const& key : due ) {
+      // An earlier callback of this turn may have cancelled or moved this timer.
+      auto it = timers_.find( key );
+      if( it == timers_.end() ) continue;
+      Clock::NotifieeConst* n = it->second;
+      timers_.erase( it );
+      n->sequence_ = 0;
+      n->timeMin_ = never;
+      if( n->zombie() || !n->hasNotificationActive() ) continue;
+      Ptr< NotifieeBase > keep( n->references() ? n : nullptr );
+      n->onTime();
+   }
+}
+
+void ActivityManager::runUntil( Seconds t ) {
+   while( !timers_.empty() && nextTime() <= t ) runOnce();
+   if( source_ == TimeSource::simulated ) simulatedNow_ = std::max( simulatedNow_, t );
+}
+
+std::size_t ActivityManager::runUntilIdle( std::size_t maxTurns ) {
+   std::size_t turns = 0;
+   while( !timers_.empty() && turns < maxTurns ) {
+      runOnce();
+      ++turns;
+   }
+   return turns;
+}
+
+ActivityManager* activityManager() {
+   Ptr< ActivityManager >& loop = currentLoop();
+   if( !loop ) loop = ActivityManager::create( ActivityManager::TimeSource::real );
+   return loop.ptr();
+}
+
+void activityManagerIs( Ptr< ActivityManager > const& loop ) {
+   currentLoop() = loop;
+}
+
+Seconds System::currentTime() {
+   return activityManager()->now();
+}
+
+}  // namespace Zub

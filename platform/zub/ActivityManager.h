@@ -1,0 +1,82 @@
+// The event loop. Everything runs in callbacks of one loop on one thread: timers (clock
+// reactors), task slices, and whatever the hosting program injects.
+//
+// One turn fires, in order of time and then of scheduling, the timers that were due when the
+// turn began; a timer set during a turn, even to a time already passed, waits for the next
+// turn. Time comes from one source per loop: real time in an agent, virtual time in tests and
+// in the simulator, where a turn with nothing due jumps straight to the next timer, so a
+// 60-second retry costs no wall time.
+#pragma once
+
+#include <cstdint>
+#include <limits>
+#include <map>
+#include <utility>
+#include <vector>
+
+#include "zub/Clock.h"
+
+namespace Zub {
+
+// Read-side of the loop as the state machines see it: the loop's own clock.
+class ActivityManagerConfig {
+ public:
+   virtual ~ActivityManagerConfig() = default;
+   virtual Ptr< Clock > clock() const = 0;
+};
+
+class ActivityManager : public PtrInterface, public ActivityManagerConfig {
+ public:
+   enum class TimeSource { real, simulated };
+
+   // Virtual time starts at `start` seconds; 0.0 would read as "not set".
+   static Ptr< ActivityManager > create( TimeSource source, Seconds start = 1.0 );
+   ~ActivityManager() override;
+
+   TimeSource timeSource() const { return source_; }
+   Seconds now() const;
+   Ptr< Clock > clock() const override { return clock_; }
+
+   // One turn. With nothing due, simulated time jumps to the next timer and real time sleeps
+   // until it. Returns the number of callbacks fired.
+   std::size_t runOnce();
+   // Turns until nothing is due at or before `t`; simulated time then stands at `t`.
+   void runUntil( Seconds t );
+   // Turns until no timer is scheduled, at most `maxTurns`. Returns the turns taken.
+   std::size_t runUntilIdle( std::size_t maxTurns = std::numeric_limits< std::size_t >::max() );
+
+   bool idle() const { return timers_.empty(); }
+   std::size_t scheduled() const { return timers_.size(); }
+   // Time of the earliest timer, or never.
+   Seconds nextTime() const;
+   // Simulated time only: move the time forward without firing anything.
+   void timeIs( Seconds t );
+
+ private:
+   friend class Clock;
+   friend class Clock::NotifieeConst;
+   using TimerKey = std::pair< Seconds, std::uint64_t >;
+
+   ActivityManager( TimeSource source, Seconds start );
+   void schedule( Clock::NotifieeConst* n, Seconds t );
+   void cancel( Clock::NotifieeConst* n );
+   void fireDue( std::vector< TimerKey > const& due );
+
+   TimeSource source_;
+   Seconds simulatedNow_;
+   std::uint64_t nextSequence_ = 1;
+   std::map< TimerKey, Clock::NotifieeConst* > timers_;
+   std::vector< Clock* > clocks_;
+   Ptr< Clock > clock_;
+};
+
+// The loop of this thread. A real-time loop is made on first use unless one was installed.
+ActivityManager* activityManager();
+void activityManagerIs( Ptr< ActivityManager > const& loop );
+
+namespace System {
+// The current time of the loop of this thread.
+Seconds currentTime();
+}  // namespace System
+
+}  // namespace Zub

@@ -1,0 +1,37 @@
+#include "zub/Ptr.h"
+
+namespace Zub {
+
+bool threadSafePointers = false;
+
+void PtrInterface::newRef() const {
+   if( threadSafePointers ) {
+      std::atomic_ref< std::uint32_t >( refCount_ ).fetch_add( 1, std::memory_order_relaxed );
+   } else {
+      ++refCount_;
+   }
+}
+
+void PtrInterface::delRef() const {
+   std::uint32_t left;
+   if( threadSafePointers ) {
+      left = std::atomic_ref< std::uint32_t >( refCount_ ).fetch_sub( 1, std::memory_order_acq_rel ) - 1;
+   } else {
+      left = --refCount_;
+   }
+   if( left == 0 ) handleZeroRef();
+}
+
+void PtrInterface::zombieIs( bool z ) {
+   if( z ) {
+      flags_ = static_cast< std::int32_t >( static_cast< std::uint32_t >( flags_ ) | 0x80000000u );
+   } else {
+      flags_ = static_cast< std::int32_t >( static_cast< std::uint32_t >( flags_ ) & 0x7fffffffu );
+   }
+}
+
+void PtrInterface::handleZeroRef() const noexcept {
+   delete this;
+}
+
+}  // namespace Zub
