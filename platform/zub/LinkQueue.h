@@ -75,8 +75,11 @@ class LinkQueue {
       if( it != members_.end() && it->index == index ) {
          it->value = std::move( v );
       } else {
+         // Compared before inserting: into an empty queue the new member becomes the head,
+         // which would move the origin of the comparison and leave nextIndex behind it.
+         bool const advances = offset( index ) >= offset( nextIndex_ );
          members_.insert( it, { index, std::move( v ) } );
-         if( offset( index ) >= offset( nextIndex_ ) ) nextIndex_ = static_cast< Index >( index + 1 );
+         if( advances ) nextIndex_ = static_cast< Index >( index + 1 );
       }
       ++changes_;
    }
