@@ -94,19 +94,21 @@ String entityNameOf( K const& key ) {
 #define ZUB_ATTR_CALLBACKS_child ZUB_ATTR_CALLBACKS_keyed
 
 #define ZUB_ATTR_CATCHUP_VALUES_value( Cap, name, ... ) \
-   if( this->zombie() ) return;                         \
+   if( this->zubCatchUpStopped() ) return;              \
    this->on##Cap();
 #define ZUB_ATTR_CATCHUP_VALUES_keyed( Cap, name, ... )
 #define ZUB_ATTR_CATCHUP_VALUES_child( Cap, name, ... )
 
 #define ZUB_ATTR_CATCHUP_COLLECTIONS_value( Cap, name, ... )
 #define ZUB_ATTR_CATCHUP_COLLECTIONS_keyed( Cap, name, ... )   \
-   if( this->zombie() ) return;                                \
+   if( this->zubCatchUpStopped() ) return;                     \
    if( this->notificationImmediate() ) {                       \
-      this->on##Cap##zubImmediate();                           \
+      if( !zubWatched->name().empty() ) {                      \
+         this->on##Cap##zubImmediate();                        \
+      }                                                        \
    } else {                                                    \
       for( auto it = zubWatched->name().iter(); it; ++it ) {   \
-         if( this->zombie() ) return;                          \
+         if( this->zubCatchUpStopped() ) return;               \
          this->on##Cap( it.key() );                            \
       }                                                        \
    }

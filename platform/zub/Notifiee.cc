@@ -44,9 +44,9 @@ void NotifieeBase::zubNotifierIs( Notifier const* n, std::uint8_t depth, bool ca
 
 void NotifieeBase::zubCatchUp() {
    Ptr< NotifieeBase > keep( references() ? this : nullptr );
-   if( zombie() ) return;
+   if( zubCatchUpStopped() ) return;
    zubCatchUpValues();
-   if( zombie() ) return;
+   if( zubCatchUpStopped() ) return;
    zubCatchUpCollections();
 }
 

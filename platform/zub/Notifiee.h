@@ -11,8 +11,10 @@
 //   during a notification first hears the next change.
 // - Catch-up. `notifierIs( p )` on a reactor attaches it and then calls every `onX()` of the
 //   watched type in declared order (base class first), then walks each watched collection with
-//   `onX( key )` per member, testing the zombie mark between steps and stopping when it is set.
-//   A reactor attached late thus sees the calls it would have seen from the start.
+//   `onX( key )` per member (a reactor declared immediate: one `onXzubImmediate()` per
+//   collection that has members), testing the zombie mark between steps and stopping when it
+//   is set or when a handler detached the reactor. A reactor attached late thus sees the calls
+//   it would have seen from the start.
 // - While a state machine is being constructed, its reactors attach WITHOUT catch-up
 //   (`notifierIsWithoutCatchUp`): the machine's `handleInitialized()` performs the initial walk
 //   itself, in the order that machine fixes. Only reactors attached to a live machine catch up.
@@ -72,6 +74,8 @@ class NotifieeBase : public PtrInterface {
    // Attaches to `n`, replacing the current object; a null `n` only detaches.
    void zubNotifierIs( Notifier const* n, std::uint8_t depth, bool catchUp );
    void zubCatchUp();
+   // A catch-up ends at the zombie mark, and when a handler detached the reactor.
+   bool zubCatchUpStopped() const { return zombie() || !notifier_; }
    // Generated per watched type: the value callbacks in order, then the collection walks.
    virtual void zubCatchUpValues() {}
    virtual void zubCatchUpCollections() {}

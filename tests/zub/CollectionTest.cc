@@ -1,0 +1,90 @@
+// Ordered collections and iterators that survive changes made while iterating.
+#include <gtest/gtest.h>
+
+#include <vector>
+
+#include "ZubTestEntities.h"
+#include "zub/Collection.h"
+
+namespace {
+
+using Coll = Zub::Collection< int, int >;
+
+std::vector< int > keysOf( Coll const& c ) {
+   std::vector< int > keys;
+   for( auto it = c.iter(); it; ++it )
+      keys.push_back( it.key() );
+   return keys;
+}
+
+TEST( CollectionTest, IteratesInAscendingKeyOrder ) {
+   Coll c;
+   for( int k : { 5, 1, 9, 3 } )
+      c.set( k, k * 10 );
+   EXPECT_EQ( keysOf( c ), ( std::vector< int >{ 1, 3, 5, 9 } ) );
+   std::vector< int > values;
+   for( int v : c )
+      values.push_back( v );
+   EXPECT_EQ( values, ( std::vector< int >{ 10, 30, 50, 90 } ) );
+   EXPECT_EQ( c.iterFrom( 4 ).key(), 5 );
+   EXPECT_FALSE( c.iterFrom( 10 ) );
+}
+
+TEST( CollectionTest, RemovalsWhileIteratingVisitEachRemainingMemberOnce ) {
+   Coll c;
+   for( int k = 1; k <= 7; ++k )
+      c.set( k, 0 );
+   std::vector< int > visited;
+   for( auto it = c.iter(); it; ++it ) {
+      visited.push_back( it.key() );
+      switch( it.key() ) {
+         case 2:
+            c.erase( 2 );
+            break;  // the current member
+         case 3:
+            c.erase( 4 );
+            break;  // one ahead
+         case 5:
+            c.erase( 1 );  // one behind, and the current one
+            c.erase( 5 );
+            c.erase( 6 );
+            break;
+         default:
+            break;
+      }
+   }
+   EXPECT_EQ( visited, ( std::vector< int >{ 1, 2, 3, 5, 7 } ) );
+   EXPECT_EQ( keysOf( c ), ( std::vector< int >{ 3, 7 } ) );
+}
+
+TEST( CollectionTest, InsertionsWhileIteratingAheadAreVisitedBehindAreNot ) {
+   Coll c;
+   for( int k : { 10, 20, 30 } )
+      c.set( k, 0 );
+   std::vector< int > visited;
+   for( auto it = c.iter(); it; ++it ) {
+      visited.push_back( it.key() );
+      if( it.key() == 20 ) {
+         c.set( 5, 0 );
+         c.set( 25, 0 );
+         c.erase( 20 );
+         c.set( 20, 1 );  // removed and put back: not visited again
+      }
+   }
+   EXPECT_EQ( visited, ( std::vector< int >{ 10, 20, 25, 30 } ) );
+}
+
+TEST( CollectionTest, IteratorValueOutlivesRemovalOfItsMember ) {
+   Zub::Collection< int, Zub::Ptr< ZubTest::Slot > > c;
+   c.set( 1, Zub::make< ZubTest::Slot >( "a" ) );
+   c.set( 2, Zub::make< ZubTest::Slot >( "b" ) );
+   std::vector< std::string > names;
+   for( auto it = c.iter(); it; ++it ) {
+      c.erase( it.key() );
+      names.push_back( it.value()->name().stdString() );  // the last reference is the iterator's
+   }
+   EXPECT_EQ( names, ( std::vector< std::string >{ "a", "b" } ) );
+   EXPECT_TRUE( c.empty() );
+}
+
+}  // namespace
