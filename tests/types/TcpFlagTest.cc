@@ -1,0 +1,66 @@
+#include "NevQos/types/TcpFlag.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "zub/Exception.h"
+
+namespace {
+
+using NevHelper::TcpFlag;
+
+TEST( TcpFlagTest, EachViewOwnsOneBit ) {
+   struct View {
+      bool ( TcpFlag::*get )() const noexcept;
+      void ( TcpFlag::*set )( bool ) noexcept;
+      std::uint32_t bit;
+   } const views[] = { { &TcpFlag::fin, &TcpFlag::finIs, TcpFlag::fin_ },
+                       { &TcpFlag::syn, &TcpFlag::synIs, TcpFlag::syn_ },
+                       { &TcpFlag::rst, &TcpFlag::rstIs, TcpFlag::rst_ },
+                       { &TcpFlag::psh, &TcpFlag::pshIs, TcpFlag::psh_ },
+                       { &TcpFlag::ack, &TcpFlag::ackIs, TcpFlag::ack_ },
+                       { &TcpFlag::urg, &TcpFlag::urgIs, TcpFlag::urg_ } };
+   std::uint32_t seen = 0;
+   for ( auto const& v : views ) {
+      TcpFlag f( TcpFlag::maxValue );
+      ( f.*v.set )( false );
+      EXPECT_EQ( f.value(), TcpFlag::maxValue & ~v.bit );
+      EXPECT_FALSE( ( f.*v.get )() );
+      ( f.*v.set )( true );
+      EXPECT_EQ( f, TcpFlag( TcpFlag::maxValue ) );
+      EXPECT_EQ( TcpFlag( v.bit ), [&v] {
+         TcpFlag g;
+         ( g.*v.set )( true );
+         return g;
+      }() );
+      seen |= v.bit;
+   }
+   EXPECT_EQ( seen, 0x3fu );
+}
+
+TEST( TcpFlagTest, ValuesAboveSixBitsAreRefused ) {
+   try {
+      TcpFlag f( 0x40 );
+      ADD_FAILURE() << "no range error for " << f.value();
+   } catch ( Zub::RangeException const& e ) {
+      EXPECT_STREQ( e.what(), "TcpFlag::value > 0x3f not allowed" );
+   }
+   TcpFlag f( TcpFlag::syn_ );
+   EXPECT_THROW( f.valueIs( 0x1ff ), Zub::RangeException );
+   EXPECT_EQ( f.value(), TcpFlag::syn_ );
+}
+
+TEST( TcpFlagTest, ValueFormRoundTrips ) {
+   TcpFlag f( TcpFlag::syn_ | TcpFlag::ack_ | TcpFlag::urg_ );
+   Zub::String text = valueToStrep( f );
+   EXPECT_EQ( text,
+              "Value('NevHelper::QosAclHelper::TcpFlag', ** {'fin': False, 'syn': True, "
+              "'rst': False, 'psh': False, 'ack': True, 'urg': True})" );
+   EXPECT_EQ( TcpFlag( text.begin(), text.end() ), f );
+   std::string bad = text.stdString();
+   bad.replace( bad.find( "'rst': False" ), 12, "'rst': 1" );
+   EXPECT_THROW( TcpFlag( bad.data(), bad.data() + bad.size() ), Zub::ParseException );
+}
+
+}  // namespace
