@@ -11,7 +11,8 @@ namespace Kesh {
 class TimerWheel : public Zub::Clock {
  public:
    // A wheel on `loop`, by default the loop of this thread.
-   explicit TimerWheel( Zub::ActivityManager* loop = Zub::activityManager() ) : Zub::Clock( loop ) {}
+   explicit TimerWheel( Zub::ActivityManager* loop = Zub::activityManager() )
+       : Zub::Clock( loop ) {}
 };
 
 }  // namespace Kesh

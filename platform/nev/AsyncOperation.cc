@@ -5,10 +5,13 @@
 namespace Nev {
 
 char const* stringValue( AsyncOperationState s ) {
-   switch( s ) {
-    case AsyncOperationState::asyncNone: return "asyncNone";
-    case AsyncOperationState::asyncPending: return "asyncPending";
-    case AsyncOperationState::asyncInProgress: return "asyncInProgress";
+   switch ( s ) {
+      case AsyncOperationState::asyncNone:
+         return "asyncNone";
+      case AsyncOperationState::asyncPending:
+         return "asyncPending";
+      case AsyncOperationState::asyncInProgress:
+         return "asyncInProgress";
    }
    return "unknown";
 }

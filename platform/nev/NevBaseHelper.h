@@ -24,12 +24,14 @@ class NevBaseHelper : public Zub::Entity {
       return p;
    }
    // Writes `error` and a line end to standard error and fails an assertion.
-   [[noreturn]] virtual void nevAssert( Zub::String const& error ) const { Nev::nevAssert( error ); }
+   [[noreturn]] virtual void nevAssert( Zub::String const& error ) const {
+      Nev::nevAssert( error );
+   }
 };
 
-#define NEV_ASYNC_BASE_HELPER_ATTRS( X )                                                     \
-   X( value, AsyncOperationResult, asyncOperationResult, Nev::AsyncOperationResult,          \
-      Nev::AsyncOperationResult() )                                                          \
+#define NEV_ASYNC_BASE_HELPER_ATTRS( X )                                            \
+   X( value, AsyncOperationResult, asyncOperationResult, Nev::AsyncOperationResult, \
+      Nev::AsyncOperationResult() )                                                 \
    X( value, AsyncTcamOperationsSupported, asyncTcamOperationsSupported, bool, false )
 
 class NevAsyncBaseHelper : public NevBaseHelper {
