@@ -35,12 +35,15 @@ void expectTexts( std::initializer_list<char const*> texts, Lookup instance ) {
 }
 
 TEST( QosUnitsTest, TextsRoundTrip ) {
-   expectTexts<Qos::RateUnit>( { "pps", "bps", "kbps", "mbps" }, Qos::RateUnitInstance );
+   expectTexts<Qos::RateUnit>( { "pps", "bps", "kbps", "mbps" },
+                               []( auto t ) { return Qos::RateUnitInstance( t ); } );
    expectTexts<Qos::BurstUnit>( { "bytes", "kbytes", "mbytes", "packets" },
-                                Qos::BurstUnitInstance );
-   expectTexts<Qos::ShapeRateUnit>( { "kbps", "pps" }, Qos::ShapeRateUnitInstance );
-   expectTexts<Qos::GuaranteedBwUnit>( { "kbps", "pps", "percent" },
-                                       Qos::GuaranteedBwUnitInstance );
+                                []( auto t ) { return Qos::BurstUnitInstance( t ); } );
+   expectTexts<Qos::ShapeRateUnit>( { "kbps", "pps" },
+                                    []( auto t ) { return Qos::ShapeRateUnitInstance( t ); } );
+   expectTexts<Qos::GuaranteedBwUnit>( { "kbps", "pps", "percent" }, []( auto t ) {
+      return Qos::GuaranteedBwUnitInstance( t );
+   } );
    // The percent unit of guaranteed bandwidth has no shape-rate counterpart.
    EXPECT_THROW( Qos::ShapeRateUnitInstance( "percent" ), Zub::RangeException );
 }
