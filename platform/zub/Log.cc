@@ -7,8 +7,6 @@
 
 namespace Zub {
 
-String const NoActionRequired( "No action is required." );
-
 namespace {
 
 std::vector< LogHandle const* >& handles() {

@@ -33,8 +33,9 @@ enum class LogSeverity : std::uint8_t {
    debug = 7,
 };
 
-// The platform's text for "no action is required of the operator".
-extern String const NoActionRequired;
+// The platform's text for "no action is required of the operator". A constant array, not a
+// String, so that log handles built at load in any file find it already set.
+inline constexpr char NoActionRequired[] = "No action is required.";
 
 class LogHandle {
  public:
