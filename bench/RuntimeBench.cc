@@ -11,8 +11,8 @@
 
 namespace {
 
-#define BENCH_ENTITY_ATTRS( X )                     \
-   X( value, Count, count, std::uint64_t, 0u )      \
+#define BENCH_ENTITY_ATTRS( X )                \
+   X( value, Count, count, std::uint64_t, 0u ) \
    X( keyed, Member, member, std::uint32_t, std::uint64_t )
 
 ZUB_ENTITY( BenchEntity, Zub::Name, BENCH_ENTITY_ATTRS );
@@ -53,14 +53,16 @@ BENCHMARK( BM_AttributeWrite )->Arg( 0 )->Arg( 1 )->Arg( 4 );
 void BM_AttributeWriteBaseline( benchmark::State& state ) {
    std::vector< CountingObserver > observers( static_cast< std::size_t >( state.range( 0 ) ) );
    std::vector< PlainObserver* > list;
-   for( auto& o : observers ) list.push_back( &o );
+   for( auto& o : observers )
+      list.push_back( &o );
    std::uint64_t value = 0;
    std::uint64_t v = 0;
    for( auto _ : state ) {
       std::uint64_t next = ++v;
       if( value != next ) {
          value = next;
-         for( PlainObserver* o : list ) o->changed();
+         for( PlainObserver* o : list )
+            o->changed();
       }
       benchmark::DoNotOptimize( value );
    }
@@ -75,11 +77,14 @@ void BM_KeyedCollection( benchmark::State& state ) {
    reactor->notifierIsWithoutCatchUp( entity );
    auto const n = static_cast< std::uint32_t >( state.range( 0 ) );
    for( auto _ : state ) {
-      for( std::uint32_t k = 0; k < n; ++k ) entity->memberIs( k * 7919u, k );
+      for( std::uint32_t k = 0; k < n; ++k )
+         entity->memberIs( k * 7919u, k );
       std::uint64_t sum = 0;
-      for( auto it = entity->member().iter(); it; ++it ) sum += it.value();
+      for( auto it = entity->member().iter(); it; ++it )
+         sum += it.value();
       benchmark::DoNotOptimize( sum );
-      for( std::uint32_t k = 0; k < n; ++k ) entity->memberDel( k * 7919u );
+      for( std::uint32_t k = 0; k < n; ++k )
+         entity->memberDel( k * 7919u );
    }
    state.SetItemsProcessed( state.iterations() * n );
 }
@@ -89,11 +94,14 @@ void BM_KeyedCollectionBaseline( benchmark::State& state ) {
    std::map< std::uint32_t, std::uint64_t > map;
    auto const n = static_cast< std::uint32_t >( state.range( 0 ) );
    for( auto _ : state ) {
-      for( std::uint32_t k = 0; k < n; ++k ) map[ k * 7919u ] = k;
+      for( std::uint32_t k = 0; k < n; ++k )
+         map[ k * 7919u ] = k;
       std::uint64_t sum = 0;
-      for( auto const& [ k, v ] : map ) sum += v;
+      for( auto const& [ k, v ] : map )
+         sum += v;
       benchmark::DoNotOptimize( sum );
-      for( std::uint32_t k = 0; k < n; ++k ) map.erase( k * 7919u );
+      for( std::uint32_t k = 0; k < n; ++k )
+         map.erase( k * 7919u );
    }
    state.SetItemsProcessed( state.iterations() * n );
 }

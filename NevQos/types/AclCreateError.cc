@@ -5,20 +5,20 @@ namespace Nev {
 namespace {
 
 constexpr ValueText::Member aclCreateErrorNames[] = {
-      { aclCreateErrorNone, "aclCreateErrorNone" },
-      { aclCreateErrorOutOfTcam, "aclCreateErrorOutOfTcam" },
-      { aclCreateErrorTooManyL4PortRanges, "aclCreateErrorTooManyL4PortRanges" },
-      { aclCreateErrorExpandIpLen, "aclCreateErrorExpandIpLen" },
-      { aclCreateErrorExpandAll, "aclCreateErrorExpandAll" },
-      { aclCreateErrorExpandSrcIpLen, "aclCreateErrorExpandSrcIpLen" },
-      { aclCreateErrorExpandDstIpLen, "aclCreateErrorExpandDstIpLen" },
-      { aclCreateErrorExpandSrc, "aclCreateErrorExpandSrc" },
-      { aclCreateErrorExpandDst, "aclCreateErrorExpandDst" },
-      { aclCreateErrorTooManyAcls, "aclCreateErrorTooManyAcls" },
-      { aclCreateErrorUnsupportedAction, "aclCreateErrorUnsupportedAction" },
-      { aclCreateErrorRuleIgnored, "aclCreateErrorRuleIgnored" },
-      { aclCreateErrorPolicerExhausted, "aclCreateErrorPolicerExhausted" },
-      { aclCreateErrorIgnored, "aclCreateErrorIgnored" },
+   { aclCreateErrorNone, "aclCreateErrorNone" },
+   { aclCreateErrorOutOfTcam, "aclCreateErrorOutOfTcam" },
+   { aclCreateErrorTooManyL4PortRanges, "aclCreateErrorTooManyL4PortRanges" },
+   { aclCreateErrorExpandIpLen, "aclCreateErrorExpandIpLen" },
+   { aclCreateErrorExpandAll, "aclCreateErrorExpandAll" },
+   { aclCreateErrorExpandSrcIpLen, "aclCreateErrorExpandSrcIpLen" },
+   { aclCreateErrorExpandDstIpLen, "aclCreateErrorExpandDstIpLen" },
+   { aclCreateErrorExpandSrc, "aclCreateErrorExpandSrc" },
+   { aclCreateErrorExpandDst, "aclCreateErrorExpandDst" },
+   { aclCreateErrorTooManyAcls, "aclCreateErrorTooManyAcls" },
+   { aclCreateErrorUnsupportedAction, "aclCreateErrorUnsupportedAction" },
+   { aclCreateErrorRuleIgnored, "aclCreateErrorRuleIgnored" },
+   { aclCreateErrorPolicerExhausted, "aclCreateErrorPolicerExhausted" },
+   { aclCreateErrorIgnored, "aclCreateErrorIgnored" },
 };
 
 }  // namespace
@@ -26,7 +26,7 @@ constexpr ValueText::Member aclCreateErrorNames[] = {
 ENUM_TEXT_DEFINE( AclCreateError, "Nev::AclCreateError", aclCreateErrorNames )
 
 Zub::String aclCreateErrorText( AclCreateError e ) {
-   switch ( e ) {
+   switch( e ) {
       case aclCreateErrorNone:
          return "Succeeded";
       case aclCreateErrorOutOfTcam:

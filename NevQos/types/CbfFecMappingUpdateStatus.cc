@@ -5,9 +5,9 @@ namespace NevHelper {
 namespace {
 
 constexpr ValueText::Member cbfFecMappingUpdateStatusNames[] = {
-      { cbfMapUpdateSuccess, "cbfMapUpdateSuccess" },
-      { cbfMapUpdateNotReady, "cbfMapUpdateNotReady" },
-      { cbfMapUpdateFailed, "cbfMapUpdateFailed" },
+   { cbfMapUpdateSuccess, "cbfMapUpdateSuccess" },
+   { cbfMapUpdateNotReady, "cbfMapUpdateNotReady" },
+   { cbfMapUpdateFailed, "cbfMapUpdateFailed" },
 };
 
 }  // namespace

@@ -28,7 +28,7 @@ class IntfUpdateCallbackData {
 
    bool operator==( IntfUpdateCallbackData const& ) const noexcept = default;
    std::strong_ordering operator<=>( IntfUpdateCallbackData const& o ) const noexcept {
-      if ( auto c = intfPair_ <=> o.intfPair_; c != 0 ) return c;
+      if( auto c = intfPair_ <=> o.intfPair_; c != 0 ) return c;
       return ValueText::compareEnum( direction_, o.direction_ );
    }
    bool operator!() const noexcept { return *this == IntfUpdateCallbackData(); }

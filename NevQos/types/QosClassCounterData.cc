@@ -23,8 +23,8 @@ QosClassCounterData& QosClassCounterData::operator+=( QosClassCounterData const&
    byteDrops_ += o.byteDrops_;
    yellowPktHits_ += o.yellowPktHits_;
    yellowByteHits_ += o.yellowByteHits_;
-   for ( auto const& [intf, drops] : o.dropCountIntfSharedPolicer_ ) {
-      dropCountIntfSharedPolicer_[intf] += drops;
+   for( auto const& [ intf, drops ] : o.dropCountIntfSharedPolicer_ ) {
+      dropCountIntfSharedPolicer_[ intf ] += drops;
    }
    return *this;
 }
@@ -43,14 +43,14 @@ QosClassCounterData QosClassCounterData::operator-( QosClassCounterData const& o
    diff.byteDrops_ -= o.byteDrops_;
    diff.yellowPktHits_ -= o.yellowPktHits_;
    diff.yellowByteHits_ -= o.yellowByteHits_;
-   for ( auto const& [intf, drops] : o.dropCountIntfSharedPolicer_ ) {
-      diff.dropCountIntfSharedPolicer_[intf] -= drops;
+   for( auto const& [ intf, drops ] : o.dropCountIntfSharedPolicer_ ) {
+      diff.dropCountIntfSharedPolicer_[ intf ] -= drops;
    }
    return diff;
 }
 
 bool QosClassCounterData::operator==( QosClassCounterData const& o ) const {
-   if ( this == &o ) return true;
+   if( this == &o ) return true;
    return pktHits_ == o.pktHits_ && pktDrops_ == o.pktDrops_ && byteHits_ == o.byteHits_ &&
           byteDrops_ == o.byteDrops_ && yellowPktHits_ == o.yellowPktHits_ &&
           yellowByteHits_ == o.yellowByteHits_ &&
@@ -58,13 +58,13 @@ bool QosClassCounterData::operator==( QosClassCounterData const& o ) const {
 }
 
 std::strong_ordering QosClassCounterData::operator<=>( QosClassCounterData const& o ) const {
-   if ( this == &o ) return std::strong_ordering::equal;
-   if ( auto c = pktHits_ <=> o.pktHits_; c != 0 ) return c;
-   if ( auto c = pktDrops_ <=> o.pktDrops_; c != 0 ) return c;
-   if ( auto c = byteHits_ <=> o.byteHits_; c != 0 ) return c;
-   if ( auto c = byteDrops_ <=> o.byteDrops_; c != 0 ) return c;
-   if ( auto c = yellowPktHits_ <=> o.yellowPktHits_; c != 0 ) return c;
-   if ( auto c = yellowByteHits_ <=> o.yellowByteHits_; c != 0 ) return c;
+   if( this == &o ) return std::strong_ordering::equal;
+   if( auto c = pktHits_ <=> o.pktHits_; c != 0 ) return c;
+   if( auto c = pktDrops_ <=> o.pktDrops_; c != 0 ) return c;
+   if( auto c = byteHits_ <=> o.byteHits_; c != 0 ) return c;
+   if( auto c = byteDrops_ <=> o.byteDrops_; c != 0 ) return c;
+   if( auto c = yellowPktHits_ <=> o.yellowPktHits_; c != 0 ) return c;
+   if( auto c = yellowByteHits_ <=> o.yellowByteHits_; c != 0 ) return c;
    return dropCountIntfSharedPolicer_ <=> o.dropCountIntfSharedPolicer_;
 }
 

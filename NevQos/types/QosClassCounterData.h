@@ -14,7 +14,7 @@ namespace Nev {
 
 class QosClassCounterData {
  public:
-   using DropCountMap = std::map<Mirel::IntfId, std::uint64_t>;
+   using DropCountMap = std::map< Mirel::IntfId, std::uint64_t >;
 
    QosClassCounterData() noexcept = default;
    // There is no text form to read back: the per-interface map is never rendered. Fails an
@@ -43,7 +43,7 @@ class QosClassCounterData {
       return dropCountIntfSharedPolicer_.contains( intf );
    }
    void dropCountIntfSharedPolicerIs( Mirel::IntfId intf, std::uint64_t v ) {
-      dropCountIntfSharedPolicer_[intf] = v;
+      dropCountIntfSharedPolicer_[ intf ] = v;
    }
    void dropCountIntfSharedPolicerDel( Mirel::IntfId intf ) {
       dropCountIntfSharedPolicer_.erase( intf );

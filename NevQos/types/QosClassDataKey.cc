@@ -19,9 +19,9 @@ QosClassDataKey::QosClassDataKey( char const* begin, char const* end ) : QosClas
 }
 
 std::strong_ordering QosClassDataKey::operator<=>( QosClassDataKey const& o ) const noexcept {
-   if ( auto c = pmapKey_ <=> o.pmapKey_; c != 0 ) return c;
-   if ( auto c = cmapName_ <=> o.cmapName_; c != 0 ) return c;
-   if ( auto c = ValueText::compareEnum( cmapType_, o.cmapType_ ); c != 0 ) return c;
+   if( auto c = pmapKey_ <=> o.pmapKey_; c != 0 ) return c;
+   if( auto c = cmapName_ <=> o.cmapName_; c != 0 ) return c;
+   if( auto c = ValueText::compareEnum( cmapType_, o.cmapType_ ); c != 0 ) return c;
    return policerName_ <=> o.policerName_;
 }
 
@@ -35,9 +35,9 @@ QosClassDataKey QosClassDataKey::stringToValue( Zub::String const& strVal ) {
    ZUB_TRACE( nevQosTrace, 8, "QosClassDataKey::stringToValue( strVal= " << strVal << " )" );
    // Each field starts after the last '!' of what is left; a missing '!' takes all that is left.
    std::string_view rest = strVal.view();
-   auto last = [&rest]() {
+   auto last = [ &rest ]() {
       auto p = rest.rfind( '!' );
-      if ( p == std::string_view::npos ) return std::exchange( rest, std::string_view() );
+      if( p == std::string_view::npos ) return std::exchange( rest, std::string_view() );
       std::string_view field = rest.substr( p + 1 );
       rest = rest.substr( 0, p );
       return field;

@@ -11,7 +11,7 @@ QosClassMapKey::QosClassMapKey( char const* begin, char const* end ) {
 }
 
 std::strong_ordering QosClassMapKey::operator<=>( QosClassMapKey const& o ) const noexcept {
-   if ( auto c = cmapName_ <=> o.cmapName_; c != 0 ) return c;
+   if( auto c = cmapName_ <=> o.cmapName_; c != 0 ) return c;
    return ValueText::compareEnum( cmapType_, o.cmapType_ );
 }
 

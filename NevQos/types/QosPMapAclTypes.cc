@@ -5,9 +5,9 @@ namespace Nev {
 namespace {
 
 constexpr ValueText::Member qosPMapAclTypesNames[] = {
-      { ipv4Only, "ipv4Only" },
-      { ipv6Only, "ipv6Only" },
-      { ipv4v6Both, "ipv4v6Both" },
+   { ipv4Only, "ipv4Only" },
+   { ipv6Only, "ipv6Only" },
+   { ipv4v6Both, "ipv4v6Both" },
 };
 
 }  // namespace

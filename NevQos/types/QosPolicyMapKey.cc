@@ -19,9 +19,9 @@ QosPolicyMapKey::QosPolicyMapKey( char const* begin, char const* end ) : QosPoli
 }
 
 std::strong_ordering QosPolicyMapKey::operator<=>( QosPolicyMapKey const& o ) const noexcept {
-   if ( auto c = pmapName_ <=> o.pmapName_; c != 0 ) return c;
-   if ( auto c = ValueText::compareEnum( pmapType_, o.pmapType_ ); c != 0 ) return c;
-   if ( auto c = ValueText::compareEnum( direction_, o.direction_ ); c != 0 ) return c;
+   if( auto c = pmapName_ <=> o.pmapName_; c != 0 ) return c;
+   if( auto c = ValueText::compareEnum( pmapType_, o.pmapType_ ); c != 0 ) return c;
+   if( auto c = ValueText::compareEnum( direction_, o.direction_ ); c != 0 ) return c;
    return aclGroup_ <=> o.aclGroup_;
 }
 
@@ -35,7 +35,7 @@ QosPolicyMapKey QosPolicyMapKey::stringToValue( Zub::String const& strVal ) {
    ZUB_TRACE( nevQosTrace, 8, "QosPolicyMapKey::stringToValue( strVal= " << strVal << " )" );
    // Each field ends at the next '!'; a missing '!' leaves the later fields empty.
    std::string_view rest = strVal.view();
-   auto next = [&rest]() {
+   auto next = [ &rest ]() {
       auto p = rest.find( '!' );
       std::string_view field = rest.substr( 0, p );
       rest = p == std::string_view::npos ? std::string_view() : rest.substr( p + 1 );

@@ -7,10 +7,10 @@ namespace Nev {
 namespace {
 
 constexpr ValueText::Member qosPolicyUpdateReasonNames[] = {
-      { updateReasonPolicyChange, "updateReasonPolicyChange" },
-      { updateReasonConfigVersionUpdateTime, "updateReasonConfigVersionUpdateTime" },
-      { updateReasonAclChange, "updateReasonAclChange" },
-      { updateReasonIntfChange, "updateReasonIntfChange" },
+   { updateReasonPolicyChange, "updateReasonPolicyChange" },
+   { updateReasonConfigVersionUpdateTime, "updateReasonConfigVersionUpdateTime" },
+   { updateReasonAclChange, "updateReasonAclChange" },
+   { updateReasonIntfChange, "updateReasonIntfChange" },
 };
 
 }  // namespace
@@ -26,11 +26,11 @@ QosPolicyUpdateRequest::QosPolicyUpdateRequest( char const* begin, char const* e
 
 std::strong_ordering QosPolicyUpdateRequest::operator<=>(
       QosPolicyUpdateRequest const& o ) const noexcept {
-   if ( auto c = ValueText::compareEnum( reasonType_, o.reasonType_ ); c != 0 ) return c;
-   if ( auto c = reasonKey_ <=> o.reasonKey_; c != 0 ) return c;
-   if ( auto c = remove_ <=> o.remove_; c != 0 ) return c;
-   if ( auto c = policyData_ <=> o.policyData_; c != 0 ) return c;
-   if ( auto c = pmapKey_ <=> o.pmapKey_; c != 0 ) return c;
+   if( auto c = ValueText::compareEnum( reasonType_, o.reasonType_ ); c != 0 ) return c;
+   if( auto c = reasonKey_ <=> o.reasonKey_; c != 0 ) return c;
+   if( auto c = remove_ <=> o.remove_; c != 0 ) return c;
+   if( auto c = policyData_ <=> o.policyData_; c != 0 ) return c;
+   if( auto c = pmapKey_ <=> o.pmapKey_; c != 0 ) return c;
    return intfPair_ <=> o.intfPair_;
 }
 
@@ -51,7 +51,7 @@ void deserializeAttr( Zub::StrepIter& it, Zub::StrepIter end, QosPolicyUpdateReq
    QosPolicyUpdateReason reasonType = updateReasonPolicyChange;
    Zub::String reasonKey;
    bool remove = false;
-   Zub::Ptr<QosPolicyMapClassData> policyData;
+   Zub::Ptr< QosPolicyMapClassData > policyData;
    QosPolicyMapKey pmapKey;
    Qos::IntfPairKey intfPair;
    Zub::needString( it, end, "Value('Nev::QosPolicyUpdateRequest', ** {" );

@@ -38,8 +38,8 @@ class QosPolicyUpdateRequest {
    Zub::String const& reasonKey() const noexcept { return reasonKey_; }
    bool remove() const noexcept { return remove_; }
    // What to program, for ACL and interface changes.
-   Zub::Ptr<QosPolicyMapClassData> const& policyData() const noexcept { return policyData_; }
-   void policyDataIs( Zub::Ptr<QosPolicyMapClassData> p ) { policyData_ = std::move( p ); }
+   Zub::Ptr< QosPolicyMapClassData > const& policyData() const noexcept { return policyData_; }
+   void policyDataIs( Zub::Ptr< QosPolicyMapClassData > p ) { policyData_ = std::move( p ); }
    // Which policy map, for policy changes.
    QosPolicyMapKey const& pmapKey() const noexcept { return pmapKey_; }
    void pmapKeyIs( QosPolicyMapKey k ) { pmapKey_ = std::move( k ); }
@@ -56,7 +56,7 @@ class QosPolicyUpdateRequest {
    QosPolicyUpdateReason reasonType_;
    Zub::String reasonKey_;
    bool remove_;
-   Zub::Ptr<QosPolicyMapClassData> policyData_;
+   Zub::Ptr< QosPolicyMapClassData > policyData_;
    QosPolicyMapKey pmapKey_;
    Qos::IntfPairKey intfPair_;
 };

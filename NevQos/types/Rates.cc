@@ -8,7 +8,7 @@ namespace Nev {
 
 std::uint64_t irToKbps( std::uint64_t rate, Qos::RateUnit unit ) {
    ZUB_TRACE( nevQosTrace, 9, "irToKbps" );
-   switch ( unit ) {
+   switch( unit ) {
       case Qos::rateUnitBps_:
          return rate / 1000;
       case Qos::rateUnitKbps_:
@@ -23,7 +23,7 @@ std::uint64_t irToKbps( std::uint64_t rate, Qos::RateUnit unit ) {
 
 std::uint64_t bsToBytes( std::uint64_t burst, Qos::BurstUnit unit ) {
    ZUB_TRACE( nevQosTrace, 9, "bsToBytes" );
-   switch ( unit ) {
+   switch( unit ) {
       case Qos::burstUnitBytes_:
          return burst;
       case Qos::burstUnitKbytes_:
@@ -36,19 +36,19 @@ std::uint64_t bsToBytes( std::uint64_t burst, Qos::BurstUnit unit ) {
    }
 }
 
-void validateAndUpdateCir( Zub::Ptr<Qos::AclHwStatus const> const& hw, std::uint64_t& cir,
+void validateAndUpdateCir( Zub::Ptr< Qos::AclHwStatus const > const& hw, std::uint64_t& cir,
                            Qos::RateUnit& cirUnit ) {
    ZUB_TRACE( nevQosTrace, 9, "validateAndUpdateCir" );
    ZUB_ASSERT( hw );
-   if ( cirUnit == Qos::rateUnitPps_ ) {
+   if( cirUnit == Qos::rateUnitPps_ ) {
       std::uint32_t const minPps = hw->policePacketModeMinRatePps();
       std::uint32_t const maxPps = hw->policePacketModeMaxRatePps();
-      if ( cir < minPps ) {
+      if( cir < minPps ) {
          ZUB_TRACE( nevQosTrace, 3,
                     "cir (" << cir << ") < policePacketModeMinRatePps (" << minPps
                             << "). Setting cir to " << minPps );
          cir = minPps;
-      } else if ( cir > maxPps ) {
+      } else if( cir > maxPps ) {
          ZUB_TRACE( nevQosTrace, 3,
                     "cir (" << cir << ") > policePacketModeMaxRatePps (" << maxPps
                             << "). Setting cir to " << maxPps );
@@ -60,13 +60,13 @@ void validateAndUpdateCir( Zub::Ptr<Qos::AclHwStatus const> const& hw, std::uint
    std::uint64_t const cirKbps = irToKbps( cir, cirUnit );
    std::uint32_t const minKbps = hw->policeByteModeMinRateKbps();
    std::uint32_t const maxKbps = hw->policeByteModeMaxRateKbps();
-   if ( cirKbps < minKbps ) {
+   if( cirKbps < minKbps ) {
       ZUB_TRACE( nevQosTrace, 3,
                  "cirKbps (" << cirKbps << ") < policeByteModeMinRateKbps (" << minKbps
                              << "). Setting cir to " << minKbps << " and cirUnit to Kbps." );
       cir = minKbps;
       cirUnit = Qos::rateUnitKbps_;
-   } else if ( cirKbps > maxKbps ) {
+   } else if( cirKbps > maxKbps ) {
       ZUB_TRACE( nevQosTrace, 3,
                  "cirKbps (" << cirKbps << ") > policeByteModeMaxRateKbps (" << maxKbps
                              << "). Setting cir to " << maxKbps << " and cirUnit to Kbps." );
@@ -75,19 +75,19 @@ void validateAndUpdateCir( Zub::Ptr<Qos::AclHwStatus const> const& hw, std::uint
    }
 }
 
-void validateAndUpdateBc( Zub::Ptr<Qos::AclHwStatus const> const& hw, std::uint32_t& bc,
+void validateAndUpdateBc( Zub::Ptr< Qos::AclHwStatus const > const& hw, std::uint32_t& bc,
                           Qos::BurstUnit& bcUnit ) {
    ZUB_TRACE( nevQosTrace, 9, "validateAndUpdateBc" );
    ZUB_ASSERT( hw );
-   if ( bcUnit == Qos::burstUnitPackets_ ) {
+   if( bcUnit == Qos::burstUnitPackets_ ) {
       std::uint32_t const minPackets = hw->policePacketModeMinBurstPackets();
       std::uint32_t const maxPackets = hw->policePacketModeMaxBurstPackets();
-      if ( bc < minPackets ) {
+      if( bc < minPackets ) {
          ZUB_TRACE( nevQosTrace, 3,
                     "bc (" << bc << ") < policePacketModeMinBurstPackets (" << minPackets
                            << "). Setting bc to " << minPackets );
          bc = minPackets;
-      } else if ( bc > maxPackets ) {
+      } else if( bc > maxPackets ) {
          ZUB_TRACE( nevQosTrace, 3,
                     "bc (" << bc << ") > policePacketModeMaxBurstPackets (" << maxPackets
                            << "). Setting bc to " << maxPackets );
@@ -100,13 +100,13 @@ void validateAndUpdateBc( Zub::Ptr<Qos::AclHwStatus const> const& hw, std::uint3
    std::uint64_t const bcBytes = bsToBytes( bc, bcUnit );
    std::uint32_t const minBytes = hw->policeByteModeMinBurstBytes();
    std::uint32_t const maxBytes = hw->policeByteModeMaxBurstBytes();
-   if ( bcBytes < minBytes ) {
+   if( bcBytes < minBytes ) {
       ZUB_TRACE( nevQosTrace, 3,
                  "bcBytes (" << bcBytes << ") < policeByteModeMinBurstBytes (" << minBytes
                              << "). Setting bc to " << minBytes << " and bcUnit to bytes." );
       bc = minBytes;
       bcUnit = Qos::burstUnitBytes_;
-   } else if ( bcBytes > maxBytes ) {
+   } else if( bcBytes > maxBytes ) {
       ZUB_TRACE( nevQosTrace, 3,
                  "bcBytes (" << bcBytes << ") > policeByteModeMaxBurstBytes (" << maxBytes
                              << "). Setting bc to " << maxBytes << " and bcUnit to bytes." );
@@ -115,18 +115,18 @@ void validateAndUpdateBc( Zub::Ptr<Qos::AclHwStatus const> const& hw, std::uint3
    }
 }
 
-void validateAndUpdatePir( Zub::Ptr<Qos::AclHwStatus const> const& hw, std::uint64_t cir,
+void validateAndUpdatePir( Zub::Ptr< Qos::AclHwStatus const > const& hw, std::uint64_t cir,
                            Qos::RateUnit cirUnit, std::uint64_t& pir, Qos::RateUnit& pirUnit ) {
-   if ( pir == 0 ) return;
+   if( pir == 0 ) return;
    ZUB_TRACE( nevQosTrace, 9, "validateAndUpdatePir" );
    ZUB_ASSERT( hw );
-   if ( pirUnit != Qos::rateUnitPps_ ) {
+   if( pirUnit != Qos::rateUnitPps_ ) {
       std::uint64_t const cirKbps = irToKbps( cir, cirUnit );
       std::uint64_t const pirKbps = irToKbps( pir, pirUnit );
       std::uint64_t const excessKbps = pirKbps - cirKbps;
       std::uint32_t const minKbps = hw->policeByteModeMinRateKbps();
       std::uint32_t const maxKbps = hw->policeByteModeMaxRateKbps();
-      if ( excessKbps < minKbps ) {
+      if( excessKbps < minKbps ) {
          std::uint64_t const newPir = cirKbps + minKbps;
          ZUB_TRACE( nevQosTrace, 3,
                     "pirKbps (" << pirKbps << ") < policeByteModeMinRateKbps (" << minKbps
@@ -134,7 +134,7 @@ void validateAndUpdatePir( Zub::Ptr<Qos::AclHwStatus const> const& hw, std::uint
                                 << " and pirUnit to Kbps." );
          pir = newPir;
          pirUnit = Qos::rateUnitKbps_;
-      } else if ( excessKbps > maxKbps ) {
+      } else if( excessKbps > maxKbps ) {
          std::uint64_t const newPir = cirKbps + maxKbps;
          ZUB_TRACE( nevQosTrace, 3,
                     "pirKbps (" << pirKbps << ") > policeByteModeMaxRateKbps (" << maxKbps
@@ -149,14 +149,14 @@ void validateAndUpdatePir( Zub::Ptr<Qos::AclHwStatus const> const& hw, std::uint
    std::uint64_t const excessPps = pir - cir;
    std::uint32_t const minPps = hw->policePacketModeMinRatePps();
    std::uint32_t const maxPps = hw->policePacketModeMaxRatePps();
-   if ( excessPps < minPps ) {
+   if( excessPps < minPps ) {
       std::uint64_t const newPir = cir + minPps;
       // The text names the maximum, but the value is the minimum; kept as it always read.
       ZUB_TRACE( nevQosTrace, 3,
                  "pirPps (" << pir << ") < policePacketModeMaxRatePps (" << minPps << ") + cirPps ("
                             << cir << "). Setting pir to " << newPir );
       pir = newPir;
-   } else if ( excessPps > maxPps ) {
+   } else if( excessPps > maxPps ) {
       std::uint64_t const newPir = cir + maxPps;
       ZUB_TRACE( nevQosTrace, 3,
                  "pirPps (" << pir << ") > policePacketModeMaxRatePps (" << maxPps << ") + cirPps ("
@@ -165,20 +165,20 @@ void validateAndUpdatePir( Zub::Ptr<Qos::AclHwStatus const> const& hw, std::uint
    }
 }
 
-void validateAndUpdateBe( Zub::Ptr<Qos::AclHwStatus const> const& hw, std::uint64_t pir,
+void validateAndUpdateBe( Zub::Ptr< Qos::AclHwStatus const > const& hw, std::uint64_t pir,
                           std::uint32_t& be, Qos::BurstUnit& beUnit ) {
-   if ( pir == 0 ) return;
+   if( pir == 0 ) return;
    ZUB_TRACE( nevQosTrace, 9, "validateAndUpdateBe" );
    ZUB_ASSERT( hw );
-   if ( beUnit == Qos::burstUnitPackets_ ) {
+   if( beUnit == Qos::burstUnitPackets_ ) {
       std::uint32_t const minPackets = hw->policePacketModeMinBurstPackets();
       std::uint32_t const maxPackets = hw->policePacketModeMaxBurstPackets();
-      if ( be < minPackets ) {
+      if( be < minPackets ) {
          ZUB_TRACE( nevQosTrace, 3,
                     "be (" << be << ") < policePacketModeMinBurstPackets (" << minPackets
                            << "). Setting be to " << minPackets );
          be = minPackets;
-      } else if ( be > maxPackets ) {
+      } else if( be > maxPackets ) {
          ZUB_TRACE( nevQosTrace, 3,
                     "be (" << be << ") > policePacketModeMaxBurstPackets (" << maxPackets
                            << "). Setting be to " << maxPackets );
@@ -190,13 +190,13 @@ void validateAndUpdateBe( Zub::Ptr<Qos::AclHwStatus const> const& hw, std::uint6
    std::uint64_t const beBytes = bsToBytes( be, beUnit );
    std::uint32_t const minBytes = hw->policeByteModeMinBurstBytes();
    std::uint32_t const maxBytes = hw->policeByteModeMaxBurstBytes();
-   if ( beBytes < minBytes ) {
+   if( beBytes < minBytes ) {
       ZUB_TRACE( nevQosTrace, 3,
                  "beBytes (" << beBytes << ") < policeByteModeMinBurstBytes (" << minBytes
                              << "). Setting be to " << minBytes << " and beUnit to bytes." );
       be = minBytes;
       beUnit = Qos::burstUnitBytes_;
-   } else if ( beBytes > maxBytes ) {
+   } else if( beBytes > maxBytes ) {
       ZUB_TRACE( nevQosTrace, 3,
                  "beBytes (" << beBytes << ") > policeByteModeMaxBurstBytes (" << maxBytes
                              << "). Setting be to " << maxBytes << " and beUnit to bytes." );
@@ -210,7 +210,7 @@ void validateAndUpdateBe( Zub::Ptr<Qos::AclHwStatus const> const& hw, std::uint6
 namespace NevHelper {
 
 std::uint64_t getRateParamInKbps( Qos::RateUnit rateUnit, std::uint64_t value ) {
-   switch ( rateUnit ) {
+   switch( rateUnit ) {
       case Qos::rateUnitBps_:
          return value / 1000;
       case Qos::rateUnitKbps_:
@@ -225,7 +225,7 @@ std::uint64_t getRateParamInKbps( Qos::RateUnit rateUnit, std::uint64_t value ) 
 }
 
 std::uint64_t getBurstParamInKbits( Qos::BurstUnit burstUnit, std::uint64_t value ) {
-   switch ( burstUnit ) {
+   switch( burstUnit ) {
       case Qos::burstUnitBytes_:
          return ( value * 8 ) / 1000;
       case Qos::burstUnitKbytes_:
@@ -240,7 +240,7 @@ std::uint64_t getBurstParamInKbits( Qos::BurstUnit burstUnit, std::uint64_t valu
 }
 
 std::uint64_t getBurstParamInBytes( Qos::BurstUnit burstUnit, std::uint64_t value ) {
-   switch ( burstUnit ) {
+   switch( burstUnit ) {
       case Qos::burstUnitBytes_:
          return value;
       case Qos::burstUnitKbytes_:

@@ -25,20 +25,20 @@ std::uint64_t bsToBytes( std::uint64_t burst, Qos::BurstUnit unit );
 
 // Committed rate: clamped to the packet-mode limits (unit kept), or to the byte-mode limits in
 // kbps (unit becomes kbps when clamped).
-void validateAndUpdateCir( Zub::Ptr<Qos::AclHwStatus const> const& hw, std::uint64_t& cir,
+void validateAndUpdateCir( Zub::Ptr< Qos::AclHwStatus const > const& hw, std::uint64_t& cir,
                            Qos::RateUnit& cirUnit );
 // Committed burst: clamped to the packet-mode limits (unit kept), or to the byte-mode limits in
 // bytes (unit becomes bytes when clamped).
-void validateAndUpdateBc( Zub::Ptr<Qos::AclHwStatus const> const& hw, std::uint32_t& bc,
+void validateAndUpdateBc( Zub::Ptr< Qos::AclHwStatus const > const& hw, std::uint32_t& bc,
                           Qos::BurstUnit& bcUnit );
 // Peak rate of a two-rate policer, given the validated cir. The limits apply to the excess
 // pir - cir, computed unsigned: a pir below cir wraps to a huge excess and becomes
 // cir + maximum. A pir of 0 means a single-rate policer and is left alone.
-void validateAndUpdatePir( Zub::Ptr<Qos::AclHwStatus const> const& hw, std::uint64_t cir,
+void validateAndUpdatePir( Zub::Ptr< Qos::AclHwStatus const > const& hw, std::uint64_t cir,
                            Qos::RateUnit cirUnit, std::uint64_t& pir, Qos::RateUnit& pirUnit );
 // Excess burst of a two-rate policer, clamped like bc. With pir 0 (single rate) be is not
 // looked at.
-void validateAndUpdateBe( Zub::Ptr<Qos::AclHwStatus const> const& hw, std::uint64_t pir,
+void validateAndUpdateBe( Zub::Ptr< Qos::AclHwStatus const > const& hw, std::uint64_t pir,
                           std::uint32_t& be, Qos::BurstUnit& beUnit );
 
 }  // namespace Nev

@@ -14,7 +14,7 @@ TcpFlag::TcpFlag( char const* begin, char const* end ) {
 }
 
 void TcpFlag::valueIs( std::uint32_t v ) {
-   if ( v > maxValue ) Zub::throwRangeException( "TcpFlag::value > 0x3f not allowed" );
+   if( v > maxValue ) Zub::throwRangeException( "TcpFlag::value > 0x3f not allowed" );
    value_ = v;
 }
 
@@ -39,10 +39,10 @@ void deserializeAttr( Zub::StrepIter& it, Zub::StrepIter end, TcpFlag& out ) {
    Zub::needString( it, end, "Value('NevHelper::QosAclHelper::TcpFlag', ** {" );
    std::uint32_t value = 0;
    bool first = true;
-   for ( auto const& f : fields ) {
+   for( auto const& f : fields ) {
       bool on = false;
       Zub::deserializeField( it, end, f.name, on, first );
-      if ( on ) value |= f.bit;
+      if( on ) value |= f.bit;
       first = false;
    }
    Zub::needString( it, end, "})" );

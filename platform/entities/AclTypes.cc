@@ -5,9 +5,9 @@ namespace Acl {
 namespace {
 
 constexpr ValueText::Member aclTypeNames[] = {
-      { aclTypeIp, "ip" },
-      { aclTypeIpv6, "ipv6" },
-      { aclTypeMac, "mac" },
+   { aclTypeIp, "ip" },
+   { aclTypeIpv6, "ipv6" },
+   { aclTypeMac, "mac" },
 };
 
 }  // namespace

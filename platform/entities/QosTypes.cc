@@ -9,64 +9,64 @@ namespace Qos {
 namespace {
 
 constexpr ValueText::Member mapTypeNames[] = {
-      { mapControlPlane_, "mapControlPlane" },
-      { mapQos_, "mapQos" },
-      { mapPdp_, "mapPdp" },
+   { mapControlPlane_, "mapControlPlane" },
+   { mapQos_, "mapQos" },
+   { mapPdp_, "mapPdp" },
 };
 
 constexpr ValueText::Member directionNames[] = {
-      { directionInput_, "input" },
-      { directionOutput_, "output" },
+   { directionInput_, "input" },
+   { directionOutput_, "output" },
 };
 
 constexpr ValueText::Member classMapMatchOptionNames[] = {
-      { matchOptionNone, "matchOptionNone" },
-      { matchOptionIpAcl, "matchOptionIpAcl" },
-      { matchOptionIpv6Acl, "matchOptionIpv6Acl" },
-      { matchOptionVlan, "matchOptionVlan" },
-      { matchOptionDscpEcn, "matchOptionDscpEcn" },
-      { matchOptionMplsTrafficClass, "matchOptionMplsTrafficClass" },
-      { matchOptionMac, "matchOptionMac" },
-      { matchOptionBuiltIn, "matchOptionBuiltIn" },
-      { matchOptionCos, "matchOptionCos" },
-      { matchOptionVlanCos, "matchOptionVlanCos" },
+   { matchOptionNone, "matchOptionNone" },
+   { matchOptionIpAcl, "matchOptionIpAcl" },
+   { matchOptionIpv6Acl, "matchOptionIpv6Acl" },
+   { matchOptionVlan, "matchOptionVlan" },
+   { matchOptionDscpEcn, "matchOptionDscpEcn" },
+   { matchOptionMplsTrafficClass, "matchOptionMplsTrafficClass" },
+   { matchOptionMac, "matchOptionMac" },
+   { matchOptionBuiltIn, "matchOptionBuiltIn" },
+   { matchOptionCos, "matchOptionCos" },
+   { matchOptionVlanCos, "matchOptionVlanCos" },
 };
 
 constexpr ValueText::Member trustModeNames[] = {
-      { trustCos_, "trustCos" },
-      { trustDscp_, "trustDscp" },
-      { untrusted_, "untrusted" },
-      { trustModeInvalid_, "trustModeInvalid" },
+   { trustCos_, "trustCos" },
+   { trustDscp_, "trustDscp" },
+   { untrusted_, "untrusted" },
+   { trustModeInvalid_, "trustModeInvalid" },
 };
 
 constexpr ValueText::Member policyMapHwPrgmStatusNames[] = {
-      { hwPrgmStatusInProgress_, "hwPrgmStatusInProgress" },
-      { hwPrgmStatusFail_, "hwPrgmStatusFail" },
-      { hwPrgmStatusSuccess_, "hwPrgmStatusSuccess" },
+   { hwPrgmStatusInProgress_, "hwPrgmStatusInProgress" },
+   { hwPrgmStatusFail_, "hwPrgmStatusFail" },
+   { hwPrgmStatusSuccess_, "hwPrgmStatusSuccess" },
 };
 
 constexpr ValueText::Member hwProgrammingStatusNames[] = {
-      { hwProgrammingFailed_, "hwProgrammingFailed" },
-      { hwProgrammingSucceeded_, "hwProgrammingSucceeded" },
+   { hwProgrammingFailed_, "hwProgrammingFailed" },
+   { hwProgrammingSucceeded_, "hwProgrammingSucceeded" },
 };
 
 constexpr ValueText::Member featureNameNames[] = {
-      { featureDscpRewriteEnable_, "featureDscpRewriteEnable" },
-      { featureCosRewriteEnable_, "featureCosRewriteEnable" },
-      { featureTrustMode_, "featureTrustMode" },
-      { featureEcnStatus_, "featureEcnStatus" },
-      { featureEcnDelayThreshold_, "featureEcnDelayThreshold" },
-      { featureWred_, "featureWred" },
-      { featureGlobalMaps_, "featureGlobalMaps" },
-      { featureDefaultCos_, "featureDefaultCos" },
-      { featureDefaultDscp_, "featureDefaultDscp" },
-      { featureEcnQueueCounters_, "featureEcnQueueCounters" },
-      { featureDropThresholds_, "featureDropThresholds" },
+   { featureDscpRewriteEnable_, "featureDscpRewriteEnable" },
+   { featureCosRewriteEnable_, "featureCosRewriteEnable" },
+   { featureTrustMode_, "featureTrustMode" },
+   { featureEcnStatus_, "featureEcnStatus" },
+   { featureEcnDelayThreshold_, "featureEcnDelayThreshold" },
+   { featureWred_, "featureWred" },
+   { featureGlobalMaps_, "featureGlobalMaps" },
+   { featureDefaultCos_, "featureDefaultCos" },
+   { featureDefaultDscp_, "featureDefaultDscp" },
+   { featureEcnQueueCounters_, "featureEcnQueueCounters" },
+   { featureDropThresholds_, "featureDropThresholds" },
 };
 
 constexpr ValueText::Member txQueueTypeNames[] = {
-      { unicastQueue_, "unicastQueue" },
-      { multicastQueue_, "multicastQueue" },
+   { unicastQueue_, "unicastQueue" },
+   { multicastQueue_, "multicastQueue" },
 };
 
 }  // namespace
@@ -150,8 +150,8 @@ ServicePolicyKey::ServicePolicyKey( char const* begin, char const* end ) {
 }
 
 std::strong_ordering ServicePolicyKey::operator<=>( ServicePolicyKey const& o ) const noexcept {
-   if ( auto c = ValueText::compareEnum( type_, o.type_ ); c != 0 ) return c;
-   if ( auto c = ValueText::compareEnum( direction_, o.direction_ ); c != 0 ) return c;
+   if( auto c = ValueText::compareEnum( type_, o.type_ ); c != 0 ) return c;
+   if( auto c = ValueText::compareEnum( direction_, o.direction_ ); c != 0 ) return c;
    return pmapName_ <=> o.pmapName_;
 }
 
@@ -187,7 +187,7 @@ PolicyMapHwStatusKey::PolicyMapHwStatusKey( char const* begin, char const* end )
 
 std::strong_ordering PolicyMapHwStatusKey::operator<=>(
       PolicyMapHwStatusKey const& o ) const noexcept {
-   if ( auto c = ValueText::compareEnum( direction_, o.direction_ ); c != 0 ) return c;
+   if( auto c = ValueText::compareEnum( direction_, o.direction_ ); c != 0 ) return c;
    return name_ <=> o.name_;
 }
 

@@ -101,7 +101,7 @@ ENUM_TEXT_DECLARE( TxQueueType );
 // unconfigured map slot. A default-constructed number is the sentinel, so that map arrays start
 // unconfigured. It converts to its byte for comparisons and indexing; building one from anything
 // outside [min, invalid] throws Zub::RangeException.
-template <class Traits>
+template< class Traits >
 class SentinelNumber {
  public:
    using ValueType = std::uint8_t;
@@ -132,11 +132,11 @@ class SentinelNumber {
 
  private:
    static constexpr ValueType checked( long long v ) {
-      if ( v < min || v > invalid ) {
+      if( v < min || v > invalid ) {
          Zub::throwRangeException( Zub::String( Traits::name ) + "::value < " + Traits::name +
                                    "::min or > " + Traits::name + "::invalid not allowed" );
       }
-      return static_cast<ValueType>( v );
+      return static_cast< ValueType >( v );
    }
    ValueType value_ = invalid;
 };
@@ -166,12 +166,12 @@ struct TxQueueIdTraits {
    static constexpr std::uint8_t invalid = 16;
 };
 
-using Cos = SentinelNumber<CosTraits>;
-using Dscp = SentinelNumber<DscpTraits>;
-using Exp = SentinelNumber<ExpTraits>;
-using TrafficClass = SentinelNumber<TrafficClassTraits>;
-using DropPrecedence = SentinelNumber<DropPrecedenceTraits>;
-using TxQueueId = SentinelNumber<TxQueueIdTraits>;
+using Cos = SentinelNumber< CosTraits >;
+using Dscp = SentinelNumber< DscpTraits >;
+using Exp = SentinelNumber< ExpTraits >;
+using TrafficClass = SentinelNumber< TrafficClassTraits >;
+using DropPrecedence = SentinelNumber< DropPrecedenceTraits >;
+using TxQueueId = SentinelNumber< TxQueueIdTraits >;
 
 // ---- Keys
 
@@ -220,7 +220,7 @@ class TxQueue {
       return id_.value() == o.id_.value() && type_ == o.type_;
    }
    std::strong_ordering operator<=>( TxQueue const& o ) const noexcept {
-      if ( auto c = id_.value() <=> o.id_.value(); c != 0 ) return c;
+      if( auto c = id_.value() <=> o.id_.value(); c != 0 ) return c;
       return ValueText::compareEnum( type_, o.type_ );
    }
    bool operator!() const noexcept { return *this == TxQueue(); }

@@ -7,28 +7,28 @@ namespace Qos {
 namespace {
 
 constexpr ValueText::Member rateUnitNames[] = {
-      { rateUnitPps_, "pps" },
-      { rateUnitBps_, "bps" },
-      { rateUnitKbps_, "kbps" },
-      { rateUnitMbps_, "mbps" },
+   { rateUnitPps_, "pps" },
+   { rateUnitBps_, "bps" },
+   { rateUnitKbps_, "kbps" },
+   { rateUnitMbps_, "mbps" },
 };
 
 constexpr ValueText::Member burstUnitNames[] = {
-      { burstUnitBytes_, "bytes" },
-      { burstUnitKbytes_, "kbytes" },
-      { burstUnitMbytes_, "mbytes" },
-      { burstUnitPackets_, "packets" },
+   { burstUnitBytes_, "bytes" },
+   { burstUnitKbytes_, "kbytes" },
+   { burstUnitMbytes_, "mbytes" },
+   { burstUnitPackets_, "packets" },
 };
 
 constexpr ValueText::Member shapeRateUnitNames[] = {
-      { shapeRateUnitKbps_, "kbps" },
-      { shapeRateUnitPps_, "pps" },
+   { shapeRateUnitKbps_, "kbps" },
+   { shapeRateUnitPps_, "pps" },
 };
 
 constexpr ValueText::Member guaranteedBwUnitNames[] = {
-      { guaranteedBwUnitKbps_, "kbps" },
-      { guaranteedBwUnitPps_, "pps" },
-      { guaranteedBwUnitPercent_, "percent" },
+   { guaranteedBwUnitKbps_, "kbps" },
+   { guaranteedBwUnitPps_, "pps" },
+   { guaranteedBwUnitPercent_, "percent" },
 };
 
 }  // namespace

@@ -5,7 +5,7 @@
 namespace Kesh {
 
 TaskScheduler::TaskScheduler( Zub::ActivityManager* loop )
-    : clock_( Zub::make<Zub::Clock>( loop ) ) {}
+    : clock_( Zub::make< Zub::Clock >( loop ) ) {}
 
 class Task::RunClock : public Zub::Clock::NotifieeConst {
  public:
@@ -16,10 +16,10 @@ class Task::RunClock : public Zub::Clock::NotifieeConst {
    Task* task_;
 };
 
-Task::Task( Zub::Ptr<TaskScheduler> const& scheduler, TaskPriority priority,
+Task::Task( Zub::Ptr< TaskScheduler > const& scheduler, TaskPriority priority,
             Zub::String const& name )
     : Zub::Entity( name ), scheduler_( scheduler ), priority_( priority ) {
-   runClock_ = Zub::make<RunClock>( this );
+   runClock_ = Zub::make< RunClock >( this );
    runClock_->notifierIs( scheduler_->clock() );
 }
 
@@ -29,7 +29,7 @@ Task::~Task() {
 
 void Task::scheduleTask() {
    Zub::Seconds now = scheduler_->clock()->now();
-   if ( runClock_->timeMin() <= now ) return;
+   if( runClock_->timeMin() <= now ) return;
    runClock_->timeMinIs( now );
 }
 
@@ -48,7 +48,7 @@ Zub::Seconds Task::taskScheduledTime() const {
 void Task::run() {
    workCount_ = 0;
    ++runs_;
-   zubNotify<Notifiee>( []( Notifiee& n ) { n.onTaskRun(); } );
+   zubNotify< Notifiee >( []( Notifiee& n ) { n.onTaskRun(); } );
 }
 
 }  // namespace Kesh

@@ -23,13 +23,13 @@ class TaskScheduler : public Zub::PtrInterface {
    static constexpr std::uint64_t defaultWorkQuantum = 100;
 
    explicit TaskScheduler( Zub::ActivityManager* loop = Zub::activityManager() );
-   Zub::Ptr<Zub::Clock> const& clock() const { return clock_; }
+   Zub::Ptr< Zub::Clock > const& clock() const { return clock_; }
    // Units of work one slice may count before `taskShouldYield()` says yes.
    std::uint64_t workQuantum() const { return workQuantum_; }
    void workQuantumIs( std::uint64_t units ) { workQuantum_ = units ? units : 1; }
 
  private:
-   Zub::Ptr<Zub::Clock> clock_;
+   Zub::Ptr< Zub::Clock > clock_;
    std::uint64_t workQuantum_ = defaultWorkQuantum;
 };
 
@@ -39,21 +39,24 @@ class Task : public Zub::Entity {
    class Notifiee : public Zub::Entity::Notifiee {
     public:
       static constexpr std::uint8_t zubDepth = 1;
-      Zub::Ptr<Task const> notifier() const {
-         return static_cast<Task const*>( this->zubNotifier() );
+      Zub::Ptr< Task const > notifier() const {
+         return static_cast< Task const* >( this->zubNotifier() );
       }
-      void notifierIs( Zub::Ptr<Task const> const& t ) { zubNotifierIs( t.ptr(), zubDepth, true ); }
-      void notifierIsWithoutCatchUp( Zub::Ptr<Task const> const& t ) {
+      void notifierIs( Zub::Ptr< Task const > const& t ) {
+         zubNotifierIs( t.ptr(), zubDepth, true );
+      }
+      void notifierIsWithoutCatchUp( Zub::Ptr< Task const > const& t ) {
          zubNotifierIs( t.ptr(), zubDepth, false );
       }
       virtual void onTaskRun() {}
    };
 
-   Task( Zub::Ptr<TaskScheduler> const& scheduler, TaskPriority priority, Zub::String const& name );
+   Task( Zub::Ptr< TaskScheduler > const& scheduler, TaskPriority priority,
+         Zub::String const& name );
    ~Task() override;
 
    TaskPriority priority() const { return priority_; }
-   Zub::Ptr<TaskScheduler> const& scheduler() const { return scheduler_; }
+   Zub::Ptr< TaskScheduler > const& scheduler() const { return scheduler_; }
 
    // Runs the task on the next turn of the loop. A run already scheduled sooner stays.
    void scheduleTask();
@@ -72,9 +75,9 @@ class Task : public Zub::Entity {
    class RunClock;
    void run();
 
-   Zub::Ptr<TaskScheduler> scheduler_;
+   Zub::Ptr< TaskScheduler > scheduler_;
    TaskPriority priority_;
-   Zub::Ptr<RunClock> runClock_;
+   Zub::Ptr< RunClock > runClock_;
    std::uint64_t workCount_ = 0;
    std::uint64_t runs_ = 0;
 };
@@ -82,7 +85,7 @@ class Task : public Zub::Entity {
 // A task run by the loop's timers; the kind the state machines create.
 class TimerTask : public Task {
  public:
-   TimerTask( Zub::Ptr<TaskScheduler> const& scheduler, TaskPriority priority,
+   TimerTask( Zub::Ptr< TaskScheduler > const& scheduler, TaskPriority priority,
               Zub::String const& name )
        : Task( scheduler, priority, name ) {}
 };

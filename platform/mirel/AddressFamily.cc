@@ -5,9 +5,9 @@ namespace Mirel {
 namespace {
 
 constexpr ValueText::Member addressFamilyNames[] = {
-      { ipunknown, "ipunknown" },
-      { ipv4, "ipv4" },
-      { ipv6, "ipv6" },
+   { ipunknown, "ipunknown" },
+   { ipv4, "ipv4" },
+   { ipv6, "ipv6" },
 };
 
 }  // namespace

@@ -50,7 +50,7 @@ class IntfId {
    static IntfId subIntf( IntfId parent, std::uint32_t number );
 
    constexpr std::uint64_t value() const noexcept { return value_; }
-   constexpr Kind kind() const noexcept { return static_cast<Kind>( value_ >> 56 ); }
+   constexpr Kind kind() const noexcept { return static_cast< Kind >( value_ >> 56 ); }
    constexpr bool empty() const noexcept { return value_ == 0; }
    constexpr bool operator!() const noexcept { return empty(); }
 
@@ -65,10 +65,10 @@ class IntfId {
 
    // The port, channel, VLAN or VXLAN number.
    constexpr std::uint32_t number() const noexcept {
-      return static_cast<std::uint32_t>( value_ >> 40 ) & 0xffff;
+      return static_cast< std::uint32_t >( value_ >> 40 ) & 0xffff;
    }
    constexpr std::uint32_t subIntfNumber() const noexcept {
-      return static_cast<std::uint32_t>( value_ ) & maxSubIntfNumber;
+      return static_cast< std::uint32_t >( value_ ) & maxSubIntfNumber;
    }
    // The interface of a subinterface; any other id is its own parent.
    constexpr IntfId parent() const noexcept {
@@ -99,7 +99,7 @@ void deserializeAttr( Zub::StrepIter& it, Zub::StrepIter end, IntfId& out );
 
 }  // namespace Mirel
 
-template <>
-struct std::hash<Mirel::IntfId> {
+template<>
+struct std::hash< Mirel::IntfId > {
    std::size_t operator()( Mirel::IntfId id ) const noexcept { return id.hash(); }
 };

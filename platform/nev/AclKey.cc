@@ -45,11 +45,11 @@ std::uint32_t AclKey::hash() const noexcept {
 }
 
 std::strong_ordering AclKey::operator<=>( AclKey const& o ) const noexcept {
-   if ( auto c = aclName_ <=> o.aclName_; c != 0 ) return c;
-   if ( auto c = ValueText::compareEnum( aclType_, o.aclType_ ); c != 0 ) return c;
-   if ( auto c = index_ <=> o.index_; c != 0 ) return c;
-   if ( auto c = chip_ <=> o.chip_; c != 0 ) return c;
-   if ( auto c = stage_ <=> o.stage_; c != 0 ) return c;
+   if( auto c = aclName_ <=> o.aclName_; c != 0 ) return c;
+   if( auto c = ValueText::compareEnum( aclType_, o.aclType_ ); c != 0 ) return c;
+   if( auto c = index_ <=> o.index_; c != 0 ) return c;
+   if( auto c = chip_ <=> o.chip_; c != 0 ) return c;
+   if( auto c = stage_ <=> o.stage_; c != 0 ) return c;
    return aclGroup_ <=> o.aclGroup_;
 }
 

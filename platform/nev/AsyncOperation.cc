@@ -5,7 +5,7 @@
 namespace Nev {
 
 char const* stringValue( AsyncOperationState s ) {
-   switch ( s ) {
+   switch( s ) {
       case AsyncOperationState::asyncNone:
          return "asyncNone";
       case AsyncOperationState::asyncPending:

@@ -9,15 +9,15 @@ class NevBaseSm::StartClock : public Zub::Clock::NotifieeConst {
  public:
    explicit StartClock( NevBaseSm* sm ) : sm_( sm ) {}
    void onTime() override {
-      if ( !sm_->zombie() && !sm_->initialized() ) sm_->handleInitialized();
+      if( !sm_->zombie() && !sm_->initialized() ) sm_->handleInitialized();
    }
 
  private:
    NevBaseSm* sm_;
 };
 
-NevBaseSm::NevBaseSm( Zub::Ptr<NevCommonSmData const> const& ncsd ) : ncsd_( ncsd ) {
-   startClock_ = Zub::make<StartClock>( this );
+NevBaseSm::NevBaseSm( Zub::Ptr< NevCommonSmData const > const& ncsd ) : ncsd_( ncsd ) {
+   startClock_ = Zub::make< StartClock >( this );
    startClock_->notifierIs( Zub::activityManager()->clock() );
    startClock_->timeMinIs( Zub::System::currentTime() );
 }
@@ -25,7 +25,7 @@ NevBaseSm::NevBaseSm( Zub::Ptr<NevCommonSmData const> const& ncsd ) : ncsd_( ncs
 NevBaseSm::~NevBaseSm() = default;
 
 void NevBaseSm::zubDoZombieReactors( bool zombie ) {
-   if ( this->zombie() == zombie ) return;
+   if( this->zombie() == zombie ) return;
    zombieIs( zombie );
    startClock_->zombieIs( zombie );
 }
@@ -34,7 +34,7 @@ class NevAsyncBaseSm::TcamRequestClock : public Zub::Clock::NotifieeConst {
  public:
    explicit TcamRequestClock( NevAsyncBaseSm* sm ) : sm_( sm ) {}
    void onTime() override {
-      if ( !sm_->zombie() ) sm_->processTcamRequestQueue();
+      if( !sm_->zombie() ) sm_->processTcamRequestQueue();
    }
 
  private:
@@ -45,29 +45,30 @@ class NevAsyncBaseSm::PendingOperationTimeoutClock : public Zub::Clock::Notifiee
  public:
    explicit PendingOperationTimeoutClock( NevAsyncBaseSm* sm ) : sm_( sm ) {}
    void onTime() override {
-      if ( !sm_->zombie() ) sm_->handlePendingOperationTimeout();
+      if( !sm_->zombie() ) sm_->handlePendingOperationTimeout();
    }
 
  private:
    NevAsyncBaseSm* sm_;
 };
 
-NevAsyncBaseSm::NevAsyncBaseSm( Zub::Ptr<NevCommonSmData const> const& ncsd ) : NevBaseSm( ncsd ) {}
+NevAsyncBaseSm::NevAsyncBaseSm( Zub::Ptr< NevCommonSmData const > const& ncsd )
+    : NevBaseSm( ncsd ) {}
 
 NevAsyncBaseSm::~NevAsyncBaseSm() = default;
 
 void NevAsyncBaseSm::zubDoZombieReactors( bool zombie ) {
-   if ( this->zombie() == zombie ) return;
+   if( this->zombie() == zombie ) return;
    NevBaseSm::zubDoZombieReactors( zombie );
-   if ( tcamRequestClock_ ) tcamRequestClock_->zombieIs( zombie );
-   if ( pendingOperationTimeoutClock_ ) pendingOperationTimeoutClock_->zombieIs( zombie );
+   if( tcamRequestClock_ ) tcamRequestClock_->zombieIs( zombie );
+   if( pendingOperationTimeoutClock_ ) pendingOperationTimeoutClock_->zombieIs( zombie );
 }
 
-Zub::Ptr<Zub::Clock::NotifieeConst> NevAsyncBaseSm::tcamRequestClock() const {
+Zub::Ptr< Zub::Clock::NotifieeConst > NevAsyncBaseSm::tcamRequestClock() const {
    return tcamRequestClock_;
 }
 
-Zub::Ptr<Zub::Clock::NotifieeConst> NevAsyncBaseSm::pendingOperationTimeoutClock() const {
+Zub::Ptr< Zub::Clock::NotifieeConst > NevAsyncBaseSm::pendingOperationTimeoutClock() const {
    return pendingOperationTimeoutClock_;
 }
 
@@ -75,9 +76,9 @@ void NevAsyncBaseSm::tcamRequestClockDel() {
    tcamRequestClock_ = nullptr;
 }
 
-void NevAsyncBaseSm::tcamRequestClockIs( Zub::Ptr<Zub::Clock> const& clock ) {
-   if ( !clock ) return tcamRequestClockDel();
-   if ( !tcamRequestClock_ ) tcamRequestClock_ = Zub::make<TcamRequestClock>( this );
+void NevAsyncBaseSm::tcamRequestClockIs( Zub::Ptr< Zub::Clock > const& clock ) {
+   if( !clock ) return tcamRequestClockDel();
+   if( !tcamRequestClock_ ) tcamRequestClock_ = Zub::make< TcamRequestClock >( this );
    tcamRequestClock_->notifierIs( clock );
 }
 
@@ -85,10 +86,10 @@ void NevAsyncBaseSm::pendingOperationTimeoutClockDel() {
    pendingOperationTimeoutClock_ = nullptr;
 }
 
-void NevAsyncBaseSm::pendingOperationTimeoutClockIs( Zub::Ptr<Zub::Clock> const& clock ) {
-   if ( !clock ) return pendingOperationTimeoutClockDel();
-   if ( !pendingOperationTimeoutClock_ ) {
-      pendingOperationTimeoutClock_ = Zub::make<PendingOperationTimeoutClock>( this );
+void NevAsyncBaseSm::pendingOperationTimeoutClockIs( Zub::Ptr< Zub::Clock > const& clock ) {
+   if( !clock ) return pendingOperationTimeoutClockDel();
+   if( !pendingOperationTimeoutClock_ ) {
+      pendingOperationTimeoutClock_ = Zub::make< PendingOperationTimeoutClock >( this );
    }
    pendingOperationTimeoutClock_->notifierIs( clock );
 }

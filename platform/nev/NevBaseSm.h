@@ -29,19 +29,19 @@ class NevBaseSm : public Zub::PtrInterface {
    virtual void zubDoZombieReactors( bool zombie );
 
    bool initialized() const { return initialized_; }
-   Zub::Ptr<NevCommonSmData const> const& ncsd() const { return ncsd_; }
+   Zub::Ptr< NevCommonSmData const > const& ncsd() const { return ncsd_; }
    // Writes `error` and a line end to standard error and fails an assertion.
    [[noreturn]] void nevAssert( Zub::String const& error ) const { Nev::nevAssert( error ); }
 
  protected:
-   explicit NevBaseSm( Zub::Ptr<NevCommonSmData const> const& ncsd );
+   explicit NevBaseSm( Zub::Ptr< NevCommonSmData const > const& ncsd );
    ~NevBaseSm() override;
 
  private:
    class StartClock;
-   Zub::Ptr<NevCommonSmData const> ncsd_;
+   Zub::Ptr< NevCommonSmData const > ncsd_;
    bool initialized_ = false;
-   Zub::Ptr<StartClock> startClock_;
+   Zub::Ptr< StartClock > startClock_;
 };
 
 class NevAsyncBaseSm : public NevBaseSm {
@@ -51,10 +51,10 @@ class NevAsyncBaseSm : public NevBaseSm {
    AsyncOperationState asyncState() const { return asyncState_; }
    void asyncStateIs( AsyncOperationState s ) { asyncState_ = s; }
    // The clocks are reactors on a Zub::Clock: set their timeMin to be called back.
-   Zub::Ptr<Zub::Clock::NotifieeConst> tcamRequestClock() const;
+   Zub::Ptr< Zub::Clock::NotifieeConst > tcamRequestClock() const;
    Zub::Seconds pendingOperationTimeout() const { return pendingOperationTimeout_; }
    void pendingOperationTimeoutIs( Zub::Seconds t ) { pendingOperationTimeout_ = t; }
-   Zub::Ptr<Zub::Clock::NotifieeConst> pendingOperationTimeoutClock() const;
+   Zub::Ptr< Zub::Clock::NotifieeConst > pendingOperationTimeoutClock() const;
 
    // Virtual operations, in slot order after those of NevBaseSm.
    // Called when the driver reports the end of an operation.
@@ -65,13 +65,13 @@ class NevAsyncBaseSm : public NevBaseSm {
    virtual void handlePendingOperationTimeout() {}
    virtual void tcamRequestClockDel();
    // Makes tcamRequestClock a reactor on `clock`.
-   virtual void tcamRequestClockIs( Zub::Ptr<Zub::Clock> const& clock );
+   virtual void tcamRequestClockIs( Zub::Ptr< Zub::Clock > const& clock );
    virtual void pendingOperationTimeoutClockDel();
-   virtual void pendingOperationTimeoutClockIs( Zub::Ptr<Zub::Clock> const& clock );
+   virtual void pendingOperationTimeoutClockIs( Zub::Ptr< Zub::Clock > const& clock );
    void zubDoZombieReactors( bool zombie ) override;
 
  protected:
-   explicit NevAsyncBaseSm( Zub::Ptr<NevCommonSmData const> const& ncsd );
+   explicit NevAsyncBaseSm( Zub::Ptr< NevCommonSmData const > const& ncsd );
    ~NevAsyncBaseSm() override;
 
  private:
@@ -79,9 +79,9 @@ class NevAsyncBaseSm : public NevBaseSm {
    class PendingOperationTimeoutClock;
    Zub::String error_;
    AsyncOperationState asyncState_ = asyncNone;
-   Zub::Ptr<TcamRequestClock> tcamRequestClock_;
+   Zub::Ptr< TcamRequestClock > tcamRequestClock_;
    Zub::Seconds pendingOperationTimeout_ = 0.0;
-   Zub::Ptr<PendingOperationTimeoutClock> pendingOperationTimeoutClock_;
+   Zub::Ptr< PendingOperationTimeoutClock > pendingOperationTimeoutClock_;
 };
 
 }  // namespace Nev

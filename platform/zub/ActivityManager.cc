@@ -70,9 +70,11 @@ ActivityManager::ActivityManager( TimeSource source, Seconds start )
 }
 
 ActivityManager::~ActivityManager() {
-   for( auto& [ key, n ] : timers_ ) n->sequence_ = 0;
+   for( auto& [ key, n ] : timers_ )
+      n->sequence_ = 0;
    timers_.clear();
-   for( Clock* c : clocks_ ) c->loop_ = nullptr;
+   for( Clock* c : clocks_ )
+      c->loop_ = nullptr;
 }
 
 Seconds ActivityManager::now() const {
@@ -135,7 +137,8 @@ void ActivityManager::fireDue( std::vector< TimerKey > const& due ) {
 }
 
 void ActivityManager::runUntil( Seconds t ) {
-   while( !timers_.empty() && nextTime() <= t ) runOnce();
+   while( !timers_.empty() && nextTime() <= t )
+      runOnce();
    if( source_ == TimeSource::simulated ) simulatedNow_ = std::max( simulatedNow_, t );
 }
 

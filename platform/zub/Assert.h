@@ -11,6 +11,6 @@ namespace Zub {
 
 }  // namespace Zub
 
-#define ZUB_ASSERT( expr ) \
+#define ZUB_ASSERT( expr )                   \
    ( static_cast< bool >( expr ) ? void( 0 ) \
                                  : ::Zub::assertFail( #expr, __FILE__, __LINE__, __func__ ) )

@@ -28,7 +28,9 @@ CtorParam< T > ctorParam( char const* name, T const& value ) {
 namespace detail {
 
 template< class T >
-concept DescribesCtorParams = requires( T const& t ) { t.zubCtorParams(); };
+concept DescribesCtorParams = requires( T const& t ) {
+   t.zubCtorParams();
+};
 
 template< class Param, class Arg >
 void checkOneParam( Param const& param, Arg const& arg ) {
@@ -63,8 +65,8 @@ class ChildCollection {
       if( Ptr< T > const* v = children_.find( k ) ) {
          if constexpr( detail::DescribesCtorParams< T > ) {
             auto params = ( *v )->zubCtorParams();
-            constexpr std::size_t n = std::min( std::tuple_size_v< decltype( params ) >,
-                                                sizeof...( A ) + 1 );
+            constexpr std::size_t n =
+                  std::min( std::tuple_size_v< decltype( params ) >, sizeof...( A ) + 1 );
             detail::checkParams( params, std::tuple< K const&, A const&... >( k, args... ),
                                  std::make_index_sequence< n >() );
          }
@@ -164,45 +166,61 @@ class Input {
 
 // Owned children: name( k ), nameIs( k, params... ), nameDel( k ), nameDelAll(), nameSize(),
 // name() (the collection, to iterate).
-#define ZUB_SM_CHILDREN( name, Key, Type )                                                  \
- public:                                                                                    \
-   ::Zub::Ptr< Type > name( Key const& k ) const { return zub_##name##_.get( k ); }         \
-   auto const& name() const { return zub_##name##_; }                                       \
-   template< class... ZubArgs >                                                             \
-   ::Zub::Ptr< Type > name##Is( Key const& k, ZubArgs const&... args ) {                    \
-      return zub_##name##_.is( k, args... );                                                \
-   }                                                                                        \
-   void name##Del( Key const& k ) { zub_##name##_.del( k ); }                               \
-   void name##DelAll() { zub_##name##_.delAll(); }                                          \
-   std::size_t name##Size() const { return zub_##name##_.size(); }                          \
-                                                                                            \
- private:                                                                                   \
-   ::Zub::ChildCollection< Key, Type > zub_##name##_;                                       \
-                                                                                            \
+#define ZUB_SM_CHILDREN( name, Key, Type )                               \
+ public:                                                                 \
+   ::Zub::Ptr< Type > name( Key const& k ) const {                       \
+      return zub_##name##_.get( k );                                     \
+   }                                                                     \
+   auto const& name() const {                                            \
+      return zub_##name##_;                                              \
+   }                                                                     \
+   template< class... ZubArgs >                                          \
+   ::Zub::Ptr< Type > name##Is( Key const& k, ZubArgs const&... args ) { \
+      return zub_##name##_.is( k, args... );                             \
+   }                                                                     \
+   void name##Del( Key const& k ) {                                      \
+      zub_##name##_.del( k );                                            \
+   }                                                                     \
+   void name##DelAll() {                                                 \
+      zub_##name##_.delAll();                                            \
+   }                                                                     \
+   std::size_t name##Size() const {                                      \
+      return zub_##name##_.size();                                       \
+   }                                                                     \
+                                                                         \
+ private:                                                                \
+   ::Zub::ChildCollection< Key, Type > zub_##name##_;                    \
+                                                                         \
  public:
 
 // A plain field: name(), nameIs( v ). A bare store, for fields no reactor watches.
-#define ZUB_SM_FIELD( name, Type, Default )                                                 \
- public:                                                                                    \
-   Type const& name() const { return zub_##name##_; }                                       \
-   void name##Is( Type const& v ) { zub_##name##_ = v; }                                    \
-                                                                                            \
- private:                                                                                   \
-   Type zub_##name##_ = Default;                                                            \
-                                                                                            \
+#define ZUB_SM_FIELD( name, Type, Default ) \
+ public:                                    \
+   Type const& name() const {               \
+      return zub_##name##_;                 \
+   }                                        \
+   void name##Is( Type const& v ) {         \
+      zub_##name##_ = v;                    \
+   }                                        \
+                                            \
+ private:                                   \
+   Type zub_##name##_ = Default;            \
+                                            \
  public:
 
 // An action attribute: after a real change the setter calls handleCap() directly.
-#define ZUB_SM_ACTION( name, Cap, Type, Default )                                           \
- public:                                                                                    \
-   Type const& name() const { return zub_##name##_; }                                       \
-   void name##Is( Type const& v ) {                                                         \
-      if( zub_##name##_ == v ) return;                                                      \
-      zub_##name##_ = v;                                                                    \
-      handle##Cap();                                                                        \
-   }                                                                                        \
-                                                                                            \
- private:                                                                                   \
-   Type zub_##name##_ = Default;                                                            \
-                                                                                            \
+#define ZUB_SM_ACTION( name, Cap, Type, Default ) \
+ public:                                          \
+   Type const& name() const {                     \
+      return zub_##name##_;                       \
+   }                                              \
+   void name##Is( Type const& v ) {               \
+      if( zub_##name##_ == v ) return;            \
+      zub_##name##_ = v;                          \
+      handle##Cap();                              \
+   }                                              \
+                                                  \
+ private:                                         \
+   Type zub_##name##_ = Default;                  \
+                                                  \
  public:

@@ -87,7 +87,8 @@ String entityNameOf( K const& key ) {
 
 // ---- generation, one expansion per attribute kind ----
 
-#define ZUB_ATTR_CALLBACKS_value( Cap, name, Type, ... ) virtual void on##Cap() {}
+#define ZUB_ATTR_CALLBACKS_value( Cap, name, Type, ... ) \
+   virtual void on##Cap() {}
 #define ZUB_ATTR_CALLBACKS_keyed( Cap, name, Key, ... ) \
    virtual void on##Cap( Key const& ) {}                \
    virtual void on##Cap##zubImmediate() {}
@@ -100,92 +101,101 @@ String entityNameOf( K const& key ) {
 #define ZUB_ATTR_CATCHUP_VALUES_child( Cap, name, ... )
 
 #define ZUB_ATTR_CATCHUP_COLLECTIONS_value( Cap, name, ... )
-#define ZUB_ATTR_CATCHUP_COLLECTIONS_keyed( Cap, name, ... )   \
-   if( this->zubCatchUpStopped() ) return;                     \
-   if( this->notificationImmediate() ) {                       \
-      if( !zubWatched->name().empty() ) {                      \
-         this->on##Cap##zubImmediate();                        \
-      }                                                        \
-   } else {                                                    \
-      for( auto it = zubWatched->name().iter(); it; ++it ) {   \
-         if( this->zubCatchUpStopped() ) return;               \
-         this->on##Cap( it.key() );                            \
-      }                                                        \
+#define ZUB_ATTR_CATCHUP_COLLECTIONS_keyed( Cap, name, ... ) \
+   if( this->zubCatchUpStopped() ) return;                   \
+   if( this->notificationImmediate() ) {                     \
+      if( !zubWatched->name().empty() ) {                    \
+         this->on##Cap##zubImmediate();                      \
+      }                                                      \
+   } else {                                                  \
+      for( auto it = zubWatched->name().iter(); it; ++it ) { \
+         if( this->zubCatchUpStopped() ) return;             \
+         this->on##Cap( it.key() );                          \
+      }                                                      \
    }
 #define ZUB_ATTR_CATCHUP_COLLECTIONS_child ZUB_ATTR_CATCHUP_COLLECTIONS_keyed
 
 #define ZUB_ATTR_STORAGE_value( Cap, name, Type, Default ) Type zub_##name##_ = Default;
-#define ZUB_ATTR_STORAGE_keyed( Cap, name, Key, Value ) ::Zub::Collection< Key, Value > zub_##name##_;
+#define ZUB_ATTR_STORAGE_keyed( Cap, name, Key, Value ) \
+   ::Zub::Collection< Key, Value > zub_##name##_;
 #define ZUB_ATTR_STORAGE_child( Cap, name, Key, Type ) \
    ::Zub::Collection< Key, ::Zub::Ptr< Type > > zub_##name##_;
 
-#define ZUB_ATTR_ACCESSORS_value( Cap, name, Type, Default )                          \
-   Type const& name() const { return zub_##name##_; }                                  \
-   void name##Is( Type const& v ) {                                                    \
-      if( zub_##name##_ == v ) return;                                                 \
-      zub_##name##_ = v;                                                               \
-      this->template zubNotify< Notifiee >( []( Notifiee& n ) { n.on##Cap(); } );     \
+#define ZUB_ATTR_ACCESSORS_value( Cap, name, Type, Default )                      \
+   Type const& name() const {                                                     \
+      return zub_##name##_;                                                       \
+   }                                                                              \
+   void name##Is( Type const& v ) {                                               \
+      if( zub_##name##_ == v ) return;                                            \
+      zub_##name##_ = v;                                                          \
+      this->template zubNotify< Notifiee >( []( Notifiee& n ) { n.on##Cap(); } ); \
    }
 
-#define ZUB_ATTR_COLLECTION_COMMON( Cap, name, Key, Stored )                           \
-   ::Zub::Collection< Key, Stored > const& name() const { return zub_##name##_; }      \
-   bool name##Has( Key const& k ) const { return zub_##name##_.has( k ); }             \
-   std::size_t name##Size() const { return zub_##name##_.size(); }                     \
-   void name##Del( Key const& k ) {                                                    \
-      Stored old{};                                                                    \
-      if( !zub_##name##_.erase( k, &old ) ) return;                                    \
-      zubForget##Cap( old );                                                           \
-      zubNotify##Cap( k );                                                             \
-   }                                                                                   \
-   void name##DelAll() {                                                               \
-      while( Key const* first = zub_##name##_.firstKey() ) {                           \
-         Key k = *first;                                                               \
-         name##Del( k );                                                               \
-      }                                                                                \
-   }                                                                                   \
-                                                                                       \
- private:                                                                              \
-   void zubNotify##Cap( Key const& k ) {                                               \
-      this->template zubNotify< Notifiee >( [ &k ]( Notifiee& n ) {                    \
-         if( n.notificationImmediate() ) {                                             \
-            n.on##Cap##zubImmediate();                                                 \
-         } else {                                                                      \
-            n.on##Cap( k );                                                            \
-         }                                                                             \
-      } );                                                                             \
-   }                                                                                   \
-                                                                                       \
+#define ZUB_ATTR_COLLECTION_COMMON( Cap, name, Key, Stored )        \
+   ::Zub::Collection< Key, Stored > const& name() const {           \
+      return zub_##name##_;                                         \
+   }                                                                \
+   bool name##Has( Key const& k ) const {                           \
+      return zub_##name##_.has( k );                                \
+   }                                                                \
+   std::size_t name##Size() const {                                 \
+      return zub_##name##_.size();                                  \
+   }                                                                \
+   void name##Del( Key const& k ) {                                 \
+      Stored old{};                                                 \
+      if( !zub_##name##_.erase( k, &old ) ) return;                 \
+      zubForget##Cap( old );                                        \
+      zubNotify##Cap( k );                                          \
+   }                                                                \
+   void name##DelAll() {                                            \
+      while( Key const* first = zub_##name##_.firstKey() ) {        \
+         Key k = *first;                                            \
+         name##Del( k );                                            \
+      }                                                             \
+   }                                                                \
+                                                                    \
+ private:                                                           \
+   void zubNotify##Cap( Key const& k ) {                            \
+      this->template zubNotify< Notifiee >( [ &k ]( Notifiee& n ) { \
+         if( n.notificationImmediate() ) {                          \
+            n.on##Cap##zubImmediate();                              \
+         } else {                                                   \
+            n.on##Cap( k );                                         \
+         }                                                          \
+      } );                                                          \
+   }                                                                \
+                                                                    \
  public:
 
-#define ZUB_ATTR_ACCESSORS_keyed( Cap, name, Key, Value )                              \
-   Value name( Key const& k ) const {                                                  \
-      Value const* v = zub_##name##_.find( k );                                        \
-      return v ? *v : Value{};                                                         \
-   }                                                                                   \
-   void name##Is( Key const& k, Value const& v ) {                                     \
-      if( !zub_##name##_.set( k, v ) ) return;                                         \
-      zubNotify##Cap( k );                                                             \
-   }                                                                                   \
-   static void zubForget##Cap( Value const& ) {}                                       \
+#define ZUB_ATTR_ACCESSORS_keyed( Cap, name, Key, Value ) \
+   Value name( Key const& k ) const {                     \
+      Value const* v = zub_##name##_.find( k );           \
+      return v ? *v : Value{};                            \
+   }                                                      \
+   void name##Is( Key const& k, Value const& v ) {        \
+      if( !zub_##name##_.set( k, v ) ) return;            \
+      zubNotify##Cap( k );                                \
+   }                                                      \
+   static void zubForget##Cap( Value const& ) {}          \
    ZUB_ATTR_COLLECTION_COMMON( Cap, name, Key, Value )
 
-#define ZUB_ATTR_ACCESSORS_child( Cap, name, Key, Type )                               \
-   ::Zub::Ptr< Type > name( Key const& k ) const {                                     \
-      ::Zub::Ptr< Type > const* v = zub_##name##_.find( k );                           \
-      return v ? *v : ::Zub::Ptr< Type >();                                            \
-   }                                                                                   \
-   template< class... ZubArgs >                                                        \
-   ::Zub::Ptr< Type > name##Is( Key const& k, ZubArgs&&... args ) {                    \
-      if( ::Zub::Ptr< Type > const* v = zub_##name##_.find( k ) ) return *v;           \
-      auto child = ::Zub::make< Type >( k, std::forward< ZubArgs >( args )... );       \
-      child->parentIs( this, ::Zub::Name( #name ) );                                   \
-      zub_##name##_.set( k, child );                                                   \
-      zubNotify##Cap( k );                                                             \
-      return child;                                                                    \
-   }                                                                                   \
-   static void zubForget##Cap( ::Zub::Ptr< Type > const& c ) {                         \
-      if( c ) c->parentIs( nullptr, ::Zub::Name() );                                   \
-   }                                                                                   \
+#define ZUB_ATTR_ACCESSORS_child( Cap, name, Key, Type )                         \
+   ::Zub::Ptr< Type > name( Key const& k ) const {                               \
+      ::Zub::Ptr< Type > const* v = zub_##name##_.find( k );                     \
+      return v ? *v : ::Zub::Ptr< Type >();                                      \
+   }                                                                             \
+   template< class... ZubArgs >                                                  \
+   ::Zub::Ptr< Type > name##Is( Key const& k, ZubArgs&&... args ) {              \
+      if( ::Zub::Ptr< Type > const* v = zub_##name##_.find( k ) ) return *v;     \
+      auto child = ::Zub::make< Type >( k, std::forward< ZubArgs >( args )... ); \
+      child->parentIs( this, ::Zub::Name( #name ) );                             \
+      zub_##name##_.set( k, child );                                             \
+      zubNotify##Cap( k );                                                       \
+      return child;                                                              \
+   }                                                                             \
+   static void zubForget##Cap( ::Zub::Ptr< Type > const& c ) {                   \
+      if( c ) c->parentIs( nullptr, ::Zub::Name() );                             \
+   }                                                                             \
    ZUB_ATTR_COLLECTION_COMMON( Cap, name, Key, ::Zub::Ptr< Type > )
 
 #define ZUB_X_CALLBACKS( kind, ... ) ZUB_ATTR_CALLBACKS_##kind( __VA_ARGS__ )
@@ -194,56 +204,57 @@ String entityNameOf( K const& key ) {
 #define ZUB_X_STORAGE( kind, ... ) ZUB_ATTR_STORAGE_##kind( __VA_ARGS__ )
 #define ZUB_X_ACCESSORS( kind, ... ) ZUB_ATTR_ACCESSORS_##kind( __VA_ARGS__ )
 
-#define ZUB_ENTITY_BODY( Class, Base, ATTRS )                                          \
- public:                                                                               \
-   class Notifiee : public Base::Notifiee {                                            \
-    public:                                                                            \
-      static constexpr std::uint8_t zubDepth = Base::Notifiee::zubDepth + 1;           \
-      ::Zub::Ptr< Class const > notifier() const {                                     \
-         return static_cast< Class const* >( this->zubNotifier() );                    \
-      }                                                                                \
-      void notifierIs( ::Zub::Ptr< Class const > const& n ) {                          \
-         this->zubNotifierIs( n.ptr(), zubDepth, true );                               \
-      }                                                                                \
-      void notifierIsWithoutCatchUp( ::Zub::Ptr< Class const > const& n ) {            \
-         this->zubNotifierIs( n.ptr(), zubDepth, false );                              \
-      }                                                                                \
-      ATTRS( ZUB_X_CALLBACKS )                                                         \
-                                                                                       \
-    protected:                                                                         \
-      void zubCatchUpValues() override {                                               \
-         Base::Notifiee::zubCatchUpValues();                                           \
-         ATTRS( ZUB_X_CATCHUP_VALUES )                                                 \
-      }                                                                                \
-      void zubCatchUpCollections() override {                                          \
-         Base::Notifiee::zubCatchUpCollections();                                      \
-         [[maybe_unused]] ::Zub::Ptr< Class const > zubWatched = notifier();           \
-         ATTRS( ZUB_X_CATCHUP_COLLECTIONS )                                            \
-      }                                                                                \
-   };                                                                                  \
-   ATTRS( ZUB_X_ACCESSORS )                                                            \
-                                                                                       \
- private:                                                                              \
-   ATTRS( ZUB_X_STORAGE )                                                              \
-                                                                                       \
+#define ZUB_ENTITY_BODY( Class, Base, ATTRS )                                \
+ public:                                                                     \
+   class Notifiee : public Base::Notifiee {                                  \
+    public:                                                                  \
+      static constexpr std::uint8_t zubDepth = Base::Notifiee::zubDepth + 1; \
+      ::Zub::Ptr< Class const > notifier() const {                           \
+         return static_cast< Class const* >( this->zubNotifier() );          \
+      }                                                                      \
+      void notifierIs( ::Zub::Ptr< Class const > const& n ) {                \
+         this->zubNotifierIs( n.ptr(), zubDepth, true );                     \
+      }                                                                      \
+      void notifierIsWithoutCatchUp( ::Zub::Ptr< Class const > const& n ) {  \
+         this->zubNotifierIs( n.ptr(), zubDepth, false );                    \
+      }                                                                      \
+      ATTRS( ZUB_X_CALLBACKS )                                               \
+                                                                             \
+    protected:                                                               \
+      void zubCatchUpValues() override {                                     \
+         Base::Notifiee::zubCatchUpValues();                                 \
+         ATTRS( ZUB_X_CATCHUP_VALUES )                                       \
+      }                                                                      \
+      void zubCatchUpCollections() override {                                \
+         Base::Notifiee::zubCatchUpCollections();                            \
+         [[maybe_unused]] ::Zub::Ptr< Class const > zubWatched = notifier(); \
+         ATTRS( ZUB_X_CATCHUP_COLLECTIONS )                                  \
+      }                                                                      \
+   };                                                                        \
+   ATTRS( ZUB_X_ACCESSORS )                                                  \
+                                                                             \
+ private:                                                                    \
+   ATTRS( ZUB_X_STORAGE )                                                    \
+                                                                             \
  public:
 
-#define ZUB_ENTITY( Class, KeyType, ATTRS )                                            \
-   class Class : public ::Zub::Entity {                                                \
-    public:                                                                            \
-      using Key = KeyType;                                                             \
-      explicit Class( Key const& key )                                                 \
-          : ::Zub::Entity( ::Zub::entityNameOf( key ) ), zubKey_( key ) {}             \
-      Key const& key() const { return zubKey_; }                                       \
-                                                                                       \
-    private:                                                                           \
-      Key zubKey_;                                                                     \
-      ZUB_ENTITY_BODY( Class, ::Zub::Entity, ATTRS )                                   \
+#define ZUB_ENTITY( Class, KeyType, ATTRS )                                \
+   class Class : public ::Zub::Entity {                                    \
+    public:                                                                \
+      using Key = KeyType;                                                 \
+      explicit Class( Key const& key )                                     \
+          : ::Zub::Entity( ::Zub::entityNameOf( key ) ), zubKey_( key ) {} \
+      Key const& key() const { return zubKey_; }                           \
+                                                                           \
+    private:                                                               \
+      Key zubKey_;                                                         \
+      ZUB_ENTITY_BODY( Class, ::Zub::Entity, ATTRS )                       \
    }
 
 namespace Zub {
 
-#define ZUB_DIR_ATTRS( X ) X( keyed, EntityPtr, entityPtr, ::Zub::Name, ::Zub::Ptr< ::Zub::Entity > )
+#define ZUB_DIR_ATTRS( X ) \
+   X( keyed, EntityPtr, entityPtr, ::Zub::Name, ::Zub::Ptr< ::Zub::Entity > )
 
 // A directory of entities by name. Its reactors hear onEntityPtr( name ) when a member is added,
 // replaced or removed.

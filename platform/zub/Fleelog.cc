@@ -89,7 +89,8 @@ void RingBuf::dropOldest() {
    std::size_t cut = starts_.size() > 1 ? starts_[ 1 ] : bytes_.size();
    bytes_.erase( bytes_.begin(), bytes_.begin() + static_cast< std::ptrdiff_t >( cut ) );
    starts_.erase( starts_.begin() );
-   for( std::size_t& s : starts_ ) s -= cut;
+   for( std::size_t& s : starts_ )
+      s -= cut;
    ++dropped_;
 }
 
@@ -101,16 +102,26 @@ std::vector< std::string > RingBuf::messages() const {
       std::string text;
       for( MsgDesc::Piece const& piece : desc->pieces() ) {
          switch( piece.format ) {
-          case 0: text += piece.literal; break;
-          case 'd': text += Zub::valueToStrep( take< double >( p ) ).view(); break;
-          case 'i': text += std::to_string( take< std::int64_t >( p ) ); break;
-          case 'u': text += std::to_string( take< std::uint64_t >( p ) ); break;
-          case 'b': text += take< std::uint8_t >( p ) ? "1" : "0"; break;
-          default: {
-             auto len = take< std::uint32_t >( p );
-             text.append( reinterpret_cast< char const* >( p ), len );
-             p += len;
-          }
+            case 0:
+               text += piece.literal;
+               break;
+            case 'd':
+               text += Zub::valueToStrep( take< double >( p ) ).view();
+               break;
+            case 'i':
+               text += std::to_string( take< std::int64_t >( p ) );
+               break;
+            case 'u':
+               text += std::to_string( take< std::uint64_t >( p ) );
+               break;
+            case 'b':
+               text += take< std::uint8_t >( p ) ? "1" : "0";
+               break;
+            default: {
+               auto len = take< std::uint32_t >( p );
+               text.append( reinterpret_cast< char const* >( p ), len );
+               p += len;
+            }
          }
       }
       out.push_back( std::move( text ) );

@@ -85,18 +85,25 @@ constexpr bool isLiteral = std::is_array_v< std::remove_reference_t< T > >;
 template< class T >
 char formatChar() {
    using U = std::remove_cvref_t< T >;
-   if constexpr( std::is_same_v< U, bool > ) return 'b';
-   else if constexpr( std::is_floating_point_v< U > ) return 'd';
-   else if constexpr( std::is_integral_v< U > && std::is_signed_v< U > ) return 'i';
-   else if constexpr( std::is_integral_v< U > ) return 'u';
-   else return 's';
+   if constexpr( std::is_same_v< U, bool > )
+      return 'b';
+   else if constexpr( std::is_floating_point_v< U > )
+      return 'd';
+   else if constexpr( std::is_integral_v< U > && std::is_signed_v< U > )
+      return 'i';
+   else if constexpr( std::is_integral_v< U > )
+      return 'u';
+   else
+      return 's';
 }
 
 template< class T >
 void putValue( Fleelog::RingBuf& buf, T const& v ) {
    using U = std::remove_cvref_t< T >;
-   if constexpr( std::is_same_v< U, bool > ) buf.put( v );
-   else if constexpr( std::is_floating_point_v< U > ) buf.put( static_cast< double >( v ) );
+   if constexpr( std::is_same_v< U, bool > )
+      buf.put( v );
+   else if constexpr( std::is_floating_point_v< U > )
+      buf.put( static_cast< double >( v ) );
    else if constexpr( std::is_integral_v< U > && std::is_signed_v< U > ) {
       buf.put( static_cast< std::int64_t >( v ) );
    } else if constexpr( std::is_integral_v< U > ) {
@@ -155,17 +162,17 @@ class FleelogConverter {
 }  // namespace Pairlog
 
 // FLEELOG( "QosSm::", "processPolicyUpdate", " Config Version:", version, " applied." );
-#define FLEELOG( ... )                                                                     \
-   do {                                                                                    \
-      static ::Fleelog::MsgDesc zubMsgDesc( __FILE__, __LINE__ );                          \
+#define FLEELOG( ... )                                                                        \
+   do {                                                                                       \
+      static ::Fleelog::MsgDesc zubMsgDesc( __FILE__, __LINE__ );                             \
       ::Pairlog::FleelogConverter::log( zubMsgDesc, nullptr, 0, __FILE__, __LINE__, __func__, \
-                                        __VA_ARGS__ );                                     \
+                                        __VA_ARGS__ );                                        \
    } while( 0 )
 
 // The same message to the binary trace and to trace handle `handle` at `level`.
-#define PAIRLOG( handle, level, ... )                                                      \
-   do {                                                                                    \
-      static ::Fleelog::MsgDesc zubMsgDesc( __FILE__, __LINE__ );                          \
+#define PAIRLOG( handle, level, ... )                                                       \
+   do {                                                                                     \
+      static ::Fleelog::MsgDesc zubMsgDesc( __FILE__, __LINE__ );                           \
       ::Pairlog::FleelogConverter::log( zubMsgDesc, &( handle ), level, __FILE__, __LINE__, \
-                                        __func__, __VA_ARGS__ );                           \
+                                        __func__, __VA_ARGS__ );                            \
    } while( 0 )

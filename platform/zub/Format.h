@@ -31,7 +31,8 @@ class ByteHash {
    }
    // Little-endian bytes of an integer of `bytes` bytes.
    constexpr ByteHash& addLe( std::uint64_t v, unsigned bytes ) noexcept {
-      for( unsigned i = 0; i < bytes; ++i ) add( static_cast< std::uint8_t >( v >> ( 8 * i ) ) );
+      for( unsigned i = 0; i < bytes; ++i )
+         add( static_cast< std::uint8_t >( v >> ( 8 * i ) ) );
       return *this;
    }
    constexpr std::uint32_t result() const noexcept {

@@ -99,9 +99,7 @@ class LinkQueue {
 
  private:
    // Distance from the head in queue order.
-   Index offset( Index index ) const {
-      return static_cast< Index >( index - headIndex() );
-   }
+   Index offset( Index index ) const { return static_cast< Index >( index - headIndex() ); }
    auto locate( Index index ) const {
       Index const want = offset( index );
       auto it = members_.begin();

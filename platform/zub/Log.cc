@@ -20,7 +20,7 @@ LogSink& sink() {
 }
 
 char const* severityName( LogSeverity s ) {
-   static char const* const names[] = { "EMERG", "ALERT", "CRIT",  "ERR",
+   static char const* const names[] = { "EMERG",   "ALERT",  "CRIT", "ERR",
                                         "WARNING", "NOTICE", "INFO", "DEBUG" };
    return names[ static_cast< unsigned >( s ) & 7u ];
 }
@@ -30,15 +30,15 @@ char const* severityName( LogSeverity s ) {
 LogHandle::LogHandle( String const& name, LogSeverity severity, String const& format,
                       String const& explanation, String const& recommendedAction,
                       double minInterval, double burst, std::uint8_t rateLimitArgs )
-    : name_( name ),
-      severity_( severity ),
-      format_( format ),
-      explanation_( explanation ),
-      recommendedAction_( recommendedAction ),
-      minInterval_( minInterval ),
-      burst_( burst ),
-      rateLimitArgs_( rateLimitArgs ),
-      idHash_( name.hash() ) {
+    : name_( name )
+    , severity_( severity )
+    , format_( format )
+    , explanation_( explanation )
+    , recommendedAction_( recommendedAction )
+    , minInterval_( minInterval )
+    , burst_( burst )
+    , rateLimitArgs_( rateLimitArgs )
+    , idHash_( name.hash() ) {
    handles().push_back( this );
 }
 

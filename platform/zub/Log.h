@@ -101,7 +101,9 @@ String logArgText( T v ) {
 }
 // Enumerations log their member name.
 template< class T >
-   requires requires( T const& t ) { stringValue( t ); }
+requires requires( T const& t ) {
+   stringValue( t );
+}
 String logArgText( T const& v ) {
    return String( stringValue( v ) );
 }

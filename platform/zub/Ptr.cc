@@ -15,7 +15,9 @@ void PtrInterface::newRef() const {
 void PtrInterface::delRef() const {
    std::uint32_t left;
    if( threadSafePointers ) {
-      left = std::atomic_ref< std::uint32_t >( refCount_ ).fetch_sub( 1, std::memory_order_acq_rel ) - 1;
+      left = std::atomic_ref< std::uint32_t >( refCount_ )
+                   .fetch_sub( 1, std::memory_order_acq_rel ) -
+             1;
    } else {
       left = --refCount_;
    }

@@ -61,10 +61,8 @@ class Ptr {
    Ptr( Ptr const& o ) noexcept : p_( o.p_ ) { acquire(); }
    Ptr( Ptr&& o ) noexcept : p_( std::exchange( o.p_, nullptr ) ) {}
    template< class U >
-      requires std::is_convertible_v< U*, T* >
-   Ptr( Ptr< U > const& o ) noexcept : p_( o.ptr() ) {
-      acquire();
-   }
+   requires std::is_convertible_v< U*, T* > Ptr( Ptr< U > const& o )
+   noexcept : p_( o.ptr() ) { acquire(); }
    ~Ptr() { release(); }
 
    Ptr& operator=( Ptr o ) noexcept {

@@ -23,8 +23,7 @@ String valueToStrep( double v );
 String valueToStrep( String const& v );
 String valueToStrep( Name const& v );
 template< std::integral T >
-   requires( !std::same_as< T, bool > )
-String valueToStrep( T v ) {
+requires( !std::same_as< T, bool > ) String valueToStrep( T v ) {
    char buf[ 24 ];
    auto r = std::to_chars( buf, buf + sizeof buf, v );
    return String( buf, static_cast< std::size_t >( r.ptr - buf ) );
@@ -36,8 +35,7 @@ String valueToStrep( Ptr< T > const& p ) {
 }
 // A back pointer: rendered like an owning pointer.
 template< class T >
-   requires( !std::is_same_v< std::remove_cv_t< T >, char > )
-String valueToStrep( T* p ) {
+requires( !std::is_same_v< std::remove_cv_t< T >, char > ) String valueToStrep( T* p ) {
    if( !p ) return "None";
    return format( "<%p>", static_cast< void const* >( p ) );
 }
@@ -49,8 +47,7 @@ void deserializeAttr( StrepIter& it, StrepIter end, double& out );
 void deserializeAttr( StrepIter& it, StrepIter end, String& out );
 void deserializeAttr( StrepIter& it, StrepIter end, Name& out );
 template< std::integral T >
-   requires( !std::same_as< T, bool > )
-void deserializeAttr( StrepIter& it, StrepIter end, T& out ) {
+requires( !std::same_as< T, bool > ) void deserializeAttr( StrepIter& it, StrepIter end, T& out ) {
    auto r = std::from_chars( it, end, out );
    if( r.ec != std::errc() ) {
       throwParseException( String( "deserializeAttr: expected a number at '" ) +
@@ -67,8 +64,7 @@ void deserializeAttr( StrepIter& it, StrepIter end, Ptr< T >& out ) {
 
 // Reads `'name': ` then the value: the name and value of one field of the `Value(...)` form.
 template< class T >
-void deserializeField( StrepIter& it, StrepIter end, std::string_view name, T& out,
-                       bool first ) {
+void deserializeField( StrepIter& it, StrepIter end, std::string_view name, T& out, bool first ) {
    if( !first ) needString( it, end, ", " );
    needString( it, end, "'" );
    needString( it, end, name );

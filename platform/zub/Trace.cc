@@ -42,7 +42,8 @@ std::optional< std::uint32_t > parseLevels( std::string_view text ) {
    auto hi = dash == std::string_view::npos ? lo : number( text.substr( dash + 1 ) );
    if( !lo || !hi || *lo > *hi ) return std::nullopt;
    std::uint32_t mask = 0;
-   for( int l = *lo; l <= *hi; ++l ) mask |= 1u << l;
+   for( int l = *lo; l <= *hi; ++l )
+      mask |= 1u << l;
    return mask;
 }
 
@@ -99,14 +100,16 @@ bool traceEnable( std::string_view spec ) {
    if( !rules ) return false;
    Registry& reg = registry();
    reg.rules.insert( reg.rules.end(), rules->begin(), rules->end() );
-   for( TraceHandle* h : reg.handles ) applyRules( *h, *rules );
+   for( TraceHandle* h : reg.handles )
+      applyRules( *h, *rules );
    return true;
 }
 
 void traceDisableAll() {
    Registry& reg = registry();
    reg.rules.clear();
-   for( TraceHandle* h : reg.handles ) h->levelsIs( 0 );
+   for( TraceHandle* h : reg.handles )
+      h->levelsIs( 0 );
 }
 
 void traceSinkIs( TraceSink sink ) {

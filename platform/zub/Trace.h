@@ -25,9 +25,7 @@ class TraceHandle {
    TraceHandle( TraceHandle const& ) = delete;
    TraceHandle& operator=( TraceHandle const& ) = delete;
 
-   bool enabled( int level ) const {
-      return level >= 0 && level < 32 && ( levels_ >> level ) & 1u;
-   }
+   bool enabled( int level ) const { return level >= 0 && level < 32 && ( levels_ >> level ) & 1u; }
    String const& name() const { return name_; }
    std::uint32_t levels() const { return levels_; }
    void levelsIs( std::uint32_t mask ) { levels_ = mask; }

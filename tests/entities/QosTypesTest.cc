@@ -13,16 +13,16 @@
 namespace {
 
 // Runs `f` and returns the text of the Zub::RangeException it throws, or "" if none.
-std::string rangeErrorText( std::function<void()> const& f ) {
+std::string rangeErrorText( std::function< void() > const& f ) {
    try {
       f();
-   } catch ( Zub::RangeException const& e ) {
+   } catch( Zub::RangeException const& e ) {
       return e.what();
    }
    return "";
 }
 
-template <class T>
+template< class T >
 void expectSentinelRange( char const* name, unsigned invalid ) {
    SCOPED_TRACE( name );
    EXPECT_EQ( T().value(), invalid );
@@ -33,17 +33,17 @@ void expectSentinelRange( char const* name, unsigned invalid ) {
    EXPECT_TRUE( T( 0 ).isValid() );
    std::string text =
          std::string( name ) + "::value < " + name + "::min or > " + name + "::invalid not allowed";
-   EXPECT_EQ( rangeErrorText( [&] { T( invalid + 1 ); } ), text );
-   EXPECT_EQ( rangeErrorText( [&] { T( -1 ); } ), text );
+   EXPECT_EQ( rangeErrorText( [ & ] { T( invalid + 1 ); } ), text );
+   EXPECT_EQ( rangeErrorText( [ & ] { T( -1 ); } ), text );
 }
 
 TEST( QosTypesTest, SentinelNumbers ) {
-   expectSentinelRange<Qos::Cos>( "Cos", 8 );
-   expectSentinelRange<Qos::Dscp>( "Dscp", 64 );
-   expectSentinelRange<Qos::Exp>( "Exp", 8 );
-   expectSentinelRange<Qos::TrafficClass>( "TrafficClass", 16 );
-   expectSentinelRange<Qos::DropPrecedence>( "DropPrecedence", 4 );
-   expectSentinelRange<Qos::TxQueueId>( "TxQueueId", 16 );
+   expectSentinelRange< Qos::Cos >( "Cos", 8 );
+   expectSentinelRange< Qos::Dscp >( "Dscp", 64 );
+   expectSentinelRange< Qos::Exp >( "Exp", 8 );
+   expectSentinelRange< Qos::TrafficClass >( "TrafficClass", 16 );
+   expectSentinelRange< Qos::DropPrecedence >( "DropPrecedence", 4 );
+   expectSentinelRange< Qos::TxQueueId >( "TxQueueId", 16 );
    // The two texts that other code quotes.
    EXPECT_EQ( rangeErrorText( [] { Qos::TrafficClass( 17 ); } ),
               "TrafficClass::value < TrafficClass::min or > TrafficClass::invalid not allowed" );
@@ -61,9 +61,10 @@ TEST( QosTypesTest, SentinelNumberTextIsTheNumber ) {
 }
 
 // Every member's name leads back to it; unknown names are range errors.
-template <class E>
-void expectNamesRoundTrip( std::initializer_list<E> members, E ( *instance )( std::string_view ) ) {
-   for ( E e : members ) {
+template< class E >
+void expectNamesRoundTrip( std::initializer_list< E > members,
+                           E ( *instance )( std::string_view ) ) {
+   for( E e : members ) {
       Zub::String name = stringValue( e );
       EXPECT_EQ( instance( name.view() ), e ) << name;
       EXPECT_EQ( valueToStrep( e ), Zub::String( "'" ) + name + "'" );
@@ -89,7 +90,7 @@ TEST( QosTypesTest, EnumerationTexts ) {
    expectNamesRoundTrip( { Acl::ip(), Acl::ipv6(), Acl::mac() }, &Acl::AclTypeInstance );
    expectNamesRoundTrip( { Mirel::ipv4, Mirel::ipv6 }, &Mirel::AddressFamilyInstance );
    // Numbers between the members still print, and cannot be read back.
-   Zub::String gap = stringValue( static_cast<FeatureName>( 9 ) );
+   Zub::String gap = stringValue( static_cast< FeatureName >( 9 ) );
    EXPECT_EQ( gap, "Qos::FeatureName(9)" );
    EXPECT_THROW( FeatureNameInstance( gap ), Zub::RangeException );
 }
@@ -102,7 +103,7 @@ TEST( QosTypesTest, IntfPairKey ) {
    EXPECT_LT( plain, member );
    EXPECT_LT( Qos::IntfPairKey( lag ), Qos::IntfPairKey( Mirel::IntfId( "Vlan1" ), eth ) );
 
-   std::vector<std::uint8_t> bytes;
+   std::vector< std::uint8_t > bytes;
    TypesTest::appendLe( bytes, eth.value(), 8 );
    TypesTest::appendLe( bytes, lag.value(), 8 );
    EXPECT_EQ( member.hash(), TypesTest::oneAtATime( bytes ) );
@@ -119,7 +120,7 @@ TEST( QosTypesTest, IntfPairKey ) {
 
 TEST( QosTypesTest, TxQueue ) {
    Qos::TxQueue q( 5, Qos::multicastQueue_ );
-   std::vector<std::uint8_t> bytes;
+   std::vector< std::uint8_t > bytes;
    TypesTest::appendLe( bytes, 5, 1 );
    TypesTest::appendLe( bytes, Qos::multicastQueue_, 4 );
    EXPECT_EQ( q.hash(), TypesTest::oneAtATime( bytes ) );

@@ -10,12 +10,12 @@
 namespace {
 
 // Every member's text reads back as the member, in every form.
-template <class E, class Lookup>
-void expectTexts( std::initializer_list<char const*> texts, Lookup instance ) {
+template< class E, class Lookup >
+void expectTexts( std::initializer_list< char const* > texts, Lookup instance ) {
    std::uint32_t value = 0;
-   for ( char const* text : texts ) {
+   for( char const* text : texts ) {
       SCOPED_TRACE( text );
-      auto const unit = static_cast<E>( value++ );
+      auto const unit = static_cast< E >( value++ );
       EXPECT_EQ( stringValue( unit ), text );
       EXPECT_EQ( instance( text ), unit );
       std::ostringstream os;
@@ -35,13 +35,13 @@ void expectTexts( std::initializer_list<char const*> texts, Lookup instance ) {
 }
 
 TEST( QosUnitsTest, TextsRoundTrip ) {
-   expectTexts<Qos::RateUnit>( { "pps", "bps", "kbps", "mbps" },
-                               []( auto t ) { return Qos::RateUnitInstance( t ); } );
-   expectTexts<Qos::BurstUnit>( { "bytes", "kbytes", "mbytes", "packets" },
-                                []( auto t ) { return Qos::BurstUnitInstance( t ); } );
-   expectTexts<Qos::ShapeRateUnit>( { "kbps", "pps" },
-                                    []( auto t ) { return Qos::ShapeRateUnitInstance( t ); } );
-   expectTexts<Qos::GuaranteedBwUnit>( { "kbps", "pps", "percent" }, []( auto t ) {
+   expectTexts< Qos::RateUnit >( { "pps", "bps", "kbps", "mbps" },
+                                 []( auto t ) { return Qos::RateUnitInstance( t ); } );
+   expectTexts< Qos::BurstUnit >( { "bytes", "kbytes", "mbytes", "packets" },
+                                  []( auto t ) { return Qos::BurstUnitInstance( t ); } );
+   expectTexts< Qos::ShapeRateUnit >( { "kbps", "pps" },
+                                      []( auto t ) { return Qos::ShapeRateUnitInstance( t ); } );
+   expectTexts< Qos::GuaranteedBwUnit >( { "kbps", "pps", "percent" }, []( auto t ) {
       return Qos::GuaranteedBwUnitInstance( t );
    } );
    // The percent unit of guaranteed bandwidth has no shape-rate counterpart.

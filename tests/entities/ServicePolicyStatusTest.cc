@@ -30,7 +30,7 @@ class MiniServicePolicySm : public Zub::PtrInterface {
       MiniServicePolicySm* sm_;
    };
 
-   explicit MiniServicePolicySm( Zub::Ptr<Qos::ServicePolicyStatus> const& status ) {
+   explicit MiniServicePolicySm( Zub::Ptr< Qos::ServicePolicyStatus > const& status ) {
       servicePolicyStatus_.is( status, this, initialized_ );
       handleInitialized();
    }
@@ -38,14 +38,14 @@ class MiniServicePolicySm : public Zub::PtrInterface {
    // Start-up: the interfaces first, then the version.
    void handleInitialized() {
       initialized_ = true;
-      for ( auto it = servicePolicyStatus()->intfIds().iter(); it; ++it )
+      for( auto it = servicePolicyStatus()->intfIds().iter(); it; ++it )
          handleIntf( it.key() );
       handleVersion();
    }
-   void servicePolicyStatusIs( Zub::Ptr<Qos::ServicePolicyStatus> const& s ) {
+   void servicePolicyStatusIs( Zub::Ptr< Qos::ServicePolicyStatus > const& s ) {
       servicePolicyStatus_.is( s, this, initialized_ );
    }
-   Zub::Ptr<Qos::ServicePolicyStatus> const& servicePolicyStatus() const {
+   Zub::Ptr< Qos::ServicePolicyStatus > const& servicePolicyStatus() const {
       return servicePolicyStatus_.get();
    }
    void handleVersion() {
@@ -56,16 +56,16 @@ class MiniServicePolicySm : public Zub::PtrInterface {
                        p.intfId().stringValue().charPtr() );
    }
 
-   std::vector<std::string> calls;
+   std::vector< std::string > calls;
 
  private:
    bool initialized_ = false;
-   Zub::Input<Qos::ServicePolicyStatus, ZubServicePolicyStatus> servicePolicyStatus_;
+   Zub::Input< Qos::ServicePolicyStatus, ZubServicePolicyStatus > servicePolicyStatus_;
 };
 
 class ServicePolicyStatusTest : public ::testing::Test {
  protected:
-   Zub::Ptr<Qos::Status> qosStatus = Zub::make<Qos::Status>( Zub::Name( "qos" ) );
+   Zub::Ptr< Qos::Status > qosStatus = Zub::make< Qos::Status >( Zub::Name( "qos" ) );
    ServicePolicyKey key{ Qos::mapQos_, Qos::directionInput_, Zub::Name( "gold" ) };
 };
 
@@ -74,15 +74,15 @@ TEST_F( ServicePolicyStatusTest, ConstructionWalksInTheMachinesOrderWithoutCatch
    status->versionIs( 3 );
    status->intfIdsIs( pair( "Ethernet2" ), true );
    status->intfIdsIs( pair( "Ethernet1" ), true );
-   auto sm = Zub::make<MiniServicePolicySm>( status );
+   auto sm = Zub::make< MiniServicePolicySm >( status );
    // A catch-up would have put the version first; the machine's own walk puts it last.
    EXPECT_EQ( sm->calls,
-              ( std::vector<std::string>{ "add Ethernet1", "add Ethernet2", "version 3" } ) );
+              ( std::vector< std::string >{ "add Ethernet1", "add Ethernet2", "version 3" } ) );
 }
 
 TEST_F( ServicePolicyStatusTest, LiveMachineHearsChangesAndCatchesUpOnANewInput ) {
    auto status = qosStatus->servicePolicyStatusIs( key );
-   auto sm = Zub::make<MiniServicePolicySm>( status );
+   auto sm = Zub::make< MiniServicePolicySm >( status );
    sm->calls.clear();
 
    status->intfIdsIs( pair( "Ethernet5" ), true );
@@ -90,7 +90,7 @@ TEST_F( ServicePolicyStatusTest, LiveMachineHearsChangesAndCatchesUpOnANewInput 
    status->versionIs( 1 );
    status->intfIdsDel( pair( "Ethernet5" ) );
    EXPECT_EQ( sm->calls,
-              ( std::vector<std::string>{ "add Ethernet5", "version 1", "del Ethernet5" } ) );
+              ( std::vector< std::string >{ "add Ethernet5", "version 1", "del Ethernet5" } ) );
 
    // A second status, already populated, attached to the live machine: the reactor replays the
    // value callbacks, then walks the collection.
@@ -100,7 +100,7 @@ TEST_F( ServicePolicyStatusTest, LiveMachineHearsChangesAndCatchesUpOnANewInput 
    other->intfIdsIs( pair( "Ethernet9" ), true );
    sm->calls.clear();
    sm->servicePolicyStatusIs( other );
-   EXPECT_EQ( sm->calls, ( std::vector<std::string>{ "version 7", "add Ethernet9" } ) );
+   EXPECT_EQ( sm->calls, ( std::vector< std::string >{ "version 7", "add Ethernet9" } ) );
    status->versionIs( 2 );  // the old input no longer reaches the machine
    EXPECT_EQ( sm->calls.size(), 2u );
 }
@@ -110,18 +110,18 @@ class StatusWatcher : public Qos::Status::Notifiee {
    void onServicePolicyStatus( ServicePolicyKey const& k ) override {
       seen.push_back( k.pmapName().str().stdString() );
    }
-   std::vector<std::string> seen;
+   std::vector< std::string > seen;
 };
 
 TEST_F( ServicePolicyStatusTest, ChildStatusesAreCreatedOnceAndAnnouncedByKey ) {
-   auto watcher = Zub::make<StatusWatcher>();
+   auto watcher = Zub::make< StatusWatcher >();
    watcher->notifierIs( qosStatus );
    auto first = qosStatus->servicePolicyStatusIs( key );
    EXPECT_EQ( qosStatus->servicePolicyStatusIs( key ), first );  // existing child returned
    EXPECT_EQ( first->key(), key );
    EXPECT_EQ( first->parent(), qosStatus.ptr() );
    qosStatus->servicePolicyStatusDel( key );
-   EXPECT_EQ( watcher->seen, ( std::vector<std::string>{ "gold", "gold" } ) );
+   EXPECT_EQ( watcher->seen, ( std::vector< std::string >{ "gold", "gold" } ) );
    EXPECT_FALSE( qosStatus->servicePolicyStatus( key ) );
    EXPECT_EQ( first->parent(), nullptr );
 }

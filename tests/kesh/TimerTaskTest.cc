@@ -15,39 +15,39 @@ class TimerTaskTest : public ::testing::Test {
    void SetUp() override {
       loop = ActivityManager::create( ActivityManager::TimeSource::simulated, 100.0 );
       Zub::activityManagerIs( loop );
-      scheduler = Zub::make<Kesh::TaskScheduler>();
+      scheduler = Zub::make< Kesh::TaskScheduler >();
       scheduler->workQuantumIs( 3 );
    }
    void TearDown() override { Zub::activityManagerIs( nullptr ); }
 
-   Zub::Ptr<ActivityManager> loop;
-   Zub::Ptr<Kesh::TaskScheduler> scheduler;
+   Zub::Ptr< ActivityManager > loop;
+   Zub::Ptr< Kesh::TaskScheduler > scheduler;
 };
 
 // Works through a list of items a few per slice, as the review tasks of the engine do. Like a
 // state machine, it holds the task it drives.
 class Worker : public Kesh::TimerTask::Notifiee {
  public:
-   Worker( Zub::Ptr<Kesh::Task> t, int items ) : task( t ), left( items ) { notifierIs( t ); }
+   Worker( Zub::Ptr< Kesh::Task > t, int items ) : task( t ), left( items ) { notifierIs( t ); }
    void onTaskRun() override {
       runTimes.push_back( task->scheduler()->clock()->now() );
-      while ( left > 0 ) {
+      while( left > 0 ) {
          --left;
          task->taskWorkCountInc( 1 );
-         if ( left > 0 && task->taskShouldYield() ) {
+         if( left > 0 && task->taskShouldYield() ) {
             task->scheduleTask();
             return;
          }
       }
    }
-   Zub::Ptr<Kesh::Task> task;
+   Zub::Ptr< Kesh::Task > task;
    int left;
-   std::vector<double> runTimes;
+   std::vector< double > runTimes;
 };
 
 TEST_F( TimerTaskTest, SlicesAreCutByWorkCountedAndResumeOnLaterTurns ) {
-   auto task = Zub::make<Kesh::TimerTask>( scheduler, Kesh::TaskPriority::normal, "review" );
-   auto worker = Zub::make<Worker>( task, 7 );
+   auto task = Zub::make< Kesh::TimerTask >( scheduler, Kesh::TaskPriority::normal, "review" );
+   auto worker = Zub::make< Worker >( task, 7 );
    task->scheduleTask();
    EXPECT_TRUE( worker->runTimes.empty() ) << "a task never runs inside scheduleTask";
    loop->runOnce();
@@ -59,14 +59,14 @@ TEST_F( TimerTaskTest, SlicesAreCutByWorkCountedAndResumeOnLaterTurns ) {
 }
 
 TEST_F( TimerTaskTest, DelayedRunsUseSimulatedTimeAndTheLatestSettingWins ) {
-   auto task = Zub::make<Kesh::TimerTask>( scheduler, Kesh::TaskPriority::high, "retry" );
-   auto worker = Zub::make<Worker>( task, 1 );
+   auto task = Zub::make< Kesh::TimerTask >( scheduler, Kesh::TaskPriority::high, "retry" );
+   auto worker = Zub::make< Worker >( task, 1 );
    task->scheduleTaskDelay( 60.0 );
    task->scheduleTaskDelay( 1.0 );
    EXPECT_DOUBLE_EQ( task->taskScheduledTime(), 101.0 );
    loop->runUntilIdle();
    ASSERT_EQ( worker->runTimes.size(), 1u );
-   EXPECT_DOUBLE_EQ( worker->runTimes[0], 101.0 );
+   EXPECT_DOUBLE_EQ( worker->runTimes[ 0 ], 101.0 );
    // scheduleTask keeps an earlier run and pulls a later one forward.
    task->scheduleTaskDelay( 5.0 );
    task->scheduleTask();
@@ -74,10 +74,10 @@ TEST_F( TimerTaskTest, DelayedRunsUseSimulatedTimeAndTheLatestSettingWins ) {
 }
 
 TEST_F( TimerTaskTest, ADestroyedTaskNeverRuns ) {
-   Zub::Ptr<Worker> worker;
+   Zub::Ptr< Worker > worker;
    {
-      auto task = Zub::make<Kesh::TimerTask>( scheduler, Kesh::TaskPriority::low, "gone" );
-      worker = Zub::make<Worker>( task, 1 );
+      auto task = Zub::make< Kesh::TimerTask >( scheduler, Kesh::TaskPriority::low, "gone" );
+      worker = Zub::make< Worker >( task, 1 );
       task->scheduleTaskDelay( 1.0 );
       worker->notifierIs( nullptr );
       worker->task = nullptr;
@@ -90,19 +90,19 @@ TEST_F( TimerTaskTest, ADestroyedTaskNeverRuns ) {
 class WheelReactor : public Kesh::TimerWheel::NotifieeConst {
  public:
    void onTime() override { fired.push_back( notifier()->now() ); }
-   std::vector<double> fired;
+   std::vector< double > fired;
 };
 
 TEST_F( TimerTaskTest, TimerWheelReactorsEachKeepTheirOwnTimeMin ) {
-   auto wheel = Zub::make<Kesh::TimerWheel>();
-   auto a = Zub::make<WheelReactor>(), b = Zub::make<WheelReactor>();
+   auto wheel = Zub::make< Kesh::TimerWheel >();
+   auto a = Zub::make< WheelReactor >(), b = Zub::make< WheelReactor >();
    a->notifierIs( wheel );
    b->notifierIs( wheel );
    a->timeMinIs( 160.0 );
    b->timeMinIs( 130.0 );
    loop->runUntil( 200.0 );
-   EXPECT_EQ( a->fired, std::vector<double>{ 160.0 } );
-   EXPECT_EQ( b->fired, std::vector<double>{ 130.0 } );
+   EXPECT_EQ( a->fired, std::vector< double >{ 160.0 } );
+   EXPECT_EQ( b->fired, std::vector< double >{ 130.0 } );
    EXPECT_DOUBLE_EQ( loop->now(), 200.0 );
 }
 

@@ -17,16 +17,16 @@ TEST( IntfIdTest, TextRoundTripsAndKinds ) {
       char const* text;
       bool ethernet, lag, vlan, vxlan, sub;
    } const cases[] = {
-         { "Ethernet1", true, false, false, false, false },
-         { "Ethernet3/1/4", true, false, false, false, false },
-         { "Ethernet65535/255/255.16777215", true, false, false, false, true },
-         { "Ethernet1.100", true, false, false, false, true },
-         { "Port-Channel10", false, true, false, false, false },
-         { "Port-Channel10.5", false, true, false, false, true },
-         { "Vlan4094", false, false, true, false, false },
-         { "Vxlan1", false, false, false, true, false },
+      { "Ethernet1", true, false, false, false, false },
+      { "Ethernet3/1/4", true, false, false, false, false },
+      { "Ethernet65535/255/255.16777215", true, false, false, false, true },
+      { "Ethernet1.100", true, false, false, false, true },
+      { "Port-Channel10", false, true, false, false, false },
+      { "Port-Channel10.5", false, true, false, false, true },
+      { "Vlan4094", false, false, true, false, false },
+      { "Vxlan1", false, false, false, true, false },
    };
-   for ( auto const& c : cases ) {
+   for( auto const& c : cases ) {
       SCOPED_TRACE( c.text );
       IntfId id( c.text );
       EXPECT_EQ( id.stringValue(), c.text );
@@ -46,11 +46,11 @@ TEST( IntfIdTest, TextRoundTripsAndKinds ) {
 }
 
 TEST( IntfIdTest, BadNamesAreParseErrors ) {
-   for ( char const* bad :
-         { "Ethernet", "Ethernet0", "Ethernet01", "Ethernet1/", "Ethernet1/0", "Ethernet1/2/3/4",
-           "Ethernet1.", "Ethernet1.0", "Ethernet65536", "Ethernet1/256", "ethernet1", "Vlan0",
-           "Vlan4095", "Vlan1.5", "Vxlan1/1", "Port-Channel1/2", "Loopback0", " Ethernet1",
-           "Ethernet1 " } ) {
+   for( char const* bad :
+        { "Ethernet", "Ethernet0", "Ethernet01", "Ethernet1/", "Ethernet1/0", "Ethernet1/2/3/4",
+          "Ethernet1.", "Ethernet1.0", "Ethernet65536", "Ethernet1/256", "ethernet1", "Vlan0",
+          "Vlan4095", "Vlan1.5", "Vxlan1/1", "Port-Channel1/2", "Loopback0", " Ethernet1",
+          "Ethernet1 " } ) {
       EXPECT_THROW( IntfId{ bad }, Zub::ParseException ) << bad;
    }
 }
@@ -80,9 +80,9 @@ TEST( IntfIdTest, OrdersByKindThenNumerically ) {
 }
 
 TEST( IntfIdTest, HashIsTheByteWiseHashOfTheLittleEndianValue ) {
-   for ( char const* name : { "", "Ethernet1", "Port-Channel10.5", "Vlan100" } ) {
+   for( char const* name : { "", "Ethernet1", "Port-Channel10.5", "Vlan100" } ) {
       IntfId id( name );
-      std::vector<std::uint8_t> bytes;
+      std::vector< std::uint8_t > bytes;
       TypesTest::appendLe( bytes, id.value(), 8 );
       EXPECT_EQ( id.hash(), TypesTest::oneAtATime( bytes ) ) << name;
    }

@@ -17,7 +17,7 @@ TEST( AclKeyTest, BuiltFromNameAndTypeUsesTheDefaultGroup ) {
 
 TEST( AclKeyTest, HashFeedsTheFieldsInItsOwnOrder ) {
    Nev::AclKey k( "acl1", Acl::ipv6(), 0x01020304u, 0xaa, 0xbb, "grp" );
-   std::vector<std::uint8_t> bytes;
+   std::vector< std::uint8_t > bytes;
    TypesTest::appendLe( bytes, Zub::stringHash( "acl1" ), 4 );
    TypesTest::appendLe( bytes, 1, 4 );
    bytes.push_back( 0xaa );

@@ -16,13 +16,13 @@ class NevBaseSmTest : public ::testing::Test {
    }
    void TearDown() override { Zub::activityManagerIs( nullptr ); }
 
-   Zub::Ptr<ActivityManager> loop;
-   Zub::Ptr<Nev::NevCommonSmData> ncsd = Zub::make<Nev::NevCommonSmData>( Zub::Name( "ncsd" ) );
+   Zub::Ptr< ActivityManager > loop;
+   Zub::Ptr< Nev::NevCommonSmData > ncsd = Zub::make< Nev::NevCommonSmData >( Zub::Name( "ncsd" ) );
 };
 
 class CountingSm : public Nev::NevAsyncBaseSm {
  public:
-   explicit CountingSm( Zub::Ptr<Nev::NevCommonSmData const> const& ncsd )
+   explicit CountingSm( Zub::Ptr< Nev::NevCommonSmData const > const& ncsd )
        : Nev::NevAsyncBaseSm( ncsd ) {}
    void handleInitialized() override {
       ++starts;
@@ -36,7 +36,7 @@ class CountingSm : public Nev::NevAsyncBaseSm {
 };
 
 TEST_F( NevBaseSmTest, StartUpRunsOnceOnTheFirstTurnAfterConstruction ) {
-   auto sm = Zub::make<CountingSm>( ncsd );
+   auto sm = Zub::make< CountingSm >( ncsd );
    EXPECT_EQ( sm->starts, 0 ) << "no work in the constructor";
    EXPECT_FALSE( sm->initialized() );
    EXPECT_EQ( sm->ncsd(), ncsd );
@@ -47,7 +47,7 @@ TEST_F( NevBaseSmTest, StartUpRunsOnceOnTheFirstTurnAfterConstruction ) {
 }
 
 TEST_F( NevBaseSmTest, AsyncClocksCallTheirHandlersOnLaterTurns ) {
-   auto sm = Zub::make<CountingSm>( ncsd );
+   auto sm = Zub::make< CountingSm >( ncsd );
    loop->runOnce();
    sm->tcamRequestClock()->timeMinIs( loop->now() );
    sm->tcamRequestClock()->timeMinIs( loop->now() );
@@ -63,7 +63,7 @@ TEST_F( NevBaseSmTest, AsyncClocksCallTheirHandlersOnLaterTurns ) {
 }
 
 TEST_F( NevBaseSmTest, AZombieMachineHearsNoClock ) {
-   auto sm = Zub::make<CountingSm>( ncsd );
+   auto sm = Zub::make< CountingSm >( ncsd );
    loop->runOnce();
    sm->tcamRequestClock()->timeMinIs( loop->now() );
    sm->zubDoZombieReactors( true );
@@ -71,7 +71,7 @@ TEST_F( NevBaseSmTest, AZombieMachineHearsNoClock ) {
    EXPECT_EQ( sm->drains, 0 );
    EXPECT_TRUE( sm->zombie() );
    // A machine dropped before its start-up never starts.
-   auto early = Zub::make<CountingSm>( ncsd );
+   auto early = Zub::make< CountingSm >( ncsd );
    early = nullptr;
    loop->runUntilIdle();
    EXPECT_TRUE( loop->idle() );

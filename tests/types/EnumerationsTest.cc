@@ -14,18 +14,18 @@ TEST( EnumerationsTest, AclCreateErrorTexts ) {
       Nev::AclCreateError error;
       char const* text;
    } const cases[] = {
-         { Nev::aclCreateErrorNone, "Succeeded" },
-         { Nev::aclCreateErrorOutOfTcam, "Out of TCAM entries" },
-         { Nev::aclCreateErrorTooManyL4PortRanges, "Too many L4 port ranges" },
-         { Nev::aclCreateErrorExpandIpLen, "Unknown error" },
-         { Nev::aclCreateErrorExpandDst, "Unknown error" },
-         { Nev::aclCreateErrorTooManyAcls, "Too many ACLs" },
-         { Nev::aclCreateErrorUnsupportedAction, "Unsupported Acl action" },
-         { Nev::aclCreateErrorPolicerExhausted, "Unknown error" },
-         { static_cast<Nev::AclCreateError>( 1 ), "Unknown error" },
-         { static_cast<Nev::AclCreateError>( 99 ), "Unknown error" },
+      { Nev::aclCreateErrorNone, "Succeeded" },
+      { Nev::aclCreateErrorOutOfTcam, "Out of TCAM entries" },
+      { Nev::aclCreateErrorTooManyL4PortRanges, "Too many L4 port ranges" },
+      { Nev::aclCreateErrorExpandIpLen, "Unknown error" },
+      { Nev::aclCreateErrorExpandDst, "Unknown error" },
+      { Nev::aclCreateErrorTooManyAcls, "Too many ACLs" },
+      { Nev::aclCreateErrorUnsupportedAction, "Unsupported Acl action" },
+      { Nev::aclCreateErrorPolicerExhausted, "Unknown error" },
+      { static_cast< Nev::AclCreateError >( 1 ), "Unknown error" },
+      { static_cast< Nev::AclCreateError >( 99 ), "Unknown error" },
    };
-   for ( auto const& c : cases ) {
+   for( auto const& c : cases ) {
       EXPECT_EQ( Nev::aclCreateErrorText( c.error ), c.text ) << unsigned( c.error );
    }
    EXPECT_EQ( Nev::AclCreateErrorInstance( stringValue( Nev::aclCreateErrorRuleIgnored ) ),
@@ -33,11 +33,11 @@ TEST( EnumerationsTest, AclCreateErrorTexts ) {
 }
 
 TEST( EnumerationsTest, NamesRoundTripAndStream ) {
-   for ( auto t : { Nev::ipv4Only, Nev::ipv6Only, Nev::ipv4v6Both } ) {
+   for( auto t : { Nev::ipv4Only, Nev::ipv6Only, Nev::ipv4v6Both } ) {
       EXPECT_EQ( Nev::QosPMapAclTypesInstance( stringValue( t ) ), t );
    }
-   for ( auto s : { NevHelper::cbfMapUpdateSuccess, NevHelper::cbfMapUpdateNotReady,
-                    NevHelper::cbfMapUpdateFailed } ) {
+   for( auto s : { NevHelper::cbfMapUpdateSuccess, NevHelper::cbfMapUpdateNotReady,
+                   NevHelper::cbfMapUpdateFailed } ) {
       EXPECT_EQ( NevHelper::CbfFecMappingUpdateStatusInstance( stringValue( s ) ), s );
    }
    std::ostringstream os;

@@ -42,9 +42,9 @@ TEST( QosClassCounterDataTest, ArithmeticMergesThePerInterfaceDrops ) {
    // Only the right has eth3: 0 - 7, wrapped.
    EXPECT_TRUE( diff.dropCountIntfSharedPolicerHas( eth3 ) );
    EXPECT_EQ( diff.dropCountIntfSharedPolicer( eth3 ),
-              std::numeric_limits<std::uint64_t>::max() - 6 );
+              std::numeric_limits< std::uint64_t >::max() - 6 );
    // The counters wrap too, and adding back restores the left side.
-   EXPECT_EQ( ( right - left ).pktHits(), std::numeric_limits<std::uint64_t>::max() - 89 );
+   EXPECT_EQ( ( right - left ).pktHits(), std::numeric_limits< std::uint64_t >::max() - 89 );
    QosClassCounterData restored = diff;
    restored += right;
    restored.dropCountIntfSharedPolicerDel( eth3 );

@@ -57,17 +57,17 @@ TEST( QosPolicyMapKeyTest, BangFormKeepsEveryBangAfterTheThirdInTheGroup ) {
 }
 
 TEST( QosPolicyMapKeyTest, ConversionsTraceAtLevel8 ) {
-   std::vector<std::string> lines;
+   std::vector< std::string > lines;
    Zub::traceDisableAll();
    ASSERT_TRUE( Zub::traceEnable( "NevQos/8" ) );
-   Zub::traceSinkIs( [&lines]( Zub::TraceRecord const& r ) {
-      if ( r.handle == "NevQos" && r.level == 8 ) lines.push_back( r.message.stdString() );
+   Zub::traceSinkIs( [ &lines ]( Zub::TraceRecord const& r ) {
+      if( r.handle == "NevQos" && r.level == 8 ) lines.push_back( r.message.stdString() );
    } );
    QosPolicyMapKey::stringToValue(
          QosPolicyMapKey( "p", Qos::mapQos_, Qos::directionInput_ ).valueToString() );
    Zub::traceSinkIs( {} );
    Zub::traceDisableAll();
-   EXPECT_EQ( lines, ( std::vector<std::string>{
+   EXPECT_EQ( lines, ( std::vector< std::string >{
                            "QosPolicyMapKey::valueToString",
                            "QosPolicyMapKey::stringToValue( strVal= p!mapQos!input!Default )" } ) );
 }

@@ -30,8 +30,8 @@ TEST( QosPolicyUpdateRequestTest, OrdersFieldByField ) {
               R( Nev::updateReasonAclChange, "a", true ) );
 
    // policyData compares by identity, before pmapKey and intfPair.
-   auto d1 = Zub::make<Nev::QosPolicyMapClassData>();
-   auto d2 = Zub::make<Nev::QosPolicyMapClassData>();
+   auto d1 = Zub::make< Nev::QosPolicyMapClassData >();
+   auto d2 = Zub::make< Nev::QosPolicyMapClassData >();
    R a( Nev::updateReasonAclChange, "k", false ), b( a );
    a.policyDataIs( d1 );
    b.policyDataIs( d2 );
@@ -59,14 +59,14 @@ TEST( QosPolicyUpdateRequestTest, ValueFormRoundTrips ) {
               "Value('Qos::IntfPairKey', ** {'intfId': 'Ethernet7', 'lagIntfId': ''})})" );
    EXPECT_EQ( QosPolicyUpdateRequest( text.begin(), text.end() ), r );
    // A request that points at class data prints the pointer, which cannot be read back.
-   r.policyDataIs( Zub::make<Nev::QosPolicyMapClassData>() );
+   r.policyDataIs( Zub::make< Nev::QosPolicyMapClassData >() );
    Zub::String withData = valueToStrep( r );
    EXPECT_THROW( QosPolicyUpdateRequest( withData.begin(), withData.end() ), Zub::ParseException );
 }
 
 TEST( QosPolicyUpdateRequestTest, ReasonTexts ) {
-   for ( auto reason : { Nev::updateReasonPolicyChange, Nev::updateReasonConfigVersionUpdateTime,
-                         Nev::updateReasonAclChange, Nev::updateReasonIntfChange } ) {
+   for( auto reason : { Nev::updateReasonPolicyChange, Nev::updateReasonConfigVersionUpdateTime,
+                        Nev::updateReasonAclChange, Nev::updateReasonIntfChange } ) {
       EXPECT_EQ( Nev::QosPolicyUpdateReasonInstance( stringValue( reason ) ), reason );
    }
    EXPECT_EQ( stringValue( Nev::updateReasonConfigVersionUpdateTime ),

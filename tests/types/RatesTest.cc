@@ -13,7 +13,7 @@ namespace {
 class RatesTest : public ::testing::Test {
  protected:
    void SetUp() override {
-      auto hw = Zub::make<Qos::AclHwStatus>( Zub::Name( "chip" ) );
+      auto hw = Zub::make< Qos::AclHwStatus >( Zub::Name( "chip" ) );
       hw->policeByteModeMinRateKbpsIs( 1 );
       hw->policeByteModeMaxRateKbpsIs( 10000000 );
       hw->policeByteModeMinBurstBytesIs( 64 );
@@ -25,8 +25,8 @@ class RatesTest : public ::testing::Test {
       hw_ = hw;
       Zub::traceDisableAll();
       ASSERT_TRUE( Zub::traceEnable( "NevQos/3" ) );
-      Zub::traceSinkIs( [this]( Zub::TraceRecord const& r ) {
-         if ( r.handle == "NevQos" && r.level == 3 ) traces_.push_back( r.message.stdString() );
+      Zub::traceSinkIs( [ this ]( Zub::TraceRecord const& r ) {
+         if( r.handle == "NevQos" && r.level == 3 ) traces_.push_back( r.message.stdString() );
       } );
    }
    void TearDown() override {
@@ -41,8 +41,8 @@ class RatesTest : public ::testing::Test {
       return t;
    }
 
-   Zub::Ptr<Qos::AclHwStatus const> hw_;
-   std::vector<std::string> traces_;
+   Zub::Ptr< Qos::AclHwStatus const > hw_;
+   std::vector< std::string > traces_;
 };
 
 TEST( RatesConversionTest, DecimalFactorsAndTruncation ) {
@@ -94,22 +94,22 @@ struct RateCase {
 
 TEST_F( RatesTest, CirIsClampedToTheChipLimits ) {
    RateCase const cases[] = {
-         // 500 bps truncates to 0 kbps, below the minimum of 1.
-         { 500, Qos::rateUnitBps_, 1, Qos::rateUnitKbps_,
-           "cirKbps (0) < policeByteModeMinRateKbps (1). Setting cir to 1 and cirUnit to Kbps." },
-         { 20000, Qos::rateUnitMbps_, 10000000, Qos::rateUnitKbps_,
-           "cirKbps (20000000) > policeByteModeMaxRateKbps (10000000). Setting cir to 10000000 "
-           "and cirUnit to Kbps." },
-         // In range or exactly at a limit, neither value nor unit changes.
-         { 2, Qos::rateUnitMbps_, 2, Qos::rateUnitMbps_, "" },
-         { 10000, Qos::rateUnitMbps_, 10000, Qos::rateUnitMbps_, "" },
-         { 9, Qos::rateUnitPps_, 10, Qos::rateUnitPps_,
-           "cir (9) < policePacketModeMinRatePps (10). Setting cir to 10" },
-         { 1000001, Qos::rateUnitPps_, 1000000, Qos::rateUnitPps_,
-           "cir (1000001) > policePacketModeMaxRatePps (1000000). Setting cir to 1000000" },
-         { 1000000, Qos::rateUnitPps_, 1000000, Qos::rateUnitPps_, "" },
+      // 500 bps truncates to 0 kbps, below the minimum of 1.
+      { 500, Qos::rateUnitBps_, 1, Qos::rateUnitKbps_,
+        "cirKbps (0) < policeByteModeMinRateKbps (1). Setting cir to 1 and cirUnit to Kbps." },
+      { 20000, Qos::rateUnitMbps_, 10000000, Qos::rateUnitKbps_,
+        "cirKbps (20000000) > policeByteModeMaxRateKbps (10000000). Setting cir to 10000000 "
+        "and cirUnit to Kbps." },
+      // In range or exactly at a limit, neither value nor unit changes.
+      { 2, Qos::rateUnitMbps_, 2, Qos::rateUnitMbps_, "" },
+      { 10000, Qos::rateUnitMbps_, 10000, Qos::rateUnitMbps_, "" },
+      { 9, Qos::rateUnitPps_, 10, Qos::rateUnitPps_,
+        "cir (9) < policePacketModeMinRatePps (10). Setting cir to 10" },
+      { 1000001, Qos::rateUnitPps_, 1000000, Qos::rateUnitPps_,
+        "cir (1000001) > policePacketModeMaxRatePps (1000000). Setting cir to 1000000" },
+      { 1000000, Qos::rateUnitPps_, 1000000, Qos::rateUnitPps_, "" },
    };
-   for ( auto const& c : cases ) {
+   for( auto const& c : cases ) {
       SCOPED_TRACE( testing::Message() << c.rate << " " << c.unit );
       std::uint64_t cir = c.rate;
       Qos::RateUnit unit = c.unit;
@@ -123,9 +123,9 @@ TEST_F( RatesTest, CirIsClampedToTheChipLimits ) {
 // bc and be share limits and texts: `pattern` is the trace without the parameter's name in
 // front, and with % where the name recurs.
 std::string burstTrace( char const* pattern, std::string const& param ) {
-   if ( !*pattern ) return "";
+   if( !*pattern ) return "";
    std::string t = param;
-   for ( char const* p = pattern; *p; ++p )
+   for( char const* p = pattern; *p; ++p )
       t += *p == '%' ? param : std::string( 1, *p );
    return t;
 }
@@ -138,24 +138,24 @@ TEST_F( RatesTest, BcAndBeAreClampedToTheChipLimits ) {
       Qos::BurstUnit expectedUnit;
       char const* trace;
    } const cases[] = {
-         // 3 MB is compared as 3000000 bytes, not as 3.
-         { 3, Qos::burstUnitMbytes_, 3, Qos::burstUnitMbytes_, "" },
-         { 64, Qos::burstUnitBytes_, 64, Qos::burstUnitBytes_, "" },
-         { 63, Qos::burstUnitBytes_, 64, Qos::burstUnitBytes_,
-           "Bytes (63) < policeByteModeMinBurstBytes (64). Setting % to 64 and %Unit to bytes." },
-         { 17, Qos::burstUnitMbytes_, 16000000, Qos::burstUnitBytes_,
-           "Bytes (17000000) > policeByteModeMaxBurstBytes (16000000). Setting % to 16000000 and "
-           "%Unit to bytes." },
-         // 4295 MB wraps to 32704 bytes in 32 bits, which would pass as in range.
-         { 4295, Qos::burstUnitMbytes_, 16000000, Qos::burstUnitBytes_,
-           "Bytes (4295000000) > policeByteModeMaxBurstBytes (16000000). Setting % to 16000000 "
-           "and %Unit to bytes." },
-         { 1, Qos::burstUnitPackets_, 2, Qos::burstUnitPackets_,
-           " (1) < policePacketModeMinBurstPackets (2). Setting % to 2" },
-         { 10001, Qos::burstUnitPackets_, 10000, Qos::burstUnitPackets_,
-           " (10001) > policePacketModeMaxBurstPackets (10000). Setting % to 10000" },
+      // 3 MB is compared as 3000000 bytes, not as 3.
+      { 3, Qos::burstUnitMbytes_, 3, Qos::burstUnitMbytes_, "" },
+      { 64, Qos::burstUnitBytes_, 64, Qos::burstUnitBytes_, "" },
+      { 63, Qos::burstUnitBytes_, 64, Qos::burstUnitBytes_,
+        "Bytes (63) < policeByteModeMinBurstBytes (64). Setting % to 64 and %Unit to bytes." },
+      { 17, Qos::burstUnitMbytes_, 16000000, Qos::burstUnitBytes_,
+        "Bytes (17000000) > policeByteModeMaxBurstBytes (16000000). Setting % to 16000000 and "
+        "%Unit to bytes." },
+      // 4295 MB wraps to 32704 bytes in 32 bits, which would pass as in range.
+      { 4295, Qos::burstUnitMbytes_, 16000000, Qos::burstUnitBytes_,
+        "Bytes (4295000000) > policeByteModeMaxBurstBytes (16000000). Setting % to 16000000 "
+        "and %Unit to bytes." },
+      { 1, Qos::burstUnitPackets_, 2, Qos::burstUnitPackets_,
+        " (1) < policePacketModeMinBurstPackets (2). Setting % to 2" },
+      { 10001, Qos::burstUnitPackets_, 10000, Qos::burstUnitPackets_,
+        " (10001) > policePacketModeMaxBurstPackets (10000). Setting % to 10000" },
    };
-   for ( auto const& c : cases ) {
+   for( auto const& c : cases ) {
       SCOPED_TRACE( testing::Message() << c.burst << " " << c.unit );
       std::uint32_t bc = c.burst, be = c.burst;
       Qos::BurstUnit bcUnit = c.unit, beUnit = c.unit;
@@ -189,38 +189,38 @@ TEST_F( RatesTest, PirExcessOverCirIsClampedToTheChipLimits ) {
       Qos::RateUnit cirUnit;
       RateCase pir;
    } const cases[] = {
-         // Equal rates leave no excess: below the minimum, so cir + minimum, in kbps.
-         { 5000,
-           Qos::rateUnitKbps_,
-           { 5, Qos::rateUnitMbps_, 5001, Qos::rateUnitKbps_,
-             "pirKbps (5000) < policeByteModeMinRateKbps (1) + cirKbps (5000). Setting pir to 5001 "
-             "and pirUnit to Kbps." } },
-         // Below cir the excess wraps around and becomes the largest legal peak rate.
-         { 5000,
-           Qos::rateUnitKbps_,
-           { 4, Qos::rateUnitMbps_, 10005000, Qos::rateUnitKbps_,
-             "pirKbps (4000) > policeByteModeMaxRateKbps (10000000) + cirKbps (5000). Setting pir "
-             "to 10005000 and pirUnit to Kbps." } },
-         { 1000000,
-           Qos::rateUnitBps_,
-           { 20000, Qos::rateUnitMbps_, 10001000, Qos::rateUnitKbps_,
-             "pirKbps (20000000) > policeByteModeMaxRateKbps (10000000) + cirKbps (1000). Setting "
-             "pir to 10001000 and pirUnit to Kbps." } },
-         { 1, Qos::rateUnitMbps_, { 2, Qos::rateUnitMbps_, 2, Qos::rateUnitMbps_, "" } },
-         // Packet mode works on the raw numbers; the text names the maximum for the minimum too.
-         { 100,
-           Qos::rateUnitPps_,
-           { 105, Qos::rateUnitPps_, 110, Qos::rateUnitPps_,
-             "pirPps (105) < policePacketModeMaxRatePps (10) + cirPps (100). Setting pir to "
-             "110" } },
-         { 100,
-           Qos::rateUnitPps_,
-           { 50, Qos::rateUnitPps_, 1000100, Qos::rateUnitPps_,
-             "pirPps (50) > policePacketModeMaxRatePps (1000000) + cirPps (100). Setting pir to "
-             "1000100" } },
-         { 100, Qos::rateUnitPps_, { 1000100, Qos::rateUnitPps_, 1000100, Qos::rateUnitPps_, "" } },
+      // Equal rates leave no excess: below the minimum, so cir + minimum, in kbps.
+      { 5000,
+        Qos::rateUnitKbps_,
+        { 5, Qos::rateUnitMbps_, 5001, Qos::rateUnitKbps_,
+          "pirKbps (5000) < policeByteModeMinRateKbps (1) + cirKbps (5000). Setting pir to 5001 "
+          "and pirUnit to Kbps." } },
+      // Below cir the excess wraps around and becomes the largest legal peak rate.
+      { 5000,
+        Qos::rateUnitKbps_,
+        { 4, Qos::rateUnitMbps_, 10005000, Qos::rateUnitKbps_,
+          "pirKbps (4000) > policeByteModeMaxRateKbps (10000000) + cirKbps (5000). Setting pir "
+          "to 10005000 and pirUnit to Kbps." } },
+      { 1000000,
+        Qos::rateUnitBps_,
+        { 20000, Qos::rateUnitMbps_, 10001000, Qos::rateUnitKbps_,
+          "pirKbps (20000000) > policeByteModeMaxRateKbps (10000000) + cirKbps (1000). Setting "
+          "pir to 10001000 and pirUnit to Kbps." } },
+      { 1, Qos::rateUnitMbps_, { 2, Qos::rateUnitMbps_, 2, Qos::rateUnitMbps_, "" } },
+      // Packet mode works on the raw numbers; the text names the maximum for the minimum too.
+      { 100,
+        Qos::rateUnitPps_,
+        { 105, Qos::rateUnitPps_, 110, Qos::rateUnitPps_,
+          "pirPps (105) < policePacketModeMaxRatePps (10) + cirPps (100). Setting pir to "
+          "110" } },
+      { 100,
+        Qos::rateUnitPps_,
+        { 50, Qos::rateUnitPps_, 1000100, Qos::rateUnitPps_,
+          "pirPps (50) > policePacketModeMaxRatePps (1000000) + cirPps (100). Setting pir to "
+          "1000100" } },
+      { 100, Qos::rateUnitPps_, { 1000100, Qos::rateUnitPps_, 1000100, Qos::rateUnitPps_, "" } },
    };
-   for ( auto const& c : cases ) {
+   for( auto const& c : cases ) {
       SCOPED_TRACE( testing::Message()
                     << c.cir << " " << c.cirUnit << ", " << c.pir.rate << " " << c.pir.unit );
       std::uint64_t pir = c.pir.rate;
@@ -238,7 +238,7 @@ TEST_F( RatesTest, ValidatedValuesPassAgainUnchanged ) {
    Qos::RateUnit cirUnit = Qos::rateUnitBps_, pirUnit = Qos::rateUnitBps_;
    std::uint32_t bc = 17, be = 1;
    Qos::BurstUnit bcUnit = Qos::burstUnitMbytes_, beUnit = Qos::burstUnitBytes_;
-   for ( std::size_t expectedTraces : { 4u, 0u } ) {
+   for( std::size_t expectedTraces : { 4u, 0u } ) {
       Nev::validateAndUpdateCir( hw_, cir, cirUnit );
       Nev::validateAndUpdateBc( hw_, bc, bcUnit );
       Nev::validateAndUpdatePir( hw_, cir, cirUnit, pir, pirUnit );

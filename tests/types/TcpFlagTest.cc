@@ -22,14 +22,14 @@ TEST( TcpFlagTest, EachViewOwnsOneBit ) {
                        { &TcpFlag::ack, &TcpFlag::ackIs, TcpFlag::ack_ },
                        { &TcpFlag::urg, &TcpFlag::urgIs, TcpFlag::urg_ } };
    std::uint32_t seen = 0;
-   for ( auto const& v : views ) {
+   for( auto const& v : views ) {
       TcpFlag f( TcpFlag::maxValue );
       ( f.*v.set )( false );
       EXPECT_EQ( f.value(), TcpFlag::maxValue & ~v.bit );
       EXPECT_FALSE( ( f.*v.get )() );
       ( f.*v.set )( true );
       EXPECT_EQ( f, TcpFlag( TcpFlag::maxValue ) );
-      EXPECT_EQ( TcpFlag( v.bit ), [&v] {
+      EXPECT_EQ( TcpFlag( v.bit ), [ &v ] {
          TcpFlag g;
          ( g.*v.set )( true );
          return g;
@@ -43,7 +43,7 @@ TEST( TcpFlagTest, ValuesAboveSixBitsAreRefused ) {
    try {
       TcpFlag f( 0x40 );
       ADD_FAILURE() << "no range error for " << f.value();
-   } catch ( Zub::RangeException const& e ) {
+   } catch( Zub::RangeException const& e ) {
       EXPECT_STREQ( e.what(), "TcpFlag::value > 0x3f not allowed" );
    }
    TcpFlag f( TcpFlag::syn_ );
