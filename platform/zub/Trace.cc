@@ -47,12 +47,12 @@ std::optional< std::uint32_t > parseLevels( std::string_view text ) {
    return mask;
 }
 
-std::optional< std::vector< Rule > > parseSpec( std::string_view spec ) {
+std::optional< std::vector< Rule > > parseEnableList( std::string_view enableList ) {
    std::vector< Rule > rules;
-   while( !spec.empty() ) {
-      auto comma = spec.find( ',' );
-      std::string_view item = spec.substr( 0, comma );
-      spec = comma == std::string_view::npos ? std::string_view() : spec.substr( comma + 1 );
+   while( !enableList.empty() ) {
+      auto comma = enableList.find( ',' );
+      std::string_view item = enableList.substr( 0, comma );
+      enableList = comma == std::string_view::npos ? std::string_view() : enableList.substr( comma + 1 );
       if( item.empty() ) continue;
       auto slash = item.find( '/' );
       std::string_view name = item.substr( 0, slash );
@@ -83,7 +83,7 @@ TraceHandle::TraceHandle( String const& name, bool allLevelsOn )
    reg.handles.push_back( this );
    static bool const envRead = [] {
       if( char const* env = std::getenv( "ZUB_TRACE" ) ) {
-         if( auto rules = parseSpec( env ) ) registry().rules = *rules;
+         if( auto rules = parseEnableList( env ) ) registry().rules = *rules;
       }
       return true;
    }();
@@ -95,8 +95,8 @@ TraceHandle::~TraceHandle() {
    std::erase( registry().handles, this );
 }
 
-bool traceEnable( std::string_view spec ) {
-   auto rules = parseSpec( spec );
+bool traceEnable( std::string_view enableList ) {
+   auto rules = parseEnableList( enableList );
    if( !rules ) return false;
    Registry& reg = registry();
    reg.rules.insert( reg.rules.end(), rules->begin(), rules->end() );

@@ -37,7 +37,7 @@ class TraceHandle {
 
 // Enables levels on handles by name, now and for handles built later. Returns false, changing
 // nothing, when the text is not a valid list.
-bool traceEnable( std::string_view spec );
+bool traceEnable( std::string_view enableList );
 // Switches every handle off and forgets what traceEnable asked.
 void traceDisableAll();
 
