@@ -57,8 +57,8 @@ def main(paths):
             "" if target is None else "<= %.2f" % target, met))
     host = context.get("host_name", "?")
     cpus = context.get("num_cpus", "?")
-    build = context.get("library_build_type", "?")
-    print("Benchmark report (host %s, %s CPUs, benchmark library %s build)\n" % (host, cpus, build))
+    print("Benchmark report (host %s, %s CPUs); ratio = time / baseline time, same run\n"
+          % (host, cpus))
     print("\n".join(lines))
     return 1 if failed else 0
 

@@ -112,13 +112,18 @@ std::size_t ActivityManager::runOnce() {
       }
    }
    Seconds const turnTime = now();
+   // The scratch list is borrowed, so a turn allocates nothing once the loop has warmed up.
    std::vector< TimerKey > due;
+   due.swap( dueScratch_ );
    for( auto const& [ key, n ] : timers_ ) {
       if( key.first > turnTime ) break;
       due.push_back( key );
    }
    fireDue( due );
-   return due.size();
+   std::size_t const fired = due.size();
+   due.clear();
+   due.swap( dueScratch_ );
+   return fired;
 }
 
 void ActivityManager::fireDue( std::vector< TimerKey > const& due ) {

@@ -67,6 +67,7 @@ class ActivityManager : public PtrInterface, public ActivityManagerConfig {
    std::uint64_t nextSequence_ = 1;
    std::map< TimerKey, Clock::NotifieeConst* > timers_;
    std::vector< Clock* > clocks_;
+   std::vector< TimerKey > dueScratch_;
    Ptr< Clock > clock_;
 };
 

@@ -18,11 +18,17 @@ RingBuf*& defaultFile() {
    return file;
 }
 
+// Appends raw bytes; resize and copy rather than a range insert, which some optimisers
+// misjudge as writing out of bounds.
+void appendBytes( std::vector< std::uint8_t >& out, void const* data, std::size_t size ) {
+   std::size_t at = out.size();
+   out.resize( at + size );
+   if( size ) std::memcpy( out.data() + at, data, size );
+}
+
 template< class T >
 void append( std::vector< std::uint8_t >& out, T const& v ) {
-   std::uint8_t raw[ sizeof( T ) ];
-   std::memcpy( raw, &v, sizeof( T ) );
-   out.insert( out.end(), raw, raw + sizeof( T ) );
+   appendBytes( out, &v, sizeof( T ) );
 }
 
 template< class T >
@@ -73,7 +79,7 @@ void RingBuf::put( bool v ) {
 
 void RingBuf::put( std::string_view v ) {
    append( current_, static_cast< std::uint32_t >( v.size() ) );
-   current_.insert( current_.end(), v.begin(), v.end() );
+   appendBytes( current_, v.data(), v.size() );
 }
 
 void RingBuf::endMsg() {
@@ -82,7 +88,7 @@ void RingBuf::endMsg() {
       dropOldest();
    }
    starts_.push_back( bytes_.size() );
-   bytes_.insert( bytes_.end(), current_.begin(), current_.end() );
+   appendBytes( bytes_, current_.data(), current_.size() );
 }
 
 void RingBuf::dropOldest() {

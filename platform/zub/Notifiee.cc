@@ -20,10 +20,6 @@ void NotifieeList::remove( NotifieeBase* n ) {
    }
 }
 
-std::size_t NotifieeList::size() const {
-   return entries_.size();
-}
-
 void NotifieeList::compact() {
    std::erase_if( entries_, []( Entry const& e ) { return e.notifiee == nullptr; } );
    holes_ = false;

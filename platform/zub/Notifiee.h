@@ -35,7 +35,7 @@ class NotifieeList {
  public:
    void add( NotifieeBase* n, std::uint8_t depth );
    void remove( NotifieeBase* n );
-   std::size_t size() const;
+   std::size_t size() const { return entries_.size(); }
 
    // Calls f( notifiee ) for each live, active reactor whose depth is at least `depth`.
    template< class F >

@@ -105,25 +105,4 @@ TEST_F( ServicePolicyStatusTest, LiveMachineHearsChangesAndCatchesUpOnANewInput 
    EXPECT_EQ( sm->calls.size(), 2u );
 }
 
-class StatusWatcher : public Qos::Status::Notifiee {
- public:
-   void onServicePolicyStatus( ServicePolicyKey const& k ) override {
-      seen.push_back( k.pmapName().str().stdString() );
-   }
-   std::vector< std::string > seen;
-};
-
-TEST_F( ServicePolicyStatusTest, ChildStatusesAreCreatedOnceAndAnnouncedByKey ) {
-   auto watcher = Zub::make< StatusWatcher >();
-   watcher->notifierIs( qosStatus );
-   auto first = qosStatus->servicePolicyStatusIs( key );
-   EXPECT_EQ( qosStatus->servicePolicyStatusIs( key ), first );  // existing child returned
-   EXPECT_EQ( first->key(), key );
-   EXPECT_EQ( first->parent(), qosStatus.ptr() );
-   qosStatus->servicePolicyStatusDel( key );
-   EXPECT_EQ( watcher->seen, ( std::vector< std::string >{ "gold", "gold" } ) );
-   EXPECT_FALSE( qosStatus->servicePolicyStatus( key ) );
-   EXPECT_EQ( first->parent(), nullptr );
-}
-
 }  // namespace
