@@ -1,0 +1,26 @@
+// The compiled data of one class of one policy map, shared by reference between the class's
+// state machines and the helper. The helper's rule operations take only this record, the match
+// option and the ACL key; the compiler writes the values of a rule into it just before a call.
+#pragma once
+
+#include <cstdint>
+
+#include "NevQos/match/QosClassMatchData.h"
+#include "NevQos/types/QosClassDataKey.h"
+#include "entities/QosTypes.h"
+#include "mirel/IntfId.h"
+#include "zub/Entity.h"
+
+namespace Nev {
+
+#define NEV_QOS_CLASS_DATA_ATTRS( X )                                                    \
+   X( value, Priority, priority, std::uint32_t, 0u )                                     \
+   X( value, ClassDefault, classDefault, bool, false )                                   \
+   X( child, MatchData, matchData, Qos::ClassMapMatchOption, Nev::QosClassMatchData )    \
+   X( value, Count, count, bool, false )                                                 \
+   X( keyed, IntfId, intfId, Mirel::IntfId, bool )                                       \
+   X( value, CpuQId, cpuQId, std::int32_t, -1 )
+
+ZUB_ENTITY( QosClassData, QosClassDataKey, NEV_QOS_CLASS_DATA_ATTRS );
+
+}  // namespace Nev
