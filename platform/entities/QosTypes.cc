@@ -69,6 +69,17 @@ constexpr ValueText::Member txQueueTypeNames[] = {
    { multicastQueue_, "multicastQueue" },
 };
 
+constexpr ValueText::Member actionTypeNames[] = {
+   { actionNone_, "actionNone" },       { actionSetCos_, "actionSetCos" },
+   { actionSetDscp_, "actionSetDscp" }, { actionSetTc_, "actionSetTc" },
+   { actionDrop_, "actionDrop" },       { actionSetDropPrecedence_, "actionSetDropPrecedence" },
+};
+
+constexpr ValueText::Member classMapCpTypeNames[] = {
+   { cmapCpStatic_, "cmapCpStatic" },
+   { cmapCpDynamic_, "cmapCpDynamic" },
+};
+
 }  // namespace
 
 ENUM_TEXT_DEFINE( MapType, "Qos::MapType", mapTypeNames )
@@ -79,6 +90,8 @@ ENUM_TEXT_DEFINE( PolicyMapHwPrgmStatus, "Qos::PolicyMapHwPrgmStatus", policyMap
 ENUM_TEXT_DEFINE( HwProgrammingStatus, "Qos::HwProgrammingStatus", hwProgrammingStatusNames )
 ENUM_TEXT_DEFINE( FeatureName, "Qos::FeatureName", featureNameNames )
 ENUM_TEXT_DEFINE( TxQueueType, "Qos::TxQueueType", txQueueTypeNames )
+ENUM_TEXT_DEFINE( ActionType, "Qos::ActionType", actionTypeNames )
+ENUM_TEXT_DEFINE( ClassMapCpType, "Qos::ClassMapCpType", classMapCpTypeNames )
 
 // ---- IntfPairKey
 

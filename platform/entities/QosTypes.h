@@ -95,6 +95,26 @@ enum TxQueueType : std::uint32_t {
 };
 ENUM_TEXT_DECLARE( TxQueueType );
 
+// What a class action does to the packets of its class. Other values may be carried; nothing
+// here acts on them.
+enum ActionType : std::uint32_t {
+   actionNone_ = 0,
+   actionSetCos_ = 2,
+   actionSetDscp_ = 3,
+   actionSetTc_ = 4,
+   actionDrop_ = 5,
+   actionSetDropPrecedence_ = 6,
+};
+ENUM_TEXT_DECLARE( ActionType );
+
+// Control-plane class maps: static ones come with the system and have their own CPU queue;
+// dynamic ones are made by the operator and get a CPU queue allocated.
+enum ClassMapCpType : std::uint32_t {
+   cmapCpStatic_ = 0,
+   cmapCpDynamic_ = 1,
+};
+ENUM_TEXT_DECLARE( ClassMapCpType );
+
 // ---- Numbers with an invalid sentinel
 
 // A one-byte number from `min` to `max`, or the sentinel `invalid` (max + 1) that marks an

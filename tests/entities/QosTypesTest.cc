@@ -87,6 +87,9 @@ TEST( QosTypesTest, EnumerationTexts ) {
    expectNamesRoundTrip( { featureDscpRewriteEnable_, featureDefaultDscp_, featureEcnQueueCounters_,
                            featureDropThresholds_ },
                          &FeatureNameInstance );
+   expectNamesRoundTrip( { actionNone_, actionSetCos_, actionSetTc_, actionSetDropPrecedence_ },
+                         &ActionTypeInstance );
+   expectNamesRoundTrip( { cmapCpStatic_, cmapCpDynamic_ }, &ClassMapCpTypeInstance );
    expectNamesRoundTrip( { Acl::ip(), Acl::ipv6(), Acl::mac() }, &Acl::AclTypeInstance );
    expectNamesRoundTrip( { Mirel::ipv4, Mirel::ipv6 }, &Mirel::AddressFamilyInstance );
    // Numbers between the members still print, and cannot be read back.
