@@ -1,18 +1,42 @@
 // The merged QoS status of the system, as the configuration agents publish it.
 #pragma once
 
+#include "entities/ClassMapStatus.h"
+#include "entities/NamedPolicerStatus.h"
+#include "entities/PolicyMapStatus.h"
 #include "entities/QosTypes.h"
 #include "entities/ServicePolicyStatus.h"
 #include "zub/Entity.h"
 
 namespace Qos {
 
+// The global maps are keyed by the number they map from. A slot without an entry reads as the
+// sentinel of its value type, which means "not configured: use the chip's default".
+// clang-format off
 #define QOS_STATUS_ATTRS( X )                                                                  \
+   X( child, PmapType, pmapType, Qos::MapType, Qos::PolicyMapTypeStatus )                      \
+   X( child, CmapType, cmapType, Qos::MapType, Qos::ClassMapTypeStatus )                       \
    X( child, ServicePolicyStatus, servicePolicyStatus, Qos::ServicePolicyKey,                  \
       Qos::ServicePolicyStatus )                                                               \
    X( value, ConfigVersionUpdateTime, configVersionUpdateTime, Zub::Seconds, 0.0 )             \
    X( value, ClearHwStatusErrorRequestTime, clearHwStatusErrorRequestTime, Zub::Seconds, 0.0 ) \
-   X( value, RoutedPortSubIntfQosAclSharing, routedPortSubIntfQosAclSharing, bool, false )
+   X( value, RoutedPortSubIntfQosAclSharing, routedPortSubIntfQosAclSharing, bool, false )     \
+   X( child, NamedPolicer, namedPolicer, Zub::Name, Qos::NamedPolicerStatus )                  \
+   X( keyed, CosToTcMap, cosToTcMap, Qos::Cos, Qos::TrafficClass )                             \
+   X( keyed, DscpToTcMap, dscpToTcMap, Qos::Dscp, Qos::TrafficClass )                          \
+   X( keyed, DscpToDpMap, dscpToDpMap, Qos::Dscp, Qos::DropPrecedence )                        \
+   X( keyed, ExpToTcMap, expToTcMap, Qos::Exp, Qos::TrafficClass )                             \
+   X( keyed, TcToCosMap, tcToCosMap, Qos::TrafficClass, Qos::Cos )                             \
+   X( keyed, TcToDscpMap, tcToDscpMap, Qos::TrafficClass, Qos::Dscp )                          \
+   X( keyed, TcToExpMap, tcToExpMap, Qos::TrafficClass, Qos::Exp )                             \
+   /* Unicast queue of each traffic class. */                                                  \
+   X( keyed, TcToTxQueueMap, tcToTxQueueMap, Qos::TrafficClass, Qos::TxQueueId )               \
+   /* Multicast queue of each traffic class, on chips with a map of their own. */              \
+   X( keyed, TcToMcTxQueueMap, tcToMcTxQueueMap, Qos::TrafficClass, Qos::TxQueueId )           \
+   /* Rewrite the COS, and the DSCP, of packets from their traffic class on the way out. */    \
+   X( value, CosRewriteEnabled, cosRewriteEnabled, bool, false )                               \
+   X( value, DscpRewriteEnabled, dscpRewriteEnabled, bool, false )
+// clang-format on
 
 ZUB_ENTITY( Status, Zub::Name, QOS_STATUS_ATTRS );
 
