@@ -4,6 +4,7 @@
 
 #include <cstdint>
 
+#include "entities/NamedPolicerStatus.h"
 #include "zub/Entity.h"
 #include "zub/String.h"
 
@@ -37,7 +38,9 @@ namespace Qos {
    X( value, CosClassMatchSupported, cosClassMatchSupported, bool, false )                      \
    X( value, DscpEcnClassMatchSupported, dscpEcnClassMatchSupported, bool, false )              \
    /* Policer and counter live with the class, not with a copy per interface. */                \
-   X( value, PerClassPolicerSupported, perClassPolicerSupported, bool, false )
+   X( value, PerClassPolicerSupported, perClassPolicerSupported, bool, false )                  \
+   /* The named policers the chip defines for the default PDP policy, by name. */               \
+   X( child, NamedPolicerStatus, namedPolicerStatus, Zub::Name, Qos::NamedPolicerStatus )
 // clang-format on
 
 ZUB_ENTITY( AclHwStatus, Zub::Name, QOS_ACL_HW_STATUS_ATTRS );
