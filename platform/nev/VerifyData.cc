@@ -1,0 +1,30 @@
+#include "nev/VerifyData.h"
+
+#include <ostream>
+
+namespace Nev {
+
+std::ostream& operator<<( std::ostream& os, VerifyOutput const& o ) {
+   return os << o.function() << ": " << o.text();
+}
+
+void VerifyData::doVerify() {
+   verifyRequestedIs( false );
+   verifyIs( verify() + 1 );
+}
+
+void VerifyData::updateCliVerifyOutput( Zub::String const& function, Zub::String const& text ) {
+   // Lines are numbered from a counter of our own, so that a line is never given the number of
+   // one removed before it and the report keeps the order in which findings were raised.
+   cliVerifyOutputIs( nextLine_++, VerifyOutput( text, Zub::String(), 0, function ) );
+}
+
+std::vector< Zub::String > VerifyData::cliVerifyOutputTexts() const {
+   std::vector< Zub::String > texts;
+   texts.reserve( cliVerifyOutputSize() );
+   for( auto const& line : cliVerifyOutput() )
+      texts.push_back( line.text() );
+   return texts;
+}
+
+}  // namespace Nev
