@@ -1,0 +1,112 @@
+// How QosAclSm reports the outcome of compiling a policy map: the programming status the command
+// line reads, the unableToProgram mark of the service policy, and at the edges of trouble the
+// system log. Also the refresh of a class's data before a deferred compile.
+#include "NevQos/log/QosLogHandles.h"
+#include "NevQos/log/TraceHandles.h"
+#include "NevQos/match/QosPolicyMapClassData.h"
+#include "NevQos/policy/QosAclSm.h"
+#include "NevQos/policy/QosPolicyMapSm.h"
+#include "nev/AclData.h"
+#include "zub/Assert.h"
+#include "zub/Format.h"
+#include "zub/Log.h"
+
+namespace Nev {
+
+bool QosAclSm::updatePolicyMapErrorState( AclCreateError error, QosPolicyMapKey const& key,
+                                          Zub::Ptr< AclData > const& aclData ) {
+   if( error == aclCreateErrorRuleIgnored || error == aclCreateErrorIgnored ) {
+      if( aclData ) aclData->dirtyIs( false );
+      return false;
+   }
+   if( aclData ) aclData->dirtyIs( error != aclCreateErrorNone );
+   if( error == aclCreateErrorNone ) return false;
+   ZUB_TRACE( nevQosTrace, 3,
+              "updatePolicyMapErrorState"
+                    << " errorOccurred " << aclCreateErrorText( error ) );
+   qosHelper()->dirtyIs( true );
+   // The state's reactor starts the resource-full cycle of the policy map.
+   if( auto pmapState = qosHelper()->pmapState( key ) ) pmapState->dirtyIs( true );
+   return true;
+}
+
+void QosAclSm::setPolicyMapHwPrgmStatus( QosPolicyMapKey const& key ) {
+   ZUB_TRACE( nevQosTrace, 3, "setPolicyMapHwPrgmStatus " << key );
+   Qos::ServicePolicyKey const spKey( key.pmapType(), key.direction(), key.pmapName() );
+   Zub::Ptr< Qos::PolicyMapHwStatus > hwStatus;
+   if( auto typeStatus = qosAclSliceHwStatus()->pmapType( key.pmapType() ) ) {
+      hwStatus = typeStatus->pmap( Qos::PolicyMapHwStatusKey( key.direction(), key.pmapName() ) );
+   }
+   bool const wasUnable = qosHelper()->unableToProgram( spKey );
+
+   // The status is per service policy, over all of its ACL groups.
+   bool anyDirty = false;
+   bool cleanLast = false;
+   for( auto it = qosHelper()->pmapState().iter(); it; ++it ) {
+      QosPolicyMapKey const& k = it.key();
+      if( k.pmapName() != key.pmapName() || k.pmapType() != key.pmapType() ||
+          k.direction() != key.direction() ) {
+         continue;
+      }
+      bool const dirty = it.value()->dirty();
+      anyDirty = anyDirty || dirty;
+      cleanLast = !dirty;
+      if( !dirty ) it.value()->readyToVerifyIs( true );
+   }
+   ZUB_TRACE( nevQosTrace, 3, anyDirty << "," << wasUnable );
+
+   if( hwStatus ) {
+      if( anyDirty ) {
+         // No log here: handleDirty() has written it.
+         hwStatus->prgmStatusIs( Qos::hwPrgmStatusFail_ );
+         hwStatus->prgmStatusErrMessageIs( "Insufficient hardware resources" );
+         return;
+      }
+      hwStatus->prgmStatusIs( Qos::hwPrgmStatusSuccess_ );
+      if( !( cleanLast && wasUnable ) ) return;
+   } else if( !( cleanLast && wasUnable && !anyDirty ) ) {
+      return;
+   }
+
+   Zub::String const text = Zub::format( "Policy map %s", key.pmapName().charPtr() );
+   switch( key.pmapType() ) {
+      case Qos::mapQos_:
+         Zub::log( QOS_POLICY_HW_RESOURCE_NORMAL, key.direction(), key.pmapName() );
+         break;
+      case Qos::mapControlPlane_:
+         Zub::log( QOS_COPP_HW_RESOURCE_NORMAL, text, "TCAM" );
+         break;
+      case Qos::mapPdp_:
+         Zub::log( PDP_POLICY_HW_RESOURCE_NORMAL, key.direction(), key.pmapName() );
+         break;
+      default:
+         break;
+   }
+   qosHelper()->unableToProgramDel( spKey );
+}
+
+bool QosAclSm::updateClassData( Zub::Ptr< QosPolicyMapClassData > const& policyData ) {
+   Zub::Ptr< QosClassData > const classData = policyData->curClassData();
+   Zub::Ptr< QosClassMatchData > const matchData =
+         classData->matchData( policyData->matchOption() );
+   if( !matchData ) return true;
+   Zub::Ptr< AclData > const aclData = matchData->aclData( policyData->aclKey() );
+   ZUB_ASSERT( aclData && "no acl data" );
+   std::int32_t const number =
+         static_cast< std::int32_t >( ( classData->priority() << 8 ) | matchData->priority() );
+   if( !aclData->dirty() && aclData->installed() ) return true;
+   if( classData->classDefault() ) {
+      if( aclData->aclNumber() == -1 ) aclData->aclNumberIs( number );
+      return false;
+   }
+   // The working copies of the match's values are refreshed by class matching.
+   if( aclData->aclNumber() == -1 ) aclData->aclNumberIs( number );
+   return false;
+}
+
+void QosAclSm::createAclRules( Zub::Ptr< QosPolicyMapClassData > const& policyData ) {
+   // The deferred rule compilers of the match kinds plug in here.
+   ZUB_TRACE( nevQosTrace, 5, "createAclRules " << policyData->aclKey() );
+}
+
+}  // namespace Nev

@@ -1,0 +1,36 @@
+// One ACL type (IPv4, IPv6): gives the type its place in the verification walk.
+#pragma once
+
+#include <tuple>
+
+#include "entities/AclTypes.h"
+#include "zub/Attribute.h"
+#include "zub/Ptr.h"
+
+namespace Nev {
+
+class QosAclSm;
+
+class QosAclTypeConfigSm : public Zub::PtrInterface {
+ public:
+   QosAclTypeConfigSm( Acl::AclType type, QosAclSm* qosAclSm );
+   ~QosAclTypeConfigSm() override;
+
+   Acl::AclType type() const { return type_; }
+   QosAclSm* qosAclSm() const { return qosAclSm_; }
+   bool initialized() const { return initialized_; }
+   auto zubCtorParams() const {
+      return std::make_tuple( Zub::ctorParam( "type", type_ ),
+                              Zub::ctorParam( "qosAclSm", qosAclSm_ ) );
+   }
+
+   void handleInitialized();
+   void doPrepareToDie();
+
+ private:
+   Acl::AclType type_;
+   QosAclSm* qosAclSm_;
+   bool initialized_ = false;
+};
+
+}  // namespace Nev

@@ -1,0 +1,318 @@
+#include "NevQos/policy/QosPolicyMapSm.h"
+
+#include "NevQos/log/QosLogHandles.h"
+#include "NevQos/log/TraceHandles.h"
+#include "NevQos/policy/QosAclSm.h"
+#include "zub/Assert.h"
+#include "zub/Format.h"
+#include "zub/Log.h"
+
+namespace Nev {
+
+namespace {
+
+Zub::Seconds now() {
+   return Zub::System::currentTime();
+}
+
+// Dynamic control-plane classes a map may hold, the class-default included.
+constexpr unsigned maxCoppClasses = 48;
+
+}  // namespace
+
+QosPolicyMapSm::QosPolicyMapSm( QosPolicyMapKey const& key, QosAclSm* qosAclSm,
+                                Zub::Ptr< Qos::PolicyMapStatus const > const& pmap,
+                                Zub::Ptr< QosPolicyMapState > const& pmapState,
+                                Zub::Ptr< Kesh::TimerWheel > const& clock )
+    : key_( key ), qosAclSm_( qosAclSm ), pmap_( pmap ) {
+   pmapState_.is( pmapState, this, false );
+   clock_.is( clock, this, false );
+   handleInitialized();
+}
+
+QosPolicyMapSm::~QosPolicyMapSm() = default;
+
+void QosPolicyMapSm::handleInitialized() {
+   // A helper may want the map compiled only while it has interfaces.
+   if( qosAclSm()->qosHelper()->createSmForPMap( *pmapState() ) ) versionUpdated();
+   ZUB_ASSERT( clock() );
+   initialized_ = true;
+}
+
+Zub::Ptr< Qos::PolicyMapHwStatus > QosPolicyMapSm::pmapSliceHwStatus() const {
+   auto pmapSliceHwStatusType = qosAclSm()->qosAclSliceHwStatus()->pmapType( pmapType() );
+   ZUB_ASSERT( pmapSliceHwStatusType );
+   auto pmapSliceHwStatus = pmapSliceHwStatusType->pmap( hwKey() );
+   ZUB_ASSERT( pmapSliceHwStatus );
+   return pmapSliceHwStatus;
+}
+
+void QosPolicyMapSm::versionUpdated() {
+   ZUB_TRACE( nevQosTrace, 3, "versionUpdated " << pmapState()->dirty() );
+   pmapState()->dirtyIs( false );  // a recompile starts with a clean slate
+   Zub::Seconds const start = now();
+   deleteSm();
+   auto typeStatus = qosAclSm()->qosStatus()->pmapType( pmapType() );
+   auto pmapStatus = typeStatus ? typeStatus->pmap( pmapName() ) : nullptr;
+   if( pmapStatus ) pmapState()->versionIs( pmapStatus->version() );
+   qosAclSm()->qosHelper()->prepareToCommit();
+   createSm();
+   doRecordLatency( start );
+   pmapSliceHwStatus()->versionIs( pmapState()->version() );
+}
+
+void QosPolicyMapSm::deleteSm() {
+   qosAclSm()->qosHelper()->cleanupForPMap( key() );
+   // Class state machines leave here, in key order, each after its own teardown.
+   ipv4AccessGroupCount_ = 0;
+   ipv6AccessGroupCount_ = 0;
+   macAccessRuleCount_ = 0;
+   qosAclSm()->qosHelper()->batchCommitAcls( *pmapState() );
+}
+
+void QosPolicyMapSm::createSm() {
+   auto qosStatus = qosAclSm()->qosStatus();
+   ZUB_ASSERT( qosStatus && "qosStatus" );
+   auto typeStatus = qosStatus->pmapType( pmapType() );
+   auto pmapStatus = typeStatus ? typeStatus->pmap( pmapName() ) : nullptr;
+   if( !pmapStatus ) return;  // the map may vanish while a rebuild is scheduled
+   ZUB_ASSERT( pmapState() );
+   pmapState()->sharedIs( sharedPolicyMap() );
+   ZUB_TRACE( nevQosTrace, 3,
+              "createSm"
+                    << " shared " << pmapState()->shared() );
+   auto hwStatus = pmapSliceHwStatus();
+   hwStatus->prgmStatusIs( Qos::hwPrgmStatusInProgress_ );
+   pmapState()->readyToVerifyIs( false );
+   if( !verifyNumOfClasses() ) {
+      // Nothing is programmed for a map with too many classes, and nothing is logged.
+      hwStatus->prgmStatusIs( Qos::hwPrgmStatusFail_ );
+      hwStatus->prgmStatusErrMessageIs( "Insufficient hardware resources" );
+      return;
+   }
+   ZUB_TRACE( nevQosTrace, 3, " updateIpAccessGroupCounts" );
+   for( auto it = pmapStatus->classPrio().iter(); it; ++it ) {
+      updateIpAccessGroupCounts( classMap( it.value().cmapName() ) );
+   }
+   ZUB_TRACE( nevQosTrace, 3, " create PolicyClassSm" );
+   std::uint16_t cmapPrio = qosAclSm()->qosAclHwStatus()->policyClassMaxPrio();
+   for( auto it = pmapStatus->classPrio().iter(); it; ++it ) {
+      Zub::Name const cmapName = it.value().cmapName();
+      createPolicyClassSm( cmapName, classMap( cmapName ), cmapPrio, false );
+      --cmapPrio;
+      auto caction = pmapStatus->classAction( cmapName );
+      if( !sharedPolicyMap() && caction && caction->policer() ) {
+         // A per-interface policer makes the compiled form depend on the interface set.
+         pmapState()->doVersionUpdateIs( true );
+      }
+   }
+   bool const intfCopp = qosAclSm()->qosAclHwStatus()->intfCoppSupported();
+   if( pmapName() == coppPolicyMapName() || ( intfCopp && pmapType() == Qos::mapControlPlane_ ) ) {
+      for( auto it = pmapStatus->coppStaticClassPrio().iter(); it; ++it ) {
+         Zub::Name const cmapName = it.value().cmapName();
+         auto cmap = classMap( cmapName );
+         if( !cmap || !pmapStatus->classAction( cmapName ) ) continue;
+         createPolicyClassSm( cmapName, cmap, cmapPrio, false );
+      }
+   }
+   bool const systemCopp =
+         pmapType() == Qos::mapControlPlane_ && ( pmapName() == coppPolicyMapName() || !intfCopp );
+   if( !systemCopp ) {
+      ZUB_TRACE( nevQosTrace, 3, " program defaultClass" );
+      if( pmapStatus->classDefault() && pmapStatus->classActionDefault() ) {
+         createPolicyClassSm( pmapStatus->classDefault()->key(), pmapStatus->classDefault(),
+                              cmapPrio, true );
+      }
+   }
+   qosAclSm()->qosHelper()->batchCommitAcls( *pmapState() );
+   if( !qosAclSm()->qosAclHwStatus()->selfReportedPrgmStatus() &&
+       !qosAclSm()->qosHelper()->asyncTcamOperationsSupported() ) {
+      qosAclSm()->setPolicyMapHwPrgmStatus( key() );
+   }
+}
+
+void QosPolicyMapSm::createPolicyClassSm( Zub::Name const& cmapName,
+                                          Zub::Ptr< Qos::ClassMapStatus const > const& cmap,
+                                          std::uint16_t cmapPrio, bool classDefault ) {
+   // The class state machines plug in here: one per class, in priority order.
+   ZUB_TRACE( nevQosTrace, 5,
+              "createPolicyClassSm " << cmapName << " prio " << cmapPrio << " default "
+                                     << classDefault << ( cmap ? "" : " (no class map)" ) );
+}
+
+Zub::Ptr< Qos::ClassMapStatus const > QosPolicyMapSm::classMap( Zub::Name const& cmapName ) const {
+   auto cmaps = qosAclSm()->qosStatus()->cmapType( pmapType() );
+   return cmaps ? cmaps->cmap( cmapName ) : nullptr;
+}
+
+bool QosPolicyMapSm::sharedPolicyMap() const {
+   auto typeStatus = qosAclSm()->qosStatus()->pmapType( pmapType() );
+   auto pmapStatus = typeStatus ? typeStatus->pmap( pmapName() ) : nullptr;
+   return pmapStatus && pmapStatus->shared();
+}
+
+bool QosPolicyMapSm::verifyNumOfClasses() const {
+   auto dir = qosAclSm()->qosSliceHwStatusDir();
+   if( !dir ) return true;
+   Zub::Ptr< Qos::SliceHwStatus const > slice;
+   for( auto it = dir->entityPtr().iter(); it && !slice; ++it ) {
+      slice = Zub::dynamicPtrCast< Qos::SliceHwStatus const >( it.value() );
+   }
+   if( !slice ) return true;
+   auto typeStatus = qosAclSm()->qosStatus()->pmapType( pmapType() );
+   auto pmapStatus = typeStatus ? typeStatus->pmap( pmapName() ) : nullptr;
+   if( !pmapStatus ) return true;
+   unsigned count = 0;
+   unsigned limit = 0;
+   switch( pmapType() ) {
+      case Qos::mapQos_:
+         count = static_cast< unsigned >( pmapStatus->classPrio().size() ) + 1;
+         limit = slice->maxClassesPerPolicyMap();
+         ZUB_TRACE( nevQosTrace, 3, "verifyNumOfClasses " << count );
+         break;
+      case Qos::mapControlPlane_: {
+         count = 1;
+         auto cmaps = qosAclSm()->qosStatus()->cmapType( pmapType() );
+         for( auto it = pmapStatus->classPrio().iter(); it; ++it ) {
+            Zub::Name const cmapName = it.value().cmapName();
+            bool const isStatic = cmaps && cmaps->cpTypeHas( cmapName ) &&
+                                  cmaps->cpType( cmapName ) == Qos::cmapCpStatic_;
+            if( !isStatic ) ++count;
+         }
+         limit = maxCoppClasses;
+         break;
+      }
+      default:
+         return true;
+   }
+   if( count > limit ) {
+      ZUB_TRACE( nevQosTrace, 3,
+                 "verifyNumOfClasses" << count << ", Max class " << limit << " reached )" );
+      return false;
+   }
+   return true;
+}
+
+void QosPolicyMapSm::updateIpAccessGroupCounts(
+      Zub::Ptr< Qos::ClassMapStatus const > const& cmap ) {
+   if( !cmap ) return;
+   auto acls = qosAclSm()->mainAclConfig();
+   for( auto it = cmap->match().iter(); it; ++it ) {
+      Qos::ClassMapMatchOption const option = it.key();
+      Zub::Name const aclName( it.value()->strValue() );
+      auto configured = [ & ]( Acl::AclType type ) {
+         auto typeConfig = acls ? acls->config( type ) : nullptr;
+         return typeConfig && typeConfig->aclHas( aclName );
+      };
+      switch( option ) {
+         case Qos::matchOptionIpAcl:
+            if( configured( Acl::ip() ) ) ++ipv4AccessGroupCount_;
+            break;
+         case Qos::matchOptionIpv6Acl:
+            if( configured( Acl::ipv6() ) ) ++ipv6AccessGroupCount_;
+            break;
+         case Qos::matchOptionMac:
+            if( configured( Acl::mac() ) ) ++macAccessRuleCount_;
+            break;
+         default:
+            break;
+      }
+   }
+}
+
+void QosPolicyMapSm::intfUpdated( Qos::IntfPairKey const& intfPair, bool add ) {
+   ZUB_TRACE( nevQosTrace, 3,
+              "intfUpdated " << intfPair << " add " << add << " dirty " << pmapState()->dirty() );
+   pmapSliceHwStatus()->prgmStatusIs( Qos::hwPrgmStatusInProgress_ );
+   pmapState()->readyToVerifyIs( false );
+   if( add ) {
+      pmapState()->activeIntfIs( intfPair, true );
+   } else {
+      pmapState()->activeIntfDel( intfPair );
+   }
+   auto helper = qosAclSm()->qosHelper();
+   if( !helper->createSmForPMap( *pmapState() ) ) {
+      if( pmapState()->activeIntfSize() != 0 ) {
+         versionUpdated();
+      } else {
+         deleteSm();
+      }
+      qosAclSm()->setPolicyMapHwPrgmStatus( key() );
+      return;
+   }
+   if( pmapState()->dirty() ) {
+      // Dropping an interface may free enough to succeed; adding one cannot.
+      if( !add ) versionUpdated();
+      qosAclSm()->setPolicyMapHwPrgmStatus( key() );
+      return;
+   }
+   // Each class state machine hears the interface here.
+   helper->batchCommitAclsIntf( *pmapState(), intfPair, add );
+   if( !qosAclSm()->qosAclHwStatus()->selfReportedPrgmStatus() &&
+       !helper->asyncTcamOperationsSupported() ) {
+      qosAclSm()->setPolicyMapHwPrgmStatus( key() );
+   }
+}
+
+void QosPolicyMapSm::doRecordLatency( Zub::Seconds startTime ) {
+   Zub::Seconds const latency = now() - startTime;
+   totalProcessTime_ += latency;
+   lastLatency_ = latency;
+   if( latency > maxLatency_ ) maxLatency_ = latency;
+   ZUB_TRACE( nevQosTrace, 3, "Latency: " << latency << ", total time " << totalProcessTime_ );
+}
+
+void QosPolicyMapSm::handleDirty() {
+   ZUB_TRACE( nevQosTrace, 3, "handleDirty " << key() );
+   if( !pmapState()->dirty() ) return;
+   ZUB_ASSERT( clock() );
+   // The cleanup waits for the next turn, so that a failure in the middle of a compile does not
+   // tear down the structures in use.
+   clock_.reactor()->timeMinIs( now() );
+   switch( pmapType() ) {
+      case Qos::mapControlPlane_:
+         Zub::log( QOS_COPP_HW_RESOURCE_FULL, "TCAM",
+                   Zub::format( "policy map %s", pmapName().charPtr() ) );
+         break;
+      case Qos::mapQos_:
+         Zub::log( QOS_POLICY_HW_RESOURCE_FULL, direction(), pmapName() );
+         break;
+      case Qos::mapPdp_:
+         Zub::log( PDP_POLICY_HW_RESOURCE_FULL, direction(), pmapName() );
+         break;
+      default:
+         break;
+   }
+   qosAclSm()->qosHelper()->qosAclSliceHwStatus()->statusIs( Qos::HwProgrammingStatus( 0 ) );
+   pmapState()->readyToVerifyIs( false );
+   qosAclSm()->qosHelper()->unableToProgramIs( spKey(), true );
+}
+
+void QosPolicyMapSm::handleDeferredDeletion() {
+   ZUB_TRACE( nevQosTrace, 3, "handleDeferredDeletion " << key() );
+   if( !pmapState()->dirty() ) return;  // a rebuild has cleared it meanwhile
+   // The programmed part of a map that did not fit is removed whole.
+   deleteSm();
+   pmapState()->readyToVerifyIs( true );
+   qosAclSm()->schedulePolicyVerify();
+}
+
+void QosPolicyMapSm::doPrepareToDie() {
+   pmapState()->dirtyIs( false );
+   pmapState()->readyToVerifyIs( false );
+   deleteSm();
+   qosAclSm()->setPolicyMapHwPrgmStatus( key() );
+}
+
+void QosPolicyMapSm::counterUpdateRequest() {
+   // Counters are pulled through the class state machines.
+}
+
+void QosPolicyMapSm::zubDoZombieReactors( bool zombie ) {
+   if( this->zombie() == zombie ) return;
+   zombieIs( zombie );
+   if( pmapState_.reactor() ) pmapState_.reactor()->zombieIs( zombie );
+   if( clock_.reactor() ) clock_.reactor()->zombieIs( zombie );
+}
+
+}  // namespace Nev

@@ -1,0 +1,43 @@
+// One map type (control plane, QoS, PDP): creates the hardware status level of the type.
+#pragma once
+
+#include <tuple>
+
+#include "entities/PolicyMapStatus.h"
+#include "entities/QosTypes.h"
+#include "zub/Attribute.h"
+#include "zub/Ptr.h"
+
+namespace Nev {
+
+class QosAclSm;
+
+class QosPolicyMapTypeSm : public Zub::PtrInterface {
+ public:
+   QosPolicyMapTypeSm( Qos::MapType type, QosAclSm* qosAclSm,
+                       Zub::Ptr< Qos::PolicyMapTypeStatus const > const& pmapTypeStatus );
+   ~QosPolicyMapTypeSm() override;
+
+   Qos::MapType pmapType() const { return type_; }
+   QosAclSm* qosAclSm() const { return qosAclSm_; }
+   Zub::Ptr< Qos::PolicyMapTypeStatus const > const& pmapTypeStatus() const {
+      return pmapTypeStatus_;
+   }
+   bool initialized() const { return initialized_; }
+   auto zubCtorParams() const {
+      return std::make_tuple( Zub::ctorParam( "type", type_ ),
+                              Zub::ctorParam( "qosAclSm", qosAclSm_ ),
+                              Zub::ctorParam( "pmapTypeStatus", pmapTypeStatus_ ) );
+   }
+
+   void handleInitialized();
+   void doPrepareToDie();
+
+ private:
+   Qos::MapType type_;
+   QosAclSm* qosAclSm_;
+   Zub::Ptr< Qos::PolicyMapTypeStatus const > pmapTypeStatus_;
+   bool initialized_ = false;
+};
+
+}  // namespace Nev

@@ -1,0 +1,275 @@
+#include "NevQos/policy/QosServicePolicySm.h"
+
+#include "NevQos/log/TraceHandles.h"
+#include "NevQos/policy/QosAclSm.h"
+#include "zub/Assert.h"
+
+namespace Nev {
+
+QosServicePolicySm::QosServicePolicySm(
+      Qos::ServicePolicyKey const& key, QosAclSm* qosAclSm,
+      Zub::Ptr< Qos::ServicePolicyStatus const > const& servicePolicyStatus,
+      Zub::Ptr< Kesh::TimerWheel > const& clock )
+    : key_( key ), qosAclSm_( qosAclSm ), clock_( clock ) {
+   servicePolicyStatus_.is( servicePolicyStatus, this, false );
+   handleInitialized();
+}
+
+QosServicePolicySm::~QosServicePolicySm() = default;
+
+QosPolicyMapKey QosServicePolicySm::defaultPmapKey() const {
+   return QosPolicyMapKey( name(), type(), direction(), QosPolicyMapKey::defaultAclGroup() );
+}
+
+void QosServicePolicySm::handleInitialized() {
+   initializedIs( true );
+   auto hw = qosAclSm()->qosAclHwStatus();
+   bool hwEntry = true;
+   if( type() == Qos::mapControlPlane_ && !hw->intfCoppSupported() ) {
+      if( !hw->coppSupported() ) return;
+      hwEntry = false;
+   }
+   if( hwEntry ) {
+      auto pmapSliceHwStatusType = qosAclSm()->qosAclSliceHwStatus()->pmapType( type() );
+      ZUB_ASSERT( pmapSliceHwStatusType );
+      pmapSliceHwStatusType->pmapIs( hwKey() );
+   }
+   createSm();
+   for( auto it = servicePolicyStatus()->intfIds().iter(); it; ++it )
+      handleIntf( it.key() );
+}
+
+bool QosServicePolicySm::parkSvi( Qos::IntfPairKey const& intfPair ) const {
+   return qosAclSm()->qosHelper()->delaySviPmapSmCreation() && intfPair.intfId().isVlan() &&
+          !qosAclSm()->ncsd()->intfsReady();
+}
+
+bool QosServicePolicySm::ethernetNotPresent( Qos::IntfPairKey const& intfPair ) const {
+   return intfPair.intfId().isEthernet() && !qosAclSm()->ncsd()->intf( intfPair.intfId() );
+}
+
+void QosServicePolicySm::createSm() {
+   auto pmapTypeStatus = qosAclSm()->qosStatus()->pmapType( type() );
+   ZUB_ASSERT( pmapTypeStatus );
+   auto pmapStatus = pmapTypeStatus->pmap( name() );
+   ZUB_ASSERT( pmapStatus );
+   auto helper = qosAclSm()->qosHelper();
+   helper->prepareToCommit();
+   if( type() == Qos::mapControlPlane_ && !qosAclSm()->qosAclHwStatus()->intfCoppSupported() ) {
+      // The control-plane policy is system-wide: one map, in the default group.
+      QosPolicyMapKey const key = defaultPmapKey();
+      auto pmapState = helper->pmapStateIs( key );
+      pmapSmIs( key, qosAclSm(), pmapStatus, pmapState, clock() );
+      return;
+   }
+   for( auto it = servicePolicyStatus()->intfIds().iter(); it; ++it ) {
+      Qos::IntfPairKey const& intfPair = it.key();
+      if( parkSvi( intfPair ) ) {
+         qosAclSm()->delayedSviIntfIdIs( intfPair, this );
+         continue;
+      }
+      if( ethernetNotPresent( intfPair ) && type() != Qos::mapControlPlane_ ) continue;
+      QosPolicyMapKey const pmapKey( name(), type(), direction(),
+                                     helper->aclGroup( intfPair, key() ) );
+      if( !helper->pmapState( pmapKey ) ) {
+         helper->pmapStateIs( pmapKey )->versionIs( pmapStatus->version() );
+      }
+      if( helper->managedPrioritySupported( type() ) ) {
+         helper->pmapState( pmapKey )->activeIntfIs( intfPair, true );
+      }
+   }
+   // One child per distinct group, also for groups that earlier runs left behind.
+   for( auto it = helper->pmapState().iter(); it; ++it ) {
+      QosPolicyMapKey const& pmapKey = it.key();
+      if( pmapKey.pmapName() != name() || pmapKey.pmapType() != type() ||
+          pmapKey.direction() != direction() || pmapSm( pmapKey ) ) {
+         continue;
+      }
+      pmapSmIs( pmapKey, qosAclSm(), pmapStatus, it.value(), clock() );
+   }
+}
+
+void QosServicePolicySm::handleVersion() {
+   bool const pmapTypeSm = !!qosAclSm()->pmapTypeSm( type() );
+   ZUB_ASSERT( pmapTypeSm );
+   versionUpdated();
+   qosAclSm()->schedulePolicyVerify();
+}
+
+void QosServicePolicySm::versionUpdated() {
+   unsigned int const version =
+         qosAclSm()->qosStatus()->pmapType( type() )->pmap( name() )->version();
+   auto helper = qosAclSm()->qosHelper();
+   // A new version starts with a clean slate, but the attachment stays unprogrammable until
+   // the next status check.
+   bool const wasUnable = helper->unableToProgram( key() );
+   helper->unableToProgramDel( key() );
+   for( auto it = pmapSm().iter(); it; ++it ) {
+      it.value()->pmapState()->dirtyIs( false );
+      it.value()->deleteSm();
+      it.value()->pmapState()->versionIs( version );
+   }
+   helper->prepareToCommit();
+   for( auto it = pmapSm().iter(); it; ++it )
+      it.value()->createSm();
+   auto pmapSliceHwStatusType = qosAclSm()->qosAclSliceHwStatus()->pmapType( type() );
+   ZUB_ASSERT( pmapSliceHwStatusType );
+   auto pmapSliceHwStatus = pmapSliceHwStatusType->pmap( hwKey() );
+   ZUB_ASSERT( pmapSliceHwStatus );
+   pmapSliceHwStatus->versionIs( version );
+   if( wasUnable ) helper->unableToProgramIs( key(), true );
+   if( !qosAclSm()->qosAclHwStatus()->selfReportedPrgmStatus() &&
+       !helper->asyncTcamOperationsSupported() ) {
+      qosAclSm()->setPolicyMapHwPrgmStatus( defaultPmapKey() );
+   }
+}
+
+void QosServicePolicySm::handleIntf( Qos::IntfPairKey const& intfPair ) {
+   bool const pmapTypeSm = !!qosAclSm()->pmapTypeSm( type() );
+   ZUB_ASSERT( pmapTypeSm );
+   bool const add = servicePolicyStatus()->intfIdsHas( intfPair );
+   ZUB_TRACE( nevQosTrace, 3, "handleIntf " << intfPair << " " << add );
+   bool served = false;
+   if( parkSvi( intfPair ) ) {
+      if( !qosAclSm()->delayedSviIntfId().has( intfPair ) ) {
+         qosAclSm()->delayedSviIntfIdIs( intfPair, this );
+      }
+   } else if( ethernetNotPresent( intfPair ) && type() != Qos::mapControlPlane_ ) {
+      // Not served now: handled below.
+   } else {
+      intfUpdated( intfPair, add );
+      served = true;
+   }
+   if( !served ) {
+      // A missing interface must not keep the policy from being reported as applied.
+      ZUB_TRACE( nevQosTrace, 7,
+                 "handleIntf"
+                       << " handleIntf called with non-existent interface " << intfPair.intfId() );
+      qosAclSm()->setPolicyMapHwPrgmStatus( defaultPmapKey() );
+      auto pmapSliceHwStatusType = qosAclSm()->qosAclSliceHwStatus()->pmapType( type() );
+      ZUB_ASSERT( pmapSliceHwStatusType );
+      auto pmapSliceHwStatus = pmapSliceHwStatusType->pmap( hwKey() );
+      ZUB_ASSERT( pmapSliceHwStatus );
+      pmapSliceHwStatus->versionIs(
+            qosAclSm()->qosStatus()->pmapType( type() )->pmap( name() )->version() );
+   }
+   qosAclSm()->schedulePolicyVerify();
+}
+
+void QosServicePolicySm::handleIntf() {
+   ZUB_TRACE( nevQosTrace, 3, "handleIntf" );
+}
+
+void QosServicePolicySm::intfUpdated( Qos::IntfPairKey const& intfPair, bool add ) {
+   ZUB_TRACE( nevQosTrace, 3, "intfUpdated " << intfPair << " " << add );
+   if( type() == Qos::mapControlPlane_ && !qosAclSm()->qosAclHwStatus()->intfCoppSupported() ) {
+      return;
+   }
+   auto helper = qosAclSm()->qosHelper();
+   helper->prepareToCommit();
+   QosPolicyMapKey pmapKey( name(), type(), direction(), helper->aclGroup( intfPair, key() ) );
+   if( !add ) {
+      Zub::Ptr< QosPolicyMapSm > found;
+      for( auto it = pmapSm().iter(); it && !found; ++it ) {
+         if( it.value()->pmapState()->activeIntf( intfPair ) ) found = it.value();
+      }
+      if( found ) {
+         pmapKey = found->key();
+         // The last interface of the group retires the whole child.
+         if( found->pmapState()->activeIntfSize() == 1 ) {
+            deleteSm( pmapKey );
+         } else {
+            found->intfUpdated( intfPair, false );
+         }
+      }
+   } else {
+      if( !pmapSm( pmapKey ) ) {
+         auto pmapTypeStatus = qosAclSm()->qosStatus()->pmapType( type() );
+         ZUB_ASSERT( pmapTypeStatus );
+         auto pmapStatus = pmapTypeStatus->pmap( name() );
+         ZUB_ASSERT( pmapStatus );
+         auto pmapState = helper->pmapStateIs( pmapKey );
+         pmapState->versionIs( pmapStatus->version() );
+         if( helper->managedPrioritySupported( type() ) ) pmapState->activeIntfIs( intfPair, true );
+         pmapSmIs( pmapKey, qosAclSm(), pmapStatus, pmapState, clock() );
+      }
+      if( auto child = pmapSm( pmapKey ) ) child->intfUpdated( intfPair, true );
+   }
+   auto pmapState = helper->pmapState( pmapKey );
+   if( !pmapState ) return;
+   bool isVxlanIntfPresent = intfPair.intfId().isVxlan();
+   for( auto it = servicePolicyStatus()->intfIds().iter(); it; ++it ) {
+      if( it.value() && it.key().intfId().isVxlan() ) isVxlanIntfPresent = true;
+   }
+   // A change of the interface set that the helper has flagged, or any change with VXLAN
+   // members, recompiles the child rather than only changing its ports.
+   if( isVxlanIntfPresent ||
+       ( pmapState->doVersionUpdate() && helper->managedPrioritySupported( type() ) ) ) {
+      ZUB_TRACE(
+            nevQosTrace, 3,
+            " pmapState->doVersionUpdate : " << pmapState->doVersionUpdate()
+                                             << " isVxlanIntfPresent: " << isVxlanIntfPresent );
+      if( auto child = pmapSm( pmapKey ) ) child->versionUpdated();
+   }
+}
+
+void QosServicePolicySm::reprogramPMapForIntf( Qos::IntfPairKey const& intfPair ) {
+   bool const pmapTypeSm = !!qosAclSm()->pmapTypeSm( type() );
+   ZUB_ASSERT( pmapTypeSm );
+   ZUB_TRACE( nevQosTrace, 3, "reprogramPmapForIntf " << intfPair );
+   intfUpdated( intfPair, false );
+   intfUpdated( intfPair, true );
+}
+
+void QosServicePolicySm::deleteSm( QosPolicyMapKey const& pmapKey ) {
+   Zub::Ptr< QosPolicyMapSm > const child = pmapSm( pmapKey );
+   if( !child ) return;
+   auto helper = qosAclSm()->qosHelper();
+   helper->pmapStateDel( pmapKey );
+   child->doPrepareToDie();
+   if( helper->asyncTcamOperationsSupported() ) {
+      // The child stays until the queue reaches this request, behind the ACL removals that its
+      // own teardown has just entered.
+      QosPolicyUpdateRequest request( updateReasonPolicyChange, "pmapSmDel", true );
+      request.pmapKeyIs( pmapKey );
+      qosAclSm()->enqueueRequestIs( request );
+   } else {
+      pmapSmDel( pmapKey );
+   }
+}
+
+void QosServicePolicySm::deleteAllSm() {
+   for( auto it = pmapSm().iter(); it; ++it )
+      deleteSm( it.key() );
+}
+
+void QosServicePolicySm::doPrepareToDie() {
+   deleteAllSm();
+   if( !( type() == Qos::mapControlPlane_ &&
+          !qosAclSm()->qosAclHwStatus()->intfCoppSupported() ) ) {
+      auto pmapSliceHwStatusType = qosAclSm()->qosAclSliceHwStatus()->pmapType( type() );
+      ZUB_ASSERT( pmapSliceHwStatusType );
+      pmapSliceHwStatusType->pmapDel( hwKey() );
+   }
+   qosAclSm()->qosHelper()->unableToProgramDel( key() );
+}
+
+void QosServicePolicySm::clearPMapCounters() {
+   // Per-class hardware counters are cleared with the counter support.
+}
+
+void QosServicePolicySm::counterUpdateRequest() {
+   clearPMapCounters();
+   for( auto it = pmapSm().iter(); it; ++it )
+      it.value()->counterUpdateRequest();
+}
+
+void QosServicePolicySm::zubDoZombieReactors( bool zombie ) {
+   if( this->zombie() == zombie ) return;
+   zombieIs( zombie );
+   if( servicePolicyStatus_.reactor() ) servicePolicyStatus_.reactor()->zombieIs( zombie );
+   for( auto it = pmapSm().iter(); it; ++it )
+      it.value()->zubDoZombieReactors( zombie );
+}
+
+}  // namespace Nev
