@@ -1,0 +1,114 @@
+#include "policy/QosAclSmFixture.h"
+
+#include "NevQos/types/QosClassDataKey.h"
+
+namespace NevQosTest {
+
+void QosAclSmFixture::SetUp() {
+   loop = Zub::ActivityManager::create( Zub::ActivityManager::TimeSource::simulated, 100.0 );
+   Zub::activityManagerIs( loop );
+   Zub::logSinkIs( [ this ]( Zub::LogRecord const& r ) {
+      logs_.push_back( r.handle->name().stdString() + ": " + r.text.stdString() );
+   } );
+   ncsd = Zub::make< Nev::NevCommonSmData >( Zub::Name( "ncsd" ) );
+   verifyData = Zub::make< Nev::VerifyData >( Zub::Name( "verify" ) );
+   ncsd->verifyDataIs( verifyData );
+   cliCounterConfig = Zub::make< Qos::CounterConfig >( Zub::Name( "cli" ) );
+   counterConfigDir = Zub::make< Zub::Dir >( Zub::Name( "counterConfig" ) );
+   qosStatus = Zub::make< Qos::Status >( Zub::Name( "qos" ) );
+   qosHwStatus = Zub::make< Qos::HwStatus >( Zub::Name( "hw" ) );
+   qosSliceHwStatusDir = Zub::make< Zub::Dir >( Zub::Name( "slice" ) );
+   sliceHwStatus = Zub::make< Qos::SliceHwStatus >( Zub::Name( "FixedSystem" ) );
+   sliceHwStatus->maxClassesPerPolicyMapIs( 16 );
+   qosSliceHwStatusDir->entityPtrIs( Zub::Name( "FixedSystem" ), sliceHwStatus );
+   qosAclHwStatus = Zub::make< Qos::AclHwStatus >( Zub::Name( "aclHw" ) );
+   qosAclHwStatus->policyQosSupportedIs( true );
+   qosAclHwStatus->policyClassMaxPrioIs( 100 );
+   qosAclSliceHwStatus = Zub::make< Qos::AclSliceHwStatus >( Zub::Name( "aclSlice" ) );
+   subIntfStatusDir = Zub::make< Interface::SubIntfStatusDir >( Zub::Name( "subIntf" ) );
+   pdpHwCfg = Zub::make< Qos::Input::Config >( Zub::Name( "pdp" ) );
+   hwEpochStatus = Zub::make< HwEpoch::Status >( Zub::Name( "epoch" ) );
+   mainAclConfig = Zub::make< Acl::Config >( Zub::Name( "acl" ) );
+   helper = Zub::make< RecordingQosAclHelper >( qosStatus, qosAclSliceHwStatus, mainAclConfig );
+   clock = Zub::make< Kesh::TimerWheel >();
+   ncsd->intfIs( Mirel::IntfId( "Ethernet1" ), true );
+   ncsd->intfIs( Mirel::IntfId( "Ethernet2" ), true );
+   ncsd->intfsReadyIs( true );
+}
+
+void QosAclSmFixture::TearDown() {
+   if( sm ) sm->zubDoZombieReactors( true );
+   sm = nullptr;
+   EXPECT_EQ( takeLogs(), std::vector< std::string >{} ) << "log lines the test did not expect";
+   Zub::logSinkIs( nullptr );
+   Zub::activityManagerIs( nullptr );
+}
+
+void QosAclSmFixture::start() {
+   sm = Nev::QosAclSmIs( ncsd, cliCounterConfig, counterConfigDir, qosStatus, qosHwStatus,
+                         qosSliceHwStatusDir, qosAclHwStatus, qosAclSliceHwStatus, subIntfStatusDir,
+                         pdpHwCfg, hwEpochStatus, mainAclConfig, helper, clock, nullptr, nullptr,
+                         nullptr );
+   loop->runOnce();
+   ASSERT_TRUE( sm->initialized() );
+}
+
+Zub::Ptr< Qos::PolicyMapStatus > QosAclSmFixture::policyMap( char const* pmapName,
+                                                             Qos::MapType type ) {
+   return qosStatus->pmapTypeIs( type )->pmapIs( Zub::Name( pmapName ) );
+}
+
+Zub::Ptr< Qos::ServicePolicyStatus > QosAclSmFixture::servicePolicyIs(
+      char const* pmapName, int classes, std::vector< char const* > intfs, Qos::MapType type ) {
+   auto pmap = policyMap( pmapName, type );
+   auto cmaps = qosStatus->cmapTypeIs( type );
+   for( int i = 0; i < classes; ++i ) {
+      Zub::Name name( std::string( pmapName ) + "-class" + std::to_string( i ) );
+      cmaps->cmapIs( name );
+      pmap->classActionIs( name );
+      pmap->classPrioIs( static_cast< unsigned >( i + 1 ), Qos::ClassPriority( name ) );
+   }
+   auto status = qosStatus->servicePolicyStatusIs( spKey( pmapName, type ) );
+   for( char const* i : intfs )
+      status->intfIdsIs( intf( i ), true );
+   return status;
+}
+
+Zub::Ptr< Qos::PolicyMapHwStatus > QosAclSmFixture::hwStatus( char const* pmapName,
+                                                              Qos::MapType type ) const {
+   auto typeStatus = qosAclSliceHwStatus->pmapType( type );
+   if( !typeStatus ) return nullptr;
+   return typeStatus->pmap(
+         Qos::PolicyMapHwStatusKey( Qos::directionInput_, Zub::Name( pmapName ) ) );
+}
+
+Nev::QosPolicyUpdateRequest QosAclSmFixture::aclRequest( Nev::QosPolicyUpdateReason reason,
+                                                         char const* aclName, bool remove,
+                                                         Qos::IntfPairKey intfPair ) {
+   auto pmapSm = sm->servicePolicySm( spKey( "gold" ) )->pmapSm( pmapKey( "gold" ) );
+   if( !classData ) {
+      classData = Zub::make< Nev::QosClassData >(
+            Nev::QosClassDataKey( pmapKey( "gold" ), Zub::Name( "gold-class0" ), Qos::mapQos_,
+                                  Nev::QosClassDataKey::defaultPolicerName() ) );
+      classData->priorityIs( 3 );
+   }
+   Nev::AclKey const aclKey( Zub::Name( aclName ), Acl::ip() );
+   auto matchData = classData->matchDataIs( Qos::matchOptionIpAcl );
+   matchData->priorityIs( 7 );
+   matchData->aclDataIs( aclKey );
+   auto policyData = Zub::make< Nev::QosPolicyMapClassData >( pmapSm, classData );
+   policyData->matchOptionIs( Qos::matchOptionIpAcl );
+   policyData->aclKeyIs( aclKey );
+   Nev::QosPolicyUpdateRequest request( reason, aclName, remove );
+   request.policyDataIs( policyData );
+   request.intfPairIs( intfPair );
+   return request;
+}
+
+std::vector< std::string > QosAclSmFixture::takeLogs() {
+   std::vector< std::string > out;
+   out.swap( logs_ );
+   return out;
+}
+
+}  // namespace NevQosTest

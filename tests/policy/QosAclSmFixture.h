@@ -1,0 +1,77 @@
+// An agent in miniature for tests of the policy engine: every input entity, a recording helper,
+// a simulated-time loop, and a capture of the system log that fails the test on any line the
+// test did not expect.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "NevQos/match/QosPolicyMapClassData.h"
+#include "NevQos/policy/QosAclSm.h"
+#include "support/RecordingQosAclHelper.h"
+#include "zub/ActivityManager.h"
+#include "zub/Log.h"
+
+namespace NevQosTest {
+
+class QosAclSmFixture : public ::testing::Test {
+ protected:
+   void SetUp() override;
+   void TearDown() override;
+
+   // Creates the engine and runs its start-up.
+   void start();
+   // A QoS policy map with `classes` classes, and its service policy on `intfs`.
+   Zub::Ptr< Qos::ServicePolicyStatus > servicePolicyIs( char const* pmapName, int classes,
+                                                         std::vector< char const* > intfs,
+                                                         Qos::MapType type = Qos::mapQos_ );
+   Zub::Ptr< Qos::PolicyMapStatus > policyMap( char const* pmapName,
+                                               Qos::MapType type = Qos::mapQos_ );
+   static Qos::ServicePolicyKey spKey( char const* pmapName, Qos::MapType type = Qos::mapQos_ ) {
+      return Qos::ServicePolicyKey( type, Qos::directionInput_, Zub::Name( pmapName ) );
+   }
+   static Nev::QosPolicyMapKey pmapKey( char const* pmapName, char const* group = "Default",
+                                        Qos::MapType type = Qos::mapQos_ ) {
+      return Nev::QosPolicyMapKey( Zub::Name( pmapName ), type, Qos::directionInput_,
+                                   Zub::Name( group ) );
+   }
+   static Qos::IntfPairKey intf( char const* name ) {
+      return Qos::IntfPairKey( Mirel::IntfId( name ), Mirel::IntfId() );
+   }
+   Zub::Ptr< Qos::PolicyMapHwStatus > hwStatus( char const* pmapName,
+                                                Qos::MapType type = Qos::mapQos_ ) const;
+   // A request for one ACL of one class, as class matching enters it.
+   Nev::QosPolicyUpdateRequest aclRequest( Nev::QosPolicyUpdateReason reason, char const* aclName,
+                                           bool remove, Qos::IntfPairKey intfPair = {} );
+   // The log lines written since the last call; the test has seen them.
+   std::vector< std::string > takeLogs();
+
+   Zub::Ptr< Zub::ActivityManager > loop;
+   Zub::Ptr< Nev::NevCommonSmData > ncsd;
+   Zub::Ptr< Nev::VerifyData > verifyData;
+   Zub::Ptr< Qos::CounterConfig > cliCounterConfig;
+   Zub::Ptr< Zub::Dir > counterConfigDir;
+   Zub::Ptr< Qos::Status > qosStatus;
+   Zub::Ptr< Qos::HwStatus > qosHwStatus;
+   Zub::Ptr< Zub::Dir > qosSliceHwStatusDir;
+   Zub::Ptr< Qos::SliceHwStatus > sliceHwStatus;
+   Zub::Ptr< Qos::AclHwStatus > qosAclHwStatus;
+   Zub::Ptr< Qos::AclSliceHwStatus > qosAclSliceHwStatus;
+   Zub::Ptr< Interface::SubIntfStatusDir > subIntfStatusDir;
+   Zub::Ptr< Qos::Input::Config > pdpHwCfg;
+   Zub::Ptr< HwEpoch::Status > hwEpochStatus;
+   Zub::Ptr< Acl::Config > mainAclConfig;
+   Zub::Ptr< RecordingQosAclHelper > helper;
+   Zub::Ptr< Kesh::TimerWheel > clock;
+   Zub::Ptr< Nev::QosAclSm > sm;
+
+   // Data of one class of one map, for requests built by the tests.
+   Zub::Ptr< Nev::QosClassData > classData;
+
+ private:
+   std::vector< std::string > logs_;
+};
+
+}  // namespace NevQosTest
