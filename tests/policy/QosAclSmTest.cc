@@ -228,6 +228,36 @@ TEST_F( QosAclSmFixture, RemovingTheServicePolicyDeletesItsMachineAndStatus ) {
    EXPECT_FALSE( helper->pmapState( pmapKey( "gold" ) ) );
 }
 
+TEST_F( QosAclSmFixture, PolicersSubinterfacesAndDriverRequestsReachTheirHandlers ) {
+   auto policer = qosStatus->namedPolicerIs( Zub::Name( "police1" ) );
+   auto subIntf = subIntfStatusDir->intfStatusIs( Mirel::IntfId( "Ethernet1.10" ) );
+   start();
+   servicePolicyIs( "gold", 1, { "Ethernet1", "Ethernet2" } );
+   helper->clearCalls();
+
+   policer->paramChangeVersionIs( 1 );
+   subIntf->forwardingModelIs( Interface::forwardingModelRouted );
+   subIntfStatusDir->intfStatusDel( Mirel::IntfId( "Ethernet1.10" ) );
+   qosStatus->routedPortSubIntfQosAclSharingIs( true );
+   EXPECT_EQ( helper->calls(), ( Lines{ "updatePolicer policerName=police1",
+                                        "handleSubIntfForwardingModel intfId=Ethernet1.10",
+                                        "handleSubIntfDeletion intfId=Ethernet1.10",
+                                        "handleRoutedPortSubIntfAclSharing" } ) );
+
+   // The driver asks for one interface to be reprogrammed: removed, then added again.
+   helper->clearCalls();
+   helper->intfUpdateCallback( intf( "Ethernet2" ), Qos::directionInput_ );
+   EXPECT_EQ( helper->callsMatching( "batchCommitAclsIntf" ),
+              ( Lines{ "batchCommitAclsIntf pmap=gold intf=Ethernet2 add=false",
+                       "batchCommitAclsIntf pmap=gold intf=Ethernet2 add=true" } ) );
+
+   // The driver asks for every policy map anew: a new machine per service policy.
+   auto before = sm->servicePolicySm( spKey( "gold" ) );
+   helper->reprogramAllPMapsRequestTimeIs( loop->now() );
+   EXPECT_NE( sm->servicePolicySm( spKey( "gold" ) ), before );
+   EXPECT_EQ( hwStatus( "gold" )->prgmStatus(), Qos::hwPrgmStatusSuccess_ );
+}
+
 using QosAclSmDeathTest = QosAclSmFixture;
 
 TEST_F( QosAclSmDeathTest, DeletingTheControlPlaneMapTypeIsFatal ) {
