@@ -255,7 +255,28 @@ void QosServicePolicySm::doPrepareToDie() {
 }
 
 void QosServicePolicySm::clearPMapCounters() {
-   // Per-class hardware counters are cleared with the counter support.
+   auto typeStatus = qosAclSm()->qosAclSliceHwStatus()->pmapType( type() );
+   if( !typeStatus ) return;
+   for( auto it = pmapSm().iter(); it; ++it ) {
+      auto pmapHwStatus = typeStatus->pmap( it.value()->hwKey() );
+      if( !pmapHwStatus ) continue;
+      for( auto cit = pmapHwStatus->cmap().iter(); cit; ++cit ) {
+         Qos::ClassMapHwStatus& cmap = *cit.value();
+         cmap.outCountIs( 0 );
+         cmap.outBytesIs( 0 );
+         cmap.dropCountIs( 0 );
+         cmap.dropBytesIs( 0 );
+         for( auto pit = cmap.policerHwStatus().iter(); pit; ++pit ) {
+            Qos::PolicerHwStatus& policer = *pit.value();
+            policer.pktInCountIs( 0 );
+            policer.byteInCountIs( 0 );
+            policer.pktDropCountIs( 0 );
+            policer.byteDropCountIs( 0 );
+            policer.yellowPktInCountIs( 0 );
+            policer.yellowByteInCountIs( 0 );
+         }
+      }
+   }
 }
 
 void QosServicePolicySm::counterUpdateRequest() {

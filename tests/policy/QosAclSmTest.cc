@@ -258,6 +258,20 @@ TEST_F( QosAclSmFixture, PolicersSubinterfacesAndDriverRequestsReachTheirHandler
    EXPECT_EQ( hwStatus( "gold" )->prgmStatus(), Qos::hwPrgmStatusSuccess_ );
 }
 
+TEST_F( QosAclSmFixture, ACounterRequestStartsFromClearedClassCounters ) {
+   start();
+   servicePolicyIs( "gold", 1, { "Ethernet1" } );
+   auto cmap = hwStatus( "gold" )->cmapIs( Zub::Name( "gold-class0" ) );
+   auto policer = cmap->policerHwStatusIs( Zub::Name( "p" ) );
+   cmap->outCountIs( 5 );
+   cmap->dropBytesIs( 6 );
+   policer->pktInCountIs( 7 );
+   policer->yellowByteInCountIs( 8 );
+   sm->servicePolicySm( spKey( "gold" ) )->counterUpdateRequest();
+   EXPECT_EQ( cmap->outCount() + cmap->dropBytes(), 0u );
+   EXPECT_EQ( policer->pktInCount() + policer->yellowByteInCount(), 0u );
+}
+
 using QosAclSmDeathTest = QosAclSmFixture;
 
 TEST_F( QosAclSmDeathTest, DeletingTheControlPlaneMapTypeIsFatal ) {
