@@ -206,12 +206,14 @@ class QosAclSm : public NevAsyncBaseSm {
    Zub::Ptr< VerifyData const > const& verifyData() const { return verifyData_.get(); }
    Zub::Ptr< NevCommonSmData const > const& reactNcsd() const { return reactNcsd_.get(); }
    // SVIs parked until the first interface arrives, with the service policy that asked.
-   Zub::Collection< Qos::IntfPairKey, QosServicePolicySm* > const& delayedSviIntfId() const {
+   Zub::Collection< Qos::IntfPairKey, Zub::Ptr< QosServicePolicySm > > const& delayedSviIntfId()
+         const {
       return delayedSviIntfId_;
    }
    void delayedSviIntfIdIs( Qos::IntfPairKey const& k, QosServicePolicySm* sm ) {
-      delayedSviIntfId_.set( k, sm );
+      delayedSviIntfId_.set( k, Zub::Ptr< QosServicePolicySm >( sm ) );
    }
+   void delayedSviIntfIdDel( Qos::IntfPairKey const& k ) { delayedSviIntfId_.erase( k ); }
    void delayedSviIntfIdDelAll();
 
    // ---- start-up and input handlers ----
@@ -283,7 +285,7 @@ class QosAclSm : public NevAsyncBaseSm {
    Zub::WatchedCollection< Zub::Name, ZubNamedPolicerStatus > namedPolicerStatus_;
    Zub::Input< VerifyData const, ZubVerifyData > verifyData_;
    Zub::Input< NevCommonSmData const, ZubReactNcsd > reactNcsd_;
-   Zub::Collection< Qos::IntfPairKey, QosServicePolicySm* > delayedSviIntfId_;
+   Zub::Collection< Qos::IntfPairKey, Zub::Ptr< QosServicePolicySm > > delayedSviIntfId_;
    Zub::WatchedCollection< Mirel::IntfId, ZubSubIntfStatus > subIntfStatus_;
 };
 

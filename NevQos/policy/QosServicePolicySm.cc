@@ -245,6 +245,10 @@ void QosServicePolicySm::deleteAllSm() {
 
 void QosServicePolicySm::doPrepareToDie() {
    deleteAllSm();
+   // A machine that goes takes its parked SVIs with it.
+   for( auto it = qosAclSm()->delayedSviIntfId().iter(); it; ++it ) {
+      if( it.value().ptr() == this ) qosAclSm()->delayedSviIntfIdDel( it.key() );
+   }
    if( !( type() == Qos::mapControlPlane_ &&
           !qosAclSm()->qosAclHwStatus()->intfCoppSupported() ) ) {
       auto pmapSliceHwStatusType = qosAclSm()->qosAclSliceHwStatus()->pmapType( type() );
