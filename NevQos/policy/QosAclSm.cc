@@ -19,12 +19,6 @@ void QosAclSm::ZubNamedPolicerStatus::onParamChangeVersion() {
    sm_->qosHelper()->updatePolicer( Zub::Name( notifier()->name() ) );
 }
 
-QosAclSm::ZubSubIntfStatus::~ZubSubIntfStatus() {
-   // A subinterface that goes takes its per-interface hardware state with it.
-   if( sm_ && sm_->qosHelper() && !sm_->zombie() )
-      sm_->qosHelper()->handleSubIntfDeletion( intfId_ );
-}
-
 void QosAclSm::ZubSubIntfStatus::onForwardingModel() {
    sm_->qosHelper()->handleSubIntfForwardingModel( intfId_ );
 }
@@ -83,32 +77,6 @@ QosAclSm::QosAclSm( Zub::Ptr< NevCommonSmData const > const& ncsd,
 }
 
 QosAclSm::~QosAclSm() = default;
-
-Zub::Ptr< QosAclSm > QosAclSmIs(
-      Zub::Ptr< NevCommonSmData const > const& ncsd,
-      Zub::Ptr< Qos::CounterConfig const > const& cliCounterConfig,
-      Zub::Ptr< Zub::Dir const > const& counterConfigDir,
-      Zub::Ptr< Qos::Status const > const& qosStatus,
-      Zub::Ptr< Qos::HwStatus const > const& qosHwStatus,
-      Zub::Ptr< Zub::Dir const > const& qosSliceHwStatusDir,
-      Zub::Ptr< Qos::AclHwStatus const > const& qosAclHwStatus,
-      Zub::Ptr< Qos::AclSliceHwStatus > const& qosAclSliceHwStatus,
-      Zub::Ptr< Interface::SubIntfStatusDir const > const& subIntfStatusDir,
-      Zub::Ptr< Qos::Input::Config > const& pdpHwCfg,
-      Zub::Ptr< HwEpoch::Status const > const& hwEpochStatus,
-      Zub::Ptr< Acl::Config const > const& mainAclConfig,
-      Zub::Ptr< NevHelper::QosAclHelper > const& qosHelper,
-      Zub::Ptr< Kesh::TimerWheel > const& clock,
-      Zub::Ptr< KernelCoPPStatus const > const& kernelCoppStatus,
-      Zub::Ptr< KernelCoPPConfig const > const& kernelCoppConfig,
-      Zub::Ptr< NexthopGroupStatus const > const& nexthopGroupStatus ) {
-   auto sm = Zub::make< QosAclSm >(
-         ncsd, cliCounterConfig, counterConfigDir, qosStatus, qosHwStatus, qosSliceHwStatusDir,
-         qosAclHwStatus, qosAclSliceHwStatus, subIntfStatusDir, pdpHwCfg, hwEpochStatus,
-         mainAclConfig, qosHelper, clock, kernelCoppStatus, kernelCoppConfig, nexthopGroupStatus );
-   sm->hasNotificationActiveIs( true );
-   return sm;
-}
 
 bool QosAclSm::pdpModeEnabled() const {
    return hwEpochStatus_ && hwEpochStatus_->pdpModeEnabled();
@@ -297,7 +265,11 @@ void QosAclSm::handleNamedPolicer( Zub::Name const& name ) {
 void QosAclSm::handleSubIntfStatus( Mirel::IntfId const& intfId ) {
    auto status = subIntfStatusDir()->intfStatus( intfId );
    if( !status ) {
-      subIntfStatus_.del( intfId );
+      // A subinterface that goes takes its per-interface hardware state with it.
+      if( subIntfStatus_.has( intfId ) ) {
+         subIntfStatus_.del( intfId );
+         qosHelper()->handleSubIntfDeletion( intfId );
+      }
       return;
    }
    if( subIntfStatus_.has( intfId ) ) return;
@@ -406,16 +378,14 @@ void QosAclSm::handleVerify() {
 void QosAclSm::zubDoZombieReactors( bool zombie ) {
    if( this->zombie() == zombie ) return;
    NevAsyncBaseSm::zubDoZombieReactors( zombie );
-   for( auto* r : { static_cast< Zub::NotifieeBase* >( cliCounterConfig_.reactor().ptr() ),
-                    static_cast< Zub::NotifieeBase* >( counterConfigDir_.reactor().ptr() ),
-                    static_cast< Zub::NotifieeBase* >( qosStatus_.reactor().ptr() ),
-                    static_cast< Zub::NotifieeBase* >( subIntfStatusDir_.reactor().ptr() ),
-                    static_cast< Zub::NotifieeBase* >( qosHelper_.reactor().ptr() ),
-                    static_cast< Zub::NotifieeBase* >( nexthopGroupStatus_.reactor().ptr() ),
-                    static_cast< Zub::NotifieeBase* >( verifyData_.reactor().ptr() ),
-                    static_cast< Zub::NotifieeBase* >( reactNcsd_.reactor().ptr() ) } ) {
-      if( r ) r->zombieIs( zombie );
-   }
+   cliCounterConfig_.zombieIs( zombie );
+   counterConfigDir_.zombieIs( zombie );
+   qosStatus_.zombieIs( zombie );
+   subIntfStatusDir_.zombieIs( zombie );
+   qosHelper_.zombieIs( zombie );
+   nexthopGroupStatus_.zombieIs( zombie );
+   verifyData_.zombieIs( zombie );
+   reactNcsd_.zombieIs( zombie );
    for( auto it = namedPolicerStatus_.iter(); it; ++it )
       it.value()->zombieIs( zombie );
    for( auto it = subIntfStatus_.iter(); it; ++it )

@@ -99,7 +99,6 @@ class QosAclSm : public NevAsyncBaseSm {
    class ZubSubIntfStatus : public Interface::SubIntfStatus::Notifiee {
     public:
       ZubSubIntfStatus( QosAclSm* sm, Mirel::IntfId intfId ) : sm_( sm ), intfId_( intfId ) {}
-      ~ZubSubIntfStatus() override;
       void onForwardingModel() override;
       void handleInitialized() { onForwardingModel(); }
 
@@ -289,25 +288,14 @@ class QosAclSm : public NevAsyncBaseSm {
    Zub::WatchedCollection< Mirel::IntfId, ZubSubIntfStatus > subIntfStatus_;
 };
 
-// The agent's entry point: creates the machine, with notification on. The agent then wires the
-// chip's helper, and the machine starts on the next turn of the event loop.
-Zub::Ptr< QosAclSm > QosAclSmIs(
-      Zub::Ptr< NevCommonSmData const > const& ncsd,
-      Zub::Ptr< Qos::CounterConfig const > const& cliCounterConfig,
-      Zub::Ptr< Zub::Dir const > const& counterConfigDir,
-      Zub::Ptr< Qos::Status const > const& qosStatus,
-      Zub::Ptr< Qos::HwStatus const > const& qosHwStatus,
-      Zub::Ptr< Zub::Dir const > const& qosSliceHwStatusDir,
-      Zub::Ptr< Qos::AclHwStatus const > const& qosAclHwStatus,
-      Zub::Ptr< Qos::AclSliceHwStatus > const& qosAclSliceHwStatus,
-      Zub::Ptr< Interface::SubIntfStatusDir const > const& subIntfStatusDir,
-      Zub::Ptr< Qos::Input::Config > const& pdpHwCfg,
-      Zub::Ptr< HwEpoch::Status const > const& hwEpochStatus,
-      Zub::Ptr< Acl::Config const > const& mainAclConfig,
-      Zub::Ptr< NevHelper::QosAclHelper > const& qosHelper,
-      Zub::Ptr< Kesh::TimerWheel > const& clock,
-      Zub::Ptr< KernelCoPPStatus const > const& kernelCoppStatus,
-      Zub::Ptr< KernelCoPPConfig const > const& kernelCoppConfig,
-      Zub::Ptr< NexthopGroupStatus const > const& nexthopGroupStatus );
+// The agent's entry point: creates the machine from the constructor parameters, with
+// notification on. The agent then wires the chip's helper, and the machine starts on the next
+// turn of the event loop.
+template< class... Params >
+Zub::Ptr< QosAclSm > QosAclSmIs( Params const&... params ) {
+   auto sm = Zub::make< QosAclSm >( params... );
+   sm->hasNotificationActiveIs( true );
+   return sm;
+}
 
 }  // namespace Nev

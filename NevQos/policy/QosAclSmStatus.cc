@@ -95,11 +95,8 @@ bool QosAclSm::updateClassData( Zub::Ptr< QosPolicyMapClassData > const& policyD
    std::int32_t const number =
          static_cast< std::int32_t >( ( classData->priority() << 8 ) | matchData->priority() );
    if( !aclData->dirty() && aclData->installed() ) return true;
-   if( classData->classDefault() ) {
-      if( aclData->aclNumber() == -1 ) aclData->aclNumberIs( number );
-      return false;
-   }
-   // The working copies of the match's values are refreshed by class matching.
+   // Apart from a class-default class, the working copies of the match's values are refreshed
+   // here by class matching.
    if( aclData->aclNumber() == -1 ) aclData->aclNumberIs( number );
    return false;
 }

@@ -311,8 +311,8 @@ void QosPolicyMapSm::counterUpdateRequest() {
 void QosPolicyMapSm::zubDoZombieReactors( bool zombie ) {
    if( this->zombie() == zombie ) return;
    zombieIs( zombie );
-   if( pmapState_.reactor() ) pmapState_.reactor()->zombieIs( zombie );
-   if( clock_.reactor() ) clock_.reactor()->zombieIs( zombie );
+   pmapState_.zombieIs( zombie );
+   clock_.zombieIs( zombie );
 }
 
 }  // namespace Nev

@@ -292,7 +292,7 @@ void QosServicePolicySm::counterUpdateRequest() {
 void QosServicePolicySm::zubDoZombieReactors( bool zombie ) {
    if( this->zombie() == zombie ) return;
    zombieIs( zombie );
-   if( servicePolicyStatus_.reactor() ) servicePolicyStatus_.reactor()->zombieIs( zombie );
+   servicePolicyStatus_.zombieIs( zombie );
    for( auto it = pmapSm().iter(); it; ++it )
       it.value()->zubDoZombieReactors( zombie );
 }

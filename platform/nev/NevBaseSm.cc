@@ -30,27 +30,27 @@ void NevBaseSm::zubDoZombieReactors( bool zombie ) {
    startClock_->zombieIs( zombie );
 }
 
-class NevAsyncBaseSm::TcamRequestClock : public Zub::Clock::NotifieeConst {
+class NevAsyncBaseSm::HandlerClock : public Zub::Clock::NotifieeConst {
  public:
-   explicit TcamRequestClock( NevAsyncBaseSm* sm ) : sm_( sm ) {}
+   HandlerClock( NevAsyncBaseSm* sm, Handler handler ) : sm_( sm ), handler_( handler ) {}
    void onTime() override {
-      if( !sm_->zombie() ) sm_->processTcamRequestQueue();
+      if( !sm_->zombie() ) ( sm_->*handler_ )();
    }
 
  private:
    NevAsyncBaseSm* sm_;
+   Handler handler_;
 };
 
-class NevAsyncBaseSm::PendingOperationTimeoutClock : public Zub::Clock::NotifieeConst {
- public:
-   explicit PendingOperationTimeoutClock( NevAsyncBaseSm* sm ) : sm_( sm ) {}
-   void onTime() override {
-      if( !sm_->zombie() ) sm_->handlePendingOperationTimeout();
+void NevAsyncBaseSm::clockIs( Zub::Ptr< HandlerClock >& slot, NevAsyncBaseSm* sm,
+                              Zub::Ptr< Zub::Clock > const& clock, Handler handler ) {
+   if( !clock ) {
+      slot = nullptr;
+      return;
    }
-
- private:
-   NevAsyncBaseSm* sm_;
-};
+   if( !slot ) slot = Zub::make< HandlerClock >( sm, handler );
+   slot->notifierIs( clock );
+}
 
 NevAsyncBaseSm::NevAsyncBaseSm( Zub::Ptr< NevCommonSmData const > const& ncsd )
     : NevBaseSm( ncsd ) {}
@@ -77,9 +77,7 @@ void NevAsyncBaseSm::tcamRequestClockDel() {
 }
 
 void NevAsyncBaseSm::tcamRequestClockIs( Zub::Ptr< Zub::Clock > const& clock ) {
-   if( !clock ) return tcamRequestClockDel();
-   if( !tcamRequestClock_ ) tcamRequestClock_ = Zub::make< TcamRequestClock >( this );
-   tcamRequestClock_->notifierIs( clock );
+   clockIs( tcamRequestClock_, this, clock, &NevAsyncBaseSm::processTcamRequestQueue );
 }
 
 void NevAsyncBaseSm::pendingOperationTimeoutClockDel() {
@@ -87,11 +85,8 @@ void NevAsyncBaseSm::pendingOperationTimeoutClockDel() {
 }
 
 void NevAsyncBaseSm::pendingOperationTimeoutClockIs( Zub::Ptr< Zub::Clock > const& clock ) {
-   if( !clock ) return pendingOperationTimeoutClockDel();
-   if( !pendingOperationTimeoutClock_ ) {
-      pendingOperationTimeoutClock_ = Zub::make< PendingOperationTimeoutClock >( this );
-   }
-   pendingOperationTimeoutClock_->notifierIs( clock );
+   clockIs( pendingOperationTimeoutClock_, this, clock,
+            &NevAsyncBaseSm::handlePendingOperationTimeout );
 }
 
 }  // namespace Nev

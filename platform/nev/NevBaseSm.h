@@ -75,13 +75,16 @@ class NevAsyncBaseSm : public NevBaseSm {
    ~NevAsyncBaseSm() override;
 
  private:
-   class TcamRequestClock;
-   class PendingOperationTimeoutClock;
+   // A reactor on a clock that calls one handler of the machine.
+   class HandlerClock;
+   using Handler = void ( NevAsyncBaseSm::* )();
+   static void clockIs( Zub::Ptr< HandlerClock >& slot, NevAsyncBaseSm* sm,
+                        Zub::Ptr< Zub::Clock > const& clock, Handler handler );
    Zub::String error_;
    AsyncOperationState asyncState_ = asyncNone;
-   Zub::Ptr< TcamRequestClock > tcamRequestClock_;
+   Zub::Ptr< HandlerClock > tcamRequestClock_;
    Zub::Seconds pendingOperationTimeout_ = 0.0;
-   Zub::Ptr< PendingOperationTimeoutClock > pendingOperationTimeoutClock_;
+   Zub::Ptr< HandlerClock > pendingOperationTimeoutClock_;
 };
 
 }  // namespace Nev

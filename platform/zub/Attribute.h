@@ -154,6 +154,10 @@ class Input {
       reactor_ = nullptr;
       value_ = nullptr;
    }
+   // Passes the owner's zombie mark on to the reactor, if there is one.
+   void zombieIs( bool zombie ) {
+      if( reactor_ ) reactor_->zombieIs( zombie );
+   }
 
  private:
    Ptr< E > value_;

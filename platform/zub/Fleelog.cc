@@ -97,7 +97,6 @@ void RingBuf::dropOldest() {
    starts_.erase( starts_.begin() );
    for( std::size_t& s : starts_ )
       s -= cut;
-   ++dropped_;
 }
 
 std::vector< std::string > RingBuf::messages() const {

@@ -66,7 +66,6 @@ class RingBuf {
    // Whole messages, oldest first; a message is its site id and then its raw values.
    std::vector< std::uint8_t > bytes_;
    std::vector< std::size_t > starts_;
-   std::size_t dropped_ = 0;
 };
 
 // The process's ring buffer, or null when binary tracing is off; then nothing is written.
