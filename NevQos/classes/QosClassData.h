@@ -13,14 +13,25 @@
 
 namespace Nev {
 
-#define NEV_QOS_CLASS_DATA_ATTRS( X )                                                    \
-   X( value, Priority, priority, std::uint32_t, 0u )                                     \
-   X( value, ClassDefault, classDefault, bool, false )                                   \
-   X( child, MatchData, matchData, Qos::ClassMapMatchOption, Nev::QosClassMatchData )    \
-   X( value, Count, count, bool, false )                                                 \
-   X( keyed, IntfId, intfId, Mirel::IntfId, bool )                                       \
+#define NEV_QOS_CLASS_DATA_ATTRS( X )                                                 \
+   X( value, Priority, priority, std::uint32_t, 0u )                                  \
+   X( value, ClassDefault, classDefault, bool, false )                                \
+   X( child, MatchData, matchData, Qos::ClassMapMatchOption, Nev::QosClassMatchData ) \
+   X( value, Count, count, bool, false )                                              \
+   X( keyed, IntfId, intfId, Qos::IntfPairKey, bool )                                 \
    X( value, CpuQId, cpuQId, std::int32_t, -1 )
 
-ZUB_ENTITY( QosClassData, QosClassDataKey, NEV_QOS_CLASS_DATA_ATTRS );
+class QosClassData : public Zub::Entity {
+ public:
+   using Key = QosClassDataKey;
+   explicit QosClassData( Key const& key ) : Zub::Entity( Zub::entityNameOf( key ) ), key_( key ) {}
+   Key const& key() const { return key_; }
+   // The per-copy machines rename the policer in the key once they know their copy's name.
+   void keyIs( Key const& key ) { key_ = key; }
+   ZUB_ENTITY_BODY( QosClassData, Zub::Entity, NEV_QOS_CLASS_DATA_ATTRS )
+
+ private:
+   Key key_;
+};
 
 }  // namespace Nev

@@ -16,8 +16,6 @@
 
 #include <cstdint>
 
-#include "NevQos/helpers/AclRuleTypes.h"
-#include "NevQos/helpers/Ip6AddrWithMask.h"
 #include "NevQos/helpers/ModIdQueueKeys.h"
 #include "NevQos/policy/QosPolicyMapState.h"
 #include "NevQos/types/AclCreateError.h"
@@ -27,12 +25,14 @@
 #include "NevQos/types/QosPolicyMapKey.h"
 #include "NevQos/types/TcpFlag.h"
 #include "entities/AclConfig.h"
+#include "entities/AclRuleConfig.h"
 #include "entities/AclSliceHwStatus.h"
 #include "entities/AclTypes.h"
 #include "entities/QosStatus.h"
 #include "entities/QosTypes.h"
 #include "entities/QosUnits.h"
 #include "mirel/IntfId.h"
+#include "mirel/Ip6AddrWithMask.h"
 #include "nev/AclKey.h"
 #include "nev/NevBaseHelper.h"
 #include "zub/Entity.h"

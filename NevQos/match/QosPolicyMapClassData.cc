@@ -4,9 +4,10 @@
 
 namespace Nev {
 
-QosPolicyMapClassData::QosPolicyMapClassData( Zub::Ptr< QosPolicyMapSm > const& pmapSm,
-                                              Zub::Ptr< QosClassData > const& curClassData )
-    : pmapSm_( pmapSm ), curClassData_( curClassData ) {}
+QosPolicyMapClassData::QosPolicyMapClassData(
+      Zub::Ptr< QosPolicyMapSm > const& pmapSm, Zub::Ptr< QosClassData > const& curClassData,
+      Zub::Ptr< Qos::ClassMapMatch const > const& curClassMatch )
+    : pmapSm_( pmapSm ), curClassData_( curClassData ), curClassMatch_( curClassMatch ) {}
 
 QosPolicyMapClassData::~QosPolicyMapClassData() = default;
 

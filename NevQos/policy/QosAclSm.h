@@ -253,6 +253,21 @@ class QosAclSm : public NevAsyncBaseSm {
    // ---- deferred compile of one class match ----
    bool updateClassData( Zub::Ptr< QosPolicyMapClassData > const& policyData );
    void createAclRules( Zub::Ptr< QosPolicyMapClassData > const& policyData );
+   AclCreateError createIpAclRule( Zub::Ptr< QosPolicyMapClassData > const& policyData,
+                                   Acl::IpRuleConfig const& rule, Acl::UniqueId const& aclId,
+                                   std::uint32_t ruleNum );
+   AclCreateError createIp6AclRule( Zub::Ptr< QosPolicyMapClassData > const& policyData,
+                                    Acl::Ip6RuleConfig const& rule, Acl::UniqueId const& aclId,
+                                    std::uint32_t ruleNum );
+   AclCreateError checkIpFragRule( Zub::Ptr< QosPolicyMapClassData > const& policyData,
+                                   Acl::IpRuleConfig const& rule, Acl::UniqueId const& aclId,
+                                   std::uint32_t ruleNum, std::uint32_t subRuleNum, bool l4Rule );
+   // A rule with a VLAN match in a QoS map applied to a VLAN interface: left out. Serves both
+   // compilers.
+   bool unsupportedRulePresent( Zub::Ptr< QosPolicyMapClassData > const& policyData,
+                                Acl::IpRuleConfig const& rule ) const;
+   bool unsupportedRulePresent( Zub::Ptr< QosPolicyMapClassData > const& policyData,
+                                Acl::Ip6RuleConfig const& rule ) const;
 
    // ---- hardware status ----
    bool updatePolicyMapErrorState( AclCreateError error, QosPolicyMapKey const& key,

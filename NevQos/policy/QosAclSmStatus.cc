@@ -1,6 +1,6 @@
 // How QosAclSm reports the outcome of compiling a policy map: the programming status the command
 // line reads, the unableToProgram mark of the service policy, and at the edges of trouble the
-// system log. Also the refresh of a class's data before a deferred compile.
+// system log.
 #include "NevQos/log/QosLogHandles.h"
 #include "NevQos/log/TraceHandles.h"
 #include "NevQos/match/QosPolicyMapClassData.h"
@@ -83,27 +83,6 @@ void QosAclSm::setPolicyMapHwPrgmStatus( QosPolicyMapKey const& key ) {
          break;
    }
    qosHelper()->unableToProgramDel( spKey );
-}
-
-bool QosAclSm::updateClassData( Zub::Ptr< QosPolicyMapClassData > const& policyData ) {
-   Zub::Ptr< QosClassData > const classData = policyData->curClassData();
-   Zub::Ptr< QosClassMatchData > const matchData =
-         classData->matchData( policyData->matchOption() );
-   if( !matchData ) return true;
-   Zub::Ptr< AclData > const aclData = matchData->aclData( policyData->aclKey() );
-   ZUB_ASSERT( aclData && "no acl data" );
-   std::int32_t const number =
-         static_cast< std::int32_t >( ( classData->priority() << 8 ) | matchData->priority() );
-   if( !aclData->dirty() && aclData->installed() ) return true;
-   // Apart from a class-default class, the working copies of the match's values are refreshed
-   // here by class matching.
-   if( aclData->aclNumber() == -1 ) aclData->aclNumberIs( number );
-   return false;
-}
-
-void QosAclSm::createAclRules( Zub::Ptr< QosPolicyMapClassData > const& policyData ) {
-   // The deferred rule compilers of the match kinds plug in here.
-   ZUB_TRACE( nevQosTrace, 5, "createAclRules " << policyData->aclKey() );
 }
 
 }  // namespace Nev

@@ -63,7 +63,10 @@ void QosPolicyMapSm::versionUpdated() {
 
 void QosPolicyMapSm::deleteSm() {
    qosAclSm()->qosHelper()->cleanupForPMap( key() );
-   // Class state machines leave here, in key order, each after its own teardown.
+   for( auto it = policyClassSm().iter(); it; ++it ) {
+      it.value()->doPrepareToDie();
+      policyClassSmDel( it.key() );
+   }
    ipv4AccessGroupCount_ = 0;
    ipv6AccessGroupCount_ = 0;
    macAccessRuleCount_ = 0;
@@ -98,9 +101,9 @@ void QosPolicyMapSm::createSm() {
    std::uint16_t cmapPrio = qosAclSm()->qosAclHwStatus()->policyClassMaxPrio();
    for( auto it = pmapStatus->classPrio().iter(); it; ++it ) {
       Zub::Name const cmapName = it.value().cmapName();
-      createPolicyClassSm( cmapName, classMap( cmapName ), cmapPrio, false );
-      --cmapPrio;
       auto caction = pmapStatus->classAction( cmapName );
+      createPolicyClassSm( cmapName, classMap( cmapName ), caction, cmapPrio, false );
+      --cmapPrio;
       if( !sharedPolicyMap() && caction && caction->policer() ) {
          // A per-interface policer makes the compiled form depend on the interface set.
          pmapState()->doVersionUpdateIs( true );
@@ -111,8 +114,9 @@ void QosPolicyMapSm::createSm() {
       for( auto it = pmapStatus->coppStaticClassPrio().iter(); it; ++it ) {
          Zub::Name const cmapName = it.value().cmapName();
          auto cmap = classMap( cmapName );
-         if( !cmap || !pmapStatus->classAction( cmapName ) ) continue;
-         createPolicyClassSm( cmapName, cmap, cmapPrio, false );
+         auto caction = pmapStatus->classAction( cmapName );
+         if( !cmap || !caction ) continue;
+         createPolicyClassSm( cmapName, cmap, caction, cmapPrio, false );
       }
    }
    bool const systemCopp =
@@ -121,7 +125,7 @@ void QosPolicyMapSm::createSm() {
       ZUB_TRACE( nevQosTrace, 3, " program defaultClass" );
       if( pmapStatus->classDefault() && pmapStatus->classActionDefault() ) {
          createPolicyClassSm( pmapStatus->classDefault()->key(), pmapStatus->classDefault(),
-                              cmapPrio, true );
+                              pmapStatus->classActionDefault(), cmapPrio, true );
       }
    }
    qosAclSm()->qosHelper()->batchCommitAcls( *pmapState() );
@@ -133,11 +137,14 @@ void QosPolicyMapSm::createSm() {
 
 void QosPolicyMapSm::createPolicyClassSm( Zub::Name const& cmapName,
                                           Zub::Ptr< Qos::ClassMapStatus const > const& cmap,
+                                          Zub::Ptr< Qos::ClassAction const > const& caction,
                                           std::uint16_t cmapPrio, bool classDefault ) {
-   // The class state machines plug in here: one per class, in priority order.
    ZUB_TRACE( nevQosTrace, 5,
               "createPolicyClassSm " << cmapName << " prio " << cmapPrio << " default "
                                      << classDefault << ( cmap ? "" : " (no class map)" ) );
+   if( !cmap ) return;  // a class whose map is not published yet has nothing to match
+   policyClassSmIs( QosClassMapKey( cmapName, pmapType() ), qosAclSm(), this, cmap, cmapPrio,
+                    caction, classDefault );
 }
 
 Zub::Ptr< Qos::ClassMapStatus const > QosPolicyMapSm::classMap( Zub::Name const& cmapName ) const {
@@ -246,7 +253,8 @@ void QosPolicyMapSm::intfUpdated( Qos::IntfPairKey const& intfPair, bool add ) {
       qosAclSm()->setPolicyMapHwPrgmStatus( key() );
       return;
    }
-   // Each class state machine hears the interface here.
+   for( auto it = policyClassSm().iter(); it; ++it )
+      it.value()->intfUpdated( intfPair, add );
    helper->batchCommitAclsIntf( *pmapState(), intfPair, add );
    if( !qosAclSm()->qosAclHwStatus()->selfReportedPrgmStatus() &&
        !helper->asyncTcamOperationsSupported() ) {
@@ -305,7 +313,8 @@ void QosPolicyMapSm::doPrepareToDie() {
 }
 
 void QosPolicyMapSm::counterUpdateRequest() {
-   // Counters are pulled through the class state machines.
+   for( auto it = policyClassSm().iter(); it; ++it )
+      it.value()->counterUpdateRequest();
 }
 
 void QosPolicyMapSm::zubDoZombieReactors( bool zombie ) {

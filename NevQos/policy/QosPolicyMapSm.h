@@ -6,7 +6,9 @@
 #include <cstdint>
 #include <tuple>
 
+#include "NevQos/classes/QosPolicyClassSm.h"
 #include "NevQos/policy/QosPolicyMapState.h"
+#include "NevQos/types/QosClassMapKey.h"
 #include "NevQos/types/QosPolicyMapKey.h"
 #include "entities/AclSliceHwStatus.h"
 #include "entities/ClassMapStatus.h"
@@ -65,6 +67,7 @@ class QosPolicyMapSm : public Zub::PtrInterface {
    Zub::Seconds maxLatency() const { return maxLatency_; }
    Zub::Seconds startupLatency() const { return startupLatency_; }
    bool initialized() const { return initialized_; }
+   ZUB_SM_CHILDREN( policyClassSm, QosClassMapKey, QosPolicyClassSm )
    // The service policy this map belongs to.
    Qos::ServicePolicyKey spKey() const {
       return Qos::ServicePolicyKey( pmapType(), direction(), pmapName() );
@@ -95,13 +98,15 @@ class QosPolicyMapSm : public Zub::PtrInterface {
    void doRecordLatency( Zub::Seconds startTime );
    void doPrepareToDie();
    void counterUpdateRequest();
+   // The hardware status of this map in its ACL group; it must exist.
+   Zub::Ptr< Qos::PolicyMapHwStatus > pmapSliceHwStatus() const;
 
  private:
    // Where each class of the map gets its state machine, in priority order.
    void createPolicyClassSm( Zub::Name const& cmapName,
                              Zub::Ptr< Qos::ClassMapStatus const > const& cmap,
+                             Zub::Ptr< Qos::ClassAction const > const& caction,
                              std::uint16_t cmapPrio, bool classDefault );
-   Zub::Ptr< Qos::PolicyMapHwStatus > pmapSliceHwStatus() const;
    Zub::Ptr< Qos::ClassMapStatus const > classMap( Zub::Name const& cmapName ) const;
 
    QosPolicyMapKey key_;

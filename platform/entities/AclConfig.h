@@ -2,19 +2,36 @@
 // lists by name.
 #pragma once
 
+#include <cstdint>
+
+#include "entities/AclRuleConfig.h"
 #include "entities/AclTypes.h"
 #include "zub/Entity.h"
 
 namespace Acl {
 
-// One access list. Its rules, and the current rule set the compiler walks, arrive with the ACL
-// compiler.
+// The rules of one version of an access list. The sequence numbers give the order in which the
+// rules match; the rules themselves are found by their ids, which survive renumbering.
 // clang-format off
-#define ACL_ACL_CONFIG_ATTRS( X )                                      \
-   /* Moves on each change of the list. */                             \
-   X( value, Version, version, unsigned int, 0u )                      \
-   /* A list that the system defines and the operator can't change. */ \
-   X( value, Readonly, readonly, bool, false )
+#define ACL_ACL_RULE_SET_ATTRS( X )                                              \
+   X( keyed, RuleBySequence, ruleBySequence, std::uint32_t, Acl::UniqueId )      \
+   X( keyed, IpRuleById, ipRuleById, Acl::UniqueId, Acl::IpRuleConfig )          \
+   X( keyed, Ip6RuleById, ip6RuleById, Acl::UniqueId, Acl::Ip6RuleConfig )
+// clang-format on
+
+// Keyed by the version of the list it belongs to.
+ZUB_ENTITY( AclRuleSet, unsigned int, ACL_ACL_RULE_SET_ATTRS );
+
+// One access list. A change of its rules publishes a new rule set as currCfg.
+// clang-format off
+#define ACL_ACL_CONFIG_ATTRS( X )                                                 \
+   /* Moves on each change of the list. */                                        \
+   X( value, Version, version, unsigned int, 0u )                                 \
+   /* A list that the system defines and the operator can't change. */            \
+   X( value, Readonly, readonly, bool, false )                                    \
+   /* The rules in force; null while the list has none published. */             \
+   X( value, CurrCfg, currCfg, Zub::Ptr< Acl::AclRuleSet const >,                  \
+      Zub::Ptr< Acl::AclRuleSet const >() )
 // clang-format on
 
 ZUB_ENTITY( AclConfig, Zub::Name, ACL_ACL_CONFIG_ATTRS );

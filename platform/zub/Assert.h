@@ -14,3 +14,9 @@ namespace Zub {
 #define ZUB_ASSERT( expr )                   \
    ( static_cast< bool >( expr ) ? void( 0 ) \
                                  : ::Zub::assertFail( #expr, __FILE__, __LINE__, __func__ ) )
+
+// The same with the assertion's text given, for invariants whose report names the condition in
+// the words of the code that states it elsewhere.
+#define ZUB_ASSERT_TEXT( expr, text )        \
+   ( static_cast< bool >( expr ) ? void( 0 ) \
+                                 : ::Zub::assertFail( text, __FILE__, __LINE__, __func__ ) )

@@ -188,6 +188,9 @@ class Input {
    void name##DelAll() {                                                 \
       zub_##name##_.delAll();                                            \
    }                                                                     \
+   bool name##Has( Key const& k ) const {                                \
+      return zub_##name##_.has( k );                                     \
+   }                                                                     \
    std::size_t name##Size() const {                                      \
       return zub_##name##_.size();                                       \
    }                                                                     \

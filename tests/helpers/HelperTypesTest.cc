@@ -2,9 +2,9 @@
 
 #include <sstream>
 
-#include "NevQos/helpers/AclRuleTypes.h"
-#include "NevQos/helpers/Ip6AddrWithMask.h"
 #include "NevQos/helpers/ModIdQueueKeys.h"
+#include "entities/AclRuleConfig.h"
+#include "mirel/Ip6AddrWithMask.h"
 #include "zub/Exception.h"
 
 namespace {

@@ -96,9 +96,13 @@ Nev::QosPolicyUpdateRequest QosAclSmFixture::aclRequest( Nev::QosPolicyUpdateRea
    auto matchData = classData->matchDataIs( Qos::matchOptionIpAcl );
    matchData->priorityIs( 7 );
    matchData->aclDataIs( aclKey );
-   auto policyData = Zub::make< Nev::QosPolicyMapClassData >( pmapSm, classData );
+   auto policyData = Zub::make< Nev::QosPolicyMapClassData >( pmapSm, classData, nullptr );
    policyData->matchOptionIs( Qos::matchOptionIpAcl );
    policyData->aclKeyIs( aclKey );
+   // A configured list without rules: the compile is the precreate and the commit alone.
+   auto aclConfig = Zub::make< Acl::AclConfig >( Zub::Name( aclName ) );
+   aclConfig->currCfgIs( Zub::make< Acl::AclRuleSet >( 1u ) );
+   policyData->aclConfigIs( aclConfig );
    Nev::QosPolicyUpdateRequest request( reason, aclName, remove );
    request.policyDataIs( policyData );
    request.intfPairIs( intfPair );

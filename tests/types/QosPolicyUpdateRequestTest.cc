@@ -31,8 +31,8 @@ TEST( QosPolicyUpdateRequestTest, OrdersFieldByField ) {
               R( Nev::updateReasonAclChange, "a", true ) );
 
    // policyData compares by identity, before pmapKey and intfPair.
-   auto d1 = Zub::make< Nev::QosPolicyMapClassData >( nullptr, nullptr );
-   auto d2 = Zub::make< Nev::QosPolicyMapClassData >( nullptr, nullptr );
+   auto d1 = Zub::make< Nev::QosPolicyMapClassData >( nullptr, nullptr, nullptr );
+   auto d2 = Zub::make< Nev::QosPolicyMapClassData >( nullptr, nullptr, nullptr );
    R a( Nev::updateReasonAclChange, "k", false ), b( a );
    a.policyDataIs( d1 );
    b.policyDataIs( d2 );
@@ -60,7 +60,7 @@ TEST( QosPolicyUpdateRequestTest, ValueFormRoundTrips ) {
               "Value('Qos::IntfPairKey', ** {'intfId': 'Ethernet7', 'lagIntfId': ''})})" );
    EXPECT_EQ( QosPolicyUpdateRequest( text.begin(), text.end() ), r );
    // A request that points at class data prints the pointer, which cannot be read back.
-   r.policyDataIs( Zub::make< Nev::QosPolicyMapClassData >( nullptr, nullptr ) );
+   r.policyDataIs( Zub::make< Nev::QosPolicyMapClassData >( nullptr, nullptr, nullptr ) );
    Zub::String withData = valueToStrep( r );
    EXPECT_THROW( QosPolicyUpdateRequest( withData.begin(), withData.end() ), Zub::ParseException );
 }

@@ -1,4 +1,4 @@
-#include "NevQos/helpers/Ip6AddrWithMask.h"
+#include "mirel/Ip6AddrWithMask.h"
 
 #include <ostream>
 #include <string>

@@ -1,0 +1,83 @@
+#include "NevQos/classes/QosCountActionSm.h"
+
+#include "NevQos/helpers/QosAclHelper.h"
+#include "NevQos/policy/QosAclSm.h"
+#include "NevQos/policy/QosPolicyMapSm.h"
+#include "zub/Assert.h"
+
+namespace Nev {
+
+QosCountActionSm::QosCountActionSm( Zub::Name const& name, QosClassMapKey const& cmapKey,
+                                    QosAclSm* qosAclSm, QosPolicyMapSm* pmapSm,
+                                    Zub::Ptr< Qos::ClassMapStatus const > const& cmap,
+                                    unsigned cmapPrio,
+                                    Zub::Ptr< Qos::ClassAction const > const& caction,
+                                    bool classDefault, Qos::IntfPairKey const& intfPair )
+    : QosPolicyClassBaseSm( cmapKey, qosAclSm, pmapSm, cmap, cmapPrio, caction, classDefault )
+    , intfPair_( intfPair )
+    , name_( name ) {
+   handleInitialized();
+}
+
+void QosCountActionSm::handleInitialized() {
+   createSm();
+   initialized_ = true;
+}
+
+void QosCountActionSm::createSm() {
+   createSmCommon();
+   if( !classData() ) return;  // the policy map has gone
+   classData()->intfIdIs( intfPair(), true );
+   setPmapHwStatus();
+   if( !caction() || !caction()->count() ) return;
+   classDataPolicerNameIs( name() );
+   classData()->countIs( true );
+   createClassMatchSm();
+   if( !pmapSm()->pmapState()->dirty() ) {
+      qosAclSm()->qosHelper()->createAndAttachCounter( *classData() );
+   }
+}
+
+void QosCountActionSm::handleIntf( Qos::IntfPairKey const& intfId, bool add ) {
+   if( !classData() ) return;
+   if( add ) {
+      classData()->intfIdIs( intfId, true );
+   } else {
+      classData()->intfIdDel( intfId );
+   }
+   if( !pmapSm()->sharedPolicyMap() ) return;
+   for( auto it = classMatchSm().iter(); it; ++it )
+      it.value()->intfUpdated( intfId, add );
+}
+
+void QosCountActionSm::deleteSm() {
+   if( classData() ) qosAclSm()->qosHelper()->destroyCounter( *classData() );
+   deleteClassMatchSm();
+   QosPolicyClassBaseSm::deleteSm();
+}
+
+void QosCountActionSm::counterUpdateRequest() {
+   auto const cmapSliceHwStatus = pmapSliceHwStatus()->cmap( cmapName() );
+   ZUB_ASSERT( cmapSliceHwStatus );
+   QosClassCounterData sum;
+   sum.pktHitsIs( cmapSliceHwStatus->outCount() );
+   sum.pktDropsIs( cmapSliceHwStatus->dropCount() );
+   if( cmapType() == Qos::mapPdp_ ) {
+      for( auto it = classMatchSm().iter(); it; ++it )
+         sum += it.value()->counterUpdateRequest();
+   }
+   // Packets only: a count copy reports no bytes.
+   cmapSliceHwStatus->outCountIs( sum.pktHits() );
+   cmapSliceHwStatus->dropCountIs( sum.pktDrops() );
+}
+
+void QosCountActionSm::handleVerify() {
+   ZUB_ASSERT( classData()->count() );
+   for( auto it = cmap()->match().iter(); it; ++it ) {
+      ZUB_ASSERT_TEXT( classMatchSmHas( it.key() ), "classMatchSmHas( cmapKey() )" );
+      classMatchSm( it.key() )->handleVerify();
+   }
+   qosAclSm()->qosHelper()->verifyCounter( *classData() );
+}
+
+}  // namespace Nev

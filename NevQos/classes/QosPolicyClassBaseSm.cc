@@ -1,0 +1,142 @@
+#include "NevQos/classes/QosPolicyClassBaseSm.h"
+
+#include "NevQos/helpers/QosAclHelper.h"
+#include "NevQos/log/TraceHandles.h"
+#include "NevQos/policy/QosAclSm.h"
+#include "NevQos/policy/QosPolicyMapSm.h"
+#include "zub/Assert.h"
+
+namespace Nev {
+
+QosPolicyClassBaseSm::QosPolicyClassBaseSm( QosClassMapKey const& cmapKey, QosAclSm* qosAclSm,
+                                            QosPolicyMapSm* pmapSm,
+                                            Zub::Ptr< Qos::ClassMapStatus const > const& cmap,
+                                            unsigned cmapPrio,
+                                            Zub::Ptr< Qos::ClassAction const > const& caction,
+                                            bool classDefault )
+    : cmapKey_( cmapKey )
+    , qosAclSm_( qosAclSm )
+    , pmapSm_( pmapSm )
+    , cmap_( cmap )
+    , cmapPrio_( cmapPrio )
+    , caction_( caction )
+    , classDefault_( classDefault ) {}
+
+QosPolicyClassBaseSm::~QosPolicyClassBaseSm() = default;
+
+void QosPolicyClassBaseSm::setPmapHwStatus() {
+   auto const typeStatus = qosAclSm()->qosAclSliceHwStatus()->pmapType( pmapSm()->pmapType() );
+   pmapSliceHwStatus_ = typeStatus ? typeStatus->pmap( pmapSm()->hwKey() ) : nullptr;
+   ZUB_ASSERT( pmapSliceHwStatus() );
+}
+
+void QosPolicyClassBaseSm::createSmCommon() {
+   auto const typeStatus = qosAclSm()->qosStatus()->pmapType( pmapSm()->pmapType() );
+   if( !typeStatus || !typeStatus->pmap( pmapSm()->pmapName() ) ) return;
+   if( !classData_ ) {
+      classData_ =
+            Zub::make< QosClassData >( QosClassDataKey( pmapSm()->key(), cmapName(), cmapType() ) );
+   }
+   // The copies replace the policer name "Default" with their own.
+   classData_->keyIs( QosClassDataKey( pmapSm()->key(), cmapName(), cmapType(),
+                                       QosClassDataKey::defaultPolicerName() ) );
+   classData_->priorityIs( cmapPrio() );
+   classData_->classDefaultIs( classDefault() );
+}
+
+void QosPolicyClassBaseSm::classDataPolicerNameIs( Zub::Name const& name ) {
+   classData_->keyIs( QosClassDataKey( pmapSm()->key(), cmapName(), cmapType(), name ) );
+}
+
+void QosPolicyClassBaseSm::createClassActionSm() {
+   // The class action machine of the class plugs in here, under cmapKey.
+   ZUB_TRACE( nevQosTrace, 5, "createClassActionSm " << cmapKey() );
+}
+
+void QosPolicyClassBaseSm::createClassMatchSm() {
+   std::uint32_t matchPrio = 7;
+   for( auto it = cmap()->match().iter(); it; ++it ) {
+      classMatchSmIs( it.key(), cmapKey(), qosAclSm(), pmapSm(), classData(),
+                      Zub::Ptr< Qos::ClassMapMatch const >( it.value() ), matchPrio );
+      --matchPrio;
+   }
+}
+
+void QosPolicyClassBaseSm::deleteClassActionSm() {
+   // The class action machine leaves here, after the matches.
+}
+
+void QosPolicyClassBaseSm::deleteClassMatchSm() {
+   for( auto it = classMatchSm().iter(); it; ++it ) {
+      it.value()->doPrepareToDie();
+      classMatchSmDel( it.key() );
+   }
+}
+
+bool QosPolicyClassBaseSm::namedSharedPolicer() const {
+   if( !caction() || !caction()->policer() || !caction()->policer()->named() ) return false;
+   auto const named = qosAclSm()->qosStatus()->namedPolicer( caction()->policer()->key() );
+   return named && named->shared();
+}
+
+void QosPolicyClassBaseSm::deleteSm() {
+   classData_ = nullptr;
+}
+
+void QosPolicyClassBaseSm::intfUpdated( Qos::IntfPairKey const& intfPair, bool add ) {
+   if( !classData() ) {
+      ZUB_TRACE( nevQosTrace, 3, "classData() is null " );
+      return;
+   }
+   if( add ) {
+      classData()->intfIdIs( intfPair, true );
+   } else {
+      classData()->intfIdDel( intfPair );
+   }
+   for( auto it = classMatchSm().iter(); it; ++it )
+      it.value()->intfUpdated( intfPair, add );
+}
+
+void QosPolicyClassBaseSm::counterUpdateRequest() {
+   if( !pmapSliceHwStatus() ) return;
+   auto const status = pmapSliceHwStatus()->cmap( cmapName() );
+   if( !status ) return;
+   // The status was cleared before the request: several copies add to one class.
+   QosClassCounterData sum;
+   sum.pktHitsIs( status->outCount() );
+   sum.pktDropsIs( status->dropCount() );
+   sum.byteHitsIs( status->outBytes() );
+   sum.byteDropsIs( status->dropBytes() );
+   for( auto it = classMatchSm().iter(); it; ++it )
+      sum += it.value()->counterUpdateRequest();
+   status->outCountIs( sum.pktHits() );
+   status->outBytesIs( sum.byteHits() );
+   status->dropCountIs( sum.pktDrops() );
+   status->dropBytesIs( sum.byteDrops() );
+   for( auto const& [ intfId, drops ] : sum.dropCountIntfSharedPolicer() ) {
+      ZUB_TRACE( nevQosTrace, 5, "counterUpdateRequest::policerHwStatusIs " << intfId );
+      status->policerHwStatusIs( Zub::Name( intfId.stringValue() ) )->pktDropCountIs( drops );
+   }
+}
+
+void QosPolicyClassBaseSm::showAcl( std::uint32_t socket, std::uint32_t unit, bool detail ) {
+   for( auto it = classMatchSm().iter(); it; ++it )
+      it.value()->showAcl( socket, unit, detail );
+}
+
+void QosPolicyClassBaseSm::handleVerify() {
+   auto const typeStatus = qosAclSm()->qosStatus()->pmapType( pmapSm()->pmapType() );
+   auto const pmap = typeStatus ? typeStatus->pmap( pmapSm()->pmapName() ) : nullptr;
+   if( !pmap ) return;
+   // The class action's own check joins here.
+   for( auto it = cmap()->match().iter(); it; ++it ) {
+      ZUB_ASSERT_TEXT( classMatchSmHas( it.key() ), "classMatchSmHas( cmapKey() )" );
+      classMatchSm( it.key() )->handleVerify();
+   }
+}
+
+void QosPolicyClassBaseSm::doPrepareToDie() {
+   deleteSm();
+}
+
+}  // namespace Nev

@@ -1,0 +1,79 @@
+// What every hardware copy of a class has: the class data, the match machines and the class
+// action. A class without a per-interface policer or counter has one copy, the class machine
+// itself; otherwise each copy (per interface, LAG, shared policer or shared map) is a machine of
+// its own built on this base.
+#pragma once
+
+#include <cstdint>
+
+#include "NevQos/classes/QosClassData.h"
+#include "NevQos/match/QosClassMatchSm.h"
+#include "NevQos/types/QosClassMapKey.h"
+#include "entities/AclSliceHwStatus.h"
+#include "entities/ClassMapStatus.h"
+#include "entities/PolicyMapStatus.h"
+#include "zub/Attribute.h"
+
+namespace Nev {
+
+class QosAclSm;
+class QosPolicyMapSm;
+
+class QosPolicyClassBaseSm : public Zub::PtrInterface {
+ public:
+   QosPolicyClassBaseSm( QosClassMapKey const& cmapKey, QosAclSm* qosAclSm, QosPolicyMapSm* pmapSm,
+                         Zub::Ptr< Qos::ClassMapStatus const > const& cmap, unsigned cmapPrio,
+                         Zub::Ptr< Qos::ClassAction const > const& caction, bool classDefault );
+   ~QosPolicyClassBaseSm() override;
+   Zub::FwkType fwkType() const override { return Zub::FwkType::stateMachine; }
+
+   QosClassMapKey const& cmapKey() const { return cmapKey_; }
+   Zub::Name const& cmapName() const { return cmapKey_.cmapName(); }
+   Qos::MapType cmapType() const { return cmapKey_.cmapType(); }
+   QosAclSm* qosAclSm() const { return qosAclSm_; }
+   QosPolicyMapSm* pmapSm() const { return pmapSm_; }
+   Zub::Ptr< Qos::ClassMapStatus const > const& cmap() const { return cmap_; }
+   unsigned cmapPrio() const { return cmapPrio_; }
+   Zub::Ptr< Qos::ClassAction const > const& caction() const { return caction_; }
+   bool classDefault() const { return classDefault_; }
+   Zub::Ptr< Qos::PolicyMapHwStatus > const& pmapSliceHwStatus() const {
+      return pmapSliceHwStatus_;
+   }
+   Zub::Ptr< QosClassData > const& classData() const { return classData_; }
+   // One match machine per match of the class map, by its option: a class map may hold several.
+   ZUB_SM_CHILDREN( classMatchSm, Qos::ClassMapMatchOption, QosClassMatchSm )
+
+   // Virtual operations, in slot order.
+   virtual void deleteSm();
+   virtual void intfUpdated( Qos::IntfPairKey const& intfPair, bool add );
+   virtual void counterUpdateRequest();
+   virtual void showAcl( std::uint32_t socket, std::uint32_t unit, bool detail );
+   virtual void handleVerify();
+
+   void setPmapHwStatus();
+   void createSmCommon();
+   void createClassActionSm();
+   void createClassMatchSm();
+   void deleteClassActionSm();
+   void deleteClassMatchSm();
+   // All interfaces using the class's named policer share it.
+   bool namedSharedPolicer() const;
+   void doPrepareToDie();
+
+ protected:
+   // The policer of a copy, in the class data's key.
+   void classDataPolicerNameIs( Zub::Name const& name );
+
+ private:
+   QosClassMapKey cmapKey_;
+   QosAclSm* qosAclSm_;
+   QosPolicyMapSm* pmapSm_;
+   Zub::Ptr< Qos::ClassMapStatus const > cmap_;
+   unsigned cmapPrio_;
+   Zub::Ptr< Qos::ClassAction const > caction_;
+   bool classDefault_;
+   Zub::Ptr< Qos::PolicyMapHwStatus > pmapSliceHwStatus_;
+   Zub::Ptr< QosClassData > classData_;
+};
+
+}  // namespace Nev

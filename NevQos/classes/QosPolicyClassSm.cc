@@ -1,0 +1,209 @@
+#include "NevQos/classes/QosPolicyClassSm.h"
+
+#include "NevQos/helpers/QosAclHelper.h"
+#include "NevQos/log/TraceHandles.h"
+#include "NevQos/policy/QosAclSm.h"
+#include "NevQos/policy/QosPolicyMapSm.h"
+#include "zub/Assert.h"
+
+namespace Nev {
+
+QosPolicyClassSm::QosPolicyClassSm( QosClassMapKey const& cmapKey, QosAclSm* qosAclSm,
+                                    QosPolicyMapSm* pmapSm,
+                                    Zub::Ptr< Qos::ClassMapStatus const > const& cmap,
+                                    unsigned cmapPrio,
+                                    Zub::Ptr< Qos::ClassAction const > const& caction,
+                                    bool classDefault )
+    : QosPolicyClassBaseSm( cmapKey, qosAclSm, pmapSm, cmap, cmapPrio, caction, classDefault ) {
+   handleInitialized();
+}
+
+void QosPolicyClassSm::handleInitialized() {
+   createSm();
+   initialized_ = true;
+}
+
+void QosPolicyClassSm::createSm() {
+   setPmapHwStatus();
+   auto const hw = qosAclSm()->qosAclHwStatus();
+   if( pmapSm()->pmapType() != Qos::mapControlPlane_ || hw->intfCoppSupported() ) {
+      pmapSliceHwStatus()->cmapIs( cmapName() );
+   }
+   bool const perClass = hw->perClassPolicerSupported();
+   policerSmNeeded_ = caction() && caction()->policer() && !perClass;
+   // A policer forces copies in every map type, a counter only in a PDP map.
+   countActionSmNeeded_ =
+         caction() && caction()->count() && cmapType() == Qos::mapPdp_ && !perClass;
+   auto const pmapState = pmapSm()->pmapState();
+   if( copies() ) {
+      if( pmapState->activeIntfSize() == 0 ) {
+         // The copies come with the first interface.
+         ZUB_TRACE( nevQosTrace, 3, "Number of Intfs in Service Policy Status: 0" );
+         return;
+      }
+      for( auto it = pmapState->activeIntf().iter(); it; ++it ) {
+         if( policerSmNeeded_ ) {
+            handlePolicerIntf( it.key(), true );
+         } else {
+            handleCountActionIntf( it.key(), true );
+         }
+      }
+      return;
+   }
+   createSmCommon();
+   if( !classData() ) return;  // the policy map has gone
+   if( caction() ) {
+      if( perClass && caction()->policer() ) {
+         // The class-level policer's data, named after the policy map, plugs in here.
+      } else if( perClass && caction()->count() ) {
+         classData()->countIs( true );
+      }
+      createClassActionSm();
+   }
+   for( auto it = pmapState->activeIntf().iter(); it; ++it ) {
+      classData()->intfIdIs( it.key(), true );
+   }
+   // Last, so that the matches see class data, actions and interfaces complete.
+   createClassMatchSm();
+}
+
+Zub::Name QosPolicyClassSm::copyName( Qos::IntfPairKey const& intfPair, bool policer ) const {
+   // Later rules override earlier ones.
+   Zub::Name name( intfPair.intfId().stringValue() );
+   if( policer && !!intfPair.lagIntfId() ) name = Zub::Name( intfPair.lagIntfId().stringValue() );
+   if( policer && namedSharedPolicer() ) name = caction()->policer()->key();
+   if( pmapSm()->sharedPolicyMap() ) name = caction()->key();
+   return name;
+}
+
+void QosPolicyClassSm::handlePolicerIntf( Qos::IntfPairKey const& intfPair, bool add ) {
+   Zub::Name const name = copyName( intfPair, true );
+   auto const copy = policerSm( name );
+   if( add ) {
+      if( copy ) {
+         copy->handleIntf( intfPair, true );
+      } else {
+         policerSmIs( name, cmapKey(), qosAclSm(), pmapSm(), cmap(), cmapPrio(), caction(),
+                      classDefault(), intfPair );
+      }
+   } else if( copy ) {
+      copy->handleIntf( intfPair, false );
+      if( !copy->classData() || copy->classData()->intfIdSize() == 0 ) {
+         copy->doPrepareToDie();
+         policerSmDel( name );
+      }
+   }
+   if( !policerSm( name ) ) {
+      ZUB_TRACE( nevQosTrace, 5, " policerSm( " << name << " ) does not exist " );
+   }
+}
+
+void QosPolicyClassSm::handleCountActionIntf( Qos::IntfPairKey const& intfPair, bool add ) {
+   // Per interface even on a LAG; a named policer plays no part.
+   Zub::Name const name = copyName( intfPair, false );
+   auto const copy = countActionSm( name );
+   if( add ) {
+      if( copy ) {
+         copy->handleIntf( intfPair, true );
+      } else {
+         countActionSmIs( name, cmapKey(), qosAclSm(), pmapSm(), cmap(), cmapPrio(), caction(),
+                          classDefault(), intfPair );
+      }
+   } else if( copy ) {
+      copy->handleIntf( intfPair, false );
+      if( !copy->classData() || copy->classData()->intfIdSize() == 0 ) {
+         copy->doPrepareToDie();
+         countActionSmDel( name );
+      }
+   }
+   if( !countActionSm( name ) ) {
+      ZUB_TRACE( nevQosTrace, 5, " countActionSm( " << name << " ) does not exist " );
+   }
+}
+
+void QosPolicyClassSm::intfUpdated( Qos::IntfPairKey const& intfPair, bool add ) {
+   // A policer wins: no counter copy is made beside it.
+   if( policerSmNeeded_ ) {
+      handlePolicerIntf( intfPair, add );
+   } else if( countActionSmNeeded_ ) {
+      handleCountActionIntf( intfPair, add );
+   } else {
+      QosPolicyClassBaseSm::intfUpdated( intfPair, add );
+   }
+}
+
+void QosPolicyClassSm::deleteSm() {
+   if( policerSmSize() == 0 && countActionSmSize() == 0 ) {
+      // Matches first, then actions, then the class data.
+      deleteClassMatchSm();
+      deleteClassActionSm();
+      QosPolicyClassBaseSm::deleteSm();
+      return;
+   }
+   for( auto it = policerSm().iter(); it; ++it ) {
+      it.value()->doPrepareToDie();
+      policerSmDel( it.key() );
+   }
+   for( auto it = countActionSm().iter(); it; ++it ) {
+      it.value()->doPrepareToDie();
+      countActionSmDel( it.key() );
+   }
+}
+
+void QosPolicyClassSm::counterUpdateRequest() {
+   if( pmapSm()->pmapType() == Qos::mapPdp_ && !caction() ) return;
+   if( !copies() ) {
+      QosPolicyClassBaseSm::counterUpdateRequest();
+      return;
+   }
+   for( auto it = policerSm().iter(); it; ++it )
+      it.value()->counterUpdateRequest();
+   for( auto it = countActionSm().iter(); it; ++it )
+      it.value()->counterUpdateRequest();
+}
+
+void QosPolicyClassSm::showAcl( std::uint32_t socket, std::uint32_t unit, bool detail ) {
+   qosAclSm()->qosHelper()->showAclClassHeader( socket, unit, cmapKey() );
+   if( !copies() ) {
+      QosPolicyClassBaseSm::showAcl( socket, unit, detail );
+      return;
+   }
+   for( auto it = policerSm().iter(); it; ++it ) {
+      it.value()->QosPolicyClassBaseSm::showAcl( socket, unit, detail );
+   }
+   for( auto it = countActionSm().iter(); it; ++it ) {
+      it.value()->QosPolicyClassBaseSm::showAcl( socket, unit, detail );
+   }
+}
+
+void QosPolicyClassSm::handleVerify() {
+   if( copies() ) {
+      for( auto it = policerSm().iter(); it; ++it )
+         it.value()->handleVerify();
+      for( auto it = countActionSm().iter(); it; ++it )
+         it.value()->handleVerify();
+      return;
+   }
+   QosPolicyClassBaseSm::handleVerify();
+   if( pmapSm()->pmapType() == Qos::mapControlPlane_ &&
+       !qosAclSm()->qosAclHwStatus()->intfCoppSupported() ) {
+      verifyCpuQueue();
+   }
+}
+
+void QosPolicyClassSm::verifyCpuQueue() const {
+   // A dynamic control-plane class holds a CPU queue of its own.
+   auto const iClassData = classData();
+   if( !iClassData ) return;
+   std::int32_t const cpuQId = iClassData->cpuQId();
+   ZUB_ASSERT( cpuQId );
+   for( auto it = pmapSm()->policyClassSm().iter(); it; ++it ) {
+      auto const jClassData = it.value()->classData();
+      if( !jClassData ) continue;
+      bool const sameQueue = jClassData->cpuQId() == cpuQId;
+      ZUB_ASSERT_TEXT( !sameQueue || jClassData->key() == iClassData->key(),
+                       "jClassData->cpuQId() == 0 || jClassData->key() == iClassData->key()" );
+   }
+}
+
+}  // namespace Nev

@@ -1,0 +1,98 @@
+#include "NevQos/match/QosClassMatchAclSm.h"
+
+#include "NevQos/helpers/QosAclHelper.h"
+#include "NevQos/log/QosLogHandles.h"
+#include "NevQos/match/IpAclCompiler.h"
+#include "NevQos/match/QosClassMatchSm.h"
+#include "NevQos/policy/QosAclSm.h"
+#include "NevQos/policy/QosPolicyMapSm.h"
+#include "nev/AclIpRuleCreateData.h"
+#include "zub/Log.h"
+
+namespace Nev {
+
+QosClassMatchAclSm::QosClassMatchAclSm( AclKey const& key, QosAclSm* qosAclSm,
+                                        QosPolicyMapSm* pmapSm,
+                                        Zub::Ptr< QosClassData > const& classData,
+                                        QosClassMatchSm* classMatchSm,
+                                        Qos::ClassMapMatchOption matchOption,
+                                        Zub::Ptr< Acl::AclConfig const > const& aclConfig )
+    : QosClassMatchChildSm( key, qosAclSm, pmapSm, classData, classMatchSm, matchOption )
+    , aclConfig_( aclConfig ) {
+   handleInitialized();
+}
+
+bool QosClassMatchAclSm::createAcl() {
+   auto const data = aclData();
+   if( !data->dirty() && data->installed() ) return true;
+   if( destroying() ) return true;
+   data->fragMapDelAll();
+   auto const rules = aclConfig()->currCfg();
+   if( !rules ) {
+      data->dirtyIs( false );
+      return true;
+   }
+   if( aclType() == Acl::ipv6() && pmapSm()->macAccessRuleCount() != 0 &&
+       !helper().isMacAclRuleSupportedPlatform() ) {
+      // No rule of this list is programmed beside a MAC access group.
+      Zub::log( QOS_MAC_ACL_RULE_IPV6_MISMATCH, pmapSm()->pmapName(), classMatchSm()->cmapName() );
+      return false;
+   }
+   if( data->aclNumber() == -1 ) data->aclNumberIs( accessGroupAclNumber() );
+   AclCreateError result = helper().precreateAcl( pmapState(), *classData(), matchOption(), key() );
+   if( result == aclCreateErrorNone ) {
+      AclRuleWalk const walk =
+            walkAclRules( *rules, aclType(), helper().supportedTcpFlags().value(), *this );
+      reportAclRuleWalk( walk, aclType(), aclName(), classMatchSm()->cmapName() );
+      result = walk.result;
+   }
+   return !qosAclSm()->updatePolicyMapErrorState( result, pmapSm()->key(), data );
+}
+
+AclCreateError QosClassMatchAclSm::createIpAclRule( Acl::IpRuleConfig const& rule,
+                                                    Acl::UniqueId const& aclId,
+                                                    std::uint32_t ruleNum ) {
+   AclIpRuleCreateData_ data;
+   createIpAclRuleData( rule.filter, data, helper().qosEcnSupport(),
+                        helper().establishedSupported() );
+   if( qosAclSm()->unsupportedRulePresent( classMatchSm()->policyData(), rule ) ) {
+      return aclCreateErrorRuleIgnored;
+   }
+   IpRuleTarget const target{ helper(), pmapState(), *classData(), key(), aclId, ruleNum };
+   std::uint32_t subruleNum = 0;
+   AclCreateError const error = createIpSubrules( target, rule, Acl::ip(), data,
+                                                  IpRuleAnswers::retryExpanded, subruleNum );
+   if( error != aclCreateErrorNone ) return error;
+   return checkIpFragRule( rule, aclId, ruleNum, subruleNum, data.l4Rule );
+}
+
+AclCreateError QosClassMatchAclSm::createIp6AclRule( Acl::Ip6RuleConfig const& rule,
+                                                     Acl::UniqueId const& aclId,
+                                                     std::uint32_t ruleNum ) {
+   AclIpRuleCreateData_ data;
+   createIpAclRuleData( rule.filter, data, helper().qosEcnSupport(),
+                        helper().establishedSupported() );
+   if( qosAclSm()->unsupportedRulePresent( classMatchSm()->policyData(), rule ) ) {
+      return aclCreateErrorRuleIgnored;
+   }
+   IpRuleTarget const target{ helper(), pmapState(), *classData(), key(), aclId, ruleNum };
+   std::uint32_t subruleNum = 0;
+   // IPv6 has no fragment entries.
+   return createIpSubrules( target, rule, Acl::ipv6(), data, IpRuleAnswers::retryExpanded,
+                            subruleNum );
+}
+
+AclCreateError QosClassMatchAclSm::checkIpFragRule( Acl::IpRuleConfig const& rule,
+                                                    Acl::UniqueId const& aclId,
+                                                    std::uint32_t ruleNum, std::uint32_t subRuleNum,
+                                                    bool l4Rule ) {
+   IpRuleTarget const target{ helper(), pmapState(), *classData(), key(), aclId, ruleNum };
+   return createIpFragEntries( target, rule, *aclData(), helper().qosEcnSupport(), subRuleNum,
+                               l4Rule );
+}
+
+void QosClassMatchAclSm::aclNumberAfterDestroy( AclData& aclData ) const {
+   if( aclData.aclNumber() == -1 ) aclData.aclNumberIs( accessGroupAclNumber() );
+}
+
+}  // namespace Nev

@@ -1,0 +1,121 @@
+#include "NevQos/match/QosClassMatchChildSm.h"
+
+#include "NevQos/helpers/QosAclHelper.h"
+#include "NevQos/log/TraceHandles.h"
+#include "NevQos/match/QosClassMatchSm.h"
+#include "NevQos/policy/QosAclSm.h"
+#include "NevQos/policy/QosPolicyMapSm.h"
+#include "zub/Assert.h"
+
+namespace Nev {
+
+QosClassMatchChildSm::QosClassMatchChildSm( AclKey const& key, QosAclSm* qosAclSm,
+                                            QosPolicyMapSm* pmapSm,
+                                            Zub::Ptr< QosClassData > const& classData,
+                                            QosClassMatchSm* classMatchSm,
+                                            Qos::ClassMapMatchOption matchOption )
+    : key_( key )
+    , qosAclSm_( qosAclSm )
+    , pmapSm_( pmapSm )
+    , classData_( classData )
+    , classMatchSm_( classMatchSm )
+    , matchOption_( matchOption ) {}
+
+QosClassMatchChildSm::~QosClassMatchChildSm() = default;
+
+NevHelper::QosAclHelper& QosClassMatchChildSm::helper() const {
+   return *qosAclSm()->qosHelper();
+}
+
+QosPolicyMapState& QosClassMatchChildSm::pmapState() const {
+   return *pmapSm()->pmapState();
+}
+
+Zub::Ptr< QosClassMatchData > QosClassMatchChildSm::matchData() const {
+   return classData()->matchData( matchOption() );
+}
+
+Zub::Ptr< AclData > QosClassMatchChildSm::aclData() const {
+   auto const md = matchData();
+   return md ? md->aclData( key() ) : nullptr;
+}
+
+std::int32_t QosClassMatchChildSm::optionAclNumber() const {
+   return static_cast< std::int32_t >( ( classData()->priority() << 8 ) | matchData()->priority() );
+}
+
+std::int32_t QosClassMatchChildSm::accessGroupAclNumber() const {
+   return static_cast< std::int32_t >( ( classData()->priority() << 23 ) |
+                                       ( matchData()->priority() << 20 ) );
+}
+
+void QosClassMatchChildSm::handleInitialized() {
+   prepareInitialized();
+   auto const md = matchData();
+   ZUB_ASSERT( md );
+   md->aclDataIs( key() );
+   if( !helper().asyncTcamOperationsSupported() ) {
+      createAcl();
+      commitAcl();
+   } else {
+      classMatchSm()->enqueueRequest( key(), updateReasonAclChange, Qos::IntfPairKey(), false );
+   }
+   initialized_ = true;
+}
+
+void QosClassMatchChildSm::intfUpdated( Qos::IntfPairKey const& intfPair, bool add ) {
+   if( !helper().asyncTcamOperationsSupported() ) {
+      helper().updatePortForAcl( pmapState(), *classData(), matchOption(), key(), intfPair, add );
+   } else {
+      classMatchSm()->enqueueRequest( key(), updateReasonIntfChange, intfPair, !add );
+   }
+}
+
+QosClassCounterData QosClassMatchChildSm::counterUpdateRequest() {
+   return helper().counterUpdateRequest( *classData(), key() );
+}
+
+void QosClassMatchChildSm::showAcl( std::uint32_t socket, std::uint32_t unit, bool detail ) {
+   helper().showAclHeader( socket, unit, detail, *classData(), matchOption(), key() );
+}
+
+void QosClassMatchChildSm::handleVerify() {
+   // The rule-by-rule comparison with the hardware joins here.
+   ZUB_TRACE( nevQosTrace, 5, "handleVerify " << key() );
+}
+
+void QosClassMatchChildSm::destroyAcl() {
+   auto const data = aclData();
+   if( !data || data->aclNumber() == -1 ) return;  // never reached the helper
+   destroying_ = true;
+   helper().destroyAcl( pmapState(), *classData(), matchOption(), key() );
+   if( cleanupAfterDestroy() ) {
+      helper().cleanupAcl( pmapState(), *classData(), matchOption(), key() );
+   }
+   aclNumberAfterDestroy( *data );
+   data->dirtyIs( true );
+   data->installedIs( false );
+}
+
+void QosClassMatchChildSm::aclNumberAfterDestroy( AclData& aclData ) const {
+   aclData.aclNumberIs( -1 );
+}
+
+void QosClassMatchChildSm::commitAcl() {
+   auto const data = aclData();
+   if( !data || data->dirty() || destroying() ) return;
+   AclCreateError const result = helper().commitAcl( *classData(), matchOption(), key() );
+   qosAclSm()->updatePolicyMapErrorState( result, pmapSm()->key(), data );
+   data->installedIs( true );
+}
+
+void QosClassMatchChildSm::doPrepareToDie() {
+   if( !helper().asyncTcamOperationsSupported() ) {
+      destroyAcl();
+      if( auto const md = matchData() ) md->aclDataDel( key() );
+   } else {
+      classMatchSm()->enqueueRequest( key(), updateReasonAclChange, Qos::IntfPairKey(), true );
+   }
+}
+
+}  // namespace Nev

@@ -1,0 +1,86 @@
+// What the four ACL-owning children of a class match share: one ACL of one family, born with the
+// match, told of interfaces, and torn down with it. On the immediate road (a helper without
+// asynchronous TCAM operations) a child compiles and commits inside its own handleInitialized;
+// on the deferred road it only queues requests that QosAclSm serves one at a time.
+#pragma once
+
+#include <cstdint>
+
+#include "NevQos/classes/QosClassData.h"
+#include "NevQos/types/QosClassCounterData.h"
+#include "entities/QosTypes.h"
+#include "nev/AclData.h"
+#include "nev/AclKey.h"
+#include "zub/Ptr.h"
+
+namespace NevHelper {
+class QosAclHelper;
+}  // namespace NevHelper
+
+namespace Nev {
+
+class QosAclSm;
+class QosClassMatchSm;
+class QosPolicyMapSm;
+class QosPolicyMapState;
+
+class QosClassMatchChildSm : public Zub::PtrInterface {
+ public:
+   QosClassMatchChildSm( AclKey const& key, QosAclSm* qosAclSm, QosPolicyMapSm* pmapSm,
+                         Zub::Ptr< QosClassData > const& classData, QosClassMatchSm* classMatchSm,
+                         Qos::ClassMapMatchOption matchOption );
+   ~QosClassMatchChildSm() override;
+   Zub::FwkType fwkType() const override { return Zub::FwkType::stateMachine; }
+
+   AclKey const& key() const { return key_; }
+   Zub::Name const& aclName() const { return key_.aclName(); }
+   Acl::AclType aclType() const { return key_.aclType(); }
+   QosAclSm* qosAclSm() const { return qosAclSm_; }
+   QosPolicyMapSm* pmapSm() const { return pmapSm_; }
+   Zub::Ptr< QosClassData > const& classData() const { return classData_; }
+   QosClassMatchSm* classMatchSm() const { return classMatchSm_; }
+   Qos::ClassMapMatchOption matchOption() const { return matchOption_; }
+   bool destroying() const { return destroying_; }
+   bool initialized() const { return initialized_; }
+
+   // True when the ACL stands or needs nothing.
+   virtual bool createAcl() = 0;
+   virtual void intfUpdated( Qos::IntfPairKey const& intfPair, bool add );
+   virtual QosClassCounterData counterUpdateRequest();
+   virtual void showAcl( std::uint32_t socket, std::uint32_t unit, bool detail );
+   virtual void handleVerify();
+   void destroyAcl();
+   void commitAcl();
+   void doPrepareToDie();
+
+ protected:
+   // Called by the constructor of each concrete child, once its own members stand.
+   void handleInitialized();
+   void matchOptionIs( Qos::ClassMapMatchOption o ) { matchOption_ = o; }
+   NevHelper::QosAclHelper& helper() const;
+   QosPolicyMapState& pmapState() const;
+   Zub::Ptr< QosClassMatchData > matchData() const;
+   Zub::Ptr< AclData > aclData() const;
+   // (classData.priority << 8) | matchData.priority: the number of every non-IP ACL.
+   std::int32_t optionAclNumber() const;
+   // (classData.priority << 23) | (matchData.priority << 20): the number of an access group.
+   std::int32_t accessGroupAclNumber() const;
+   // A hook for the road-specific start of a child, before the ACL data is made.
+   virtual void prepareInitialized() {}
+   // Whether destroyAcl goes on to the helper's cleanupAcl.
+   virtual bool cleanupAfterDestroy() const = 0;
+   // What destroyAcl leaves in aclNumber.
+   virtual void aclNumberAfterDestroy( AclData& aclData ) const;
+
+ private:
+   AclKey key_;
+   QosAclSm* qosAclSm_;
+   QosPolicyMapSm* pmapSm_;
+   Zub::Ptr< QosClassData > classData_;
+   QosClassMatchSm* classMatchSm_;
+   Qos::ClassMapMatchOption matchOption_;
+   bool destroying_ = false;
+   bool initialized_ = false;
+};
+
+}  // namespace Nev

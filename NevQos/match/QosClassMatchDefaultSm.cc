@@ -1,0 +1,53 @@
+#include "NevQos/match/QosClassMatchDefaultSm.h"
+
+#include "NevQos/helpers/QosAclHelper.h"
+#include "NevQos/match/QosClassMatchSm.h"
+#include "NevQos/policy/QosAclSm.h"
+#include "NevQos/policy/QosPolicyMapSm.h"
+
+namespace Nev {
+
+namespace {
+
+Qos::ClassMapMatchOption defaultOptionOf( Acl::AclType aclType ) {
+   return aclType == Acl::ipv6() ? Qos::matchOptionIpv6Acl : Qos::matchOptionIpAcl;
+}
+
+}  // namespace
+
+QosClassMatchDefaultSm::QosClassMatchDefaultSm( AclKey const& key, QosAclSm* qosAclSm,
+                                                QosPolicyMapSm* pmapSm,
+                                                Zub::Ptr< QosClassData > const& classData,
+                                                QosClassMatchSm* classMatchSm,
+                                                QosPMapAclTypes pmapAclTypes )
+    : QosClassMatchChildSm( key, qosAclSm, pmapSm, classData, classMatchSm,
+                            classMatchSm->matchOption() )
+    , pmapAclTypes_( pmapAclTypes ) {
+   handleInitialized();
+}
+
+void QosClassMatchDefaultSm::prepareInitialized() {
+   matchOptionIs( defaultOptionOf( aclType() ) );
+   if( helper().asyncTcamOperationsSupported() ) {
+      classMatchSm()->policyData()->matchOptionIs( matchOption() );
+   }
+}
+
+bool QosClassMatchDefaultSm::createAcl() {
+   auto const data = aclData();
+   if( !data->dirty() && data->installed() ) return true;
+   if( destroying() ) return true;
+   // Only this compile keeps a number that exists.
+   if( data->aclNumber() == -1 ) data->aclNumberIs( optionAclNumber() );
+   AclCreateError result = helper().precreateAcl( pmapState(), *classData(), matchOption(), key() );
+   if( result == aclCreateErrorNone ) {
+      result = helper().createDefaultRule( pmapState(), *classData(), matchOption(), key() );
+   }
+   return !qosAclSm()->updatePolicyMapErrorState( result, pmapSm()->key(), data );
+}
+
+bool QosClassMatchDefaultSm::cleanupAfterDestroy() const {
+   return classMatchSm()->allClassDefaultSmDestroying();
+}
+
+}  // namespace Nev

@@ -1,0 +1,28 @@
+// The catch-all rule of the class-default class, one per ACL family. Its data lives under the
+// option of its family, 1 for IPv4 and 2 for IPv6, whatever the parent's option.
+#pragma once
+
+#include "NevQos/match/QosClassMatchChildSm.h"
+#include "NevQos/types/QosPMapAclTypes.h"
+
+namespace Nev {
+
+class QosClassMatchDefaultSm final : public QosClassMatchChildSm {
+ public:
+   QosClassMatchDefaultSm( AclKey const& key, QosAclSm* qosAclSm, QosPolicyMapSm* pmapSm,
+                           Zub::Ptr< QosClassData > const& classData, QosClassMatchSm* classMatchSm,
+                           QosPMapAclTypes pmapAclTypes );
+
+   QosPMapAclTypes pmapAclTypes() const { return pmapAclTypes_; }
+
+   bool createAcl() override;
+
+ protected:
+   void prepareInitialized() override;
+   bool cleanupAfterDestroy() const override;
+
+ private:
+   QosPMapAclTypes pmapAclTypes_;
+};
+
+}  // namespace Nev

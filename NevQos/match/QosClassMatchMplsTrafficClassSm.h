@@ -1,0 +1,31 @@
+// The generated ACL of an MPLS traffic-class match, one per ACL family of the policy map.
+#pragma once
+
+#include <cstdint>
+
+#include "NevQos/match/QosClassMatchChildSm.h"
+#include "NevQos/types/QosPMapAclTypes.h"
+#include "zub/String.h"
+
+namespace Nev {
+
+class QosClassMatchMplsTrafficClassSm final : public QosClassMatchChildSm {
+ public:
+   QosClassMatchMplsTrafficClassSm( AclKey const& key, QosAclSm* qosAclSm, QosPolicyMapSm* pmapSm,
+                                    Zub::Ptr< QosClassData > const& classData,
+                                    QosClassMatchSm* classMatchSm, QosPMapAclTypes pmapAclTypes );
+
+   QosPMapAclTypes pmapAclTypes() const { return pmapAclTypes_; }
+   static Zub::String createAclName( NevHelper::QosAclHelper const& helper, Acl::AclType aclType,
+                                     std::uint32_t matchPrio );
+
+   bool createAcl() override;
+
+ protected:
+   bool cleanupAfterDestroy() const override;
+
+ private:
+   QosPMapAclTypes pmapAclTypes_;
+};
+
+}  // namespace Nev

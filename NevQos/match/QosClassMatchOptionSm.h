@@ -1,0 +1,32 @@
+// The generated ACL of a VLAN, COS, DSCP/ECN, MAC or built-in class match, one per ACL family of
+// the policy map.
+#pragma once
+
+#include <cstdint>
+
+#include "NevQos/match/QosClassMatchChildSm.h"
+#include "NevQos/types/QosPMapAclTypes.h"
+#include "zub/String.h"
+
+namespace Nev {
+
+class QosClassMatchOptionSm final : public QosClassMatchChildSm {
+ public:
+   QosClassMatchOptionSm( AclKey const& key, QosAclSm* qosAclSm, QosPolicyMapSm* pmapSm,
+                          Zub::Ptr< QosClassData > const& classData, QosClassMatchSm* classMatchSm,
+                          Qos::ClassMapMatchOption matchOption, QosPMapAclTypes pmapAclTypes );
+
+   QosPMapAclTypes pmapAclTypes() const { return pmapAclTypes_; }
+   static Zub::String createAclName( NevHelper::QosAclHelper const& helper, Acl::AclType aclType,
+                                     Qos::ClassMapMatchOption matchOpt, std::uint32_t matchPrio );
+
+   bool createAcl() override;
+
+ protected:
+   bool cleanupAfterDestroy() const override;
+
+ private:
+   QosPMapAclTypes pmapAclTypes_;
+};
+
+}  // namespace Nev

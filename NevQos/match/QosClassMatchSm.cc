@@ -1,0 +1,272 @@
+#include "NevQos/match/QosClassMatchSm.h"
+
+#include "NevQos/helpers/QosAclHelper.h"
+#include "NevQos/log/TraceHandles.h"
+#include "NevQos/policy/QosAclSm.h"
+#include "NevQos/policy/QosPolicyMapSm.h"
+#include "zub/Assert.h"
+
+namespace Nev {
+
+QosClassMatchSm::QosClassMatchSm( Qos::ClassMapMatchOption matchOption, QosClassMapKey const& key,
+                                  QosAclSm* qosAclSm, QosPolicyMapSm* pmapSm,
+                                  Zub::Ptr< QosClassData > const& classData,
+                                  Zub::Ptr< Qos::ClassMapMatch const > const& classMatch,
+                                  std::uint32_t matchPrio )
+    : key_( key )
+    , matchOption_( matchOption )
+    , qosAclSm_( qosAclSm )
+    , pmapSm_( pmapSm )
+    , classData_( classData )
+    , classMatch_( classMatch )
+    , matchPrio_( matchPrio ) {
+   handleInitialized();
+}
+
+QosClassMatchSm::~QosClassMatchSm() = default;
+
+void QosClassMatchSm::handleInitialized() {
+   createSm();
+   initialized_ = true;
+}
+
+void QosClassMatchSm::createSm() {
+   policyData_ = Zub::make< QosPolicyMapClassData >( Zub::Ptr< QosPolicyMapSm >( pmapSm() ),
+                                                     classData(), classMatch() );
+   policyData_->matchOptionIs( matchOption() );
+   policyData_->matchPrioIs( matchPrio() );
+   if( classData()->classDefault() ) {
+      createClassDefaultSm();
+      return;
+   }
+   switch( matchOption() ) {
+      case Qos::matchOptionMplsTrafficClass:
+         createClassMplsTrafficClassSm();
+         break;
+      case Qos::matchOptionVlan:
+      case Qos::matchOptionDscpEcn:
+      case Qos::matchOptionMac:
+      case Qos::matchOptionBuiltIn:
+      case Qos::matchOptionCos:
+      case Qos::matchOptionVlanCos:
+         createClassMatchOptionSm();
+         break;
+      default:
+         createClassAclSm();
+         break;
+   }
+}
+
+Zub::Ptr< QosClassMatchData > QosClassMatchSm::createMatchData( Qos::ClassMapMatchOption option ) {
+   auto const matchData = classData()->matchDataIs( option );
+   matchData->priorityIs( matchPrio() );
+   return matchData;
+}
+
+void QosClassMatchSm::createClassAclSm() {
+   createMatchData( matchOption() );
+   Zub::Ptr< Acl::AclConfig const > aclConfig;
+   switch( matchOption() ) {
+      case Qos::matchOptionNone:
+         break;
+      case Qos::matchOptionIpAcl:
+      case Qos::matchOptionIpv6Acl: {
+         Acl::AclType const type = matchOption() == Qos::matchOptionIpAcl ? Acl::ip() : Acl::ipv6();
+         Zub::Name const aclName( classMatch()->strValue() );
+         auto const acls = qosAclSm()->mainAclConfig();
+         auto const typeConfig = acls ? acls->config( type ) : nullptr;
+         aclConfig = typeConfig ? typeConfig->acl( aclName ) : nullptr;
+         // A list that is not configured yet has no hardware, and no child.
+         if( aclConfig ) {
+            aclSmIs( AclKey( aclName, type ), qosAclSm(), pmapSm(), classData(), this,
+                     matchOption(), aclConfig );
+         }
+         break;
+      }
+      default:
+         // The other options have children of their own kinds.
+         ZUB_ASSERT( false );
+   }
+   policyData_->aclConfigIs( aclConfig );
+}
+
+QosPMapAclTypes QosClassMatchSm::updatePmapAclTypes() {
+   bool const v4 = pmapSm()->ipv4AccessGroupCount() != 0;
+   bool const v6 = pmapSm()->ipv6AccessGroupCount() != 0;
+   QosPMapAclTypes const types = v6 ? ( v4 ? ipv4v6Both : ipv6Only ) : ipv4Only;
+   pmapSm()->pmapState()->pmapAclTypesIs( types );
+   return types;
+}
+
+void QosClassMatchSm::createClassMatchOptionSm() {
+   QosPMapAclTypes const types = updatePmapAclTypes();
+   if( types != ipv6Only ) createMatchOptionSm( Acl::ip() );
+   if( types != ipv4Only ) createMatchOptionSm( Acl::ipv6() );
+}
+
+void QosClassMatchSm::createMatchOptionSm( Acl::AclType aclType ) {
+   createMatchData( matchOption() );
+   auto& helper = *qosAclSm()->qosHelper();
+   Zub::Name const name(
+         QosClassMatchOptionSm::createAclName( helper, aclType, matchOption(), matchPrio() ) );
+   matchOptionSmIs( AclKey( name, aclType ), qosAclSm(), pmapSm(), classData(), this, matchOption(),
+                    pmapSm()->pmapState()->pmapAclTypes() );
+}
+
+void QosClassMatchSm::createClassMplsTrafficClassSm() {
+   QosPMapAclTypes const types = updatePmapAclTypes();
+   if( types != ipv6Only ) createMplsTrafficClassSm( Acl::ip() );
+   if( types != ipv4Only ) createMplsTrafficClassSm( Acl::ipv6() );
+}
+
+void QosClassMatchSm::createMplsTrafficClassSm( Acl::AclType aclType ) {
+   createMatchData( matchOption() );
+   auto& helper = *qosAclSm()->qosHelper();
+   Zub::Name const name(
+         QosClassMatchMplsTrafficClassSm::createAclName( helper, aclType, matchPrio() ) );
+   mplsTrafficClassSmIs( AclKey( name, aclType ), qosAclSm(), pmapSm(), classData(), this,
+                         pmapSm()->pmapState()->pmapAclTypes() );
+}
+
+void QosClassMatchSm::createClassDefaultSm() {
+   auto const pmapState = pmapSm()->pmapState();
+   pmapState->pmapAclTypesIs( ipv4Only );
+   if( pmapSm()->ipv6AccessGroupCount() != 0 ) updatePmapAclTypes();
+   QosPMapAclTypes const types = pmapState->pmapAclTypes();
+   auto& helper = *qosAclSm()->qosHelper();
+   // Even without an access group of its own, the class keeps its data under options 1 and 2.
+   if( types != ipv6Only ) {
+      createMatchData( Qos::matchOptionIpAcl );
+      classDefaultSmIs( AclKey( helper.defaultAclName(), Acl::ip() ), qosAclSm(), pmapSm(),
+                        classData(), this, types );
+   }
+   if( types != ipv4Only ) {
+      createMatchData( Qos::matchOptionIpv6Acl );
+      classDefaultSmIs( AclKey( helper.defaultIpv6AclName(), Acl::ipv6() ), qosAclSm(), pmapSm(),
+                        classData(), this, types );
+   }
+}
+
+void QosClassMatchSm::enqueueRequest( AclKey const& aclKey, QosPolicyUpdateReason reasonType,
+                                      Qos::IntfPairKey const& intfPair, bool remove ) {
+   // One slot for both families of the match: the request is served with the latest key.
+   policyData_->aclKeyIs( aclKey );
+   QosPolicyUpdateRequest request( reasonType, aclKey.aclName().str(), remove );
+   request.policyDataIs( policyData_ );
+   request.intfPairIs( intfPair );
+   qosAclSm()->enqueueRequestIs( request );
+}
+
+void QosClassMatchSm::intfUpdated( Qos::IntfPairKey const& intfPair, bool add ) {
+   // The traffic-class children are left out on purpose.
+   for( auto it = aclSm().iter(); it; ++it )
+      it.value()->intfUpdated( intfPair, add );
+   for( auto it = matchOptionSm().iter(); it; ++it )
+      it.value()->intfUpdated( intfPair, add );
+   for( auto it = classDefaultSm().iter(); it; ++it )
+      it.value()->intfUpdated( intfPair, add );
+}
+
+bool QosClassMatchSm::sharedQosAclTypesCounterNeeded() const {
+   return cmapType() == Qos::mapQos_ &&
+          qosAclSm()->qosAclHwStatus()->sharedQosAclTypesCounterSupported();
+}
+
+namespace {
+
+// Sums the children's counters; with a shared counter the first child has them all.
+template< class Children >
+QosClassCounterData sumCounters( Children const& children, bool stopAfterFirst ) {
+   QosClassCounterData sum;
+   for( auto it = children.iter(); it; ++it ) {
+      sum += it.value()->counterUpdateRequest();
+      if( stopAfterFirst ) break;
+   }
+   return sum;
+}
+
+template< class Children >
+bool allDestroying( Children const& children ) {
+   for( auto it = children.iter(); it; ++it ) {
+      if( !it.value()->destroying() ) return false;
+   }
+   return true;
+}
+
+}  // namespace
+
+QosClassCounterData QosClassMatchSm::counterUpdateRequest() {
+   bool const shared = sharedQosAclTypesCounterNeeded();
+   if( classData()->classDefault() ) return sumCounters( classDefaultSm(), shared );
+   switch( matchOption() ) {
+      case Qos::matchOptionVlan:
+      case Qos::matchOptionDscpEcn:
+      case Qos::matchOptionMac:
+      case Qos::matchOptionBuiltIn:
+      case Qos::matchOptionCos:
+      case Qos::matchOptionVlanCos:
+         return sumCounters( matchOptionSm(), shared );
+      case Qos::matchOptionMplsTrafficClass:
+         return sumCounters( mplsTrafficClassSm(), shared );
+      default:
+         // An access group always sums both lists.
+         return sumCounters( aclSm(), false );
+   }
+}
+
+bool QosClassMatchSm::allMatchOptionSmDestroying() const {
+   return allDestroying( matchOptionSm() );
+}
+
+bool QosClassMatchSm::allMplsTrafficClassSmDestroying() const {
+   return allDestroying( mplsTrafficClassSm() );
+}
+
+bool QosClassMatchSm::allClassDefaultSmDestroying() const {
+   return allDestroying( classDefaultSm() );
+}
+
+void QosClassMatchSm::showAcl( std::uint32_t socket, std::uint32_t unit, bool detail ) {
+   for( auto it = aclSm().iter(); it; ++it )
+      it.value()->showAcl( socket, unit, detail );
+   for( auto it = matchOptionSm().iter(); it; ++it )
+      it.value()->showAcl( socket, unit, detail );
+   for( auto it = classDefaultSm().iter(); it; ++it )
+      it.value()->showAcl( socket, unit, detail );
+}
+
+void QosClassMatchSm::handleVerify() {
+   for( auto it = aclSm().iter(); it; ++it )
+      it.value()->handleVerify();
+   for( auto it = matchOptionSm().iter(); it; ++it )
+      it.value()->handleVerify();
+   for( auto it = mplsTrafficClassSm().iter(); it; ++it )
+      it.value()->handleVerify();
+   for( auto it = classDefaultSm().iter(); it; ++it )
+      it.value()->handleVerify();
+}
+
+void QosClassMatchSm::doPrepareToDie() {
+   deleteSm();
+}
+
+void QosClassMatchSm::deleteSm() {
+   for( auto it = aclSm().iter(); it; ++it ) {
+      it.value()->doPrepareToDie();
+      aclSmDel( it.key() );
+   }
+   for( auto it = matchOptionSm().iter(); it; ++it ) {
+      it.value()->doPrepareToDie();
+      matchOptionSmDel( it.key() );
+   }
+   for( auto it = classDefaultSm().iter(); it; ++it ) {
+      it.value()->doPrepareToDie();
+      classDefaultSmDel( it.key() );
+   }
+   // Queued requests still need the match data and policyData.
+   if( qosAclSm()->qosHelper()->asyncTcamOperationsSupported() ) return;
+   classData()->matchDataDel( matchOption() );
+   policyData_ = nullptr;
+}
+
+}  // namespace Nev

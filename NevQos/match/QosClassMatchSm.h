@@ -1,0 +1,94 @@
+// One match of one class: decides what kind of hardware ACL the match compiles to, creates the
+// child that owns each ACL (one per ACL family), and keeps in policyData what a deferred compile
+// needs. It reacts to nothing by itself; its parent class calls every operation.
+#pragma once
+
+#include <cstdint>
+
+#include "NevQos/classes/QosClassData.h"
+#include "NevQos/match/QosClassMatchAclSm.h"
+#include "NevQos/match/QosClassMatchDefaultSm.h"
+#include "NevQos/match/QosClassMatchMplsTrafficClassSm.h"
+#include "NevQos/match/QosClassMatchOptionSm.h"
+#include "NevQos/match/QosPolicyMapClassData.h"
+#include "NevQos/types/QosClassCounterData.h"
+#include "NevQos/types/QosClassMapKey.h"
+#include "NevQos/types/QosPolicyUpdateRequest.h"
+#include "entities/ClassMapStatus.h"
+#include "entities/QosTypes.h"
+#include "nev/AclKey.h"
+#include "zub/Attribute.h"
+
+namespace Nev {
+
+class QosAclSm;
+class QosPolicyMapSm;
+
+class QosClassMatchSm : public Zub::PtrInterface {
+ public:
+   QosClassMatchSm( Qos::ClassMapMatchOption matchOption, QosClassMapKey const& key,
+                    QosAclSm* qosAclSm, QosPolicyMapSm* pmapSm,
+                    Zub::Ptr< QosClassData > const& classData,
+                    Zub::Ptr< Qos::ClassMapMatch const > const& classMatch,
+                    std::uint32_t matchPrio );
+   ~QosClassMatchSm() override;
+   Zub::FwkType fwkType() const override { return Zub::FwkType::stateMachine; }
+
+   QosClassMapKey const& key() const { return key_; }
+   Zub::Name const& cmapName() const { return key_.cmapName(); }
+   Qos::MapType cmapType() const { return key_.cmapType(); }
+   Qos::ClassMapMatchOption matchOption() const { return matchOption_; }
+   QosAclSm* qosAclSm() const { return qosAclSm_; }
+   QosPolicyMapSm* pmapSm() const { return pmapSm_; }
+   Zub::Ptr< QosClassData > const& classData() const { return classData_; }
+   Zub::Ptr< Qos::ClassMapMatch const > const& classMatch() const { return classMatch_; }
+   std::uint32_t matchPrio() const { return matchPrio_; }
+   Zub::Ptr< QosPolicyMapClassData > const& policyData() const { return policyData_; }
+   bool initialized() const { return initialized_; }
+
+   ZUB_SM_CHILDREN( aclSm, AclKey, QosClassMatchAclSm )
+   ZUB_SM_CHILDREN( mplsTrafficClassSm, AclKey, QosClassMatchMplsTrafficClassSm )
+   ZUB_SM_CHILDREN( matchOptionSm, AclKey, QosClassMatchOptionSm )
+   ZUB_SM_CHILDREN( classDefaultSm, AclKey, QosClassMatchDefaultSm )
+
+   void intfUpdated( Qos::IntfPairKey const& intfPair, bool add );
+   QosClassCounterData counterUpdateRequest();
+   void showAcl( std::uint32_t socket, std::uint32_t unit, bool detail );
+   void handleVerify();
+   void doPrepareToDie();
+   // Called by the children on the deferred road.
+   void enqueueRequest( AclKey const& aclKey, QosPolicyUpdateReason reasonType,
+                        Qos::IntfPairKey const& intfPair, bool remove );
+   // The hardware counts the IPv4 and the IPv6 ACL of one match in one counter.
+   bool sharedQosAclTypesCounterNeeded() const;
+   // Whether every child of a family has started its teardown: the last one out cleans up.
+   bool allMatchOptionSmDestroying() const;
+   bool allMplsTrafficClassSmDestroying() const;
+   bool allClassDefaultSmDestroying() const;
+
+ private:
+   void handleInitialized();
+   void createSm();
+   void createClassAclSm();
+   void createClassMatchOptionSm();
+   void createMatchOptionSm( Acl::AclType aclType );
+   void createClassMplsTrafficClassSm();
+   void createMplsTrafficClassSm( Acl::AclType aclType );
+   void createClassDefaultSm();
+   Zub::Ptr< QosClassMatchData > createMatchData( Qos::ClassMapMatchOption option );
+   // The families the policy map's non-ACL matches must cover, written to its state.
+   QosPMapAclTypes updatePmapAclTypes();
+   void deleteSm();
+
+   QosClassMapKey key_;
+   Qos::ClassMapMatchOption matchOption_;
+   QosAclSm* qosAclSm_;
+   QosPolicyMapSm* pmapSm_;
+   Zub::Ptr< QosClassData > classData_;
+   Zub::Ptr< Qos::ClassMapMatch const > classMatch_;
+   std::uint32_t matchPrio_;
+   Zub::Ptr< QosPolicyMapClassData > policyData_;
+   bool initialized_ = false;
+};
+
+}  // namespace Nev
