@@ -109,6 +109,74 @@ Nev::QosPolicyUpdateRequest QosAclSmFixture::aclRequest( Nev::QosPolicyUpdateRea
    return request;
 }
 
+namespace {
+
+template< class Rule >
+Zub::Ptr< Acl::AclConfig > aclOf( Acl::Config& config, Acl::AclType type, char const* name,
+                                  std::vector< Rule > const& rules ) {
+   auto acl = config.configIs( type )->aclIs( Zub::Name( name ) );
+   auto set = Zub::make< Acl::AclRuleSet >( acl->version() + 1 );
+   std::uint64_t id = 1;
+   for( Rule const& rule : rules ) {
+      set->ruleBySequenceIs( static_cast< std::uint32_t >( 10 * id ), Acl::UniqueId( id ) );
+      if constexpr( std::is_same_v< Rule, Acl::IpRuleConfig > ) {
+         set->ipRuleByIdIs( Acl::UniqueId( id ), rule );
+      } else {
+         set->ip6RuleByIdIs( Acl::UniqueId( id ), rule );
+      }
+      ++id;
+   }
+   acl->versionIs( acl->version() + 1 );
+   acl->currCfgIs( set );
+   return acl;
+}
+
+}  // namespace
+
+Zub::Ptr< Acl::AclConfig > QosAclSmFixture::ipAclIs(
+      char const* name, std::vector< Acl::IpRuleConfig > const& rules ) {
+   return aclOf( *mainAclConfig, Acl::ip(), name, rules );
+}
+
+Zub::Ptr< Acl::AclConfig > QosAclSmFixture::ip6AclIs(
+      char const* name, std::vector< Acl::Ip6RuleConfig > const& rules ) {
+   return aclOf( *mainAclConfig, Acl::ipv6(), name, rules );
+}
+
+Zub::Ptr< Qos::ClassMapStatus > QosAclSmFixture::classMapIs( char const* name,
+                                                             Matches const& matches,
+                                                             Qos::MapType type ) {
+   auto cmap = qosStatus->cmapTypeIs( type )->cmapIs( Zub::Name( name ) );
+   for( auto const& [ option, text ] : matches ) {
+      cmap->matchIs( option )->strValueIs( Zub::String( text ) );
+   }
+   return cmap;
+}
+
+Zub::Ptr< Qos::ClassAction > QosAclSmFixture::classIs( char const* pmapName, char const* cmapName,
+                                                       Qos::MapType type ) {
+   auto pmap = policyMap( pmapName, type );
+   auto const prio = static_cast< unsigned >( pmap->classPrioSize() + 1 );
+   pmap->classPrioIs( prio, Qos::ClassPriority( Zub::Name( cmapName ) ) );
+   return pmap->classActionIs( Zub::Name( cmapName ) );
+}
+
+void QosAclSmFixture::classDefaultIs( char const* pmapName, Qos::MapType type ) {
+   // The default class has one match of no kind: it catches what the others leave.
+   auto cmap = classMapIs( "class-default", { { Qos::matchOptionNone, "" } }, type );
+   auto pmap = policyMap( pmapName, type );
+   pmap->classDefaultIs( cmap );
+   pmap->classActionDefaultIs( Zub::make< Qos::ClassAction >( Zub::Name( "class-default" ) ) );
+}
+
+Zub::Ptr< Qos::ServicePolicyStatus > QosAclSmFixture::applyIs(
+      char const* pmapName, std::vector< Qos::IntfPairKey > const& intfs, Qos::MapType type ) {
+   auto status = qosStatus->servicePolicyStatusIs( spKey( pmapName, type ) );
+   for( auto const& i : intfs )
+      status->intfIdsIs( i, true );
+   return status;
+}
+
 std::vector< std::string > QosAclSmFixture::takeLogs() {
    std::vector< std::string > out;
    out.swap( logs_ );

@@ -45,6 +45,28 @@ class QosAclSmFixture : public ::testing::Test {
    // A request for one ACL of one class, as class matching enters it.
    Nev::QosPolicyUpdateRequest aclRequest( Nev::QosPolicyUpdateReason reason, char const* aclName,
                                            bool remove, Qos::IntfPairKey intfPair = {} );
+   // ---- Configuration as the agents publish it
+
+   // An access list with its rules in sequence order (10, 20, ...; ids 1, 2, ...).
+   Zub::Ptr< Acl::AclConfig > ipAclIs( char const* name,
+                                       std::vector< Acl::IpRuleConfig > const& rules );
+   Zub::Ptr< Acl::AclConfig > ip6AclIs( char const* name,
+                                        std::vector< Acl::Ip6RuleConfig > const& rules );
+   // A class map with its matches; the text is the ACL name of an access-group match.
+   using Matches = std::vector< std::pair< Qos::ClassMapMatchOption, char const* > >;
+   Zub::Ptr< Qos::ClassMapStatus > classMapIs( char const* name, Matches const& matches,
+                                               Qos::MapType type = Qos::mapQos_ );
+   // Appends a class, with an action, to a policy map; the first class added has the top
+   // priority.
+   Zub::Ptr< Qos::ClassAction > classIs( char const* pmapName, char const* cmapName,
+                                         Qos::MapType type = Qos::mapQos_ );
+   // The class-default class and its action.
+   void classDefaultIs( char const* pmapName, Qos::MapType type = Qos::mapQos_ );
+   // The service policy of a map on interfaces; the map must stand.
+   Zub::Ptr< Qos::ServicePolicyStatus > applyIs( char const* pmapName,
+                                                 std::vector< Qos::IntfPairKey > const& intfs,
+                                                 Qos::MapType type = Qos::mapQos_ );
+
    // The log lines written since the last call; the test has seen them.
    std::vector< std::string > takeLogs();
 
