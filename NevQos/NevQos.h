@@ -1,10 +1,12 @@
 // Everything a chip-specific agent needs from the library, in one include.
 #pragma once
 
+#include "NevQos/classes/QosClassData.h"
 #include "NevQos/helpers/QosAclHelper.h"
 #include "NevQos/log/QosLogHandles.h"
 #include "NevQos/log/TraceHandles.h"
 #include "NevQos/policy/QosAclSm.h"
+#include "NevQos/policy/QosPolicyMapSm.h"
 #include "NevQos/types/Rates.h"
 #include "kesh/TimerTask.h"
 #include "kesh/TimerWheel.h"
