@@ -15,7 +15,11 @@ QosServicePolicySm::QosServicePolicySm(
    handleInitialized();
 }
 
-QosServicePolicySm::~QosServicePolicySm() = default;
+QosServicePolicySm::~QosServicePolicySm() {
+   // The class machines' compile arguments hold their policy map; a map torn down with the
+   // engine, rather than through doPrepareToDie, lets go of its classes here so that it can go.
+   for( auto it = pmapSm().iter(); it; ++it ) it.value()->policyClassSmDelAll();
+}
 
 QosPolicyMapKey QosServicePolicySm::defaultPmapKey() const {
    return QosPolicyMapKey( name(), type(), direction(), QosPolicyMapKey::defaultAclGroup() );

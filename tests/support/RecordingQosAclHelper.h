@@ -21,7 +21,7 @@
 // Other values: numbers in decimal, bools as true/false, enumerations by name (ipv6, mapQos,
 // permit), a service policy key like a policy map without a group, a class map key as
 // "<cmapName>[:<cmapType>]" (type left out for mapQos), a CPU queue key as "modId/port/queue",
-// an IPv6 prefix in its usual text. Rule records, which tests cannot build yet, are left out.
+// an IPv6 prefix in its usual text. Rule records are left out: aclId and ruleNum name them.
 //
 // Answers. Each operation answers, in this order of preference: the next of the answers queued
 // for it (the ...Enq setters), then its standing answer (the ...Is setters), then its default.
