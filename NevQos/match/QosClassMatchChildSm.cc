@@ -41,12 +41,16 @@ Zub::Ptr< AclData > QosClassMatchChildSm::aclData() const {
 }
 
 std::int32_t QosClassMatchChildSm::optionAclNumber() const {
-   return static_cast< std::int32_t >( ( classData()->priority() << 8 ) | matchData()->priority() );
+   auto const md = matchData();
+   ZUB_ASSERT( md );
+   return static_cast< std::int32_t >( ( classData()->priority() << 8 ) | md->priority() );
 }
 
 std::int32_t QosClassMatchChildSm::accessGroupAclNumber() const {
+   auto const md = matchData();
+   ZUB_ASSERT( md );
    return static_cast< std::int32_t >( ( classData()->priority() << 23 ) |
-                                       ( matchData()->priority() << 20 ) );
+                                       ( md->priority() << 20 ) );
 }
 
 void QosClassMatchChildSm::handleInitialized() {

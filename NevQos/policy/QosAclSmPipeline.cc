@@ -75,7 +75,9 @@ void QosAclSm::processPolicyUpdate() {
          ZUB_ASSERT( request.remove() );
          QosPolicyMapKey const& pmapKey = request.pmapKey();
          Qos::ServicePolicyKey key( pmapKey.pmapType(), pmapKey.direction(), pmapKey.pmapName() );
-         servicePolicySm( key )->pmapSmDel( pmapKey );
+         auto const spSm = servicePolicySm( key );
+         ZUB_ASSERT( spSm );
+         spSm->pmapSmDel( pmapKey );
          servicePolicySmDel( key );
          schedulePolicyVerify();
          finishOperation( request );

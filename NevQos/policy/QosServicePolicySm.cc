@@ -18,7 +18,8 @@ QosServicePolicySm::QosServicePolicySm(
 QosServicePolicySm::~QosServicePolicySm() {
    // The class machines' compile arguments hold their policy map; a map torn down with the
    // engine, rather than through doPrepareToDie, lets go of its classes here so that it can go.
-   for( auto it = pmapSm().iter(); it; ++it ) it.value()->policyClassSmDelAll();
+   for( auto it = pmapSm().iter(); it; ++it )
+      it.value()->policyClassSmDelAll();
 }
 
 QosPolicyMapKey QosServicePolicySm::defaultPmapKey() const {
@@ -75,12 +76,12 @@ void QosServicePolicySm::createSm() {
       if( ethernetNotPresent( intfPair ) && type() != Qos::mapControlPlane_ ) continue;
       QosPolicyMapKey const pmapKey( name(), type(), direction(),
                                      helper->aclGroup( intfPair, key() ) );
-      if( !helper->pmapState( pmapKey ) ) {
-         helper->pmapStateIs( pmapKey )->versionIs( pmapStatus->version() );
+      auto state = helper->pmapState( pmapKey );
+      if( !state ) {
+         state = helper->pmapStateIs( pmapKey );
+         state->versionIs( pmapStatus->version() );
       }
-      if( helper->managedPrioritySupported( type() ) ) {
-         helper->pmapState( pmapKey )->activeIntfIs( intfPair, true );
-      }
+      if( helper->managedPrioritySupported( type() ) ) state->activeIntfIs( intfPair, true );
    }
    // One child per distinct group, also for groups that earlier runs left behind.
    for( auto it = helper->pmapState().iter(); it; ++it ) {
@@ -101,8 +102,11 @@ void QosServicePolicySm::handleVersion() {
 }
 
 void QosServicePolicySm::versionUpdated() {
-   unsigned int const version =
-         qosAclSm()->qosStatus()->pmapType( type() )->pmap( name() )->version();
+   auto const typeStatus = qosAclSm()->qosStatus()->pmapType( type() );
+   ZUB_ASSERT( typeStatus );
+   auto const pmap = typeStatus->pmap( name() );
+   ZUB_ASSERT( pmap );
+   unsigned int const version = pmap->version();
    auto helper = qosAclSm()->qosHelper();
    // A new version starts with a clean slate, but the attachment stays unprogrammable until
    // the next status check.
@@ -154,8 +158,10 @@ void QosServicePolicySm::handleIntf( Qos::IntfPairKey const& intfPair ) {
       ZUB_ASSERT( pmapSliceHwStatusType );
       auto pmapSliceHwStatus = pmapSliceHwStatusType->pmap( hwKey() );
       ZUB_ASSERT( pmapSliceHwStatus );
-      pmapSliceHwStatus->versionIs(
-            qosAclSm()->qosStatus()->pmapType( type() )->pmap( name() )->version() );
+      auto const typeStatus = qosAclSm()->qosStatus()->pmapType( type() );
+      auto const pmap = typeStatus ? typeStatus->pmap( name() ) : nullptr;
+      ZUB_ASSERT( pmap );
+      pmapSliceHwStatus->versionIs( pmap->version() );
    }
    qosAclSm()->schedulePolicyVerify();
 }
