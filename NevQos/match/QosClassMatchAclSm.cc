@@ -41,8 +41,10 @@ bool QosClassMatchAclSm::createAcl() {
    if( data->aclNumber() == -1 ) data->aclNumberIs( accessGroupAclNumber() );
    AclCreateError result = helper().precreateAcl( pmapState(), *classData(), matchOption(), key() );
    if( result == aclCreateErrorNone ) {
+      walking_ = data;
       AclRuleWalk const walk =
             walkAclRules( *rules, aclType(), helper().supportedTcpFlags().value(), *this );
+      walking_ = nullptr;
       reportAclRuleWalk( walk, aclType(), aclName(), classMatchSm()->cmapName() );
       result = walk.result;
    }
@@ -87,8 +89,8 @@ AclCreateError QosClassMatchAclSm::checkIpFragRule( Acl::IpRuleConfig const& rul
                                                     std::uint32_t ruleNum, std::uint32_t subRuleNum,
                                                     bool l4Rule ) {
    IpRuleTarget const target{ helper(), pmapState(), *classData(), key(), aclId, ruleNum };
-   return createIpFragEntries( target, rule, *aclData(), helper().qosEcnSupport(), subRuleNum,
-                               l4Rule );
+   Zub::Ptr< AclData > const data = walking_ ? walking_ : aclData();
+   return createIpFragEntries( target, rule, *data, helper().qosEcnSupport(), subRuleNum, l4Rule );
 }
 
 void QosClassMatchAclSm::aclNumberAfterDestroy( AclData& aclData ) const {

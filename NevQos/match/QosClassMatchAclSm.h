@@ -35,6 +35,8 @@ class QosClassMatchAclSm final : public QosClassMatchChildSm {
 
  private:
    Zub::Ptr< Acl::AclConfig const > aclConfig_;
+   // The ACL's record while its rules are walked: found once, not once per rule.
+   Zub::Ptr< AclData > walking_;
 };
 
 }  // namespace Nev
