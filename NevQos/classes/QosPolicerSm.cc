@@ -75,8 +75,4 @@ void QosPolicerSm::counterUpdateRequest() {
    ZUB_TRACE( nevQosTrace, 5, "counterUpdateRequest " << name() );
 }
 
-void QosPolicerSm::handleVerify() {
-   QosPolicyClassBaseSm::handleVerify();
-}
-
 }  // namespace Nev

@@ -20,7 +20,6 @@ class QosPolicerSm final : public QosPolicyClassBaseSm {
 
    void deleteSm() override;
    void counterUpdateRequest() override;
-   void handleVerify() override;
 
    void createSm();
    void handleIntf( Qos::IntfPairKey const& intfId, bool add );

@@ -33,13 +33,14 @@ void QosPolicyClassBaseSm::setPmapHwStatus() {
 void QosPolicyClassBaseSm::createSmCommon() {
    auto const typeStatus = qosAclSm()->qosStatus()->pmapType( pmapSm()->pmapType() );
    if( !typeStatus || !typeStatus->pmap( pmapSm()->pmapName() ) ) return;
-   if( !classData_ ) {
-      classData_ =
-            Zub::make< QosClassData >( QosClassDataKey( pmapSm()->key(), cmapName(), cmapType() ) );
-   }
    // The copies replace the policer name "Default" with their own.
-   classData_->keyIs( QosClassDataKey( pmapSm()->key(), cmapName(), cmapType(),
-                                       QosClassDataKey::defaultPolicerName() ) );
+   QosClassDataKey const key( pmapSm()->key(), cmapName(), cmapType(),
+                              QosClassDataKey::defaultPolicerName() );
+   if( classData_ ) {
+      classData_->keyIs( key );
+   } else {
+      classData_ = Zub::make< QosClassData >( key );
+   }
    classData_->priorityIs( cmapPrio() );
    classData_->classDefaultIs( classDefault() );
 }

@@ -76,49 +76,54 @@ Zub::Name QosPolicyClassSm::copyName( Qos::IntfPairKey const& intfPair, bool pol
    return name;
 }
 
-void QosPolicyClassSm::handlePolicerIntf( Qos::IntfPairKey const& intfPair, bool add ) {
-   Zub::Name const name = copyName( intfPair, true );
-   auto const copy = policerSm( name );
+namespace {
+
+// Adds an interface to a copy, making the copy with its first interface, or removes one, letting
+// the copy go with its last. True when the copy stands afterwards.
+template< class Find, class Create, class Del >
+bool updateCopy( Qos::IntfPairKey const& intfPair, bool add, Find find, Create create, Del del ) {
+   auto const copy = find();
    if( add ) {
       if( copy ) {
          copy->handleIntf( intfPair, true );
       } else {
-         policerSmIs( name, cmapKey(), qosAclSm(), pmapSm(), cmap(), cmapPrio(), caction(),
-                      classDefault(), intfPair );
+         create();
       }
    } else if( copy ) {
       copy->handleIntf( intfPair, false );
       if( !copy->classData() || copy->classData()->intfIdSize() == 0 ) {
          copy->doPrepareToDie();
-         policerSmDel( name );
+         del();
       }
    }
-   if( !policerSm( name ) ) {
-      ZUB_TRACE( nevQosTrace, 5, " policerSm( " << name << " ) does not exist " );
-   }
+   return !!find();
+}
+
+}  // namespace
+
+void QosPolicyClassSm::handlePolicerIntf( Qos::IntfPairKey const& intfPair, bool add ) {
+   Zub::Name const name = copyName( intfPair, true );
+   bool const stands = updateCopy(
+         intfPair, add, [ & ] { return policerSm( name ); },
+         [ & ] {
+            policerSmIs( name, cmapKey(), qosAclSm(), pmapSm(), cmap(), cmapPrio(), caction(),
+                         classDefault(), intfPair );
+         },
+         [ & ] { policerSmDel( name ); } );
+   if( !stands ) ZUB_TRACE( nevQosTrace, 5, " policerSm( " << name << " ) does not exist " );
 }
 
 void QosPolicyClassSm::handleCountActionIntf( Qos::IntfPairKey const& intfPair, bool add ) {
    // Per interface even on a LAG; a named policer plays no part.
    Zub::Name const name = copyName( intfPair, false );
-   auto const copy = countActionSm( name );
-   if( add ) {
-      if( copy ) {
-         copy->handleIntf( intfPair, true );
-      } else {
-         countActionSmIs( name, cmapKey(), qosAclSm(), pmapSm(), cmap(), cmapPrio(), caction(),
-                          classDefault(), intfPair );
-      }
-   } else if( copy ) {
-      copy->handleIntf( intfPair, false );
-      if( !copy->classData() || copy->classData()->intfIdSize() == 0 ) {
-         copy->doPrepareToDie();
-         countActionSmDel( name );
-      }
-   }
-   if( !countActionSm( name ) ) {
-      ZUB_TRACE( nevQosTrace, 5, " countActionSm( " << name << " ) does not exist " );
-   }
+   bool const stands = updateCopy(
+         intfPair, add, [ & ] { return countActionSm( name ); },
+         [ & ] {
+            countActionSmIs( name, cmapKey(), qosAclSm(), pmapSm(), cmap(), cmapPrio(), caction(),
+                             classDefault(), intfPair );
+         },
+         [ & ] { countActionSmDel( name ); } );
+   if( !stands ) ZUB_TRACE( nevQosTrace, 5, " countActionSm( " << name << " ) does not exist " );
 }
 
 void QosPolicyClassSm::intfUpdated( Qos::IntfPairKey const& intfPair, bool add ) {

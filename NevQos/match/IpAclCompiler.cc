@@ -43,10 +43,10 @@ struct SubruleCall {
    AclCreateError operator()( Field const& src, Field const& dst, Field const& len,
                               std::uint32_t subruleNum ) const {
       return target.helper.createIpAclSubrule(
-            aclType == Acl::ipv6() ? Acl::ipv6() : Acl::ip(), rule, target.aclId, target.pmapState,
-            target.classData, target.aclKey, target.ruleNum, subruleNum, src.value, src.mask,
-            dst.value, dst.mask, src.low, src.high, dst.low, dst.high, len.value, len.mask, len.low,
-            len.high, tcpFlags, l4Rule, ecnData, ecnMask );
+            aclType, rule, target.aclId, target.pmapState, target.classData, target.aclKey,
+            target.ruleNum, subruleNum, src.value, src.mask, dst.value, dst.mask, src.low, src.high,
+            dst.low, dst.high, len.value, len.mask, len.low, len.high, tcpFlags, l4Rule, ecnData,
+            ecnMask );
    }
 };
 
@@ -155,6 +155,16 @@ AclCreateError createIpSubrules( IpRuleTarget const& target, Acl::RuleConfig con
    return aclCreateErrorNone;
 }
 
+AclCreateError planIpSubrules( IpRuleTarget const& target, Acl::RuleConfig const& rule,
+                               Acl::IpFilterBase const& filter, Acl::AclType aclType,
+                               IpRuleAnswers answers, std::uint32_t& subruleNum, bool& l4Rule ) {
+   AclIpRuleCreateData_ data;
+   createIpAclRuleData( filter, data, target.helper.qosEcnSupport(),
+                        target.helper.establishedSupported() );
+   l4Rule = data.l4Rule;
+   return createIpSubrules( target, rule, aclType, data, answers, subruleNum );
+}
+
 AclCreateError createIpFragEntries( IpRuleTarget const& target, Acl::IpRuleConfig const& rule,
                                     AclData& aclData, bool qosEcnSupport, std::uint32_t subRuleNum,
                                     bool l4Rule ) {
@@ -179,12 +189,7 @@ AclCreateError createIpFragEntries( IpRuleTarget const& target, Acl::IpRuleConfi
    }
    ZUB_TRACE( nevQosTrace, 8, "Creating fragment permit rule" );
    if( !map ) map = aclData.fragMapIs( filter.proto );
-   AclEcnInfo ecnInfo;
-   if( qosEcnSupport ) {
-      ecnInfo.aclEcnRuleSplit( filter.ecn );
-   } else {
-      ecnInfo.ecnRulesIs( 0, 0 );
-   }
+   AclEcnInfo const ecnInfo = AclEcnInfo::of( filter.ecn, qosEcnSupport );
    for( auto ecn = ecnInfo.ecnRules().iter(); ecn; ++ecn ) {
       AclCreateError const error = target.helper.createIpFragRule(
             target.pmapState, target.classData, target.aclKey, rule, target.aclId, target.ruleNum,

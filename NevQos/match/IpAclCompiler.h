@@ -44,6 +44,12 @@ AclCreateError createIpSubrules( IpRuleTarget const& target, Acl::RuleConfig con
                                  Acl::AclType aclType, AclIpRuleCreateData_ const& data,
                                  IpRuleAnswers answers, std::uint32_t& subruleNum );
 
+// Plans `rule` with the helper's capabilities and makes its subrules as above; `l4Rule` tells
+// the caller whether the rule's fragments need an entry.
+AclCreateError planIpSubrules( IpRuleTarget const& target, Acl::RuleConfig const& rule,
+                               Acl::IpFilterBase const& filter, Acl::AclType aclType,
+                               IpRuleAnswers answers, std::uint32_t& subruleNum, bool& l4Rule );
+
 // The entries that let non-first fragments of a layer-4 rule's layer-3 match through, at most one
 // set per layer-3 match, recorded in aclData.fragMap; and an explicit fragments-only rule, which
 // counts as that entry for the maps that exist.

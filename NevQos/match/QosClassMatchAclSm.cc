@@ -6,7 +6,6 @@
 #include "NevQos/match/QosClassMatchSm.h"
 #include "NevQos/policy/QosAclSm.h"
 #include "NevQos/policy/QosPolicyMapSm.h"
-#include "nev/AclIpRuleCreateData.h"
 #include "zub/Log.h"
 
 namespace Nev {
@@ -54,34 +53,30 @@ bool QosClassMatchAclSm::createAcl() {
 AclCreateError QosClassMatchAclSm::createIpAclRule( Acl::IpRuleConfig const& rule,
                                                     Acl::UniqueId const& aclId,
                                                     std::uint32_t ruleNum ) {
-   AclIpRuleCreateData_ data;
-   createIpAclRuleData( rule.filter, data, helper().qosEcnSupport(),
-                        helper().establishedSupported() );
    if( qosAclSm()->unsupportedRulePresent( classMatchSm()->policyData(), rule ) ) {
       return aclCreateErrorRuleIgnored;
    }
    IpRuleTarget const target{ helper(), pmapState(), *classData(), key(), aclId, ruleNum };
    std::uint32_t subruleNum = 0;
-   AclCreateError const error = createIpSubrules( target, rule, Acl::ip(), data,
-                                                  IpRuleAnswers::retryExpanded, subruleNum );
+   bool l4Rule = false;
+   AclCreateError const error = planIpSubrules( target, rule, rule.filter, Acl::ip(),
+                                                IpRuleAnswers::retryExpanded, subruleNum, l4Rule );
    if( error != aclCreateErrorNone ) return error;
-   return checkIpFragRule( rule, aclId, ruleNum, subruleNum, data.l4Rule );
+   return checkIpFragRule( rule, aclId, ruleNum, subruleNum, l4Rule );
 }
 
 AclCreateError QosClassMatchAclSm::createIp6AclRule( Acl::Ip6RuleConfig const& rule,
                                                      Acl::UniqueId const& aclId,
                                                      std::uint32_t ruleNum ) {
-   AclIpRuleCreateData_ data;
-   createIpAclRuleData( rule.filter, data, helper().qosEcnSupport(),
-                        helper().establishedSupported() );
    if( qosAclSm()->unsupportedRulePresent( classMatchSm()->policyData(), rule ) ) {
       return aclCreateErrorRuleIgnored;
    }
    IpRuleTarget const target{ helper(), pmapState(), *classData(), key(), aclId, ruleNum };
    std::uint32_t subruleNum = 0;
+   bool l4Rule = false;
    // IPv6 has no fragment entries.
-   return createIpSubrules( target, rule, Acl::ipv6(), data, IpRuleAnswers::retryExpanded,
-                            subruleNum );
+   return planIpSubrules( target, rule, rule.filter, Acl::ipv6(), IpRuleAnswers::retryExpanded,
+                          subruleNum, l4Rule );
 }
 
 AclCreateError QosClassMatchAclSm::checkIpFragRule( Acl::IpRuleConfig const& rule,

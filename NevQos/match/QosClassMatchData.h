@@ -9,8 +9,8 @@
 
 namespace Nev {
 
-#define NEV_QOS_CLASS_MATCH_DATA_ATTRS( X )              \
-   X( value, Priority, priority, std::uint32_t, 0u )     \
+#define NEV_QOS_CLASS_MATCH_DATA_ATTRS( X )          \
+   X( value, Priority, priority, std::uint32_t, 0u ) \
    X( child, AclData, aclData, Nev::AclKey, Nev::AclData )
 
 ZUB_ENTITY( QosClassMatchData, Qos::ClassMapMatchOption, NEV_QOS_CLASS_MATCH_DATA_ATTRS );

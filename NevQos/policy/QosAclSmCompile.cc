@@ -9,7 +9,6 @@
 #include "NevQos/policy/QosAclSm.h"
 #include "NevQos/policy/QosPolicyMapSm.h"
 #include "nev/AclData.h"
-#include "nev/AclIpRuleCreateData.h"
 #include "zub/Assert.h"
 #include "zub/Log.h"
 
@@ -20,6 +19,25 @@ namespace {
 Zub::Ptr< AclData > aclDataOf( QosPolicyMapClassData const& policyData ) {
    auto const matchData = policyData.curClassData()->matchData( policyData.matchOption() );
    return matchData ? matchData->aclData( policyData.aclKey() ) : nullptr;
+}
+
+// The helper calls of one rule of the request's list.
+IpRuleTarget targetOf( QosAclSm const& sm, QosPolicyMapClassData const& policyData,
+                       Acl::UniqueId const& aclId, std::uint32_t ruleNum ) {
+   return IpRuleTarget{ *sm.qosHelper(),
+                        *policyData.pmapSm()->pmapState(),
+                        *policyData.curClassData(),
+                        policyData.aclKey(),
+                        aclId,
+                        ruleNum };
+}
+
+// Only a helper with asynchronous operations takes the deferred compile, and only for a list
+// whose record stands.
+void assertDeferredRoad( QosAclSm const& sm, QosPolicyMapClassData const& policyData ) {
+   ZUB_ASSERT_TEXT( aclDataOf( policyData ), "aclData" );
+   ZUB_ASSERT_TEXT( sm.qosHelper()->asyncTcamOperationsSupported(),
+                    "qosHelper()->asyncTcamOperationsSupported()" );
 }
 
 // The walk over a list's rules calls back into the deferred variants with the request's data.
@@ -110,24 +128,14 @@ void QosAclSm::createAclRules( Zub::Ptr< QosPolicyMapClassData > const& policyDa
 AclCreateError QosAclSm::createIpAclRule( Zub::Ptr< QosPolicyMapClassData > const& policyData,
                                           Acl::IpRuleConfig const& rule, Acl::UniqueId const& aclId,
                                           std::uint32_t ruleNum ) {
-   Zub::Ptr< AclData > const aclData = aclDataOf( *policyData );
-   ZUB_ASSERT_TEXT( aclData, "aclData" );
-   ZUB_ASSERT_TEXT( qosHelper()->asyncTcamOperationsSupported(),
-                    "qosHelper()->asyncTcamOperationsSupported()" );
-   AclIpRuleCreateData_ data;
-   createIpAclRuleData( rule.filter, data, qosHelper()->qosEcnSupport(),
-                        qosHelper()->establishedSupported() );
+   assertDeferredRoad( *this, *policyData );
    if( unsupportedRulePresent( policyData, rule ) ) return aclCreateErrorRuleIgnored;
-   IpRuleTarget const target{ *qosHelper(),
-                              *policyData->pmapSm()->pmapState(),
-                              *policyData->curClassData(),
-                              policyData->aclKey(),
-                              aclId,
-                              ruleNum };
    std::uint32_t subruleNum = 0;
-   createIpSubrules( target, rule, Acl::ip(), data, IpRuleAnswers::mustSucceed, subruleNum );
+   bool l4Rule = false;
+   planIpSubrules( targetOf( *this, *policyData, aclId, ruleNum ), rule, rule.filter, Acl::ip(),
+                   IpRuleAnswers::mustSucceed, subruleNum, l4Rule );
    AclCreateError const error =
-         checkIpFragRule( policyData, rule, aclId, ruleNum, subruleNum, data.l4Rule );
+         checkIpFragRule( policyData, rule, aclId, ruleNum, subruleNum, l4Rule );
    ZUB_ASSERT_TEXT( error == aclCreateErrorNone, "error == aclCreateErrorNone()" );
    return error;
 }
@@ -135,37 +143,21 @@ AclCreateError QosAclSm::createIpAclRule( Zub::Ptr< QosPolicyMapClassData > cons
 AclCreateError QosAclSm::createIp6AclRule( Zub::Ptr< QosPolicyMapClassData > const& policyData,
                                            Acl::Ip6RuleConfig const& rule,
                                            Acl::UniqueId const& aclId, std::uint32_t ruleNum ) {
-   Zub::Ptr< AclData > const aclData = aclDataOf( *policyData );
-   ZUB_ASSERT_TEXT( aclData, "aclData" );
-   ZUB_ASSERT_TEXT( qosHelper()->asyncTcamOperationsSupported(),
-                    "qosHelper()->asyncTcamOperationsSupported()" );
-   AclIpRuleCreateData_ data;
-   createIpAclRuleData( rule.filter, data, qosHelper()->qosEcnSupport(),
-                        qosHelper()->establishedSupported() );
+   assertDeferredRoad( *this, *policyData );
    if( unsupportedRulePresent( policyData, rule ) ) return aclCreateErrorRuleIgnored;
-   IpRuleTarget const target{ *qosHelper(),
-                              *policyData->pmapSm()->pmapState(),
-                              *policyData->curClassData(),
-                              policyData->aclKey(),
-                              aclId,
-                              ruleNum };
    std::uint32_t subruleNum = 0;
-   return createIpSubrules( target, rule, Acl::ipv6(), data, IpRuleAnswers::mustSucceed,
-                            subruleNum );
+   bool l4Rule = false;
+   return planIpSubrules( targetOf( *this, *policyData, aclId, ruleNum ), rule, rule.filter,
+                          Acl::ipv6(), IpRuleAnswers::mustSucceed, subruleNum, l4Rule );
 }
 
 AclCreateError QosAclSm::checkIpFragRule( Zub::Ptr< QosPolicyMapClassData > const& policyData,
                                           Acl::IpRuleConfig const& rule, Acl::UniqueId const& aclId,
                                           std::uint32_t ruleNum, std::uint32_t subRuleNum,
                                           bool l4Rule ) {
-   IpRuleTarget const target{ *qosHelper(),
-                              *policyData->pmapSm()->pmapState(),
-                              *policyData->curClassData(),
-                              policyData->aclKey(),
-                              aclId,
-                              ruleNum };
-   return createIpFragEntries( target, rule, *aclDataOf( *policyData ),
-                               qosHelper()->qosEcnSupport(), subRuleNum, l4Rule );
+   return createIpFragEntries( targetOf( *this, *policyData, aclId, ruleNum ), rule,
+                               *aclDataOf( *policyData ), qosHelper()->qosEcnSupport(), subRuleNum,
+                               l4Rule );
 }
 
 bool QosAclSm::unsupportedRulePresent( Zub::Ptr< QosPolicyMapClassData > const& policyData,

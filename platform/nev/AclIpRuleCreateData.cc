@@ -24,6 +24,16 @@ void AclEcnInfo::aclEcnRuleSplit( Acl::Ecn ecn ) {
    }
 }
 
+AclEcnInfo AclEcnInfo::of( Acl::Ecn ecn, bool qosEcnSupport ) {
+   AclEcnInfo info;
+   if( qosEcnSupport ) {
+      info.aclEcnRuleSplit( ecn );
+   } else {
+      info.ecnRulesIs( 0, 0 );
+   }
+   return info;
+}
+
 namespace {
 
 using Ranges = std::array< AclIpRuleCreateData_::Range, AclIpRuleCreateData_::maxRanges + 1 >;
@@ -31,9 +41,9 @@ using Masks =
       std::array< std::vector< AclIpRuleCreateData_::Entry >, AclIpRuleCreateData_::maxRanges + 1 >;
 
 // Fills one dimension from index 1 and returns its count.
-std::uint8_t planDimension( Acl::PortSpec const& spec, Ranges& ranges, Masks& masks ) {
+std::uint8_t planDimension( Acl::PortSpec const& condition, Ranges& ranges, Masks& masks ) {
    std::array< AclIpRuleCreateData_::Range, AclIpRuleCreateData_::maxRanges > found;
-   unsigned const n = spec.ranges( found );
+   unsigned const n = condition.ranges( found );
    for( unsigned i = 0; i < n; ++i ) {
       ranges[ i + 1 ] = found[ i ];
       Mirel::RangeMaskGen< std::uint16_t >::run( found[ i ].first, found[ i ].second,
@@ -60,11 +70,7 @@ void createIpAclRuleData( Acl::IpFilterBase const& filter, AclIpRuleCreateData_&
       data.tcpFlag[ 1 ] = flags;
    }
 
-   if( qosEcnSupport ) {
-      data.ecnRules.aclEcnRuleSplit( filter.ecn );
-   } else {
-      data.ecnRules.ecnRulesIs( 0, 0 );
-   }
+   data.ecnRules = AclEcnInfo::of( filter.ecn, qosEcnSupport );
 
    data.l4Rule = !filter.srcPort.isAny() || !filter.dstPort.isAny() || !filter.ipLen.isAny() ||
                  filter.tcpFlag.value() != 0 || filter.established || filter.icmpTypeValid ||

@@ -21,6 +21,9 @@ class AclEcnInfo {
    void ecnRulesIs( std::uint8_t data, std::uint8_t mask ) { ecnRules_.set( data, mask ); }
    // The entries that together match `ecn`; none for a value the table does not know.
    void aclEcnRuleSplit( Acl::Ecn ecn );
+   // The entries a chip is given for `ecn`: the split, or the single (0, 0) on a chip that
+   // cannot match ECN.
+   static AclEcnInfo of( Acl::Ecn ecn, bool qosEcnSupport );
 
  private:
    Zub::Collection< std::uint8_t, std::uint8_t > ecnRules_;
