@@ -5,6 +5,8 @@
 
 #include <cstdint>
 
+#include "NevQos/classes/QosClassActionData.h"
+#include "NevQos/classes/QosPolicerData.h"
 #include "NevQos/match/QosClassMatchData.h"
 #include "NevQos/types/QosClassDataKey.h"
 #include "entities/QosTypes.h"
@@ -17,6 +19,9 @@ namespace Nev {
    X( value, Priority, priority, std::uint32_t, 0u )                                  \
    X( value, ClassDefault, classDefault, bool, false )                                \
    X( child, MatchData, matchData, Qos::ClassMapMatchOption, Nev::QosClassMatchData ) \
+   X( child, ActionData, actionData, Qos::ActionType, Nev::QosClassActionData )       \
+   X( value, PolicerData, policerData, Zub::Ptr< Nev::QosPolicerData >,               \
+      Zub::Ptr< Nev::QosPolicerData >() )                                             \
    X( value, Count, count, bool, false )                                              \
    X( keyed, IntfId, intfId, Qos::IntfPairKey, bool )                                 \
    X( value, CpuQId, cpuQId, std::int32_t, -1 )
@@ -28,6 +33,14 @@ class QosClassData : public Zub::Entity {
    Key const& key() const { return key_; }
    // The per-copy machines rename the policer in the key once they know their copy's name.
    void keyIs( Key const& key ) { key_ = key; }
+   // The policer of the class, or of one copy, with its validated parameters.
+   Zub::Ptr< QosPolicerData > policerDataIs( Zub::Name const& name, std::uint64_t cir,
+                                             std::uint32_t bc, std::uint64_t pir,
+                                             std::uint32_t be ) {
+      policerDataIs( Zub::make< QosPolicerData >( name, cir, bc, pir, be ) );
+      return policerData();
+   }
+   void policerDataDel() { policerDataIs( Zub::Ptr< QosPolicerData >() ); }
    ZUB_ENTITY_BODY( QosClassData, Zub::Entity, NEV_QOS_CLASS_DATA_ATTRS )
 
  private:

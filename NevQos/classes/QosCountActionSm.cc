@@ -58,7 +58,7 @@ void QosCountActionSm::deleteSm() {
 
 void QosCountActionSm::counterUpdateRequest() {
    auto const cmapSliceHwStatus = pmapSliceHwStatus()->cmap( cmapName() );
-   ZUB_ASSERT( cmapSliceHwStatus );
+   ZUB_ASSERT_TEXT( cmapSliceHwStatus, "cmapSliceHwStatus" );
    QosClassCounterData sum;
    sum.pktHitsIs( cmapSliceHwStatus->outCount() );
    sum.pktDropsIs( cmapSliceHwStatus->dropCount() );
@@ -72,7 +72,8 @@ void QosCountActionSm::counterUpdateRequest() {
 }
 
 void QosCountActionSm::handleVerify() {
-   ZUB_ASSERT( classData()->count() );
+   ZUB_ASSERT_TEXT( classData()->count(), "classData()->count()" );
+   ZUB_ASSERT_TEXT( !classActionSmHas( cmapKey() ), "!classActionSmHas( cmapKey() )" );
    for( auto it = cmap()->match().iter(); it; ++it ) {
       ZUB_ASSERT_TEXT( classMatchSmHas( it.key() ), "classMatchSmHas( cmapKey() )" );
       classMatchSm( it.key() )->handleVerify();

@@ -1,10 +1,28 @@
 #include "NevQos/classes/QosPolicerSm.h"
 
+#include <iostream>
+
+#include "NevQos/helpers/QosAclHelper.h"
+#include "NevQos/log/QosLogHandles.h"
 #include "NevQos/log/TraceHandles.h"
 #include "NevQos/policy/QosAclSm.h"
 #include "NevQos/policy/QosPolicyMapSm.h"
+#include "NevQos/types/Rates.h"
+#include "nev/AclData.h"
+#include "zub/Assert.h"
+#include "zub/Log.h"
 
 namespace Nev {
+
+namespace {
+
+// The policy map whose named policers the chip defines itself.
+Zub::Name const& defaultPdpPolicyName() {
+   static Zub::Name const name( "default-pdp-policy" );
+   return name;
+}
+
+}  // namespace
 
 QosPolicerSm::QosPolicerSm( Zub::Name const& name, QosClassMapKey const& cmapKey,
                             QosAclSm* qosAclSm, QosPolicyMapSm* pmapSm,
@@ -22,6 +40,34 @@ void QosPolicerSm::handleInitialized() {
    initialized_ = true;
 }
 
+Zub::Ptr< Qos::NamedPolicerStatus const > QosPolicerSm::namedPolicerStatus() const {
+   auto const policerCfg = caction() ? caction()->policer() : nullptr;
+   if( !policerCfg ) std::cerr << "Policer not configured as a class action" << std::endl;
+   ZUB_ASSERT_TEXT( policerCfg, "!\"policerCfg\"" );
+   if( !policerCfg->named() ) return nullptr;
+   Zub::Name const& policerName = policerCfg->key();
+   switch( pmapSm()->pmapType() ) {
+      case Qos::mapQos_:
+         return qosAclSm()->qosStatus()->namedPolicer( policerName );
+      case Qos::mapControlPlane_:
+         std::cerr << "Control plane policies cannot use named policers" << std::endl;
+         ZUB_ASSERT_TEXT( false, "Control plane policies cannot use named policers" );
+         return nullptr;
+      case Qos::mapPdp_: {
+         if( pmapSm()->pmapName() != defaultPdpPolicyName() ) {
+            return qosAclSm()->qosStatus()->namedPolicer( policerName );
+         }
+         // The chip defines the default PDP policy's policers.
+         auto const status = qosAclSm()->qosAclHwStatus()->namedPolicerStatus( policerName );
+         if( !status ) std::cerr << "Default named policer status not present" << std::endl;
+         ZUB_ASSERT_TEXT( status, "Default named policer status not present" );
+         return status;
+      }
+      default:
+         return nullptr;
+   }
+}
+
 void QosPolicerSm::createSm() {
    createSmCommon();
    if( !classData() ) return;  // the policy map has gone
@@ -32,12 +78,35 @@ void QosPolicerSm::createSm() {
       status->policerHwStatusIs( name() );
    }
    if( !caction() || !caction()->policer() ) return;
-   // The policer data with its validated parameters plugs in here.
+   createPolicerData( name() );
+   auto const policerData = classData()->policerData();
+   policerData->namedIs( caction()->policer()->named() );
+   policerData->namedPolicerStatusIs( namedPolicerStatus() );
    classDataPolicerNameIs( name() );
    createClassActionSm();
-   // The yellow and red class actions plug in here.
+   yellowClassActionSm_ = Zub::make< QosYellowClassActionSm >( cmapKey(), qosAclSm(), pmapSm(),
+                                                               classData(), caction() );
+   redClassActionSm_ = Zub::make< QosRedClassActionSm >( cmapKey(), qosAclSm(), pmapSm(),
+                                                         classData(), caction() );
    createClassMatchSm();
-   // The chip's policer is created and attached here.
+   // A map that failed is rebuilt as a whole: its copies reach the chip then.
+   if( pmapSm()->pmapState()->dirty() ) return;
+   createAndAttachPolicer();
+}
+
+void QosPolicerSm::createAndAttachPolicer() {
+   bool const created = qosAclSm()->qosHelper()->createAndAttachPolicer( *classData() );
+   classData()->policerData()->createdInHwIs( created );
+   auto const status = pmapSliceHwStatus()->cmap( cmapName() );
+   if( status ) status->policerHwStatusIs( name() )->policerPrgmdIs( created );
+   if( created ) return;
+   Zub::log( QOS_POLICY_POLICER_RESOURCE_FULL, cmapName(), pmapSm()->pmapName(),
+             Zub::String( "interface" ), name() );
+   // Without the error the policy stands, without its police action.
+   if( qosAclSm()->qosHelper()->errorOnPolicerExhaustion() ) {
+      qosAclSm()->updatePolicyMapErrorState( aclCreateErrorPolicerExhausted, pmapSm()->key(),
+                                             Zub::make< AclData >( AclKey() ) );
+   }
 }
 
 bool QosPolicerSm::shared() const {
@@ -57,11 +126,28 @@ void QosPolicerSm::handleIntf( Qos::IntfPairKey const& intfId, bool add ) {
       it.value()->intfUpdated( intfId, add );
 }
 
+void QosPolicerSm::destroyColourClassActions() {
+   if( redClassActionSm_ ) {
+      redClassActionSm_->doPrepareToDie();
+      redClassActionSm_ = nullptr;
+   }
+   if( yellowClassActionSm_ ) {
+      yellowClassActionSm_->doPrepareToDie();
+      yellowClassActionSm_ = nullptr;
+   }
+}
+
 void QosPolicerSm::deleteSm() {
-   // The chip's policer is destroyed here, before the matches.
+   if( classData() ) {
+      auto const policerData = classData()->policerData();
+      if( policerData && policerData->createdInHw() ) {
+         qosAclSm()->qosHelper()->destroyPolicer( *classData() );
+      }
+   }
    deleteClassMatchSm();
-   // The red, then the yellow class action leave here.
+   destroyColourClassActions();
    deleteClassActionSm();
+   if( classData() ) classData()->policerDataDel();
    if( pmapSliceHwStatus() ) {
       if( auto const status = pmapSliceHwStatus()->cmap( cmapName() ) ) {
          status->policerHwStatusDel( name() );
@@ -70,9 +156,84 @@ void QosPolicerSm::deleteSm() {
    QosPolicyClassBaseSm::deleteSm();
 }
 
+QosClassCounterData QosPolicerSm::policerCounters() const {
+   QosClassCounterData sum;
+   switch( cmapType() ) {
+      case Qos::mapQos_:
+      case Qos::mapPdp_:
+         for( auto it = classMatchSm().iter(); it; ++it )
+            sum += it.value()->counterUpdateRequest();
+         break;
+      case Qos::mapControlPlane_: {
+         ZUB_ASSERT_TEXT( qosAclSm()->qosAclHwStatus()->intfCoppSupported(),
+                          "qosAclSm()->qosAclHwStatus()->intfCoppSupported()" );
+         AclKey const key( Zub::Name( "copp" ), Acl::ip(), Zub::Name( "Default" ) );
+         sum += qosAclSm()->qosHelper()->counterUpdateRequest( *classData(), key );
+         break;
+      }
+      default:
+         break;
+   }
+   return sum;
+}
+
 void QosPolicerSm::counterUpdateRequest() {
-   // The policer's own counters are pulled here.
-   ZUB_TRACE( nevQosTrace, 5, "counterUpdateRequest " << name() );
+   auto const cmapSliceHwStatus = pmapSliceHwStatus()->cmap( cmapName() );
+   ZUB_ASSERT_TEXT( cmapSliceHwStatus, "cmapSliceHwStatus" );
+   auto const policerHwStatus = cmapSliceHwStatus->policerHwStatus( name() );
+   ZUB_ASSERT_TEXT( policerHwStatus, "policerHwStatus" );
+   // The status was cleared before the request.
+   QosClassCounterData sum;
+   sum.pktHitsIs( policerHwStatus->pktInCount() );
+   sum.byteHitsIs( policerHwStatus->byteInCount() );
+   sum.pktDropsIs( policerHwStatus->pktDropCount() );
+   sum.byteDropsIs( policerHwStatus->byteDropCount() );
+   sum.yellowPktHitsIs( policerHwStatus->yellowPktInCount() );
+   sum.yellowByteHitsIs( policerHwStatus->yellowByteInCount() );
+   sum += policerCounters();
+   policerHwStatus->pktInCountIs( sum.pktHits() );
+   policerHwStatus->byteInCountIs( sum.byteHits() );
+   policerHwStatus->pktDropCountIs( sum.pktDrops() );
+   policerHwStatus->byteDropCountIs( sum.byteDrops() );
+   policerHwStatus->yellowPktInCountIs( sum.yellowPktHits() );
+   policerHwStatus->yellowByteInCountIs( sum.yellowByteHits() );
+}
+
+void QosPolicerSm::verifyPolicerParameters() const {
+   auto const policerData = classData()->policerData();
+   ZUB_ASSERT_TEXT( policerData, "policerData" );
+   Qos::PolicerConfig const& cfg = *caction()->policer();
+   std::uint64_t cir = cfg.cir();
+   Qos::RateUnit cirUnit = cfg.cirUnit();
+   std::uint32_t bc = cfg.bc();
+   Qos::BurstUnit bcUnit = cfg.bcUnit();
+   validateAndUpdateCir( qosAclSm()->qosAclHwStatus(), cir, cirUnit );
+   validateAndUpdateBc( qosAclSm()->qosAclHwStatus(), bc, bcUnit );
+   ZUB_ASSERT_TEXT( cirUnit == policerData->cirUnit(), "cirUnit == policerData->cirUnit()" );
+   ZUB_ASSERT_TEXT( cir == policerData->cir(), "cir == policerData->cir()" );
+   ZUB_ASSERT_TEXT( bcUnit == policerData->bcUnit(), "bcUnit == policerData->bcUnit()" );
+   ZUB_ASSERT_TEXT( bc == policerData->bc(), "bc == policerData->bc()" );
+}
+
+void QosPolicerSm::verifyCpuQueue() const {
+   std::int32_t const cpuQId = classData()->cpuQId();
+   ZUB_TRACE( nevQosTrace, 5, "handleVerify " << classData()->key() << " " << cpuQId );
+   ZUB_ASSERT_TEXT( ( cpuQId == -1 ) || ( cmap()->cpType() == Qos::cmapCpDynamic_ ),
+                    "( cpuQId == -1 ) || ( cmap()->cpType() == Qos::cmapCpDynamic_ )" );
+   ZUB_ASSERT_TEXT( ( cmap()->cpType() != Qos::cmapCpDynamic_ ) || ( cpuQId >= 0 ),
+                    "( cmap()->cpType() != Qos::cmapCpDynamic_ ) || ( cpuQId >= 0 )" );
+}
+
+void QosPolicerSm::handleVerify() {
+   if( !classData() ) return;
+   if( caction() && caction()->policer() ) verifyPolicerParameters();
+   QosPolicyClassBaseSm::handleVerify();
+   if( yellowClassActionSm_ ) yellowClassActionSm_->handleVerify();
+   if( redClassActionSm_ ) redClassActionSm_->handleVerify();
+   qosAclSm()->qosHelper()->verifyPolicer( *classData() );
+   if( cmapType() == Qos::mapControlPlane_ && qosAclSm()->qosAclHwStatus()->intfCoppSupported() ) {
+      verifyCpuQueue();
+   }
 }
 
 }  // namespace Nev

@@ -1,8 +1,11 @@
 // One hardware copy of a class with a policer, on a chip that keeps policers outside the class:
 // per interface, per LAG, per shared named policer or per shared policy map. It lives from the
-// first interface that names it to the last one that leaves it.
+// first interface that names it to the last one that leaves it, builds its policer data with
+// the parameters clamped to the chip, the policer's yellow and red actions, and asks the chip
+// for the policer.
 #pragma once
 
+#include "NevQos/actions/QosColourClassActionSm.h"
 #include "NevQos/classes/QosPolicyClassBaseSm.h"
 
 namespace Nev {
@@ -16,10 +19,17 @@ class QosPolicerSm final : public QosPolicyClassBaseSm {
 
    Qos::IntfPairKey const& intfPair() const { return intfPair_; }
    Zub::Name const& name() const { return name_; }
+   Zub::Ptr< QosYellowClassActionSm > const& yellowClassActionSm() const {
+      return yellowClassActionSm_;
+   }
+   Zub::Ptr< QosRedClassActionSm > const& redClassActionSm() const { return redClassActionSm_; }
+   // The status of the named policer the class uses, by map type; null for an unnamed one.
+   Zub::Ptr< Qos::NamedPolicerStatus const > namedPolicerStatus() const;
    bool initialized() const { return initialized_; }
 
    void deleteSm() override;
    void counterUpdateRequest() override;
+   void handleVerify() override;
 
    void createSm();
    void handleIntf( Qos::IntfPairKey const& intfId, bool add );
@@ -28,9 +38,17 @@ class QosPolicerSm final : public QosPolicyClassBaseSm {
    void handleInitialized();
    // Interfaces other than the first one reach the matches only for a copy that is shared.
    bool shared() const;
+   void createAndAttachPolicer();
+   void destroyColourClassActions();
+   void verifyPolicerParameters() const;
+   void verifyCpuQueue() const;
+   // The sum of the copy's counters: its matches, or the chip's CPU-queue policer.
+   QosClassCounterData policerCounters() const;
 
    Qos::IntfPairKey intfPair_;
    Zub::Name name_;
+   Zub::Ptr< QosYellowClassActionSm > yellowClassActionSm_;
+   Zub::Ptr< QosRedClassActionSm > redClassActionSm_;
    bool initialized_ = false;
 };
 

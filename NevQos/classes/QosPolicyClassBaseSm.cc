@@ -1,9 +1,12 @@
 #include "NevQos/classes/QosPolicyClassBaseSm.h"
 
+#include <iostream>
+
 #include "NevQos/helpers/QosAclHelper.h"
 #include "NevQos/log/TraceHandles.h"
 #include "NevQos/policy/QosAclSm.h"
 #include "NevQos/policy/QosPolicyMapSm.h"
+#include "NevQos/types/Rates.h"
 #include "zub/Assert.h"
 
 namespace Nev {
@@ -50,8 +53,7 @@ void QosPolicyClassBaseSm::classDataPolicerNameIs( Zub::Name const& name ) {
 }
 
 void QosPolicyClassBaseSm::createClassActionSm() {
-   // The class action machine of the class plugs in here, under cmapKey.
-   ZUB_TRACE( nevQosTrace, 5, "createClassActionSm " << cmapKey() );
+   classActionSmIs( cmapKey(), qosAclSm(), pmapSm(), classData(), caction() );
 }
 
 void QosPolicyClassBaseSm::createClassMatchSm() {
@@ -64,7 +66,10 @@ void QosPolicyClassBaseSm::createClassMatchSm() {
 }
 
 void QosPolicyClassBaseSm::deleteClassActionSm() {
-   // The class action machine leaves here, after the matches.
+   for( auto it = classActionSm().iter(); it; ++it ) {
+      it.value()->doPrepareToDie();
+      classActionSmDel( it.key() );
+   }
 }
 
 void QosPolicyClassBaseSm::deleteClassMatchSm() {
@@ -78,6 +83,36 @@ bool QosPolicyClassBaseSm::namedSharedPolicer() const {
    if( !caction() || !caction()->policer() || !caction()->policer()->named() ) return false;
    auto const named = qosAclSm()->qosStatus()->namedPolicer( caction()->policer()->key() );
    return named && named->shared();
+}
+
+void QosPolicyClassBaseSm::createPolicerData( Zub::Name const& name ) {
+   if( !caction() || !caction()->policer() ) {
+      std::cerr << "Failed("
+                << "caction() && caction()->policer()"
+                << ") "
+                << "Policer action not present" << std::endl;
+   }
+   ZUB_ASSERT_TEXT( caction() && caction()->policer(), "caction() && caction()->policer()" );
+   Qos::PolicerConfig const& cfg = *caction()->policer();
+   std::uint64_t cir = cfg.cir();
+   Qos::RateUnit cirUnit = cfg.cirUnit();
+   std::uint32_t bc = cfg.bc();
+   Qos::BurstUnit bcUnit = cfg.bcUnit();
+   std::uint64_t pir = cfg.pir();
+   Qos::RateUnit pirUnit = cfg.pirUnit();
+   std::uint32_t be = cfg.be();
+   Qos::BurstUnit beUnit = cfg.beUnit();
+   // The peak rate is checked against the committed rate already clamped.
+   auto const& hw = qosAclSm()->qosAclHwStatus();
+   validateAndUpdateCir( hw, cir, cirUnit );
+   validateAndUpdateBc( hw, bc, bcUnit );
+   if( pir != 0 ) validateAndUpdatePir( hw, cir, cirUnit, pir, pirUnit );
+   validateAndUpdateBe( hw, pir, be, beUnit );
+   auto const data = classData()->policerDataIs( name, cir, bc, pir, be );
+   data->cirUnitIs( cirUnit );
+   data->bcUnitIs( bcUnit );
+   data->pirUnitIs( pirUnit );
+   data->beUnitIs( beUnit );
 }
 
 void QosPolicyClassBaseSm::deleteSm() {
@@ -129,7 +164,14 @@ void QosPolicyClassBaseSm::handleVerify() {
    auto const typeStatus = qosAclSm()->qosStatus()->pmapType( pmapSm()->pmapType() );
    auto const pmap = typeStatus ? typeStatus->pmap( pmapSm()->pmapName() ) : nullptr;
    if( !pmap ) return;
-   // The class action's own check joins here.
+   auto const action =
+         classDefault() ? pmap->classActionDefault() : pmap->classAction( cmapName() );
+   if( action ) {
+      ZUB_ASSERT_TEXT( classActionSmHas( cmapKey() ), "classActionSmHas( cmapKey() )" );
+      classActionSm( cmapKey() )->handleVerify();
+   } else {
+      ZUB_ASSERT_TEXT( !classActionSmHas( cmapKey() ), "!classActionSmHas( cmapKey() )" );
+   }
    for( auto it = cmap()->match().iter(); it; ++it ) {
       ZUB_ASSERT_TEXT( classMatchSmHas( it.key() ), "classMatchSmHas( cmapKey() )" );
       classMatchSm( it.key() )->handleVerify();

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 
+#include "NevQos/actions/QosClassActionSm.h"
 #include "NevQos/classes/QosClassData.h"
 #include "NevQos/match/QosClassMatchSm.h"
 #include "NevQos/types/QosClassMapKey.h"
@@ -42,6 +43,8 @@ class QosPolicyClassBaseSm : public Zub::PtrInterface {
    Zub::Ptr< QosClassData > const& classData() const { return classData_; }
    // One match machine per match of the class map, by its option: a class map may hold several.
    ZUB_SM_CHILDREN( classMatchSm, Qos::ClassMapMatchOption, QosClassMatchSm )
+   // The one class action of the class, under cmapKey.
+   ZUB_SM_CHILDREN( classActionSm, QosClassMapKey, QosClassActionSm )
 
    // Virtual operations, in slot order.
    virtual void deleteSm();
@@ -58,6 +61,8 @@ class QosPolicyClassBaseSm : public Zub::PtrInterface {
    void deleteClassMatchSm();
    // All interfaces using the class's named policer share it.
    bool namedSharedPolicer() const;
+   // The class data's policer, with the configured parameters clamped to the chip's limits.
+   void createPolicerData( Zub::Name const& name );
    void doPrepareToDie();
 
  protected:

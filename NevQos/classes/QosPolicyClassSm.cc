@@ -54,7 +54,7 @@ void QosPolicyClassSm::createSm() {
    if( !classData() ) return;  // the policy map has gone
    if( caction() ) {
       if( perClass && caction()->policer() ) {
-         // The class-level policer's data, named after the policy map, plugs in here.
+         createPolicerData( pmapSm()->pmapName() );
       } else if( perClass && caction()->count() ) {
          classData()->countIs( true );
       }

@@ -363,8 +363,14 @@ void QosAclSm::handleCounterConfig() {
 }
 
 void QosAclSm::handleCounterConfig( Zub::Name const& name ) {
-   // Counter machines per configuration arrive with the counter support.
    ZUB_TRACE( nevQosTrace, 3, "handleCounterConfig " << name );
+   auto const entity = counterConfigDir() ? counterConfigDir()->entityPtr( name ) : nullptr;
+   auto const counterConfig = Zub::dynamicPtrCast< Qos::CounterConfig const >( entity );
+   if( counterConfig ) {
+      counterUpdateSmIs( name, this, qosHelper()->qosAclSliceHwStatus(), counterConfig );
+   } else if( counterUpdateSmHas( name ) ) {
+      counterUpdateSmDel( name );
+   }
 }
 
 void QosAclSm::handleCliPMapCounterUpdateRequest() {
@@ -391,6 +397,8 @@ void QosAclSm::zubDoZombieReactors( bool zombie ) {
    for( auto it = subIntfStatus_.iter(); it; ++it )
       it.value()->zombieIs( zombie );
    for( auto it = servicePolicySm().iter(); it; ++it )
+      it.value()->zubDoZombieReactors( zombie );
+   for( auto it = counterUpdateSm().iter(); it; ++it )
       it.value()->zubDoZombieReactors( zombie );
 }
 

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 
+#include "NevQos/counters/QosCounterUpdateSm.h"
 #include "NevQos/helpers/QosAclHelper.h"
 #include "NevQos/policy/QosAclTypeConfigSm.h"
 #include "NevQos/policy/QosPolicyMapTypeSm.h"
@@ -195,6 +196,7 @@ class QosAclSm : public NevAsyncBaseSm {
    ZUB_SM_CHILDREN( pmapTypeSm, Qos::MapType, QosPolicyMapTypeSm )
    ZUB_SM_CHILDREN( aclTypeConfigSm, Acl::AclType, QosAclTypeConfigSm )
    ZUB_SM_CHILDREN( servicePolicySm, Qos::ServicePolicyKey, QosServicePolicySm )
+   ZUB_SM_CHILDREN( counterUpdateSm, Zub::Name, QosCounterUpdateSm )
    // The update queue.
    Zub::LinkQueue< QosPolicyUpdateRequest > const& pendingPolicyUpdate() const {
       return pendingPolicyUpdate_;

@@ -294,6 +294,10 @@ void QosServicePolicySm::clearPMapCounters() {
 }
 
 void QosServicePolicySm::counterUpdateRequest() {
+   // Control-plane counters come from elsewhere unless the chip polices per interface.
+   if( type() == Qos::mapControlPlane_ && !qosAclSm()->qosAclHwStatus()->intfCoppSupported() ) {
+      return;
+   }
    clearPMapCounters();
    for( auto it = pmapSm().iter(); it; ++it )
       it.value()->counterUpdateRequest();

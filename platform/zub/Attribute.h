@@ -76,6 +76,14 @@ class ChildCollection {
       children_.set( k, child );
       return child;
    }
+   // A child of a class derived from T, for collections whose members differ in kind.
+   template< class D, class... A >
+   Ptr< T > isOf( K const& k, A const&... args ) {
+      if( Ptr< T > const* v = children_.find( k ) ) return *v;
+      Ptr< T > child = make< D >( k, args... );
+      children_.set( k, child );
+      return child;
+   }
    // The child is released after it left the collection.
    void del( K const& k ) {
       Ptr< T > old;
@@ -168,36 +176,41 @@ class Input {
 
 // One-line declarations of state-machine attributes. Each leaves the access at public.
 
-// Owned children: name( k ), nameIs( k, params... ), nameDel( k ), nameDelAll(), nameSize(),
+// Owned children: name( k ), nameIs( k, params... ), nameIsOf< Derived >( k, params... ),
+// nameDel( k ), nameDelAll(), nameSize(),
 // name() (the collection, to iterate).
-#define ZUB_SM_CHILDREN( name, Key, Type )                               \
- public:                                                                 \
-   ::Zub::Ptr< Type > name( Key const& k ) const {                       \
-      return zub_##name##_.get( k );                                     \
-   }                                                                     \
-   auto const& name() const {                                            \
-      return zub_##name##_;                                              \
-   }                                                                     \
-   template< class... ZubArgs >                                          \
-   ::Zub::Ptr< Type > name##Is( Key const& k, ZubArgs const&... args ) { \
-      return zub_##name##_.is( k, args... );                             \
-   }                                                                     \
-   void name##Del( Key const& k ) {                                      \
-      zub_##name##_.del( k );                                            \
-   }                                                                     \
-   void name##DelAll() {                                                 \
-      zub_##name##_.delAll();                                            \
-   }                                                                     \
-   bool name##Has( Key const& k ) const {                                \
-      return zub_##name##_.has( k );                                     \
-   }                                                                     \
-   std::size_t name##Size() const {                                      \
-      return zub_##name##_.size();                                       \
-   }                                                                     \
-                                                                         \
- private:                                                                \
-   ::Zub::ChildCollection< Key, Type > zub_##name##_;                    \
-                                                                         \
+#define ZUB_SM_CHILDREN( name, Key, Type )                                 \
+ public:                                                                   \
+   ::Zub::Ptr< Type > name( Key const& k ) const {                         \
+      return zub_##name##_.get( k );                                       \
+   }                                                                       \
+   auto const& name() const {                                              \
+      return zub_##name##_;                                                \
+   }                                                                       \
+   template< class... ZubArgs >                                            \
+   ::Zub::Ptr< Type > name##Is( Key const& k, ZubArgs const&... args ) {   \
+      return zub_##name##_.is( k, args... );                               \
+   }                                                                       \
+   template< class ZubDerived, class... ZubArgs >                          \
+   ::Zub::Ptr< Type > name##IsOf( Key const& k, ZubArgs const&... args ) { \
+      return zub_##name##_.template isOf< ZubDerived >( k, args... );      \
+   }                                                                       \
+   void name##Del( Key const& k ) {                                        \
+      zub_##name##_.del( k );                                              \
+   }                                                                       \
+   void name##DelAll() {                                                   \
+      zub_##name##_.delAll();                                              \
+   }                                                                       \
+   bool name##Has( Key const& k ) const {                                  \
+      return zub_##name##_.has( k );                                       \
+   }                                                                       \
+   std::size_t name##Size() const {                                        \
+      return zub_##name##_.size();                                         \
+   }                                                                       \
+                                                                           \
+ private:                                                                  \
+   ::Zub::ChildCollection< Key, Type > zub_##name##_;                      \
+                                                                           \
  public:
 
 // A plain field: name(), nameIs( v ). A bare store, for fields no reactor watches.

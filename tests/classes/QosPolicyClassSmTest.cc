@@ -20,7 +20,7 @@ class QosPolicyClassSmTest : public QosAclSmFixture {
       ipAclIs( "v4", {} );
       classMapIs( "c1", { { Qos::matchOptionIpAcl, "v4" } }, type );
       auto action = classIs( "gold", "c1", type );
-      action->policerIs( Zub::make< Qos::PolicerConfig >( Zub::Name( policer ) ) );
+      action->policerIs( policerOf( policer ) );
       return action;
    }
    Zub::Ptr< Nev::QosPolicyClassSm > classSm( Qos::MapType type = Qos::mapQos_ ) {
@@ -125,7 +125,7 @@ TEST_F( QosPolicyClassSmTest, APdpCounterCopiesPerInterfaceUnlessThePolicerWins 
    EXPECT_EQ( helper->callsMatching( "createAndAttachCounter" ).size(), 2u );
 
    // With a policer as well, the policer copies alone are made.
-   action->policerIs( Zub::make< Qos::PolicerConfig >( Zub::Name( "p1" ) ) );
+   action->policerIs( policerOf( "p1" ) );
    policyMap( "gold", Qos::mapPdp_ )->versionIs( 2 );
    helper->clearCalls();
    qosStatus->servicePolicyStatus( spKey( "gold", Qos::mapPdp_ ) )->versionIs( 2 );

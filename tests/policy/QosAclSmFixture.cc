@@ -161,6 +161,14 @@ Zub::Ptr< Qos::ClassAction > QosAclSmFixture::classIs( char const* pmapName, cha
    return pmap->classActionIs( Zub::Name( cmapName ) );
 }
 
+Zub::Ptr< Qos::PolicerConfig > QosAclSmFixture::policerOf( char const* name ) {
+   auto policer = Zub::make< Qos::PolicerConfig >( Zub::Name( name ) );
+   policer->cirIs( 1000 );
+   policer->bcIs( 10000 );
+   policer->redActionIs( Qos::actionDrop_ );
+   return policer;
+}
+
 void QosAclSmFixture::classDefaultIs( char const* pmapName, Qos::MapType type ) {
    // The default class has one match of no kind: it catches what the others leave.
    auto cmap = classMapIs( "class-default", { { Qos::matchOptionNone, "" } }, type );

@@ -60,6 +60,9 @@ class QosAclSmFixture : public ::testing::Test {
    // priority.
    Zub::Ptr< Qos::ClassAction > classIs( char const* pmapName, char const* cmapName,
                                          Qos::MapType type = Qos::mapQos_ );
+   // A single-rate policer of 1000 kbps and 10000 bytes that drops what violates, as
+   // configuration gives an unnamed policer; the test adds it to a class action.
+   static Zub::Ptr< Qos::PolicerConfig > policerOf( char const* name );
    // The class-default class and its action.
    void classDefaultIs( char const* pmapName, Qos::MapType type = Qos::mapQos_ );
    // The service policy of a map on interfaces; the map must stand.

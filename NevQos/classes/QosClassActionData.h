@@ -1,0 +1,28 @@
+// One action of a class as the rule programming sees it: what to set, and the value.
+#pragma once
+
+#include "entities/QosTypes.h"
+#include "zub/Entity.h"
+
+namespace Nev {
+
+// clang-format off
+#define NEV_QOS_CLASS_ACTION_DATA_ATTRS( X )                                   \
+   /* The COS, DSCP, traffic class or drop precedence; a drop keeps 0. */      \
+   X( value, Val, val, unsigned int, 0u )
+// clang-format on
+
+class QosClassActionData : public Zub::Entity {
+ public:
+   using Key = Qos::ActionType;
+   explicit QosClassActionData( Qos::ActionType actionType )
+       : Zub::Entity( Zub::entityNameOf( actionType ) ), actionType_( actionType ) {}
+   Qos::ActionType const& key() const { return actionType_; }
+   Qos::ActionType actionType() const { return actionType_; }
+   ZUB_ENTITY_BODY( QosClassActionData, Zub::Entity, NEV_QOS_CLASS_ACTION_DATA_ATTRS )
+
+ private:
+   Qos::ActionType actionType_;
+};
+
+}  // namespace Nev
