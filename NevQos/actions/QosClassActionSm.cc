@@ -96,6 +96,7 @@ Zub::Ptr< Qos::Action > QosClassActionSm::singleAction() const {
    if( auto const dscp = cfg.action( Qos::actionSetDscp_ ) ) return dscp;
    if( auto const cos = cfg.action( Qos::actionSetCos_ ) ) return cos;
    auto const action = cfg.action().iter().value();
+   ZUB_ASSERT( action );
    ZUB_ASSERT_TEXT( action->actionType() == Qos::actionSetTc_,
                     "action.isMemberOf( Qos::actionSetTc_ )" );
    return action;

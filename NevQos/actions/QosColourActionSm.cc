@@ -64,6 +64,7 @@ void QosColourActionSm::actionDataIs() {
          data = classData()->policerData()->redActionDataIs( actionType() );
          break;
    }
+   ZUB_ASSERT( data );
    data->valIs( policyAction()->value() );
 }
 
