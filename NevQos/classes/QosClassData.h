@@ -7,13 +7,24 @@
 
 #include "NevQos/classes/QosClassActionData.h"
 #include "NevQos/classes/QosPolicerData.h"
+#include "NevQos/match/ClassMapMatchL2Params.h"
 #include "NevQos/match/QosClassMatchData.h"
 #include "NevQos/types/QosClassDataKey.h"
+#include "entities/ClassMapMatchValues.h"
 #include "entities/QosTypes.h"
 #include "mirel/IntfId.h"
 #include "zub/Entity.h"
 
 namespace Nev {
+
+// The working copies of a match's values, which the compiler rewrites rule by rule for the
+// helper to read during its call; null while the class has no match of that kind.
+using L2ParamsValuePtr = Zub::Ptr< ClassMapMatchL2Params >;
+using DscpEcnValuePtr = Zub::Ptr< Qos::ClassMapMatchDscpEcn >;
+using MplsTrafficClassValPtr = Zub::Ptr< Qos::ClassMapMatchMplsTrafficClass >;
+using MplsTrafficClassTuplePtr = Zub::Ptr< Qos::MplsTrafficClassTuple >;
+using MacValuePtr = Zub::Ptr< Qos::ClassMapMatchMac >;
+using BuiltInClassMatch = Qos::ClassMapMatchBuiltIn;
 
 #define NEV_QOS_CLASS_DATA_ATTRS( X )                                                 \
    X( value, Priority, priority, std::uint32_t, 0u )                                  \
@@ -24,6 +35,15 @@ namespace Nev {
       Zub::Ptr< Nev::QosPolicerData >() )                                             \
    X( value, Count, count, bool, false )                                              \
    X( keyed, IntfId, intfId, Qos::IntfPairKey, bool )                                 \
+   X( value, L2ParamsValue, l2ParamsValue, L2ParamsValuePtr, L2ParamsValuePtr() )     \
+   X( value, DscpEcnValue, dscpEcnValue, DscpEcnValuePtr, DscpEcnValuePtr() )         \
+   X( value, MplsTrafficClassVal, mplsTrafficClassVal, MplsTrafficClassValPtr,        \
+      MplsTrafficClassValPtr() )                                                      \
+   X( value, MplsTrafficClassTuple, mplsTrafficClassTuple, MplsTrafficClassTuplePtr,  \
+      MplsTrafficClassTuplePtr() )                                                    \
+   X( value, BuiltInClassMatchValue, builtInClassMatchValue, BuiltInClassMatch,       \
+      BuiltInClassMatch() )                                                           \
+   X( value, MacValue, macValue, MacValuePtr, MacValuePtr() )                         \
    X( value, CpuQId, cpuQId, std::int32_t, -1 )
 
 class QosClassData : public Zub::Entity {

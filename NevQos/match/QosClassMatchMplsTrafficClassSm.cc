@@ -1,8 +1,9 @@
 #include "NevQos/match/QosClassMatchMplsTrafficClassSm.h"
 
 #include "NevQos/helpers/QosAclHelper.h"
-#include "NevQos/log/TraceHandles.h"
+#include "NevQos/match/MatchOptionCompiler.h"
 #include "NevQos/match/QosClassMatchSm.h"
+#include "NevQos/policy/QosPolicyMapSm.h"
 #include "zub/Format.h"
 
 namespace Nev {
@@ -30,9 +31,10 @@ bool QosClassMatchMplsTrafficClassSm::createAcl() {
    if( !data->dirty() && data->installed() ) return true;
    if( destroying() ) return true;
    data->aclNumberIs( optionAclNumber() );
-   // The rule compile of the traffic-class ranges plugs in here.
-   ZUB_TRACE( nevQosTrace, 5, "createAcl " << key() );
-   return true;
+   MatchOptionTarget const target{
+      *qosAclSm(), *pmapSm(), classData(), key(), matchOption(), data
+   };
+   return createClassMatchMplsTrafficClassAcl( target, classMatchSm()->classMatch() );
 }
 
 bool QosClassMatchMplsTrafficClassSm::cleanupAfterDestroy() const {

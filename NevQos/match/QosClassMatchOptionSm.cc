@@ -1,9 +1,11 @@
 #include "NevQos/match/QosClassMatchOptionSm.h"
 
 #include "NevQos/helpers/QosAclHelper.h"
-#include "NevQos/log/TraceHandles.h"
+#include "NevQos/match/MatchOptionCompiler.h"
 #include "NevQos/match/QosClassMatchSm.h"
 #include "NevQos/policy/QosAclSm.h"
+#include "NevQos/policy/QosPolicyMapSm.h"
+#include "zub/Assert.h"
 
 namespace Nev {
 
@@ -31,27 +33,31 @@ bool QosClassMatchOptionSm::createAcl() {
    if( destroying() ) return true;
    data->aclNumberIs( optionAclNumber() );
    auto const hw = qosAclSm()->qosAclHwStatus();
-   bool supported = true;
+   MatchOptionTarget const target{
+      *qosAclSm(), *pmapSm(), classData(), key(), matchOption(), data
+   };
+   auto const& classMatch = classMatchSm()->classMatch();
+   // A match the chip cannot classify on programs nothing, and the ACL counts as standing.
    switch( matchOption() ) {
       case Qos::matchOptionVlan:
-         supported = hw->vlanClassMatchSupported();
-         break;
+         return !hw->vlanClassMatchSupported() || createClassMatchL2ParamsAcl( target, classMatch );
       case Qos::matchOptionCos:
-         supported = hw->cosClassMatchSupported();
-         break;
+         return !hw->cosClassMatchSupported() || createClassMatchL2ParamsAcl( target, classMatch );
       case Qos::matchOptionVlanCos:
-         supported = hw->vlanClassMatchSupported() && hw->cosClassMatchSupported();
-         break;
+         return !hw->vlanClassMatchSupported() || !hw->cosClassMatchSupported() ||
+                createClassMatchL2ParamsAcl( target, classMatch );
       case Qos::matchOptionDscpEcn:
-         supported = hw->dscpEcnClassMatchSupported();
-         break;
+         return !hw->dscpEcnClassMatchSupported() ||
+                createClassMatchDscpEcnAcl( target, classMatch );
+      case Qos::matchOptionMac:
+         return createClassMatchMacAcl( target, classMatch );
+      case Qos::matchOptionBuiltIn:
+         return createBuiltInClassMatchAcl( target, classMatch );
       default:
-         break;
+         // The other options have machines of their own.
+         ZUB_ASSERT( false );
+         return true;
    }
-   if( !supported ) return true;  // nothing is programmed for a match the chip cannot make
-   // The rule compiles of the VLAN, COS, DSCP/ECN, MAC and built-in kinds plug in here.
-   ZUB_TRACE( nevQosTrace, 5, "createAcl " << key() << " option " << matchOption() );
-   return true;
 }
 
 bool QosClassMatchOptionSm::cleanupAfterDestroy() const {

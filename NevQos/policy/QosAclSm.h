@@ -35,6 +35,7 @@
 namespace Nev {
 
 class AclData;
+class L2ParamsInfo;
 
 class QosAclSm : public NevAsyncBaseSm {
  public:
@@ -255,6 +256,12 @@ class QosAclSm : public NevAsyncBaseSm {
    // ---- deferred compile of one class match ----
    bool updateClassData( Zub::Ptr< QosPolicyMapClassData > const& policyData );
    void createAclRules( Zub::Ptr< QosPolicyMapClassData > const& policyData );
+   // The working copy of a VLAN or COS match in the class data, made fresh for each compile,
+   // and the values of one rule written into it.
+   void createClassDataL2ParamsValue( Zub::Ptr< Qos::ClassMapMatch const > const& cMatch,
+                                      Zub::Ptr< QosClassData > const& classData );
+   void populateClassDataL2ParamsValue( Zub::Ptr< QosClassData > const& classData,
+                                        L2ParamsInfo const& l2ParamsInfo );
    AclCreateError createIpAclRule( Zub::Ptr< QosPolicyMapClassData > const& policyData,
                                    Acl::IpRuleConfig const& rule, Acl::UniqueId const& aclId,
                                    std::uint32_t ruleNum );

@@ -5,6 +5,7 @@
 #include "NevQos/log/QosLogHandles.h"
 #include "NevQos/log/TraceHandles.h"
 #include "NevQos/match/IpAclCompiler.h"
+#include "NevQos/match/MatchOptionCompiler.h"
 #include "NevQos/match/QosPolicyMapClassData.h"
 #include "NevQos/policy/QosAclSm.h"
 #include "NevQos/policy/QosPolicyMapSm.h"
@@ -38,6 +39,46 @@ void assertDeferredRoad( QosAclSm const& sm, QosPolicyMapClassData const& policy
    ZUB_ASSERT_TEXT( aclDataOf( policyData ), "aclData" );
    ZUB_ASSERT_TEXT( sm.qosHelper()->asyncTcamOperationsSupported(),
                     "qosHelper()->asyncTcamOperationsSupported()" );
+}
+
+// The match whose values a refresh copies; every match but an access group's carries one.
+Qos::ClassMapMatch const& classMatchOf( QosPolicyMapClassData const& policyData ) {
+   auto const& classMatch = policyData.curClassMatch();
+   ZUB_ASSERT( classMatch );
+   return *classMatch;
+}
+
+// The deferred forms of the matches without an IP access list, on the copies that
+// updateClassData made.
+void createMatchOptionRules( QosAclSm& sm, QosPolicyMapClassData const& policyData ) {
+   MatchOptionTarget const target{ sm,
+                                   *policyData.pmapSm(),
+                                   policyData.curClassData(),
+                                   policyData.aclKey(),
+                                   policyData.matchOption(),
+                                   nullptr };
+   OptionRuleAnswers const answers = OptionRuleAnswers::mustSucceed;
+   switch( policyData.matchOption() ) {
+      case Qos::matchOptionVlan:
+      case Qos::matchOptionCos:
+      case Qos::matchOptionVlanCos:
+         createL2ParamsRules( target, answers );
+         break;
+      case Qos::matchOptionDscpEcn:
+         createDscpEcnRules( target, answers );
+         break;
+      case Qos::matchOptionMplsTrafficClass:
+         createMplsTrafficClassRules( target, answers );
+         break;
+      case Qos::matchOptionMac:
+         createMacAclRules( target, answers );
+         break;
+      case Qos::matchOptionBuiltIn:
+         createBuiltInClassMatchRules( target, answers );
+         break;
+      default:
+         break;
+   }
 }
 
 // The walk over a list's rules calls back into the deferred variants with the request's data.
@@ -90,12 +131,67 @@ bool QosAclSm::updateClassData( Zub::Ptr< QosPolicyMapClassData > const& policyD
                                                ( matchData->priority() << 20 ) );
          break;
       }
+      case Qos::matchOptionVlan:
+      case Qos::matchOptionCos:
+      case Qos::matchOptionVlanCos:
+         createClassDataL2ParamsValue( policyData->curClassMatch(), classData );
+         break;
+      case Qos::matchOptionDscpEcn:
+         copyDscpEcnValue( classMatchOf( *policyData ), *classData );
+         break;
+      case Qos::matchOptionMplsTrafficClass:
+         copyMplsTrafficClassValue( classMatchOf( *policyData ), *classData );
+         break;
+      case Qos::matchOptionMac:
+         copyMacValue( classMatchOf( *policyData ), *classData );
+         if( pmapSm.ipv6AccessGroupCount() != 0 && !qosHelper()->isMacAclRuleSupportedPlatform() ) {
+            // Logged, and the list is compiled all the same.
+            Zub::log( QOS_MAC_ACL_RULE_IPV6_MISMATCH, pmapSm.pmapName(),
+                      classData->key().cmapName() );
+         }
+         break;
+      case Qos::matchOptionBuiltIn:
+         classData->builtInClassMatchValueIs( classMatchOf( *policyData ).builtInValue() );
+         break;
       default:
-         // The working copies of the other match kinds' values are refreshed here.
          break;
    }
    if( aclData->aclNumber() == -1 ) aclData->aclNumberIs( number );
    return false;
+}
+
+void QosAclSm::createClassDataL2ParamsValue( Zub::Ptr< Qos::ClassMapMatch const > const& cMatch,
+                                             Zub::Ptr< QosClassData > const& classData ) {
+   ZUB_ASSERT( cMatch );
+   auto const l2 = Zub::make< ClassMapMatchL2Params >( Zub::String( " " ) );
+   classData->l2ParamsValueIs( l2 );
+   if( auto const vlan = cMatch->vlanValue() ) {
+      auto const copy = Zub::make< Qos::ClassMapMatchVlan >( vlan->vlan(), vlan->vlanMask() );
+      copy->maskValidIs( vlan->maskValid() );
+      for( auto it = vlan->vlanColl().iter(); it; ++it )
+         copy->vlanCollIs( it.key(), it.value() );
+      l2->vlanValueIs( copy );
+   }
+   if( auto const cos = cMatch->cosValue() ) {
+      auto const copy = Zub::make< ClassMapMatchCos >( Zub::String( " " ) );
+      for( auto it = cos->cosColl().iter(); it; ++it )
+         copy->cosCollIs( it.key(), it.value() );
+      l2->cosValueIs( copy );
+   }
+}
+
+void QosAclSm::populateClassDataL2ParamsValue( Zub::Ptr< QosClassData > const& classData,
+                                               L2ParamsInfo const& l2ParamsInfo ) {
+   auto const l2 = classData->l2ParamsValue();
+   ZUB_ASSERT( l2 );
+   if( auto const vlan = l2->vlanValue() ) {
+      vlan->vlanIs( l2ParamsInfo.vlan() );
+      vlan->vlanMaskIs( l2ParamsInfo.vlanMask() );
+   }
+   if( auto const cos = l2->cosValue() ) {
+      cos->cosIs( l2ParamsInfo.cos() );
+      cos->cosMaskIs( l2ParamsInfo.cosMask() );
+   }
 }
 
 void QosAclSm::createAclRules( Zub::Ptr< QosPolicyMapClassData > const& policyData ) {
@@ -114,7 +210,7 @@ void QosAclSm::createAclRules( Zub::Ptr< QosPolicyMapClassData > const& policyDa
       case Qos::matchOptionIpv6Acl:
          break;
       default:
-         // The deferred compiles of the other match kinds plug in here.
+         createMatchOptionRules( *this, *policyData );
          return;
    }
    auto const rules = policyData->aclConfig()->currCfg();

@@ -16,7 +16,8 @@ namespace Acl {
 #define ACL_ACL_RULE_SET_ATTRS( X )                                              \
    X( keyed, RuleBySequence, ruleBySequence, std::uint32_t, Acl::UniqueId )      \
    X( keyed, IpRuleById, ipRuleById, Acl::UniqueId, Acl::IpRuleConfig )          \
-   X( keyed, Ip6RuleById, ip6RuleById, Acl::UniqueId, Acl::Ip6RuleConfig )
+   X( keyed, Ip6RuleById, ip6RuleById, Acl::UniqueId, Acl::Ip6RuleConfig )       \
+   X( keyed, MacRuleById, macRuleById, Acl::UniqueId, Acl::MacRuleConfig )
 // clang-format on
 
 // Keyed by the version of the list it belongs to.

@@ -47,6 +47,20 @@ std::ostream& operator<<( std::ostream& os, TcpFlag f ) {
    return os << Zub::format( "0x%x", f.value() );
 }
 
+void MacFilter::mplsLabelIs( std::int64_t v ) {
+   if( v < 0 || v > maxMplsLabel ) {
+      Zub::throwRangeException( "MacFilter::mplsLabel < 0 or > 0xFFFFF not allowed" );
+   }
+   mplsLabel_ = static_cast< std::uint32_t >( v );
+}
+
+void MacFilter::mplsInnerLabelIs( std::int64_t v ) {
+   if( v < 0 || v > maxMplsLabel ) {
+      Zub::throwRangeException( "MacFilter::mplsInnerLabel < 0 or > 0xFFFFF not allowed" );
+   }
+   mplsInnerLabel_ = static_cast< std::uint32_t >( v );
+}
+
 PortSpec::PortSpec( Oper oper, std::initializer_list< std::uint16_t > values ) : oper_( oper ) {
    if( values.size() > maxValues ) {
       Zub::throwRangeException( "PortSpec: more than ten values not allowed" );

@@ -1,6 +1,6 @@
-// Rules of IP access lists as the ACL agent publishes them. A rule is a plain value: the filter
-// (what a packet must look like) beside the action. The compiler takes a copy of a rule, narrows
-// it to what the chip supports, and hands it to the driver.
+// Rules of IP and MAC access lists as the ACL agent publishes them. A rule is a plain value: the
+// filter (what a packet must look like) beside the action. The compiler takes a copy of a rule,
+// narrows it to what the chip supports, and hands it to the driver.
 #pragma once
 
 #include <array>
@@ -169,7 +169,33 @@ class Ip6RuleConfig : public RuleConfig {
    bool operator==( Ip6RuleConfig const& ) const noexcept = default;
 };
 
-class MacRuleConfig;
+// The filter of a MAC access-list rule: the Ethernet type and, for MPLS packets, the outer and
+// inner labels, 20-bit numbers.
+class MacFilter {
+ public:
+   static constexpr std::uint32_t maxMplsLabel = 0xfffff;
+
+   std::uint16_t etherType = 0;
+
+   std::uint32_t mplsLabel() const noexcept { return mplsLabel_; }
+   // Throws Zub::RangeException for a label outside 0..0xFFFFF.
+   void mplsLabelIs( std::int64_t v );
+   std::uint32_t mplsInnerLabel() const noexcept { return mplsInnerLabel_; }
+   // Throws Zub::RangeException for a label outside 0..0xFFFFF.
+   void mplsInnerLabelIs( std::int64_t v );
+
+   bool operator==( MacFilter const& ) const noexcept = default;
+
+ private:
+   std::uint32_t mplsLabel_ = 0;
+   std::uint32_t mplsInnerLabel_ = 0;
+};
+
+class MacRuleConfig : public RuleConfig {
+ public:
+   MacFilter filter;
+   bool operator==( MacRuleConfig const& ) const noexcept = default;
+};
 
 // One line in the usual access-list form: "permit tcp 10.0.0.0/8 any eq 80".
 std::ostream& operator<<( std::ostream& os, IpRuleConfig const& r );

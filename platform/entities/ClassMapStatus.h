@@ -2,19 +2,35 @@
 // each class map its matches, one per match option.
 #pragma once
 
+#include "entities/ClassMapMatchValues.h"
 #include "entities/QosTypes.h"
 #include "zub/Entity.h"
 #include "zub/String.h"
 
 namespace Qos {
 
-// One match of a class map. The values of the VLAN, COS, DSCP/ECN, MPLS and built-in options
-// arrive with the match compiler; what stands here is enough to walk the matches and to find
-// the access lists they name.
+// One match of a class map: the ACL name of an access-group match, or the value of its kind;
+// a value that the match's kind does not use stays null.
 // clang-format off
-#define QOS_CLASS_MAP_MATCH_ATTRS( X )                                        \
-   /* The ACL name of an IPv4 (1), IPv6 (2) or MAC (6) access-group match. */ \
-   X( value, StrValue, strValue, Zub::String, Zub::String() )
+#define QOS_CLASS_MAP_MATCH_ATTRS( X )                                                 \
+   /* The ACL name of an IPv4 (1), IPv6 (2) or MAC (6) access-group match. */          \
+   X( value, StrValue, strValue, Zub::String, Zub::String() )                          \
+   /* VLAN (3) and VLAN and COS (9). */                                                \
+   X( value, VlanValue, vlanValue, Zub::Ptr< Qos::ClassMapMatchVlan const >,           \
+      Zub::Ptr< Qos::ClassMapMatchVlan const >() )                                     \
+   /* COS (8) and VLAN and COS (9). */                                                 \
+   X( value, CosValue, cosValue, Zub::Ptr< Qos::ClassMapMatchCos const >,              \
+      Zub::Ptr< Qos::ClassMapMatchCos const >() )                                      \
+   /* DSCP and ECN (4). */                                                             \
+   X( value, DscpEcnValue, dscpEcnValue, Zub::Ptr< Qos::ClassMapMatchDscpEcn const >,  \
+      Zub::Ptr< Qos::ClassMapMatchDscpEcn const >() )                                  \
+   /* MPLS traffic class (5). */                                                       \
+   X( value, MplsTrafficClassValue, mplsTrafficClassValue,                             \
+      Zub::Ptr< Qos::ClassMapMatchMplsTrafficClass const >,                            \
+      Zub::Ptr< Qos::ClassMapMatchMplsTrafficClass const >() )                         \
+   /* Built-in class (7). */                                                           \
+   X( value, BuiltInValue, builtInValue, Qos::ClassMapMatchBuiltIn,                    \
+      Qos::ClassMapMatchBuiltIn() )
 // clang-format on
 
 class ClassMapMatch : public Zub::Entity {

@@ -326,14 +326,17 @@ TEST_F( QosClassMatchAclSmTest, UnsupportedTcpFlagsAreDroppedAndVlanRulesSkipped
    EXPECT_EQ( hwStatus( "gold" )->prgmStatus(), Qos::hwPrgmStatusSuccess_ );
 }
 
-TEST_F( QosClassMatchAclSmTest, AnIpv6ListBesideAMacAccessGroupIsSkippedOnlyOnTheImmediateRoad ) {
+TEST_F( QosClassMatchAclSmTest, AMacListAndAnIpv6ListInOneMapAreSkippedOnlyOnTheImmediateRoad ) {
    for( bool deferred : { false, true } ) {
       SCOPED_TRACE( deferred ? "deferred" : "immediate" );
       TearDown();
       SetUp();
       helper->asyncTcamOperationsSupportedIs( deferred );
+      helper->boolAnswerIs( "isSupportedMacAclRule", true );
       start();
-      mainAclConfig->configIs( Acl::mac() )->aclIs( Zub::Name( "m" ) );
+      Acl::MacRuleConfig ipv4;
+      ipv4.filter.etherType = 0x800;
+      macAclIs( "m", { ipv4 } );
       ip6AclIs( "v6", { ip6Rule( 6, Acl::PortSpec::eqOf( 22 ) ) } );
       classMapIs( "cm", { { Qos::matchOptionMac, "m" } } );
       classMapIs( "c6", { { Qos::matchOptionIpv6Acl, "v6" } } );
@@ -342,9 +345,15 @@ TEST_F( QosClassMatchAclSmTest, AnIpv6ListBesideAMacAccessGroupIsSkippedOnlyOnTh
       helper->clearCalls();
       applyIs( "gold", { intf( "Ethernet1" ) } );
       if( deferred ) drain();
-      EXPECT_EQ( takeLogs(), Lines{ "QOS_MAC_ACL_RULE_IPV6_MISMATCH: Policy-map gold is configured "
-                                    "with both MAC ACL and IPV6 ACL rule. ACL rules will be "
-                                    "ignored for class-map c6." } );
+      EXPECT_EQ( takeLogs(),
+                 ( Lines{ "QOS_MAC_ACL_RULE_IPV6_MISMATCH: Policy-map gold is configured with both "
+                          "MAC ACL and IPV6 ACL rule. ACL rules will be ignored for class-map cm.",
+                          "QOS_MAC_ACL_RULE_IPV6_MISMATCH: Policy-map gold is configured with both "
+                          "MAC ACL and IPV6 ACL rule. ACL rules will be ignored for class-map "
+                          "c6." } ) );
+      // The immediate road programs neither list; the deferred one logs and programs both.
+      EXPECT_EQ( helper->callsMatching( "precreateAcl" ).size(), deferred ? 2u : 0u );
+      EXPECT_EQ( helper->callsMatching( "createMacAclRule" ).size(), deferred ? 1u : 0u );
       EXPECT_EQ( helper->callsMatching( "createIpAclSubrule" ).size(), deferred ? 1u : 0u );
       EXPECT_EQ( hwStatus( "gold" )->prgmStatus(), Qos::hwPrgmStatusSuccess_ );
    }

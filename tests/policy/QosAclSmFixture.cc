@@ -185,6 +185,85 @@ Zub::Ptr< Qos::ServicePolicyStatus > QosAclSmFixture::applyIs(
    return status;
 }
 
+namespace {
+
+// Hands each (low, high) to `add` as a range of the match's kind.
+template< class Range, class Add >
+void rangesIs( std::vector< std::pair< unsigned, unsigned > > const& ranges, Add const& add ) {
+   using T = typename Range::ValueType;
+   for( auto const& [ low, high ] : ranges )
+      add( Range( static_cast< T >( low ), static_cast< T >( high ) ) );
+}
+
+}  // namespace
+
+Zub::Ptr< Qos::ClassMapMatch > QosAclSmFixture::l2ClassMapIs( char const* name,
+                                                              Qos::ClassMapMatchOption option,
+                                                              Ranges const& vlans,
+                                                              Ranges const& coses ) {
+   auto match =
+         qosStatus->cmapTypeIs( Qos::mapQos_ )->cmapIs( Zub::Name( name ) )->matchIs( option );
+   if( option != Qos::matchOptionCos ) {
+      auto vlan = Zub::make< Qos::ClassMapMatchVlan >( 0, 0 );
+      rangesIs< Qos::VlanRange >( vlans, [ & ]( auto const& r ) { vlan->vlanCollIs( r, true ); } );
+      match->vlanValueIs( vlan );
+   }
+   if( option != Qos::matchOptionVlan ) {
+      auto cos = Zub::make< Qos::ClassMapMatchCos >( Zub::String( "cos" ) );
+      rangesIs< Qos::CosRange >( coses, [ & ]( auto const& r ) { cos->cosCollIs( r, true ); } );
+      match->cosValueIs( cos );
+   }
+   return match;
+}
+
+Zub::Ptr< Qos::ClassMapMatch > QosAclSmFixture::dscpEcnClassMapIs( char const* name, unsigned dscp,
+                                                                   Acl::Ecn ecn,
+                                                                   Ranges const& dscps ) {
+   auto match = qosStatus->cmapTypeIs( Qos::mapQos_ )
+                      ->cmapIs( Zub::Name( name ) )
+                      ->matchIs( Qos::matchOptionDscpEcn );
+   auto value = Zub::make< Qos::ClassMapMatchDscpEcn >( Qos::DscpVal( dscp ), ecn );
+   rangesIs< Qos::DscpRange >( dscps, [ & ]( auto const& r ) { value->dscpCollIs( r, true ); } );
+   match->dscpEcnValueIs( value );
+   return match;
+}
+
+Zub::Ptr< Qos::ClassMapMatch > QosAclSmFixture::mplsClassMapIs( char const* name,
+                                                                Ranges const& trafficClasses ) {
+   auto match = qosStatus->cmapTypeIs( Qos::mapQos_ )
+                      ->cmapIs( Zub::Name( name ) )
+                      ->matchIs( Qos::matchOptionMplsTrafficClass );
+   auto value = Zub::make< Qos::ClassMapMatchMplsTrafficClass >( Zub::String( "mpls" ) );
+   rangesIs< Qos::MplsTrafficClassRange >(
+         trafficClasses, [ & ]( auto const& r ) { value->mplsTrafficClassCollIs( r, true ); } );
+   match->mplsTrafficClassValueIs( value );
+   return match;
+}
+
+Zub::Ptr< Qos::ClassMapMatch > QosAclSmFixture::builtInClassMapIs( char const* name,
+                                                                   char const* builtInClass ) {
+   auto match = qosStatus->cmapTypeIs( Qos::mapQos_ )
+                      ->cmapIs( Zub::Name( name ) )
+                      ->matchIs( Qos::matchOptionBuiltIn );
+   match->builtInValueIs( Qos::ClassMapMatchBuiltIn( Zub::Name( builtInClass ) ) );
+   return match;
+}
+
+Zub::Ptr< Acl::AclConfig > QosAclSmFixture::macAclIs(
+      char const* name, std::vector< Acl::MacRuleConfig > const& rules ) {
+   auto acl = mainAclConfig->configIs( Acl::mac() )->aclIs( Zub::Name( name ) );
+   auto set = Zub::make< Acl::AclRuleSet >( acl->version() + 1 );
+   std::uint64_t id = 1;
+   for( Acl::MacRuleConfig const& rule : rules ) {
+      set->ruleBySequenceIs( static_cast< std::uint32_t >( 10 * id ), Acl::UniqueId( id ) );
+      set->macRuleByIdIs( Acl::UniqueId( id ), rule );
+      ++id;
+   }
+   acl->versionIs( acl->version() + 1 );
+   acl->currCfgIs( set );
+   return acl;
+}
+
 std::vector< std::string > QosAclSmFixture::takeLogs() {
    std::vector< std::string > out;
    out.swap( logs_ );

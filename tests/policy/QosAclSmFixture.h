@@ -69,6 +69,20 @@ class QosAclSmFixture : public ::testing::Test {
    Zub::Ptr< Qos::ServicePolicyStatus > applyIs( char const* pmapName,
                                                  std::vector< Qos::IntfPairKey > const& intfs,
                                                  Qos::MapType type = Qos::mapQos_ );
+   // Class maps with one match of a kind that needs no IP access list, over ranges of numbers
+   // (low, high); and MAC access lists.
+   using Ranges = std::vector< std::pair< unsigned, unsigned > >;
+   // A VLAN (3), COS (8) or VLAN-and-COS (9) match.
+   Zub::Ptr< Qos::ClassMapMatch > l2ClassMapIs( char const* name, Qos::ClassMapMatchOption option,
+                                                Ranges const& vlans, Ranges const& coses = {} );
+   // A DSCP and ECN match: one DSCP (64 for none) or DSCP ranges.
+   Zub::Ptr< Qos::ClassMapMatch > dscpEcnClassMapIs( char const* name, unsigned dscp, Acl::Ecn ecn,
+                                                     Ranges const& dscps = {} );
+   Zub::Ptr< Qos::ClassMapMatch > mplsClassMapIs( char const* name, Ranges const& trafficClasses );
+   Zub::Ptr< Qos::ClassMapMatch > builtInClassMapIs( char const* name, char const* builtInClass );
+   // A MAC access list with its rules in sequence order (10, 20, ...; ids 1, 2, ...).
+   Zub::Ptr< Acl::AclConfig > macAclIs( char const* name,
+                                        std::vector< Acl::MacRuleConfig > const& rules );
 
    // The log lines written since the last call; the test has seen them.
    std::vector< std::string > takeLogs();

@@ -1,0 +1,59 @@
+#include "entities/ClassMapMatchValues.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "entities/AclConfig.h"
+#include "zub/Exception.h"
+
+namespace {
+
+std::string rangeErrorText( std::function< void() > const& f ) {
+   try {
+      f();
+   } catch( Zub::RangeException const& e ) {
+      return e.what();
+   }
+   return "";
+}
+
+TEST( ClassMapMatchValuesTest, NumbersOfAMatchRefuseValuesAboveTheirSentinel ) {
+   EXPECT_EQ( Qos::MplsTrafficClassVal( 8 ).value(), 8 );
+   EXPECT_EQ( rangeErrorText( [] { Qos::MplsTrafficClassVal( 9 ); } ),
+              "MplsTrafficClassVal::value < MplsTrafficClassVal::min or > "
+              "MplsTrafficClassVal::invalid not allowed" );
+   EXPECT_FALSE( Qos::DscpVal( 64 ).isValid() ) << "64 is a match without a DSCP";
+   EXPECT_EQ( rangeErrorText( [] { Qos::DscpVal( 65 ); } ),
+              "DscpVal::value < DscpVal::min or > DscpVal::invalid not allowed" );
+}
+
+TEST( ClassMapMatchValuesTest, MplsLabelsOfAMacRuleAreTwentyBits ) {
+   Acl::MacRuleConfig rule;
+   rule.filter.mplsLabelIs( 0xfffff );
+   rule.filter.mplsInnerLabelIs( 0 );
+   EXPECT_EQ( rangeErrorText( [ & ] { rule.filter.mplsLabelIs( 0x100000 ); } ),
+              "MacFilter::mplsLabel < 0 or > 0xFFFFF not allowed" );
+   EXPECT_EQ( rangeErrorText( [ & ] { rule.filter.mplsInnerLabelIs( -1 ); } ),
+              "MacFilter::mplsInnerLabel < 0 or > 0xFFFFF not allowed" );
+   EXPECT_EQ( rule.filter.mplsLabel(), 0xfffffu ) << "a refused label leaves the old one";
+   // Rules are stored by id beside the IP rules of a list.
+   auto set = Zub::make< Acl::AclRuleSet >( 1u );
+   set->macRuleByIdIs( Acl::UniqueId( 7 ), rule );
+   EXPECT_EQ( set->macRuleById( Acl::UniqueId( 7 ) ), rule );
+}
+
+TEST( ClassMapMatchValuesTest, RangesAreWalkedByLowThenHigh ) {
+   Qos::ClassMapMatchVlan vlan( 0, 0 );
+   vlan.vlanCollIs( Qos::VlanRange( 100, 200 ), true );
+   vlan.vlanCollIs( Qos::VlanRange( 5, 9 ), true );
+   vlan.vlanCollIs( Qos::VlanRange( 5, 6 ), true );
+   std::vector< Qos::VlanRange > order;
+   for( auto it = vlan.vlanColl().iter(); it; ++it )
+      order.push_back( it.key() );
+   EXPECT_EQ( order, ( std::vector< Qos::VlanRange >{ { 5, 6 }, { 5, 9 }, { 100, 200 } } ) );
+}
+
+}  // namespace
