@@ -1,0 +1,95 @@
+// What a scenario says about the reference chip: its capabilities, the sizes of its finite
+// resources, its TCAM mode, and the faults to inject. Plain values, read once when the chip is
+// built; the chip never changes them.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "NevQos/types/AclCreateError.h"
+#include "zub/Entity.h"
+
+namespace Sim {
+
+// How the chip answers TCAM operations.
+enum class TcamMode {
+   // Every operation completes inside the call.
+   synchronous,
+   // Each operation completes `asyncDelay` seconds later through the asynchronous result.
+   asynchronous,
+};
+
+// A fault the scenario switches on.
+struct FaultSpec {
+   enum class Kind {
+      // TCAM full once `atEntries` entries are installed in the slice of `family` (or any).
+      outOfTcam,
+      // The range-checker pool is empty from the start.
+      outOfRangeCheckers,
+      // No policer can be allocated.
+      policerExhaustion,
+      // The `nth` call (1 = first, 0 = every call) of operation `op` answers `error`.
+      operationError,
+      // The `nth` asynchronous operation (1 = first) never completes.
+      asyncPending,
+   };
+   Kind kind = Kind::operationError;
+   std::string family;  // "ipv4", "ipv6", "mac", "l2"; empty for any
+   std::uint32_t atEntries = 0;
+   std::string op;
+   std::uint32_t nth = 0;
+   Nev::AclCreateError error = Nev::aclCreateErrorOutOfTcam;
+   // The step time from which the fault holds, and to which it holds (inclusive); unset means
+   // from the start and to the end.
+   std::optional< Zub::Seconds > from;
+   std::optional< Zub::Seconds > until;
+};
+
+struct ChipSpec {
+   TcamMode tcamMode = TcamMode::synchronous;
+   Zub::Seconds asyncDelay = 0.0;
+
+   // Entries per TCAM slice; the chip has one slice per ACL family: "ipv4", "ipv6", "mac" and
+   // "l2" (VLAN, COS, DSCP/ECN, MPLS and built-in matches).
+   std::uint32_t tcamSliceEntries = 4096;
+   // L4 port range checkers shared by all slices.
+   std::uint32_t rangeCheckers = 16;
+   std::uint32_t policers = 1024;
+   std::uint32_t counters = 1024;
+   std::uint32_t cpuQueues = 32;
+
+   // Capabilities the chip publishes to the engine.
+   bool policyQosSupported = true;
+   bool pdpSupported = false;
+   bool coppSupported = false;
+   bool coppDynamicClassSupported = false;
+   bool intfCoppSupported = false;
+   bool perClassPolicerSupported = false;
+   bool sharedQosAclTypesCounterSupported = false;
+   bool vlanClassMatchSupported = true;
+   bool cosClassMatchSupported = true;
+   bool dscpEcnClassMatchSupported = true;
+   bool multipleActionsSupported = true;
+   bool errorOnPolicerExhaustion = false;
+   bool macAclRuleSupportedPlatform = false;
+   bool qosEcnSupport = true;
+   bool establishedSupported = false;
+   std::uint16_t supportedTcpFlags = 0x3f;
+   std::uint16_t policyClassMaxPrio = 0xffff;
+
+   // Police limits: byte mode in kbps and bytes, packet mode in pps and packets.
+   std::uint32_t policeByteModeMinRateKbps = 8;
+   std::uint32_t policeByteModeMaxRateKbps = 400000000;
+   std::uint32_t policeByteModeMinBurstBytes = 1000;
+   std::uint32_t policeByteModeMaxBurstBytes = 128000000;
+   std::uint32_t policePacketModeMinRatePps = 1;
+   std::uint32_t policePacketModeMaxRatePps = 100000000;
+   std::uint32_t policePacketModeMinBurstPackets = 1;
+   std::uint32_t policePacketModeMaxBurstPackets = 1000000;
+
+   std::vector< FaultSpec > faults;
+};
+
+}  // namespace Sim
