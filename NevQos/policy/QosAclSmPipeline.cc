@@ -43,7 +43,12 @@ void QosAclSm::processTcamRequestQueue() {
    Zub::Seconds const deadline = now() + policyQueueReviewPeriod;
    while( !pendingPolicyUpdate_.empty() && now() < deadline ) {
       processPolicyUpdate();
-      if( asyncState() == asyncInProgress ) return;  // the result re-arms the clock
+      if( asyncState() == asyncInProgress ) {
+         // The result re-arms the clock; a request served earlier in this pass (a config
+         // version) may have armed it, and it must not fire while the operation is in flight.
+         tcamRequestClock()->timeMinIs( Zub::never );
+         return;
+      }
    }
    // The pass budget ran out: let other reactors run before the drain goes on.
    if( !pendingPolicyUpdate_.empty() && asyncState() != asyncInProgress ) {

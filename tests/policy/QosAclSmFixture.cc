@@ -45,10 +45,11 @@ void QosAclSmFixture::TearDown() {
 }
 
 void QosAclSmFixture::start() {
-   sm = Nev::QosAclSmIs( ncsd, cliCounterConfig, counterConfigDir, qosStatus, qosHwStatus,
-                         qosSliceHwStatusDir, qosAclHwStatus, qosAclSliceHwStatus, subIntfStatusDir,
-                         pdpHwCfg, hwEpochStatus, mainAclConfig, helper, clock, nullptr, nullptr,
-                         nullptr );
+   sm = Nev::QosAclSmIs(
+         ncsd, cliCounterConfig, counterConfigDir, qosStatus, qosHwStatus, qosSliceHwStatusDir,
+         qosAclHwStatus, qosAclSliceHwStatus, subIntfStatusDir, pdpHwCfg, hwEpochStatus,
+         mainAclConfig, engineHelper ? engineHelper : Zub::Ptr< NevHelper::QosAclHelper >( helper ),
+         clock, nullptr, nullptr, nullptr );
    loop->runOnce();
    ASSERT_TRUE( sm->initialized() );
 }

@@ -103,6 +103,8 @@ class QosAclSmFixture : public ::testing::Test {
    Zub::Ptr< HwEpoch::Status > hwEpochStatus;
    Zub::Ptr< Acl::Config > mainAclConfig;
    Zub::Ptr< RecordingQosAclHelper > helper;
+   // The helper the engine gets, when not the recorder (a test of another chip sets it).
+   Zub::Ptr< NevHelper::QosAclHelper > engineHelper;
    Zub::Ptr< Kesh::TimerWheel > clock;
    Zub::Ptr< Nev::QosAclSm > sm;
 

@@ -1,1 +1,0 @@
-#include "sim/chip/ChipSpec.h"

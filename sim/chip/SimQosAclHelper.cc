@@ -1,0 +1,536 @@
+#include "sim/chip/SimQosAclHelper.h"
+
+#include <sstream>
+
+#include "NevQos/classes/QosClassData.h"
+#include "NevQos/log/QosLogHandles.h"
+#include "zub/Log.h"
+
+namespace Sim {
+
+namespace {
+
+template< class T >
+std::string text( T const& v ) {
+   std::ostringstream os;
+   os << v;
+   return os.str();
+}
+
+std::string hex( unsigned v ) {
+   std::ostringstream os;
+   os << "0x" << std::hex << v;
+   return os.str();
+}
+
+std::string aclIdOf( Nev::QosClassData const& classData, Nev::AclKey const& aclKey ) {
+   return text( classData.key() ) + " " + text( aclKey );
+}
+
+std::string sliceOf( Nev::AclKey const& aclKey ) {
+   if( aclKey.aclType() == Acl::ipv6() ) return "ipv6";
+   if( aclKey.aclType() == Acl::mac() ) return "mac";
+   return "ipv4";
+}
+
+// A port or length field: value/mask, or a range that takes a checker.
+std::string fieldText( std::uint16_t value, std::uint16_t mask, std::uint16_t low,
+                       std::uint16_t high ) {
+   if( mask != 0 || ( low == 0 && high == 0xffff ) ) return text( value ) + "/" + hex( mask );
+   return "range " + text( low ) + "-" + text( high );
+}
+
+bool needsChecker( std::uint16_t mask, std::uint16_t low, std::uint16_t high ) {
+   return mask == 0 && !( low == 0 && high == 0xffff ) && !( low == 0 && high == 0 );
+}
+
+// The compiler's retry code for the dimensions the pool could not serve.
+Nev::AclCreateError expandCode( std::vector< RangeNeed > const& missing ) {
+   bool src = false, dst = false, len = false;
+   for( RangeNeed const& n : missing ) {
+      src |= n.dimension == "src";
+      dst |= n.dimension == "dst";
+      len |= n.dimension == "len";
+   }
+   if( len ) {
+      if( src && dst ) return Nev::aclCreateErrorExpandAll;
+      if( src ) return Nev::aclCreateErrorExpandSrcIpLen;
+      if( dst ) return Nev::aclCreateErrorExpandDstIpLen;
+      return Nev::aclCreateErrorExpandIpLen;
+   }
+   if( src && dst ) return Nev::aclCreateErrorTooManyL4PortRanges;
+   return src ? Nev::aclCreateErrorExpandSrc : Nev::aclCreateErrorExpandDst;
+}
+
+}  // namespace
+
+// Completes the asynchronous operations when their time comes.
+class SimQosAclHelper::Completer : public Kesh::TimerWheel::NotifieeConst {
+ public:
+   explicit Completer( SimQosAclHelper* chip ) : chip_( chip ) {}
+   void onTime() override {
+      Zub::Seconds const now = notifier()->now();
+      auto& pending = chip_->pending_;
+      if( pending.empty() ) return;
+      auto const [ due, message ] = pending.front();
+      if( due > now ) {
+         timeMinIs( due );
+         return;
+      }
+      pending.erase( pending.begin() );
+      if( !pending.empty() ) timeMinIs( pending.front().first );
+      chip_->asyncOperationResultIs( Nev::AsyncOperationResult( Zub::String( message ), now ) );
+   }
+
+ private:
+   SimQosAclHelper* chip_;
+};
+
+SimQosAclHelper::SimQosAclHelper( ChipSpec spec, Zub::Ptr< Qos::Status const > qosStatus,
+                                  Zub::Ptr< Qos::AclSliceHwStatus > qosAclSliceHwStatus,
+                                  Zub::Ptr< Acl::Config const > mainAclConfig,
+                                  Zub::Ptr< Kesh::TimerWheel > clock )
+    : QosAclHelper( std::move( qosStatus ), std::move( qosAclSliceHwStatus ),
+                    std::move( mainAclConfig ) )
+    , spec_( std::move( spec ) )
+    , tcam_( spec_.tcamSliceEntries, spec_.rangeCheckers )
+    , clock_( std::move( clock ) ) {
+   asyncTcamOperationsSupportedIs( async() );
+   qosEcnSupportIs( spec_.qosEcnSupport );
+   establishedSupportedIs( spec_.establishedSupported );
+   supportedTcpFlagsIs( NevHelper::TcpFlag( spec_.supportedTcpFlags ) );
+   tcam_.rangeCheckersExhaustedIs( faultOn( FaultSpec::Kind::outOfRangeCheckers ) );
+   completer_ = Zub::make< Completer >( this );
+   completer_->notifierIs( clock_ );
+}
+
+SimQosAclHelper::~SimQosAclHelper() = default;
+
+std::string SimQosAclHelper::classKeyOf( Nev::QosClassData const& classData ) {
+   return text( classData.key() );
+}
+
+ChipCall& SimQosAclHelper::record( char const* op, Nev::QosClassData const* classData,
+                                   Nev::AclKey const* aclKey ) {
+   ChipCall call;
+   call.t = clock_->now();
+   call.op = op;
+   if( classData ) call.args.emplace_back( "classData", classKeyOf( *classData ) );
+   if( aclKey ) call.args.emplace_back( "aclKey", text( *aclKey ) );
+   calls_.push_back( std::move( call ) );
+   return calls_.back();
+}
+
+bool SimQosAclHelper::faultOn( FaultSpec::Kind kind ) const {
+   Zub::Seconds const now = clock_ ? clock_->now() : 0.0;
+   for( FaultSpec const& f : spec_.faults ) {
+      if( f.kind != kind ) continue;
+      if( f.from && now < *f.from ) continue;
+      if( f.until && now > *f.until ) continue;
+      return true;
+   }
+   return false;
+}
+
+std::optional< Nev::AclCreateError > SimQosAclHelper::faultFor( std::string const& op ) {
+   std::uint32_t const n = ++opCalls_[ op ];
+   Zub::Seconds const now = clock_->now();
+   for( FaultSpec const& f : spec_.faults ) {
+      if( f.kind != FaultSpec::Kind::operationError || f.op != op ) continue;
+      if( f.from && now < *f.from ) continue;
+      if( f.until && now > *f.until ) continue;
+      if( f.nth == 0 || f.nth == n ) return f.error;
+   }
+   return std::nullopt;
+}
+
+Nev::AclCreateError SimQosAclHelper::answer( Nev::AclCreateError error,
+                                             Nev::QosClassData const& classData ) {
+   if( !async() || error == Nev::aclCreateErrorNone ) return error;
+   // The deferred compiler takes no refusal: the operation's result carries it, and the policy
+   // map's shared state says it failed.
+   if( asyncError_ == Nev::aclCreateErrorNone ) {
+      asyncError_ = error;
+      asyncFailedPmap_ = classData.key().pmapKey();
+   }
+   return Nev::aclCreateErrorNone;
+}
+
+Nev::AclCreateError SimQosAclHelper::install( std::string const& aclId, TcamEntry entry ) {
+   std::optional< std::uint32_t > limit;
+   for( FaultSpec const& f : spec_.faults ) {
+      if( f.kind != FaultSpec::Kind::outOfTcam || !faultOn( FaultSpec::Kind::outOfTcam ) ) continue;
+      auto const acl = tcam_.acls().find( aclId );
+      if( acl != tcam_.acls().end() && ( f.family.empty() || f.family == acl->second.slice ) ) {
+         limit = f.atEntries;
+      }
+   }
+   if( !tcam_.add( aclId, std::move( entry ), limit ) ) return Nev::aclCreateErrorOutOfTcam;
+   return Nev::aclCreateErrorNone;
+}
+
+void SimQosAclHelper::startOperation() {
+   ++asyncOperations_;
+   bool hang = false;
+   for( FaultSpec const& f : spec_.faults ) {
+      if( f.kind == FaultSpec::Kind::asyncPending && f.nth == asyncOperations_ ) hang = true;
+   }
+   std::string const message = asyncError_ == Nev::aclCreateErrorNone
+                                     ? ""
+                                     : Nev::aclCreateErrorText( asyncError_ ).stdString();
+   if( asyncError_ != Nev::aclCreateErrorNone && asyncFailedPmap_ ) {
+      if( auto const state = pmapState( *asyncFailedPmap_ ) ) state->dirtyIs( true );
+   }
+   asyncError_ = Nev::aclCreateErrorNone;
+   asyncFailedPmap_.reset();
+   if( hang ) return;  // never completes: the engine's clock runs out
+   // Always at least one turn later: the engine marks the operation in flight after the call.
+   Zub::Seconds const due = clock_->now() + spec_.asyncDelay;
+   pending_.emplace_back( due, message );
+   if( pending_.size() == 1 ) completer_->timeMinIs( due );
+}
+
+void SimQosAclHelper::trafficIs( std::string const& classKey,
+                                 Nev::QosClassCounterData const& delta ) {
+   traffic_[ classKey ] += delta;
+}
+
+// ---- ACLs and their rules
+
+Nev::AclCreateError SimQosAclHelper::precreateAcl( Nev::QosPolicyMapState const&,
+                                                   Nev::QosClassData const& classData,
+                                                   Qos::ClassMapMatchOption matchOption,
+                                                   Nev::AclKey const& aclKey ) {
+   record( "precreateAcl", &classData, &aclKey )
+         .args.emplace_back( "matchOption", text( matchOption ) );
+   if( auto const fault = faultFor( "precreateAcl" ) ) return answer( *fault, classData );
+   tcam_.open( aclIdOf( classData, aclKey ), sliceOf( aclKey ) );
+   return Nev::aclCreateErrorNone;
+}
+
+Nev::AclCreateError SimQosAclHelper::createIpAclSubrule(
+      Acl::AclType aclType, Acl::RuleConfig const& rule, Acl::UniqueId const&,
+      Nev::QosPolicyMapState const&, Nev::QosClassData const& classData, Nev::AclKey const& aclKey,
+      std::uint32_t ruleNum, std::uint32_t subruleNum, std::uint16_t srcL4Port,
+      std::uint16_t srcL4PortMask, std::uint16_t dstL4Port, std::uint16_t dstL4PortMask,
+      std::uint16_t srcPortLow, std::uint16_t srcPortHigh, std::uint16_t dstPortLow,
+      std::uint16_t dstPortHigh, std::uint16_t ipLen, std::uint16_t ipLenMask,
+      std::uint16_t ipLenLow, std::uint16_t ipLenHigh, std::uint8_t tcpFlags, bool l4Rule,
+      std::uint8_t ecnData, std::uint8_t ecnMask ) {
+   ChipCall& call = record( "createIpAclSubrule", &classData, &aclKey );
+   call.args.emplace_back( "ruleNum", text( ruleNum ) );
+   call.args.emplace_back( "subruleNum", text( subruleNum ) );
+   if( auto const fault = faultFor( "createIpAclSubrule" ) ) return answer( *fault, classData );
+   std::string const id = aclIdOf( classData, aclKey );
+   if( !tcam_.has( id ) ) tcam_.open( id, sliceOf( aclKey ) );
+   std::vector< RangeNeed > needs;
+   if( needsChecker( srcL4PortMask, srcPortLow, srcPortHigh ) ) {
+      needs.push_back( RangeNeed{ "src", srcPortLow, srcPortHigh } );
+   }
+   if( needsChecker( dstL4PortMask, dstPortLow, dstPortHigh ) ) {
+      needs.push_back( RangeNeed{ "dst", dstPortLow, dstPortHigh } );
+   }
+   if( needsChecker( ipLenMask, ipLenLow, ipLenHigh ) ) {
+      needs.push_back( RangeNeed{ "len", ipLenLow, ipLenHigh } );
+   }
+   if( !needs.empty() ) {
+      auto const missing = tcam_.acquire( id, needs );
+      if( !missing.empty() ) return answer( expandCode( missing ), classData );
+   }
+   TcamEntry entry{ "ip", ruleNum, subruleNum, {} };
+   entry.fields.emplace_back( "action", text( rule.action ) );
+   if( aclType == Acl::ipv6() ) {
+      auto const& filter = static_cast< Acl::Ip6RuleConfig const& >( rule ).filter;
+      entry.fields.emplace_back( "proto", text( unsigned( filter.proto ) ) );
+      entry.fields.emplace_back( "src", text( filter.source ) );
+      entry.fields.emplace_back( "dst", text( filter.destination ) );
+   } else {
+      auto const& filter = static_cast< Acl::IpRuleConfig const& >( rule ).filter;
+      entry.fields.emplace_back( "proto", text( unsigned( filter.proto ) ) );
+      entry.fields.emplace_back( "src", text( filter.source ) );
+      entry.fields.emplace_back( "dst", text( filter.destination ) );
+   }
+   entry.fields.emplace_back( "srcPort",
+                              fieldText( srcL4Port, srcL4PortMask, srcPortLow, srcPortHigh ) );
+   entry.fields.emplace_back( "dstPort",
+                              fieldText( dstL4Port, dstL4PortMask, dstPortLow, dstPortHigh ) );
+   entry.fields.emplace_back( "ipLen", fieldText( ipLen, ipLenMask, ipLenLow, ipLenHigh ) );
+   entry.fields.emplace_back( "tcpFlags", hex( tcpFlags ) );
+   entry.fields.emplace_back( "ecn", text( unsigned( ecnData ) ) + "/" + hex( ecnMask ) );
+   entry.fields.emplace_back( "l4", l4Rule ? "true" : "false" );
+   return answer( install( id, std::move( entry ) ), classData );
+}
+
+Nev::AclCreateError SimQosAclHelper::createIpFragRule(
+      Nev::QosPolicyMapState const&, Nev::QosClassData const& classData, Nev::AclKey const& aclKey,
+      Acl::IpRuleConfig const& rule, Acl::UniqueId const&, std::uint32_t ruleNum,
+      std::uint32_t subRuleNum, std::uint8_t ecnData, std::uint8_t ecnMask ) {
+   record( "createIpFragRule", &classData, &aclKey );
+   if( auto const fault = faultFor( "createIpFragRule" ) ) return answer( *fault, classData );
+   TcamEntry entry{ "ipFrag", ruleNum, subRuleNum, {} };
+   entry.fields.emplace_back( "action", text( rule.action ) );
+   entry.fields.emplace_back( "proto", text( unsigned( rule.filter.proto ) ) );
+   entry.fields.emplace_back( "src", text( rule.filter.source ) );
+   entry.fields.emplace_back( "dst", text( rule.filter.destination ) );
+   entry.fields.emplace_back( "fragments", "non-first" );
+   entry.fields.emplace_back( "ecn", text( unsigned( ecnData ) ) + "/" + hex( ecnMask ) );
+   return answer( install( aclIdOf( classData, aclKey ), std::move( entry ) ), classData );
+}
+
+Nev::AclCreateError SimQosAclHelper::createDefaultRule( Nev::QosPolicyMapState const&,
+                                                        Nev::QosClassData const& classData,
+                                                        Qos::ClassMapMatchOption,
+                                                        Nev::AclKey const& aclKey ) {
+   record( "createDefaultRule", &classData, &aclKey );
+   if( auto const fault = faultFor( "createDefaultRule" ) ) return answer( *fault, classData );
+   TcamEntry entry{ "default", 0, 0, { { "match", "any" } } };
+   return answer( install( aclIdOf( classData, aclKey ), std::move( entry ) ), classData );
+}
+
+Nev::AclCreateError SimQosAclHelper::createL2ParamsRule( Nev::QosPolicyMapState const&,
+                                                         Nev::QosClassData const& classData,
+                                                         Qos::ClassMapMatchOption,
+                                                         Nev::AclKey const& aclKey,
+                                                         std::uint32_t ruleNum ) {
+   record( "createL2ParamsRule", &classData, &aclKey )
+         .args.emplace_back( "ruleNum", text( ruleNum ) );
+   if( auto const fault = faultFor( "createL2ParamsRule" ) ) return answer( *fault, classData );
+   TcamEntry entry{ "l2", ruleNum, 0, {} };
+   if( auto const l2 = classData.l2ParamsValue() ) {
+      if( auto const vlan = l2->vlanValue() ) {
+         entry.fields.emplace_back( "vlan", text( vlan->vlan() ) + "/" + hex( vlan->vlanMask() ) );
+      }
+      if( auto const cos = l2->cosValue() ) {
+         entry.fields.emplace_back( "cos",
+                                    text( unsigned( cos->cos() ) ) + "/" + hex( cos->cosMask() ) );
+      }
+   }
+   return answer( install( aclIdOf( classData, aclKey ), std::move( entry ) ), classData );
+}
+
+Nev::AclCreateError SimQosAclHelper::createMplsTrafficClassRule( Nev::QosPolicyMapState const&,
+                                                                 Nev::QosClassData const& classData,
+                                                                 Qos::ClassMapMatchOption,
+                                                                 Nev::AclKey const& aclKey,
+                                                                 std::uint32_t ruleNum ) {
+   record( "createMplsTrafficClassRule", &classData, &aclKey )
+         .args.emplace_back( "ruleNum", text( ruleNum ) );
+   if( auto const fault = faultFor( "createMplsTrafficClassRule" ) )
+      return answer( *fault, classData );
+   TcamEntry entry{ "mpls", ruleNum, 0, {} };
+   if( auto const tuple = classData.mplsTrafficClassTuple() ) {
+      entry.fields.emplace_back( "trafficClass", text( tuple->mplsTrafficClassVal() ) + "/" +
+                                                       text( tuple->mplsTrafficClassMask() ) );
+   }
+   return answer( install( aclIdOf( classData, aclKey ), std::move( entry ) ), classData );
+}
+
+Nev::AclCreateError SimQosAclHelper::createDscpEcnRule( Nev::QosPolicyMapState const&,
+                                                        Nev::QosClassData const& classData,
+                                                        Qos::ClassMapMatchOption,
+                                                        Nev::AclKey const& aclKey,
+                                                        std::uint32_t ruleNum ) {
+   record( "createDscpEcnRule", &classData, &aclKey )
+         .args.emplace_back( "ruleNum", text( ruleNum ) );
+   if( auto const fault = faultFor( "createDscpEcnRule" ) ) return answer( *fault, classData );
+   TcamEntry entry{ "dscpEcn", ruleNum, 0, {} };
+   if( auto const value = classData.dscpEcnValue() ) {
+      entry.fields.emplace_back(
+            "tos", text( unsigned( value->tosId() ) ) + "/" + hex( value->tosMask() ) );
+   }
+   return answer( install( aclIdOf( classData, aclKey ), std::move( entry ) ), classData );
+}
+
+bool SimQosAclHelper::isSupportedMacAclRule( Acl::MacRuleConfig const& ) {
+   return true;
+}
+
+bool SimQosAclHelper::isMacAclRuleSupportedPlatform() {
+   return spec_.macAclRuleSupportedPlatform;
+}
+
+Nev::AclCreateError SimQosAclHelper::createMacAclRule( Nev::QosPolicyMapState const&,
+                                                       Nev::QosClassData const& classData,
+                                                       Qos::ClassMapMatchOption,
+                                                       Nev::AclKey const& aclKey,
+                                                       std::uint32_t ruleNum ) {
+   record( "createMacAclRule", &classData, &aclKey )
+         .args.emplace_back( "ruleNum", text( ruleNum ) );
+   if( auto const fault = faultFor( "createMacAclRule" ) ) return answer( *fault, classData );
+   TcamEntry entry{ "mac", ruleNum, 0, {} };
+   if( auto const mac = classData.macValue() ) {
+      entry.fields.emplace_back( "etherType", hex( mac->etherType() ) );
+   }
+   return answer( install( aclIdOf( classData, aclKey ), std::move( entry ) ), classData );
+}
+
+Nev::AclCreateError SimQosAclHelper::createBuiltInClassMatchRule(
+      Nev::QosPolicyMapState const&, Nev::QosClassData const& classData, Qos::ClassMapMatchOption,
+      std::uint32_t ruleNum ) {
+   record( "createBuiltInClassMatchRule", &classData, nullptr );
+   if( auto const fault = faultFor( "createBuiltInClassMatchRule" ) )
+      return answer( *fault, classData );
+   // The built-in classes live in the IPv4 slice, under an ACL of their own per class.
+   std::string const id = classKeyOf( classData ) + " built-in";
+   if( !tcam_.has( id ) ) tcam_.open( id, "ipv4" );
+   TcamEntry entry{ "builtIn",
+                    ruleNum,
+                    0,
+                    { { "class", text( classData.builtInClassMatchValue().builtInClass() ) } } };
+   return answer( install( id, std::move( entry ) ), classData );
+}
+
+void SimQosAclHelper::updatePortForAcl( Nev::QosPolicyMapState const&,
+                                        Nev::QosClassData const& classData,
+                                        Qos::ClassMapMatchOption, Nev::AclKey const& aclKey,
+                                        Qos::IntfPairKey const& intfPair, bool add ) {
+   ChipCall& call = record( "updatePortForAcl", &classData, &aclKey );
+   call.args.emplace_back( "intfPair", text( intfPair ) );
+   call.args.emplace_back( "add", add ? "true" : "false" );
+   auto& ports = aclPorts_[ aclIdOf( classData, aclKey ) ];
+   if( add ) {
+      ports.insert( text( intfPair ) );
+   } else {
+      ports.erase( text( intfPair ) );
+   }
+   if( async() ) startOperation();
+}
+
+void SimQosAclHelper::destroyAcl( Nev::QosPolicyMapState const&, Nev::QosClassData const& classData,
+                                  Qos::ClassMapMatchOption, Nev::AclKey const& aclKey ) {
+   record( "destroyAcl", &classData, &aclKey );
+   tcam_.destroy( aclIdOf( classData, aclKey ) );
+   aclPorts_.erase( aclIdOf( classData, aclKey ) );
+   if( async() ) startOperation();
+}
+
+void SimQosAclHelper::cleanupAcl( Nev::QosPolicyMapState const&, Nev::QosClassData const& classData,
+                                  Qos::ClassMapMatchOption, Nev::AclKey const& aclKey ) {
+   record( "cleanupAcl", &classData, &aclKey );
+   tcam_.destroy( aclIdOf( classData, aclKey ) );
+   tcam_.destroy( classKeyOf( classData ) + " built-in" );
+}
+
+Nev::AclCreateError SimQosAclHelper::commitAcl( Nev::QosClassData const& classData,
+                                                Qos::ClassMapMatchOption,
+                                                Nev::AclKey const& aclKey ) {
+   record( "commitAcl", &classData, &aclKey );
+   Nev::AclCreateError error = faultFor( "commitAcl" ).value_or( Nev::aclCreateErrorNone );
+   if( error == Nev::aclCreateErrorNone ) tcam_.commit( aclIdOf( classData, aclKey ) );
+   error = answer( error, classData );
+   if( async() ) startOperation();
+   return error;
+}
+
+void SimQosAclHelper::handlePendingOperationTimeout() {
+   record( "handlePendingOperationTimeout", nullptr, nullptr );
+}
+
+// ---- Policers, counters, CPU queues
+
+int SimQosAclHelper::coppAllocateCpuQ( Nev::QosClassData const& classData ) {
+   record( "coppAllocateCpuQ", &classData, nullptr );
+   std::string const key = classKeyOf( classData );
+   if( auto it = cpuQueues_.find( key ); it != cpuQueues_.end() ) return it->second;
+   std::set< int > used;
+   for( auto const& [ k, q ] : cpuQueues_ )
+      used.insert( q );
+   for( int q = 0; q < static_cast< int >( spec_.cpuQueues ); ++q ) {
+      if( used.contains( q ) ) continue;
+      cpuQueues_[ key ] = q;
+      return q;
+   }
+   return -1;
+}
+
+void SimQosAclHelper::coppDeallocateCpuQ( Nev::QosClassData const& classData ) {
+   record( "coppDeallocateCpuQ", &classData, nullptr );
+   cpuQueues_.erase( classKeyOf( classData ) );
+}
+
+bool SimQosAclHelper::createAndAttachPolicer( Nev::QosClassData const& classData ) {
+   ChipCall& call = record( "createAndAttachPolicer", &classData, nullptr );
+   if( auto const p = classData.policerData() ) {
+      call.args.emplace_back( "cir", text( p->cir() ) + text( p->cirUnit() ) );
+      call.args.emplace_back( "bc", text( p->bc() ) + text( p->bcUnit() ) );
+   }
+   if( faultOn( FaultSpec::Kind::policerExhaustion ) ) return false;
+   if( policers_.size() >= spec_.policers ) return false;
+   policers_.insert( classKeyOf( classData ) );
+   return true;
+}
+
+void SimQosAclHelper::destroyPolicer( Nev::QosClassData const& classData ) {
+   record( "destroyPolicer", &classData, nullptr );
+   policers_.erase( classKeyOf( classData ) );
+}
+
+void SimQosAclHelper::createAndAttachCounter( Nev::QosClassData const& classData ) {
+   record( "createAndAttachCounter", &classData, nullptr );
+   if( counters_.size() >= spec_.counters ) {
+      // The driver reports a counter it cannot make; the engine has no failure path for it.
+      Zub::log( Nev::QOS_POLICY_COUNTER_HW_RESOURCE_FULL, classData.key().cmapName(),
+                classData.key().pmapName(), Zub::String( "interface" ),
+                classData.key().policerName() );
+      return;
+   }
+   counters_.insert( classKeyOf( classData ) );
+}
+
+void SimQosAclHelper::destroyCounter( Nev::QosClassData const& classData ) {
+   record( "destroyCounter", &classData, nullptr );
+   counters_.erase( classKeyOf( classData ) );
+}
+
+Nev::QosClassCounterData SimQosAclHelper::counterUpdateRequest( Nev::QosClassData const& classData,
+                                                                Nev::AclKey const& aclKey ) {
+   record( "counterUpdateRequest", &classData, &aclKey );
+   std::string const key = classKeyOf( classData );
+   auto const traffic = traffic_.find( key );
+   if( traffic == traffic_.end() ) return {};
+   // A class's traffic is counted once, on its first installed ACL.
+   for( auto const& [ id, acl ] : tcam_.acls() ) {
+      if( !acl.committed || id.rfind( key + " ", 0 ) != 0 ) continue;
+      return id == aclIdOf( classData, aclKey ) ? traffic->second : Nev::QosClassCounterData();
+   }
+   return {};
+}
+
+// ---- Control plane and start-up
+
+bool SimQosAclHelper::checkUserCoppEntryExists( Nev::ModIdPortQueueKey const& key ) {
+   record( "checkUserCoppEntryExists", nullptr, nullptr ).args.emplace_back( "key", text( key ) );
+   return false;
+}
+
+void SimQosAclHelper::createDefaultCoppRates() {
+   record( "createDefaultCoppRates", nullptr, nullptr );
+}
+
+void SimQosAclHelper::destroyCoppPolicer( Nev::QosClassData const& classData ) {
+   record( "destroyCoppPolicer", &classData, nullptr );
+   policers_.erase( classKeyOf( classData ) );
+}
+
+void SimQosAclHelper::hwInit() {
+   record( "hwInit", nullptr, nullptr );
+}
+
+void SimQosAclHelper::verifyPolicer( Nev::QosClassData const& classData ) {
+   record( "verifyPolicer", &classData, nullptr );
+}
+
+Zub::String SimQosAclHelper::cpuQIdToClassMapName( std::uint32_t cpuQId ) {
+   for( auto const& [ key, q ] : cpuQueues_ ) {
+      if( q == static_cast< int >( cpuQId ) ) return Zub::String( key );
+   }
+   return Zub::String( "cpu-queue-" + text( cpuQId ) );
+}
+
+Zub::String SimQosAclHelper::portToIntfName( std::uint32_t modId, std::uint32_t port ) {
+   // One module of front-panel ports, numbered from 1.
+   return Zub::String( modId == 0 ? "Ethernet" + text( port )
+                                  : "Ethernet" + text( modId ) + "/" + text( port ) );
+}
+
+}  // namespace Sim

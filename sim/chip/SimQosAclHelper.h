@@ -1,0 +1,168 @@
+// The reference chip's ACL helper: a believable implementation of the helper contract. Rules
+// become value/mask entries in finite TCAM slices; port and length ranges take range checkers
+// from a finite pool, and when it is empty the chip asks the compiler to expand them; policers,
+// counters and CPU queues are finite pools; counters advance with the traffic a scenario
+// injects. In the asynchronous mode every commit, destroy and port update completes later
+// through the asynchronous result, carrying the first failure of the operation.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "NevQos/helpers/QosAclHelper.h"
+#include "kesh/TimerWheel.h"
+#include "sim/chip/ChipSpec.h"
+#include "sim/chip/Tcam.h"
+
+namespace Sim {
+
+// One helper call, as the runner reports it.
+struct ChipCall {
+   Zub::Seconds t = 0.0;
+   std::string op;
+   std::vector< std::pair< std::string, std::string > > args;
+};
+
+class SimQosAclHelper : public NevHelper::QosAclHelper {
+ public:
+   SimQosAclHelper( ChipSpec spec, Zub::Ptr< Qos::Status const > qosStatus,
+                    Zub::Ptr< Qos::AclSliceHwStatus > qosAclSliceHwStatus,
+                    Zub::Ptr< Acl::Config const > mainAclConfig,
+                    Zub::Ptr< Kesh::TimerWheel > clock );
+   ~SimQosAclHelper() override;
+
+   ChipSpec const& spec() const { return spec_; }
+   Tcam const& tcam() const { return tcam_; }
+   std::vector< ChipCall > const& calls() const { return calls_; }
+   std::uint32_t policersUsed() const { return static_cast< std::uint32_t >( policers_.size() ); }
+   std::uint32_t countersUsed() const { return static_cast< std::uint32_t >( counters_.size() ); }
+   std::uint32_t cpuQueuesUsed() const { return static_cast< std::uint32_t >( cpuQueues_.size() ); }
+   // Asynchronous operations started and not completed yet.
+   std::size_t pendingOperations() const { return pending_.size(); }
+
+   // Traffic a scenario injects into one class of one policy map (all its copies): the
+   // counters of the class's first installed ACL advance by it.
+   void trafficIs( std::string const& classKey, Nev::QosClassCounterData const& delta );
+   // The key `trafficIs` takes for a class data: its key as text.
+   static std::string classKeyOf( Nev::QosClassData const& classData );
+
+   // ---- The helper contract
+   Nev::AclCreateError precreateAcl( Nev::QosPolicyMapState const& pmapState,
+                                     Nev::QosClassData const& classData,
+                                     Qos::ClassMapMatchOption matchOption,
+                                     Nev::AclKey const& aclKey ) override;
+   Nev::AclCreateError createIpAclSubrule(
+         Acl::AclType aclType, Acl::RuleConfig const& rule, Acl::UniqueId const& aclId,
+         Nev::QosPolicyMapState const& pmapState, Nev::QosClassData const& classData,
+         Nev::AclKey const& aclKey, std::uint32_t ruleNum, std::uint32_t subruleNum,
+         std::uint16_t srcL4Port, std::uint16_t srcL4PortMask, std::uint16_t dstL4Port,
+         std::uint16_t dstL4PortMask, std::uint16_t srcPortLow, std::uint16_t srcPortHigh,
+         std::uint16_t dstPortLow, std::uint16_t dstPortHigh, std::uint16_t ipLen,
+         std::uint16_t ipLenMask, std::uint16_t ipLenLow, std::uint16_t ipLenHigh,
+         std::uint8_t tcpFlags, bool l4Rule, std::uint8_t ecnData, std::uint8_t ecnMask ) override;
+   Nev::AclCreateError createIpFragRule( Nev::QosPolicyMapState const& pmapState,
+                                         Nev::QosClassData const& classData,
+                                         Nev::AclKey const& aclKey, Acl::IpRuleConfig const& rule,
+                                         Acl::UniqueId const& aclId, std::uint32_t ruleNum,
+                                         std::uint32_t subRuleNum, std::uint8_t ecnData,
+                                         std::uint8_t ecnMask ) override;
+   Nev::AclCreateError createDefaultRule( Nev::QosPolicyMapState const& pmapState,
+                                          Nev::QosClassData const& classData,
+                                          Qos::ClassMapMatchOption matchOption,
+                                          Nev::AclKey const& aclKey ) override;
+   Nev::AclCreateError createL2ParamsRule( Nev::QosPolicyMapState const& pmapState,
+                                           Nev::QosClassData const& classData,
+                                           Qos::ClassMapMatchOption matchOption,
+                                           Nev::AclKey const& aclKey,
+                                           std::uint32_t ruleNum ) override;
+   Nev::AclCreateError createMplsTrafficClassRule( Nev::QosPolicyMapState const& pmapState,
+                                                   Nev::QosClassData const& classData,
+                                                   Qos::ClassMapMatchOption matchOption,
+                                                   Nev::AclKey const& aclKey,
+                                                   std::uint32_t ruleNum ) override;
+   Nev::AclCreateError createDscpEcnRule( Nev::QosPolicyMapState const& pmapState,
+                                          Nev::QosClassData const& classData,
+                                          Qos::ClassMapMatchOption matchOption,
+                                          Nev::AclKey const& aclKey,
+                                          std::uint32_t ruleNum ) override;
+   bool isSupportedMacAclRule( Acl::MacRuleConfig const& rule ) override;
+   bool isMacAclRuleSupportedPlatform() override;
+   Nev::AclCreateError createMacAclRule( Nev::QosPolicyMapState const& pmapState,
+                                         Nev::QosClassData const& classData,
+                                         Qos::ClassMapMatchOption matchOption,
+                                         Nev::AclKey const& aclKey,
+                                         std::uint32_t ruleNum ) override;
+   Nev::AclCreateError createBuiltInClassMatchRule( Nev::QosPolicyMapState const& pmapState,
+                                                    Nev::QosClassData const& classData,
+                                                    Qos::ClassMapMatchOption matchOption,
+                                                    std::uint32_t ruleNum ) override;
+   void updatePortForAcl( Nev::QosPolicyMapState const& pmapState,
+                          Nev::QosClassData const& classData, Qos::ClassMapMatchOption matchOption,
+                          Nev::AclKey const& aclKey, Qos::IntfPairKey const& intfPair,
+                          bool add ) override;
+   void destroyAcl( Nev::QosPolicyMapState const& pmapState, Nev::QosClassData const& classData,
+                    Qos::ClassMapMatchOption matchOption, Nev::AclKey const& aclKey ) override;
+   void cleanupAcl( Nev::QosPolicyMapState const& pmapState, Nev::QosClassData const& classData,
+                    Qos::ClassMapMatchOption matchOption, Nev::AclKey const& aclKey ) override;
+   Nev::AclCreateError commitAcl( Nev::QosClassData const& classData,
+                                  Qos::ClassMapMatchOption matchOption,
+                                  Nev::AclKey const& aclKey ) override;
+   void handlePendingOperationTimeout() override;
+
+   int coppAllocateCpuQ( Nev::QosClassData const& classData ) override;
+   void coppDeallocateCpuQ( Nev::QosClassData const& classData ) override;
+   bool createAndAttachPolicer( Nev::QosClassData const& classData ) override;
+   void destroyPolicer( Nev::QosClassData const& classData ) override;
+   void createAndAttachCounter( Nev::QosClassData const& classData ) override;
+   void destroyCounter( Nev::QosClassData const& classData ) override;
+   Nev::QosClassCounterData counterUpdateRequest( Nev::QosClassData const& classData,
+                                                  Nev::AclKey const& aclKey ) override;
+
+   bool checkUserCoppEntryExists( Nev::ModIdPortQueueKey const& key ) override;
+   void createDefaultCoppRates() override;
+   void destroyCoppPolicer( Nev::QosClassData const& classData ) override;
+   void hwInit() override;
+   void verifyPolicer( Nev::QosClassData const& classData ) override;
+   Zub::String cpuQIdToClassMapName( std::uint32_t cpuQId ) override;
+   Zub::String portToIntfName( std::uint32_t modId, std::uint32_t port ) override;
+
+   bool multipleActionsSupported() override { return spec_.multipleActionsSupported; }
+   bool errorOnPolicerExhaustion() override { return spec_.errorOnPolicerExhaustion; }
+
+ private:
+   class Completer;
+
+   bool async() const { return spec_.tcamMode == TcamMode::asynchronous; }
+   ChipCall& record( char const* op, Nev::QosClassData const* classData,
+                     Nev::AclKey const* aclKey );
+   // The answer a scripted fault gives to this call of `op`, if any.
+   std::optional< Nev::AclCreateError > faultFor( std::string const& op );
+   bool faultOn( FaultSpec::Kind kind ) const;
+   // Writes one entry; a refusal is answered now, or kept for the asynchronous result.
+   Nev::AclCreateError install( std::string const& aclId, TcamEntry entry );
+   Nev::AclCreateError answer( Nev::AclCreateError error, Nev::QosClassData const& classData );
+   void startOperation();
+
+   ChipSpec spec_;
+   Tcam tcam_;
+   Zub::Ptr< Kesh::TimerWheel > clock_;
+   Zub::Ptr< Completer > completer_;
+   std::vector< ChipCall > calls_;
+   std::map< std::string, std::uint32_t > opCalls_;
+   std::uint32_t asyncOperations_ = 0;
+   // The first failure since the asynchronous operation began.
+   Nev::AclCreateError asyncError_ = Nev::aclCreateErrorNone;
+   std::optional< Nev::QosPolicyMapKey > asyncFailedPmap_;
+   // Completion times and messages of the operations in flight.
+   std::vector< std::pair< Zub::Seconds, std::string > > pending_;
+   std::set< std::string > policers_;
+   std::set< std::string > counters_;
+   std::map< std::string, int > cpuQueues_;
+   std::map< std::string, Nev::QosClassCounterData > traffic_;
+   std::map< std::string, std::set< std::string > > aclPorts_;
+};
+
+}  // namespace Sim

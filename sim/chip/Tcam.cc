@@ -1,0 +1,73 @@
+#include "sim/chip/Tcam.h"
+
+#include <algorithm>
+#include <stdexcept>
+
+namespace Sim {
+
+Tcam::Tcam( std::uint32_t sliceEntries, std::uint32_t rangeCheckers )
+    : rangeCheckers_( rangeCheckers ) {
+   for( char const* name : { "ipv4", "ipv6", "mac" } )
+      slices_[ name ] = Slice{ sliceEntries, 0 };
+}
+
+void Tcam::open( AclId const& id, std::string const& slice ) {
+   if( !slices_.contains( slice ) ) throw std::invalid_argument( "no TCAM slice " + slice );
+   destroy( id );
+   acls_[ id ].slice = slice;
+}
+
+bool Tcam::add( AclId const& id, TcamEntry entry, std::optional< std::uint32_t > limit ) {
+   auto it = acls_.find( id );
+   if( it == acls_.end() ) throw std::logic_error( "entry for an ACL not open: " + id );
+   Slice& slice = slices_.at( it->second.slice );
+   if( slice.used >= slice.size ) return false;
+   if( limit && slice.used >= *limit ) return false;
+   ++slice.used;
+   it->second.entries.push_back( std::move( entry ) );
+   return true;
+}
+
+void Tcam::commit( AclId const& id ) {
+   auto it = acls_.find( id );
+   if( it != acls_.end() ) it->second.committed = true;
+}
+
+void Tcam::release( Acl& acl ) {
+   slices_.at( acl.slice ).used -= static_cast< std::uint32_t >( acl.entries.size() );
+   acl.entries.clear();
+   for( RangeNeed const& need : acl.checkers ) {
+      auto ref = checkerRefs_.find( need );
+      if( ref != checkerRefs_.end() && --ref->second == 0 ) checkerRefs_.erase( ref );
+   }
+   acl.checkers.clear();
+}
+
+void Tcam::destroy( AclId const& id ) {
+   auto it = acls_.find( id );
+   if( it == acls_.end() ) return;
+   release( it->second );
+   acls_.erase( it );
+}
+
+std::vector< RangeNeed > Tcam::acquire( AclId const& id, std::vector< RangeNeed > const& needs ) {
+   Acl& acl = acls_.at( id );
+   std::vector< RangeNeed > fresh;
+   std::uint32_t newCheckers = 0;
+   for( RangeNeed const& need : needs ) {
+      if( std::find( acl.checkers.begin(), acl.checkers.end(), need ) != acl.checkers.end() ) {
+         continue;
+      }
+      fresh.push_back( need );
+      if( !checkerRefs_.contains( need ) ) ++newCheckers;
+   }
+   if( checkersExhausted_ && newCheckers > 0 ) return fresh;
+   if( rangeCheckersUsed() + newCheckers > rangeCheckers_ ) return fresh;
+   for( RangeNeed const& need : fresh ) {
+      ++checkerRefs_[ need ];
+      acl.checkers.push_back( need );
+   }
+   return {};
+}
+
+}  // namespace Sim
