@@ -36,7 +36,7 @@ struct FaultSpec {
       asyncPending,
    };
    Kind kind = Kind::operationError;
-   std::string family;  // "ipv4", "ipv6", "mac", "l2"; empty for any
+   std::string family;  // "ipv4", "ipv6", "mac"; empty for any
    std::uint32_t atEntries = 0;
    std::string op;
    std::uint32_t nth = 0;
@@ -51,8 +51,8 @@ struct ChipSpec {
    TcamMode tcamMode = TcamMode::synchronous;
    Zub::Seconds asyncDelay = 0.0;
 
-   // Entries per TCAM slice; the chip has one slice per ACL family: "ipv4", "ipv6", "mac" and
-   // "l2" (VLAN, COS, DSCP/ECN, MPLS and built-in matches).
+   // Entries per TCAM slice; the chip has one slice per ACL family: "ipv4", "ipv6" and "mac".
+   // The VLAN, COS, DSCP/ECN and MPLS matches go to the slice of their list's family.
    std::uint32_t tcamSliceEntries = 4096;
    // L4 port range checkers shared by all slices.
    std::uint32_t rangeCheckers = 16;
