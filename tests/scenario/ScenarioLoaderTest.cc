@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <fstream>
 #include <sstream>
 #include <string>
 
@@ -106,6 +107,24 @@ TEST( ScenarioLoaderTest, TheRangeCheckerExampleTimesItsFault ) {
    EXPECT_EQ( s.chip.faults[ 0 ].from, 3.0 );
    EXPECT_FALSE( s.chip.faults[ 0 ].until );
    EXPECT_EQ( s.faultNames, std::vector< std::string >{ "no-checkers" } );
+}
+
+// The example of the format's documentation is a scenario that loads.
+TEST( ScenarioLoaderTest, TheDocumentedExampleLoads ) {
+   std::ifstream in( examplesDir / ".." / "docs" / "scenario.md" );
+   std::stringstream doc;
+   doc << in.rdbuf();
+   std::string const text = doc.str();
+   std::size_t const begin = text.find( "```yaml\n" );
+   ASSERT_NE( begin, std::string::npos );
+   std::size_t const end = text.find( "```\n", begin + 8 );
+   ASSERT_NE( end, std::string::npos );
+   auto const s = loaded( text.substr( begin + 8, end - begin - 8 ) );
+   EXPECT_EQ( s.description, "Voice marking at the edge" );
+   EXPECT_EQ( valueOf< Sim::NamedPolicerSpec >( s.initial.at( 3 ) ).rates.bcUnit,
+              Qos::burstUnitKbytes_ );
+   EXPECT_EQ( s.chip.faults.at( 0 ).from, 3.0 );
+   EXPECT_EQ( s.steps.size(), 3u );
 }
 
 // Each rule of the readable form as the access-list line it stands for.
