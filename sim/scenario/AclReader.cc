@@ -44,18 +44,19 @@ constexpr std::pair< std::string_view, Acl::PortSpec::Oper > portOpers[] = {
 
 // A port condition of N values: PortSpec takes its values as an initializer list only.
 template< std::size_t N >
-Acl::PortSpec portSpecOf( Acl::PortSpec::Oper oper, std::vector< std::uint16_t > const& v ) {
+Acl::PortSpec portConditionOf( Acl::PortSpec::Oper oper, std::vector< std::uint16_t > const& v ) {
    return [ & ]< std::size_t... I >( std::index_sequence< I... > ) {
       return Acl::PortSpec( oper, { v[ I ]... } );
    }
    ( std::make_index_sequence< N >() );
 }
 
-Acl::PortSpec portSpecOf( Acl::PortSpec::Oper oper, std::vector< std::uint16_t > const& v ) {
+Acl::PortSpec portConditionOf( Acl::PortSpec::Oper oper, std::vector< std::uint16_t > const& v ) {
    using Make = Acl::PortSpec ( * )( Acl::PortSpec::Oper, std::vector< std::uint16_t > const& );
    static constexpr Make makers[] = {
-      portSpecOf< 1 >, portSpecOf< 2 >, portSpecOf< 3 >, portSpecOf< 4 >, portSpecOf< 5 >,
-      portSpecOf< 6 >, portSpecOf< 7 >, portSpecOf< 8 >, portSpecOf< 9 >, portSpecOf< 10 >,
+      portConditionOf< 1 >, portConditionOf< 2 >,  portConditionOf< 3 >, portConditionOf< 4 >,
+      portConditionOf< 5 >, portConditionOf< 6 >,  portConditionOf< 7 >, portConditionOf< 8 >,
+      portConditionOf< 9 >, portConditionOf< 10 >,
    };
    return makers[ v.size() - 1 ]( oper, v );
 }
@@ -78,9 +79,9 @@ bool parsePrefix( std::string const& text, int af, unsigned maxLen, Bytes& addr,
 
 }  // namespace
 
-AclSpec AclReader::acl( YAML::Node const& node ) const {
+AclDef AclReader::acl( YAML::Node const& node ) const {
    yaml_.checkMapping( node, "access list", { "name", "type", "rules", "classbench" } );
-   AclSpec acl;
+   AclDef acl;
    acl.name = yaml_.text( yaml_.required( node, "name" ), "name" );
    if( auto const type = node[ "type" ] ) {
       acl.family = yaml_.choice( type, "type", aclFamilyNames() );
@@ -93,7 +94,7 @@ AclSpec AclReader::acl( YAML::Node const& node ) const {
    return acl;
 }
 
-void AclReader::rulesOf( YAML::Node const& rules, AclSpec& acl ) const {
+void AclReader::rulesOf( YAML::Node const& rules, AclDef& acl ) const {
    yaml_.checkSequence( rules, "rules" );
    std::uint32_t sequence = 0;
    for( YAML::Node const& node : rules ) {
@@ -136,7 +137,7 @@ std::filesystem::path AclReader::classBenchPath( YAML::Node const& file ) const 
                            std::string( NEVQOS_CLASSBENCH_DIR ) );
 }
 
-void AclReader::classBenchOf( YAML::Node const& node, AclSpec& acl ) const {
+void AclReader::classBenchOf( YAML::Node const& node, AclDef& acl ) const {
    yaml_.checkMapping( node, "classbench", { "file", "limit" } );
    if( acl.family != AclFamily::ipv4 ) {
       yaml_.fail( node, "classbench: the sets hold IPv4 rules only" );
@@ -203,9 +204,9 @@ Acl::MacRuleConfig AclReader::macRule( YAML::Node const& node ) const {
 void AclReader::filterOf( YAML::Node const& node, AclFamily family,
                           Acl::IpFilterBase& filter ) const {
    if( auto const p = node[ "proto" ] ) filter.proto = protocol( p, family );
-   if( auto const p = node[ "srcPort" ] ) filter.srcPort = portSpec( p, "srcPort" );
-   if( auto const p = node[ "dstPort" ] ) filter.dstPort = portSpec( p, "dstPort" );
-   if( auto const l = node[ "ipLength" ] ) filter.ipLen = portSpec( l, "ipLength" );
+   if( auto const p = node[ "srcPort" ] ) filter.srcPort = portCondition( p, "srcPort" );
+   if( auto const p = node[ "dstPort" ] ) filter.dstPort = portCondition( p, "dstPort" );
+   if( auto const l = node[ "ipLength" ] ) filter.ipLen = portCondition( l, "ipLength" );
    if( auto const d = node[ "dscp" ] ) {
       filter.dscp = std::uint8_t( yaml_.dscp( d, "dscp" ) );
       filter.dscpValid = true;
@@ -269,7 +270,7 @@ std::uint8_t AclReader::protocol( YAML::Node const& node, AclFamily family ) con
 
 // { eq: 80 }, { eq: [ 80, 443 ] }, { neq: ... }, { gt: 1023 }, { lt: 1024 },
 // { range: [ 1000, 2000 ] }.
-Acl::PortSpec AclReader::portSpec( YAML::Node const& node, std::string const& what ) const {
+Acl::PortSpec AclReader::portCondition( YAML::Node const& node, std::string const& what ) const {
    yaml_.checkMapping( node, what, { "eq", "neq", "gt", "lt", "range" } );
    if( node.size() != 1 ) yaml_.fail( node, what + ": give exactly one of eq, neq, gt, lt, range" );
    auto const entry = *node.begin();
@@ -296,7 +297,7 @@ Acl::PortSpec AclReader::portSpec( YAML::Node const& node, std::string const& wh
    if( oper == Acl::PortSpec::range && values[ 0 ] > values[ 1 ] ) {
       yaml_.fail( entry.second, what + ": a range goes from low to high" );
    }
-   return portSpecOf( oper, values );
+   return portConditionOf( oper, values );
 }
 
 Acl::TcpFlag AclReader::tcpFlags( YAML::Node const& node ) const {

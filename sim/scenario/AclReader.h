@@ -15,11 +15,11 @@ class AclReader {
    AclReader( YamlReader const& yaml, std::filesystem::path scenarioDir )
        : yaml_( yaml ), scenarioDir_( std::move( scenarioDir ) ) {}
 
-   AclSpec acl( YAML::Node const& node ) const;
+   AclDef acl( YAML::Node const& node ) const;
 
  private:
-   void rulesOf( YAML::Node const& rules, AclSpec& acl ) const;
-   void classBenchOf( YAML::Node const& node, AclSpec& acl ) const;
+   void rulesOf( YAML::Node const& rules, AclDef& acl ) const;
+   void classBenchOf( YAML::Node const& node, AclDef& acl ) const;
    std::filesystem::path classBenchPath( YAML::Node const& file ) const;
 
    Acl::IpRuleConfig ipv4Rule( YAML::Node const& node ) const;
@@ -30,7 +30,7 @@ class AclReader {
    void checkLayer4( YAML::Node const& node, AclFamily family,
                      Acl::IpFilterBase const& filter ) const;
    std::uint8_t protocol( YAML::Node const& node, AclFamily family ) const;
-   Acl::PortSpec portSpec( YAML::Node const& node, std::string const& what ) const;
+   Acl::PortSpec portCondition( YAML::Node const& node, std::string const& what ) const;
    Acl::TcpFlag tcpFlags( YAML::Node const& node ) const;
    Mirel::IpAddrWithMask ipv4Prefix( YAML::Node const& node, std::string const& what ) const;
    Mirel::Ip6AddrWithMask ipv6Prefix( YAML::Node const& node, std::string const& what ) const;

@@ -29,9 +29,9 @@ std::vector< std::string_view > matchKeys() {
 
 }  // namespace
 
-ClassMapSpec ClassMapReader::classMap( YAML::Node const& node ) const {
+ClassMapDef ClassMapReader::classMap( YAML::Node const& node ) const {
    yaml_.checkMapping( node, "class map", { "name", "type", "cpType", "match" } );
-   ClassMapSpec cmap;
+   ClassMapDef cmap;
    cmap.name = yaml_.text( yaml_.required( node, "name" ), "name" );
    if( auto const t = node[ "type" ] ) cmap.type = yaml_.choice( t, "type", mapTypeNames() );
    if( auto const c = node[ "cpType" ] ) {
@@ -48,8 +48,8 @@ ClassMapSpec ClassMapReader::classMap( YAML::Node const& node ) const {
    return cmap;
 }
 
-MatchSpec ClassMapReader::match( YAML::Node const& kind, YAML::Node const& value ) const {
-   MatchSpec match;
+MatchDef ClassMapReader::match( YAML::Node const& kind, YAML::Node const& value ) const {
+   MatchDef match;
    match.option =
          yaml_.choice( kind, "match", NameTable< Qos::ClassMapMatchOption >( matchKinds ) );
    std::string const what = kind.Scalar();
@@ -87,7 +87,7 @@ MatchSpec ClassMapReader::match( YAML::Node const& kind, YAML::Node const& value
 
 // { value: 100, mask: 0xfff } taken as it stands, or VLAN numbers and ranges.
 void ClassMapReader::vlanOf( YAML::Node const& node, std::string const& what,
-                             MatchSpec& match ) const {
+                             MatchDef& match ) const {
    if( !node.IsMap() ) {
       match.vlans = yaml_.spans( node, what, vlanLeast, vlanMost );
       return;
@@ -103,7 +103,7 @@ void ClassMapReader::vlanOf( YAML::Node const& node, std::string const& what,
 }
 
 // 46, ef, [ "10-20", 46 ], or { value: ef, ecn: ce }, { ranges: [ ... ], ecn: ect }, { ecn: ce }.
-void ClassMapReader::dscpOf( YAML::Node const& node, MatchSpec& match ) const {
+void ClassMapReader::dscpOf( YAML::Node const& node, MatchDef& match ) const {
    if( node.IsScalar() ) {
       match.dscp = yaml_.dscp( node, "dscp", &match.dscpByName );
       return;

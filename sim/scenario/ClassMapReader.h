@@ -10,12 +10,12 @@ class ClassMapReader {
  public:
    explicit ClassMapReader( YamlReader const& yaml ) : yaml_( yaml ) {}
 
-   ClassMapSpec classMap( YAML::Node const& node ) const;
+   ClassMapDef classMap( YAML::Node const& node ) const;
 
  private:
-   MatchSpec match( YAML::Node const& kind, YAML::Node const& value ) const;
-   void vlanOf( YAML::Node const& node, std::string const& what, MatchSpec& match ) const;
-   void dscpOf( YAML::Node const& node, MatchSpec& match ) const;
+   MatchDef match( YAML::Node const& kind, YAML::Node const& value ) const;
+   void vlanOf( YAML::Node const& node, std::string const& what, MatchDef& match ) const;
+   void dscpOf( YAML::Node const& node, MatchDef& match ) const;
 
    YamlReader const& yaml_;
 };

@@ -55,8 +55,8 @@ bool hasRepeats( std::vector< T > const& values ) {
 
 // The classes of a map that name a class map, the default class included.
 template< class Visit >
-void forEachClass( PolicyMapSpec const& pmap, Visit const& visit ) {
-   for( ClassSpec const& cls : pmap.classes )
+void forEachClass( PolicyMapDef const& pmap, Visit const& visit ) {
+   for( ClassDef const& cls : pmap.classes )
       visit( cls );
    if( pmap.classDefault ) visit( *pmap.classDefault );
 }
@@ -90,7 +90,7 @@ void ConfigModel::apply( ChangeValue const& change ) {
 std::vector< ConfigModel::MapKey > ConfigModel::classMapsUsing( AclKey const& acl ) const {
    std::vector< MapKey > users;
    for( auto const& [ key, cmap ] : classMaps_ ) {
-      for( MatchSpec const& match : cmap.matches ) {
+      for( MatchDef const& match : cmap.matches ) {
          if( aclFamilyOf( match.option ) == acl.first && match.acl == acl.second ) {
             users.push_back( key );
             break;
@@ -106,7 +106,7 @@ std::vector< ConfigModel::MapKey > ConfigModel::policyMapsUsingClassMap(
    for( auto const& [ key, pmap ] : policyMaps_ ) {
       if( key.first != cmap.first ) continue;
       bool uses = false;
-      forEachClass( pmap, [ & ]( ClassSpec const& cls ) { uses |= cls.classMap == cmap.second; } );
+      forEachClass( pmap, [ & ]( ClassDef const& cls ) { uses |= cls.classMap == cmap.second; } );
       if( uses ) users.push_back( key );
    }
    return users;
@@ -117,7 +117,7 @@ std::vector< ConfigModel::MapKey > ConfigModel::policyMapsUsingPolicer(
    std::vector< MapKey > users;
    for( auto const& [ key, pmap ] : policyMaps_ ) {
       bool uses = false;
-      forEachClass( pmap, [ & ]( ClassSpec const& cls ) {
+      forEachClass( pmap, [ & ]( ClassDef const& cls ) {
          uses |= cls.police && cls.police->named == named;
       } );
       if( uses ) users.push_back( key );
@@ -135,7 +135,7 @@ std::vector< Qos::ServicePolicyKey > ConfigModel::servicePoliciesOf( MapKey cons
 
 // ---- Access lists
 
-void ConfigModel::put( AclSpec const& acl ) {
+void ConfigModel::put( AclDef const& acl ) {
    checkNewName( acl.name, "an access list" );
    bool const ascending = sequencesAscend( acl.ipv4Rules ) && sequencesAscend( acl.ipv6Rules ) &&
                           sequencesAscend( acl.macRules );
@@ -156,7 +156,7 @@ void ConfigModel::put( AclRemoval const& removal ) {
 
 // ---- Class maps
 
-void ConfigModel::checkMatch( ClassMapSpec const& cmap, MatchSpec const& match ) const {
+void ConfigModel::checkMatch( ClassMapDef const& cmap, MatchDef const& match ) const {
    std::string const what = classMapText( cmap.type, cmap.name );
    if( match.option == Qos::matchOptionNone ) {
       refuse( what + ": a match of no kind belongs to " + classDefaultName + " alone" );
@@ -168,14 +168,14 @@ void ConfigModel::checkMatch( ClassMapSpec const& cmap, MatchSpec const& match )
    }
 }
 
-void ConfigModel::put( ClassMapSpec const& cmap ) {
+void ConfigModel::put( ClassMapDef const& cmap ) {
    checkNewName( cmap.name, "a class map" );
    std::string const what = classMapText( cmap.type, cmap.name );
    if( cmap.name == classDefaultName ) {
       refuse( what + ": the name " + classDefaultName + " is the system's" );
    }
    std::vector< Qos::ClassMapMatchOption > options;
-   for( MatchSpec const& match : cmap.matches ) {
+   for( MatchDef const& match : cmap.matches ) {
       checkMatch( cmap, match );
       options.push_back( match.option );
    }
@@ -196,7 +196,7 @@ void ConfigModel::put( ClassMapRemoval const& removal ) {
 
 // ---- Named policers
 
-void ConfigModel::put( NamedPolicerSpec const& policer ) {
+void ConfigModel::put( NamedPolicerDef const& policer ) {
    checkNewName( policer.name, "a named policer" );
    std::string const problem = policerRatesProblem( policer.rates );
    if( !problem.empty() ) refuse( namedPolicerText( policer.name ) + ": " + problem );
@@ -215,7 +215,7 @@ void ConfigModel::put( NamedPolicerRemoval const& removal ) {
 
 // ---- Policy maps
 
-void ConfigModel::checkClass( PolicyMapSpec const& pmap, ClassSpec const& cls ) const {
+void ConfigModel::checkClass( PolicyMapDef const& pmap, ClassDef const& cls ) const {
    std::string const what = policyMapText( pmap.type, pmap.name ) + " class " + cls.classMap;
    if( !cls.police ) return;
    if( cls.police->named.empty() ) {
@@ -232,11 +232,11 @@ void ConfigModel::checkClass( PolicyMapSpec const& pmap, ClassSpec const& cls ) 
    }
 }
 
-void ConfigModel::put( PolicyMapSpec const& pmap ) {
+void ConfigModel::put( PolicyMapDef const& pmap ) {
    checkNewName( pmap.name, "a policy map" );
    std::string const what = policyMapText( pmap.type, pmap.name );
    std::vector< std::string > names;
-   for( ClassSpec const& cls : pmap.classes ) {
+   for( ClassDef const& cls : pmap.classes ) {
       if( cls.classMap == classDefaultName ) {
          refuse( what + ": " + classDefaultName + " can only be the last class" );
       }
@@ -268,7 +268,7 @@ void ConfigModel::put( PolicyMapRemoval const& removal ) {
 
 // ---- Service policies and interfaces
 
-void ConfigModel::put( ServicePolicySpec const& sp ) {
+void ConfigModel::put( ServicePolicyDef const& sp ) {
    std::string const what = servicePolicyText( sp.key );
    checkNewName( sp.key.pmapName().str().stdString(), "a service policy" );
    if( !policyMaps_.contains( { sp.key.type(), sp.key.pmapName().str().stdString() } ) ) {
@@ -286,14 +286,14 @@ void ConfigModel::put( ServicePolicyRemoval const& removal ) {
    servicePolicies_.erase( removal.key );
 }
 
-ServicePolicySpec& ConfigModel::servicePolicy( Qos::ServicePolicyKey const& key ) {
+ServicePolicyDef& ConfigModel::servicePolicy( Qos::ServicePolicyKey const& key ) {
    auto it = servicePolicies_.find( key );
    if( it == servicePolicies_.end() ) refuse( "no " + servicePolicyText( key ) );
    return it->second;
 }
 
 void ConfigModel::put( Attachment const& attachment ) {
-   ServicePolicySpec& sp = servicePolicy( attachment.key );
+   ServicePolicyDef& sp = servicePolicy( attachment.key );
    if( hasRepeats( attachment.interfaces ) ) refuse( "an interface is named twice" );
    auto& intfs = sp.interfaces;
    for( Qos::IntfPairKey const& intf : attachment.interfaces ) {
@@ -342,7 +342,7 @@ void ConfigModel::put( TrafficSpec const& traffic ) {
       refuse( "traffic for " + policyMapText( type, name ) + ", which does not exist" );
    bool has = false;
    forEachClass( it->second,
-                 [ & ]( ClassSpec const& cls ) { has |= cls.classMap == traffic.classMap; } );
+                 [ & ]( ClassDef const& cls ) { has |= cls.classMap == traffic.classMap; } );
    if( !has ) {
       refuse( "traffic for class " + traffic.classMap + ", which " + policyMapText( type, name ) +
               " does not have" );

@@ -38,11 +38,11 @@ class ConfigModel {
    // Applies one change, or throws Refusal and leaves the model as it was.
    void apply( ChangeValue const& change );
 
-   std::map< AclKey, AclSpec > const& acls() const { return acls_; }
-   std::map< MapKey, ClassMapSpec > const& classMaps() const { return classMaps_; }
-   std::map< std::string, NamedPolicerSpec > const& namedPolicers() const { return namedPolicers_; }
-   std::map< MapKey, PolicyMapSpec > const& policyMaps() const { return policyMaps_; }
-   std::map< Qos::ServicePolicyKey, ServicePolicySpec > const& servicePolicies() const {
+   std::map< AclKey, AclDef > const& acls() const { return acls_; }
+   std::map< MapKey, ClassMapDef > const& classMaps() const { return classMaps_; }
+   std::map< std::string, NamedPolicerDef > const& namedPolicers() const { return namedPolicers_; }
+   std::map< MapKey, PolicyMapDef > const& policyMaps() const { return policyMaps_; }
+   std::map< Qos::ServicePolicyKey, ServicePolicyDef > const& servicePolicies() const {
       return servicePolicies_;
    }
    std::set< Mirel::IntfId > const& interfaces() const { return interfaces_; }
@@ -54,15 +54,15 @@ class ConfigModel {
    std::vector< Qos::ServicePolicyKey > servicePoliciesOf( MapKey const& pmap ) const;
 
  private:
-   void put( AclSpec const& acl );
+   void put( AclDef const& acl );
    void put( AclRemoval const& removal );
-   void put( ClassMapSpec const& cmap );
+   void put( ClassMapDef const& cmap );
    void put( ClassMapRemoval const& removal );
-   void put( NamedPolicerSpec const& policer );
+   void put( NamedPolicerDef const& policer );
    void put( NamedPolicerRemoval const& removal );
-   void put( PolicyMapSpec const& pmap );
+   void put( PolicyMapDef const& pmap );
    void put( PolicyMapRemoval const& removal );
-   void put( ServicePolicySpec const& sp );
+   void put( ServicePolicyDef const& sp );
    void put( ServicePolicyRemoval const& removal );
    void put( Attachment const& attachment );
    void put( InterfacePresence const& presence );
@@ -71,16 +71,16 @@ class ConfigModel {
    void put( ClearRequest const& ) {}
    void put( FaultSwitch const& fault );
 
-   void checkMatch( ClassMapSpec const& cmap, MatchSpec const& match ) const;
-   void checkClass( PolicyMapSpec const& pmap, ClassSpec const& cls ) const;
-   ServicePolicySpec& servicePolicy( Qos::ServicePolicyKey const& key );
+   void checkMatch( ClassMapDef const& cmap, MatchDef const& match ) const;
+   void checkClass( PolicyMapDef const& pmap, ClassDef const& cls ) const;
+   ServicePolicyDef& servicePolicy( Qos::ServicePolicyKey const& key );
 
    std::size_t faults_;
-   std::map< AclKey, AclSpec > acls_;
-   std::map< MapKey, ClassMapSpec > classMaps_;
-   std::map< std::string, NamedPolicerSpec > namedPolicers_;
-   std::map< MapKey, PolicyMapSpec > policyMaps_;
-   std::map< Qos::ServicePolicyKey, ServicePolicySpec > servicePolicies_;
+   std::map< AclKey, AclDef > acls_;
+   std::map< MapKey, ClassMapDef > classMaps_;
+   std::map< std::string, NamedPolicerDef > namedPolicers_;
+   std::map< MapKey, PolicyMapDef > policyMaps_;
+   std::map< Qos::ServicePolicyKey, ServicePolicyDef > servicePolicies_;
    std::set< Mirel::IntfId > interfaces_;
 };
 

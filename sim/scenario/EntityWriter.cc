@@ -37,7 +37,7 @@ void rangesIs( std::vector< Span > const& spans, Add const& add ) {
       add( Range( static_cast< T >( s.low ), static_cast< T >( s.high ) ) );
 }
 
-Zub::Ptr< Qos::ClassMapMatchVlan > vlanValueOf( MatchSpec const& match ) {
+Zub::Ptr< Qos::ClassMapMatchVlan > vlanValueOf( MatchDef const& match ) {
    if( match.vlanMasked ) {
       auto value = Zub::make< Qos::ClassMapMatchVlan >( match.vlan, match.vlanMask );
       value->maskValidIs( true );
@@ -49,14 +49,14 @@ Zub::Ptr< Qos::ClassMapMatchVlan > vlanValueOf( MatchSpec const& match ) {
    return value;
 }
 
-Zub::Ptr< Qos::ClassMapMatchCos > cosValueOf( MatchSpec const& match ) {
+Zub::Ptr< Qos::ClassMapMatchCos > cosValueOf( MatchDef const& match ) {
    auto value = Zub::make< Qos::ClassMapMatchCos >( Zub::String( "cos" ) );
    rangesIs< Qos::CosRange >( match.coses,
                               [ & ]( auto const& r ) { value->cosCollIs( r, true ); } );
    return value;
 }
 
-Zub::Ptr< Qos::ClassMapMatchDscpEcn > dscpEcnValueOf( MatchSpec const& match ) {
+Zub::Ptr< Qos::ClassMapMatchDscpEcn > dscpEcnValueOf( MatchDef const& match ) {
    auto value = Zub::make< Qos::ClassMapMatchDscpEcn >( Qos::DscpVal( match.dscp ), match.ecn );
    value->dscpNameValidIs( match.dscpByName );
    rangesIs< Qos::DscpRange >( match.dscps,
@@ -64,7 +64,7 @@ Zub::Ptr< Qos::ClassMapMatchDscpEcn > dscpEcnValueOf( MatchSpec const& match ) {
    return value;
 }
 
-Zub::Ptr< Qos::ClassMapMatchMplsTrafficClass > mplsValueOf( MatchSpec const& match ) {
+Zub::Ptr< Qos::ClassMapMatchMplsTrafficClass > mplsValueOf( MatchDef const& match ) {
    auto value = Zub::make< Qos::ClassMapMatchMplsTrafficClass >( Zub::String( "mpls" ) );
    rangesIs< Qos::MplsTrafficClassRange >( match.trafficClasses, [ & ]( auto const& r ) {
       value->mplsTrafficClassCollIs( r, true );
@@ -72,7 +72,7 @@ Zub::Ptr< Qos::ClassMapMatchMplsTrafficClass > mplsValueOf( MatchSpec const& mat
    return value;
 }
 
-void matchIs( Qos::ClassMapMatch& m, MatchSpec const& match ) {
+void matchIs( Qos::ClassMapMatch& m, MatchDef const& match ) {
    switch( match.option ) {
       case Qos::matchOptionIpAcl:
       case Qos::matchOptionIpv6Acl:
@@ -115,8 +115,8 @@ void ratesIs( Entity& e, PolicerRates const& r ) {
    e.beUnitIs( r.beUnit );
 }
 
-Zub::Ptr< Qos::PolicerConfig > policerOf( ClassSpec const& cls, ConfigModel const& config ) {
-   PoliceSpec const& police = *cls.police;
+Zub::Ptr< Qos::PolicerConfig > policerOf( ClassDef const& cls, ConfigModel const& config ) {
+   PoliceDef const& police = *cls.police;
    bool const named = !police.named.empty();
    auto policer =
          Zub::make< Qos::PolicerConfig >( Zub::Name( named ? police.named : cls.classMap ) );
@@ -135,14 +135,14 @@ Zub::Ptr< Qos::PolicerConfig > policerOf( ClassSpec const& cls, ConfigModel cons
    return policer;
 }
 
-void classActionIs( Qos::ClassAction& action, ClassSpec const& cls, ConfigModel const& config ) {
+void classActionIs( Qos::ClassAction& action, ClassDef const& cls, ConfigModel const& config ) {
    for( auto const& [ type, value ] : cls.actions )
       action.actionIs( type )->valueIs( value );
    action.countIs( cls.count );
    if( cls.police ) action.policerIs( policerOf( cls, config ) );
 }
 
-bool isStaticClass( PolicyMapSpec const& pmap, ClassSpec const& cls, ConfigModel const& config ) {
+bool isStaticClass( PolicyMapDef const& pmap, ClassDef const& cls, ConfigModel const& config ) {
    if( pmap.type != Qos::mapControlPlane_ ) return false;
    auto const it = config.classMaps().find( { pmap.type, cls.classMap } );
    return it != config.classMaps().end() && it->second.cpType == Qos::cmapCpStatic_;
@@ -172,15 +172,15 @@ void capabilitiesIs( Qos::AclHwStatus& aclHw, Qos::HwStatus& hw, ChipSpec const&
    hw.pdpSupportedIs( chip.pdpSupported );
 }
 
-void aclIs( Acl::Config& config, AclSpec const& spec ) {
-   auto acl = config.configIs( aclTypeOf( spec.family ) )->aclIs( Zub::Name( spec.name ) );
+void aclIs( Acl::Config& config, AclDef const& def ) {
+   auto acl = config.configIs( aclTypeOf( def.family ) )->aclIs( Zub::Name( def.name ) );
    unsigned const version = acl->version() + 1;
    auto set = Zub::make< Acl::AclRuleSet >( version );
-   rulesIs( *set, spec.ipv4Rules,
+   rulesIs( *set, def.ipv4Rules,
             []( auto& s, auto id, auto const& r ) { s.ipRuleByIdIs( id, r ); } );
-   rulesIs( *set, spec.ipv6Rules,
+   rulesIs( *set, def.ipv6Rules,
             []( auto& s, auto id, auto const& r ) { s.ip6RuleByIdIs( id, r ); } );
-   rulesIs( *set, spec.macRules,
+   rulesIs( *set, def.macRules,
             []( auto& s, auto id, auto const& r ) { s.macRuleByIdIs( id, r ); } );
    acl->versionIs( version );
    acl->currCfgIs( set );
@@ -190,16 +190,16 @@ void aclDel( Acl::Config& config, AclFamily family, std::string const& name ) {
    if( auto type = config.config( aclTypeOf( family ) ) ) type->aclDel( Zub::Name( name ) );
 }
 
-void classMapIs( Qos::Status& status, ClassMapSpec const& spec ) {
-   auto types = status.cmapTypeIs( spec.type );
-   Zub::Name const name( spec.name );
+void classMapIs( Qos::Status& status, ClassMapDef const& def ) {
+   auto types = status.cmapTypeIs( def.type );
+   Zub::Name const name( def.name );
    auto cmap = types->cmapIs( name );
    cmap->matchDelAll();
-   for( MatchSpec const& match : spec.matches )
+   for( MatchDef const& match : def.matches )
       matchIs( *cmap->matchIs( match.option ), match );
-   if( spec.type != Qos::mapControlPlane_ ) return;
-   cmap->cpTypeIs( spec.cpType );
-   if( spec.cpType == Qos::cmapCpStatic_ ) {
+   if( def.type != Qos::mapControlPlane_ ) return;
+   cmap->cpTypeIs( def.cpType );
+   if( def.cpType == Qos::cmapCpStatic_ ) {
       types->cpTypeIs( name, Qos::cmapCpStatic_ );
    } else {
       types->cpTypeDel( name );
@@ -218,16 +218,16 @@ void classDefaultMapIs( Qos::Status& status, Qos::MapType type ) {
    cmap->matchIs( Qos::matchOptionNone );
 }
 
-void namedPolicerIs( Qos::Status& status, NamedPolicerSpec const& spec, bool moveVersion ) {
-   auto policer = status.namedPolicerIs( Zub::Name( spec.name ) );
-   policer->sharedIs( spec.shared );
-   ratesIs( *policer, spec.rates );
+void namedPolicerIs( Qos::Status& status, NamedPolicerDef const& def, bool moveVersion ) {
+   auto policer = status.namedPolicerIs( Zub::Name( def.name ) );
+   policer->sharedIs( def.shared );
+   ratesIs( *policer, def.rates );
    if( moveVersion ) policer->paramChangeVersionIs( policer->paramChangeVersion() + 1 );
 }
 
-void policyMapIs( Qos::Status& status, PolicyMapSpec const& spec, ConfigModel const& config ) {
-   auto pmap = status.pmapTypeIs( spec.type )->pmapIs( Zub::Name( spec.name ) );
-   pmap->sharedIs( spec.shared );
+void policyMapIs( Qos::Status& status, PolicyMapDef const& def, ConfigModel const& config ) {
+   auto pmap = status.pmapTypeIs( def.type )->pmapIs( Zub::Name( def.name ) );
+   pmap->sharedIs( def.shared );
    pmap->classPrioDelAll();
    pmap->coppStaticClassPrioDelAll();
    pmap->classActionDelAll();
@@ -235,23 +235,23 @@ void policyMapIs( Qos::Status& status, PolicyMapSpec const& spec, ConfigModel co
    pmap->classActionDefaultIs( nullptr );
    unsigned prio = 0;
    unsigned staticPrio = 0;
-   for( ClassSpec const& cls : spec.classes ) {
+   for( ClassDef const& cls : def.classes ) {
       Zub::Name const name( cls.classMap );
-      if( isStaticClass( spec, cls, config ) ) {
+      if( isStaticClass( def, cls, config ) ) {
          pmap->coppStaticClassPrioIs( ++staticPrio, Qos::ClassPriority( name ) );
       } else {
          pmap->classPrioIs( ++prio, Qos::ClassPriority( name ) );
       }
       classActionIs( *pmap->classActionIs( name ), cls, config );
    }
-   if( !spec.classDefault ) return;
-   classDefaultMapIs( status, spec.type );
+   if( !def.classDefault ) return;
+   classDefaultMapIs( status, def.type );
    Zub::Name const defaultName( classDefaultName );
-   auto const cmaps = status.cmapType( spec.type );
+   auto const cmaps = status.cmapType( def.type );
    ZUB_ASSERT( cmaps );
    pmap->classDefaultIs( cmaps->cmap( defaultName ) );
    auto action = Zub::make< Qos::ClassAction >( defaultName );
-   classActionIs( *action, *spec.classDefault, config );
+   classActionIs( *action, *def.classDefault, config );
    pmap->classActionDefaultIs( action );
 }
 

@@ -30,9 +30,9 @@ std::vector< std::string_view > rateKeys( std::vector< std::string_view > keys )
 
 }  // namespace
 
-PolicyMapSpec PolicyReader::policyMap( YAML::Node const& node ) const {
+PolicyMapDef PolicyReader::policyMap( YAML::Node const& node ) const {
    yaml_.checkMapping( node, "policy map", { "name", "type", "shared", "classes" } );
-   PolicyMapSpec pmap;
+   PolicyMapDef pmap;
    pmap.name = yaml_.text( yaml_.required( node, "name" ), "name" );
    if( auto const t = node[ "type" ] ) pmap.type = yaml_.choice( t, "type", mapTypeNames() );
    if( auto const s = node[ "shared" ] ) pmap.shared = yaml_.flag( s, "shared" );
@@ -43,7 +43,7 @@ PolicyMapSpec PolicyReader::policyMap( YAML::Node const& node ) const {
       if( pmap.classDefault ) {
          yaml_.fail( c, std::string( "classes: " ) + classDefaultName + " must be the last class" );
       }
-      ClassSpec cls = classOf( c );
+      ClassDef cls = classOf( c );
       if( cls.classMap == classDefaultName ) {
          pmap.classDefault = std::move( cls );
       } else {
@@ -53,9 +53,9 @@ PolicyMapSpec PolicyReader::policyMap( YAML::Node const& node ) const {
    return pmap;
 }
 
-ClassSpec PolicyReader::classOf( YAML::Node const& node ) const {
+ClassDef PolicyReader::classOf( YAML::Node const& node ) const {
    yaml_.checkMapping( node, "class", { "class", "set", "drop", "police", "count" } );
-   ClassSpec cls;
+   ClassDef cls;
    cls.classMap = yaml_.text( yaml_.required( node, "class" ), "class" );
    cls.actions = actions( node );
    if( auto const p = node[ "police" ] ) cls.police = police( p );
@@ -86,9 +86,9 @@ Actions PolicyReader::colour( YAML::Node const& node, std::string const& what ) 
    return actions( node );
 }
 
-PoliceSpec PolicyReader::police( YAML::Node const& node ) const {
+PoliceDef PolicyReader::police( YAML::Node const& node ) const {
    yaml_.checkMapping( node, "police", rateKeys( { "named", "yellow", "red" } ) );
-   PoliceSpec police;
+   PoliceDef police;
    if( auto const n = node[ "named" ] ) {
       police.named = yaml_.text( n, "named" );
       if( node[ "cir" ] ) yaml_.fail( node[ "cir" ], "police: give named or rates, not both" );
@@ -100,9 +100,9 @@ PoliceSpec PolicyReader::police( YAML::Node const& node ) const {
    return police;
 }
 
-NamedPolicerSpec PolicyReader::namedPolicer( YAML::Node const& node ) const {
+NamedPolicerDef PolicyReader::namedPolicer( YAML::Node const& node ) const {
    yaml_.checkMapping( node, "named policer", rateKeys( { "name", "shared" } ) );
-   NamedPolicerSpec policer;
+   NamedPolicerDef policer;
    policer.name = yaml_.text( yaml_.required( node, "name" ), "name" );
    if( auto const s = node[ "shared" ] ) policer.shared = yaml_.flag( s, "shared" );
    policer.rates = rates( node );

@@ -10,14 +10,14 @@ class PolicyReader {
  public:
    explicit PolicyReader( YamlReader const& yaml ) : yaml_( yaml ) {}
 
-   PolicyMapSpec policyMap( YAML::Node const& node ) const;
-   NamedPolicerSpec namedPolicer( YAML::Node const& node ) const;
+   PolicyMapDef policyMap( YAML::Node const& node ) const;
+   NamedPolicerDef namedPolicer( YAML::Node const& node ) const;
 
  private:
-   ClassSpec classOf( YAML::Node const& node ) const;
+   ClassDef classOf( YAML::Node const& node ) const;
    // The `set` and `drop` keys of a class or of a policer's colour.
    Actions actions( YAML::Node const& node ) const;
-   PoliceSpec police( YAML::Node const& node ) const;
+   PoliceDef police( YAML::Node const& node ) const;
    Actions colour( YAML::Node const& node, std::string const& what ) const;
    // The rate and burst keys of `node`, whose modes must agree.
    PolicerRates rates( YAML::Node const& node ) const;

@@ -41,13 +41,13 @@ struct SequencedRule {
 
 // One access list; only the rules of its family are used. Rules are kept in ascending sequence
 // order.
-struct AclSpec {
+struct AclDef {
    AclFamily family = AclFamily::ipv4;
    std::string name;
    std::vector< SequencedRule< Acl::IpRuleConfig > > ipv4Rules;
    std::vector< SequencedRule< Acl::Ip6RuleConfig > > ipv6Rules;
    std::vector< SequencedRule< Acl::MacRuleConfig > > macRules;
-   bool operator==( AclSpec const& ) const = default;
+   bool operator==( AclDef const& ) const = default;
 };
 
 // ---- Class maps
@@ -60,7 +60,7 @@ struct Span {
 };
 
 // One match of a class map. Which fields count depends on the option.
-struct MatchSpec {
+struct MatchDef {
    Qos::ClassMapMatchOption option = Qos::matchOptionNone;
    // matchOptionIpAcl, matchOptionIpv6Acl, matchOptionMac: the access list's name.
    std::string acl;
@@ -80,18 +80,18 @@ struct MatchSpec {
    std::vector< Span > trafficClasses;
    // matchOptionBuiltIn.
    std::string builtIn;
-   bool operator==( MatchSpec const& ) const = default;
+   bool operator==( MatchDef const& ) const = default;
 };
 
-struct ClassMapSpec {
+struct ClassMapDef {
    Qos::MapType type = Qos::mapQos_;
    std::string name;
    // At most one match per option.
-   std::vector< MatchSpec > matches;
+   std::vector< MatchDef > matches;
    // Control-plane class maps: a static one comes with the system, a dynamic one is the
    // operator's.
    Qos::ClassMapCpType cpType = Qos::cmapCpDynamic_;
-   bool operator==( ClassMapSpec const& ) const = default;
+   bool operator==( ClassMapDef const& ) const = default;
 };
 
 // The name of the class that takes what no other class of a policy map matched.
@@ -117,51 +117,51 @@ struct PolicerRates {
    bool operator==( PolicerRates const& ) const = default;
 };
 
-struct NamedPolicerSpec {
+struct NamedPolicerDef {
    std::string name;
    // One policer in hardware for all interfaces that use it.
    bool shared = false;
    PolicerRates rates;
-   bool operator==( NamedPolicerSpec const& ) const = default;
+   bool operator==( NamedPolicerDef const& ) const = default;
 };
 
 // The policer of a class: a named policer, whose rates it takes, or rates of its own.
-struct PoliceSpec {
+struct PoliceDef {
    std::string named;
    PolicerRates rates;
    Actions yellow;
    Actions red;
-   bool operator==( PoliceSpec const& ) const = default;
+   bool operator==( PoliceDef const& ) const = default;
 };
 
-struct ClassSpec {
+struct ClassDef {
    std::string classMap;
    Actions actions;
-   std::optional< PoliceSpec > police;
+   std::optional< PoliceDef > police;
    bool count = false;
-   bool operator==( ClassSpec const& ) const = default;
+   bool operator==( ClassDef const& ) const = default;
 };
 
-struct PolicyMapSpec {
+struct PolicyMapDef {
    Qos::MapType type = Qos::mapQos_;
    std::string name;
    // One policer and counter for all interfaces of the map.
    bool shared = false;
    // In priority order, the first the highest.
-   std::vector< ClassSpec > classes;
+   std::vector< ClassDef > classes;
    // Its classMap is classDefaultName.
-   std::optional< ClassSpec > classDefault;
-   bool operator==( PolicyMapSpec const& ) const = default;
+   std::optional< ClassDef > classDefault;
+   bool operator==( PolicyMapDef const& ) const = default;
 };
 
 // ---- Service policies
 
 // A policy map applied in a direction to interfaces; a LAG member is the pair of the Ethernet
 // interface and its port-channel.
-struct ServicePolicySpec {
+struct ServicePolicyDef {
    Qos::ServicePolicyKey key;
    std::vector< Qos::IntfPairKey > interfaces;
-   bool operator==( ServicePolicySpec const& ) const = default;
+   bool operator==( ServicePolicyDef const& ) const = default;
 };
 
 // ---- Changes
@@ -215,10 +215,10 @@ struct FaultSwitch {
    bool on = true;
 };
 
-// A spec adds what it names or replaces it; a removal removes it.
+// A definition adds what it names or replaces it; a removal removes it.
 using ChangeValue =
-      std::variant< AclSpec, AclRemoval, ClassMapSpec, ClassMapRemoval, NamedPolicerSpec,
-                    NamedPolicerRemoval, PolicyMapSpec, PolicyMapRemoval, ServicePolicySpec,
+      std::variant< AclDef, AclRemoval, ClassMapDef, ClassMapRemoval, NamedPolicerDef,
+                    NamedPolicerRemoval, PolicyMapDef, PolicyMapRemoval, ServicePolicyDef,
                     ServicePolicyRemoval, Attachment, InterfacePresence, CounterRequest,
                     TrafficSpec, ClearRequest, FaultSwitch >;
 

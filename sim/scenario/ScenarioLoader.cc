@@ -42,11 +42,11 @@ void initialList( YAML::Node const& doc, char const* key, YamlReader const& yaml
    yaml.checkSequence( list, key );
    std::set< std::string > seen;
    for( YAML::Node const& item : list ) {
-      auto spec = read( item );
-      std::string const text = keyOf( spec );
+      auto def = read( item );
+      std::string const text = keyOf( def );
       if( !seen.insert( text ).second )
          yaml.fail( item, key + std::string( ": " ) + text + " given twice" );
-      out.push_back( { YamlReader::whereOf( item ), std::move( spec ) } );
+      out.push_back( { YamlReader::whereOf( item ), std::move( def ) } );
    }
 }
 
@@ -59,23 +59,23 @@ void readInitial( YAML::Node const& doc, YamlReader const& yaml, StepReader cons
    }
    initialList(
          doc, "acls", yaml, [ & ]( auto const& n ) { return reader.acls().acl( n ); },
-         []( AclSpec const& a ) { return aclText( a.family, a.name ); }, out );
+         []( AclDef const& a ) { return aclText( a.family, a.name ); }, out );
    initialList(
          doc, "classMaps", yaml,
          [ & ]( auto const& n ) { return reader.classMaps().classMap( n ); },
-         []( ClassMapSpec const& c ) { return classMapText( c.type, c.name ); }, out );
+         []( ClassMapDef const& c ) { return classMapText( c.type, c.name ); }, out );
    initialList(
          doc, "namedPolicers", yaml,
          [ & ]( auto const& n ) { return reader.policies().namedPolicer( n ); },
-         []( NamedPolicerSpec const& p ) { return namedPolicerText( p.name ); }, out );
+         []( NamedPolicerDef const& p ) { return namedPolicerText( p.name ); }, out );
    initialList(
          doc, "policyMaps", yaml,
          [ & ]( auto const& n ) { return reader.policies().policyMap( n ); },
-         []( PolicyMapSpec const& p ) { return policyMapText( p.type, p.name ); }, out );
+         []( PolicyMapDef const& p ) { return policyMapText( p.type, p.name ); }, out );
    initialList(
          doc, "servicePolicies", yaml,
          [ & ]( auto const& n ) { return reader.servicePolicies().servicePolicy( n ); },
-         []( ServicePolicySpec const& s ) { return servicePolicyText( s.key ); }, out );
+         []( ServicePolicyDef const& s ) { return servicePolicyText( s.key ); }, out );
 }
 
 void readSteps( YAML::Node const& doc, YamlReader const& yaml, StepReader const& reader,

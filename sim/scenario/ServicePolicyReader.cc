@@ -4,9 +4,9 @@
 
 namespace Sim {
 
-ServicePolicySpec ServicePolicyReader::servicePolicy( YAML::Node const& node ) const {
+ServicePolicyDef ServicePolicyReader::servicePolicy( YAML::Node const& node ) const {
    yaml_.checkMapping( node, "service policy", { "policyMap", "type", "direction", "interfaces" } );
-   ServicePolicySpec sp;
+   ServicePolicyDef sp;
    sp.key = key( node );
    if( auto const i = node[ "interfaces" ] ) sp.interfaces = intfPairs( i, "interfaces" );
    return sp;

@@ -10,7 +10,7 @@ class ServicePolicyReader {
  public:
    explicit ServicePolicyReader( YamlReader const& yaml ) : yaml_( yaml ) {}
 
-   ServicePolicySpec servicePolicy( YAML::Node const& node ) const;
+   ServicePolicyDef servicePolicy( YAML::Node const& node ) const;
    // The policyMap, type (default qos) and direction (default input) keys of a checked mapping.
    Qos::ServicePolicyKey key( YAML::Node const& node ) const;
 

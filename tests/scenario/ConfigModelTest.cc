@@ -16,19 +16,19 @@ Qos::IntfPairKey intf( char const* name ) {
 class ConfigModelTest : public ::testing::Test {
  protected:
    void SetUp() override {
-      model.apply( Sim::AclSpec{ Sim::AclFamily::ipv4, "A", {}, {}, {} } );
-      Sim::ClassMapSpec cmap;
+      model.apply( Sim::AclDef{ Sim::AclFamily::ipv4, "A", {}, {}, {} } );
+      Sim::ClassMapDef cmap;
       cmap.name = "c";
-      Sim::MatchSpec match;
+      Sim::MatchDef match;
       match.option = Qos::matchOptionIpAcl;
       match.acl = "A";
       cmap.matches.push_back( match );
       model.apply( cmap );
-      Sim::PolicyMapSpec pmap;
+      Sim::PolicyMapDef pmap;
       pmap.name = "p";
-      pmap.classes.push_back( Sim::ClassSpec{ "c", {}, {}, false } );
+      pmap.classes.push_back( Sim::ClassDef{ "c", {}, {}, false } );
       model.apply( pmap );
-      model.apply( Sim::ServicePolicySpec{ spKey( "p" ), { intf( "Ethernet1" ) } } );
+      model.apply( Sim::ServicePolicyDef{ spKey( "p" ), { intf( "Ethernet1" ) } } );
    }
    Sim::ConfigModel model;
 };
@@ -46,9 +46,9 @@ TEST_F( ConfigModelTest, ARefusedAttachmentAddsNoneOfItsInterfaces ) {
 }
 
 TEST_F( ConfigModelTest, ARefusedDefinitionLeavesTheOldOneStanding ) {
-   Sim::ClassMapSpec broken;
+   Sim::ClassMapDef broken;
    broken.name = "c";
-   Sim::MatchSpec match;
+   Sim::MatchDef match;
    match.option = Qos::matchOptionIpv6Acl;
    match.acl = "A";
    broken.matches.push_back( match );

@@ -43,18 +43,18 @@ TEST( ScenarioLoaderTest, TheEdgeExampleReadsAsWritten ) {
    EXPECT_EQ( s.chip.policers, 1024u ) << "unwritten keys keep the chip's defaults";
    ASSERT_EQ( s.initial.size(), 1u + 3 + 3 + 1 + 1 + 1 );
    EXPECT_EQ( valueOf< Sim::InterfacePresence >( s.initial[ 0 ] ).interfaces.size(), 5u );
-   auto const& voice = valueOf< Sim::AclSpec >( s.initial[ 1 ] );
+   auto const& voice = valueOf< Sim::AclDef >( s.initial[ 1 ] );
    ASSERT_EQ( voice.ipv4Rules.size(), 2u );
    EXPECT_EQ( voice.ipv4Rules[ 0 ].sequence, 10u );
    EXPECT_EQ( voice.ipv4Rules[ 1 ].sequence, 20u );
    EXPECT_EQ( textOf( voice.ipv4Rules[ 0 ].rule ),
               "permit proto 17 10.0.0.0/8 any range 16384 32767" );
-   auto const& voice6 = valueOf< Sim::AclSpec >( s.initial[ 2 ] );
+   auto const& voice6 = valueOf< Sim::AclDef >( s.initial[ 2 ] );
    EXPECT_EQ( voice6.family, Sim::AclFamily::ipv6 );
    EXPECT_EQ( textOf( voice6.ipv6Rules.at( 0 ).rule ),
               "permit proto 17 2001:db8::/32 any range 16384 32767" );
 
-   auto const& pmap = valueOf< Sim::PolicyMapSpec >( s.initial[ 8 ] );
+   auto const& pmap = valueOf< Sim::PolicyMapDef >( s.initial[ 8 ] );
    ASSERT_EQ( pmap.classes.size(), 3u );
    EXPECT_EQ( pmap.classes[ 0 ].actions,
               ( Sim::Actions{ { Qos::actionSetDscp_, 46 }, { Qos::actionSetTc_, 5 } } ) );
@@ -64,7 +64,7 @@ TEST( ScenarioLoaderTest, TheEdgeExampleReadsAsWritten ) {
    ASSERT_TRUE( pmap.classDefault );
    EXPECT_EQ( pmap.classDefault->actions, ( Sim::Actions{ { Qos::actionSetDscp_, 0 } } ) );
 
-   auto const& sp = valueOf< Sim::ServicePolicySpec >( s.initial[ 9 ] );
+   auto const& sp = valueOf< Sim::ServicePolicyDef >( s.initial[ 9 ] );
    EXPECT_EQ( sp.key, Qos::ServicePolicyKey( Qos::mapQos_, Qos::directionInput_, "edge-in" ) );
    EXPECT_EQ( sp.interfaces.at( 2 ),
               Qos::IntfPairKey( Mirel::IntfId( "Ethernet4" ), Mirel::IntfId( "Port-Channel10" ) ) );
@@ -76,7 +76,7 @@ TEST( ScenarioLoaderTest, TheEdgeExampleReadsAsWritten ) {
    EXPECT_EQ( traffic.packets, 5000u );
    EXPECT_EQ( traffic.bytes, 6000000u );
    EXPECT_EQ( valueOf< Sim::Attachment >( s.steps[ 1 ].changes[ 1 ] ).attach, false );
-   EXPECT_EQ( valueOf< Sim::NamedPolicerSpec >( s.steps[ 2 ].changes[ 1 ] ).rates.cir, 40000u );
+   EXPECT_EQ( valueOf< Sim::NamedPolicerDef >( s.steps[ 2 ].changes[ 1 ] ).rates.cir, 40000u );
 }
 
 TEST( ScenarioLoaderTest, TheTcamExampleTakesItsRulesFromClassBench ) {
@@ -87,7 +87,7 @@ TEST( ScenarioLoaderTest, TheTcamExampleTakesItsRulesFromClassBench ) {
    EXPECT_EQ( s.chip.faults[ 0 ].atEntries, 24u );
    EXPECT_EQ( s.faultNames, std::vector< std::string >{ "slice-full" } );
 
-   auto const& bulk = valueOf< Sim::AclSpec >( s.initial[ 1 ] );
+   auto const& bulk = valueOf< Sim::AclDef >( s.initial[ 1 ] );
    auto const set =
          Sim::readClassBench( std::filesystem::path( NEVQOS_CLASSBENCH_DIR ) / "acl1_1k" );
    ASSERT_EQ( bulk.ipv4Rules.size(), 40u );
@@ -121,7 +121,7 @@ TEST( ScenarioLoaderTest, TheDocumentedExampleLoads ) {
    ASSERT_NE( end, std::string::npos );
    auto const s = loaded( text.substr( begin + 8, end - begin - 8 ) );
    EXPECT_EQ( s.description, "Voice marking at the edge" );
-   EXPECT_EQ( valueOf< Sim::NamedPolicerSpec >( s.initial.at( 3 ) ).rates.bcUnit,
+   EXPECT_EQ( valueOf< Sim::NamedPolicerDef >( s.initial.at( 3 ) ).rates.bcUnit,
               Qos::burstUnitKbytes_ );
    EXPECT_EQ( s.chip.faults.at( 0 ).from, 3.0 );
    EXPECT_EQ( s.steps.size(), 3u );
@@ -151,7 +151,7 @@ TEST( ScenarioLoaderTest, RulesReadAsTheirAccessListLines ) {
    for( auto const& c : cases ) {
       SCOPED_TRACE( c.yaml );
       auto const s = loaded( std::string( "acls: [ { name: A, rules: [ " ) + c.yaml + " ] } ]" );
-      EXPECT_EQ( textOf( valueOf< Sim::AclSpec >( s.initial.at( 0 ) ).ipv4Rules.at( 0 ).rule ),
+      EXPECT_EQ( textOf( valueOf< Sim::AclDef >( s.initial.at( 0 ) ).ipv4Rules.at( 0 ).rule ),
                  c.line );
    }
 }
@@ -161,11 +161,11 @@ TEST( ScenarioLoaderTest, SequenceNumbersFollowTheLastGiven ) {
          "acls: [ { name: A, rules: [ {}, { seq: 15 }, {} ] },\n"
          "        { name: M, type: mac,\n"
          "          rules: [ { etherType: 0x8847, mplsLabel: 0xfffff } ] } ]" );
-   auto const& a = valueOf< Sim::AclSpec >( s.initial.at( 0 ) );
+   auto const& a = valueOf< Sim::AclDef >( s.initial.at( 0 ) );
    ASSERT_EQ( a.ipv4Rules.size(), 3u );
    EXPECT_EQ( a.ipv4Rules[ 1 ].sequence, 15u );
    EXPECT_EQ( a.ipv4Rules[ 2 ].sequence, 25u );
-   auto const& mac = valueOf< Sim::AclSpec >( s.initial.at( 1 ) );
+   auto const& mac = valueOf< Sim::AclDef >( s.initial.at( 1 ) );
    ASSERT_EQ( mac.macRules.size(), 1u );
    EXPECT_EQ( mac.macRules[ 0 ].rule.filter.etherType, 0x8847 );
    EXPECT_EQ( mac.macRules[ 0 ].rule.filter.mplsLabel(), 0xfffffu );
@@ -185,7 +185,7 @@ classMaps:
   - name: d
     match: { vlan: [ 10, 20-30 ], cos: 7, dscp: ef }
 )" );
-   auto const& c = valueOf< Sim::ClassMapSpec >( s.initial.at( 1 ) );
+   auto const& c = valueOf< Sim::ClassMapDef >( s.initial.at( 1 ) );
    ASSERT_EQ( c.matches.size(), 5u );
    EXPECT_EQ( c.matches[ 0 ].option, Qos::matchOptionMac );
    EXPECT_EQ( c.matches[ 0 ].acl, "M" );
@@ -198,7 +198,7 @@ classMaps:
    EXPECT_EQ( c.matches[ 2 ].ecn, Acl::ecnEct );
    EXPECT_EQ( c.matches[ 3 ].trafficClasses, ( std::vector< Sim::Span >{ { 2, 3 } } ) );
    EXPECT_EQ( c.matches[ 4 ].builtIn, "lldp" );
-   auto const& d = valueOf< Sim::ClassMapSpec >( s.initial.at( 2 ) );
+   auto const& d = valueOf< Sim::ClassMapDef >( s.initial.at( 2 ) );
    EXPECT_FALSE( d.matches.at( 0 ).vlanMasked );
    EXPECT_EQ( d.matches[ 0 ].vlans, ( std::vector< Sim::Span >{ { 10, 10 }, { 20, 30 } } ) );
    EXPECT_EQ( d.matches.at( 2 ).dscp, 46u );
@@ -211,18 +211,18 @@ namedPolicers:
   - { name: pkt, cir: 100, cirUnit: pps, bc: 10, pir: 200 }
   - { name: byte, cir: 2, cirUnit: mbps, bc: 3, bcUnit: kbytes, pir: 4, be: 5 }
 )" );
-   auto const& pkt = valueOf< Sim::NamedPolicerSpec >( s.initial.at( 0 ) ).rates;
+   auto const& pkt = valueOf< Sim::NamedPolicerDef >( s.initial.at( 0 ) ).rates;
    EXPECT_EQ( pkt.bcUnit, Qos::burstUnitPackets_ );
    EXPECT_EQ( pkt.pirUnit, Qos::rateUnitPps_ );
    EXPECT_EQ( pkt.be, 10u ) << "the excess burst defaults to the committed one";
    EXPECT_EQ( pkt.beUnit, Qos::burstUnitPackets_ );
-   auto const& byte = valueOf< Sim::NamedPolicerSpec >( s.initial.at( 1 ) ).rates;
+   auto const& byte = valueOf< Sim::NamedPolicerDef >( s.initial.at( 1 ) ).rates;
    EXPECT_EQ( byte.pirUnit, Qos::rateUnitMbps_ );
    EXPECT_EQ( byte.beUnit, Qos::burstUnitKbytes_ );
    EXPECT_EQ( byte.be, 5u );
 }
 
-TEST( ScenarioLoaderTest, ChipKeysAndFaultsFillTheChipSpec ) {
+TEST( ScenarioLoaderTest, ChipKeysAndFaultsDescribeTheChip ) {
    auto const s = loaded( R"(
 chip:
   tcamMode: asynchronous
