@@ -1,0 +1,29 @@
+// The chip section of a scenario: capabilities, resource sizes, TCAM mode and faults, read into
+// the ChipSpec the reference chip is built from.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "sim/chip/ChipSpec.h"
+#include "sim/scenario/YamlReader.h"
+
+namespace Sim {
+
+class ChipReader {
+ public:
+   explicit ChipReader( YamlReader const& yaml ) : yaml_( yaml ) {}
+
+   // Fills `chip` from the section; `faultNames` gets the name of each fault, empty for an
+   // unnamed one.
+   void chip( YAML::Node const& node, ChipSpec& chip,
+              std::vector< std::string >& faultNames ) const;
+
+ private:
+   FaultSpec fault( YAML::Node const& node, std::string& name ) const;
+   void faultDetails( YAML::Node const& node, FaultSpec& fault ) const;
+
+   YamlReader const& yaml_;
+};
+
+}  // namespace Sim

@@ -1,0 +1,87 @@
+// The configuration as it stands after the changes applied so far, and the rules every change
+// must keep: whatever it names exists, whatever it removes is no longer used, and nothing in it
+// would stop the engine (mixed policer modes, a named policer in a control-plane map). The
+// loader runs a scenario through one to find the first change that breaks a rule; the publisher
+// runs each step through a copy before it writes a single entity.
+#pragma once
+
+#include <cstddef>
+#include <map>
+#include <set>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "sim/scenario/Scenario.h"
+
+namespace Sim {
+
+// Why a policer's rates can't be used, or empty: packet mode (pps, packets) and byte mode must
+// not mix, and a policer needs a committed rate.
+std::string policerRatesProblem( PolicerRates const& rates );
+
+class ConfigModel {
+ public:
+   // A change that breaks a rule; what() is the problem.
+   class Refusal : public std::runtime_error {
+    public:
+      using std::runtime_error::runtime_error;
+   };
+   using AclKey = std::pair< AclFamily, std::string >;
+   using MapKey = std::pair< Qos::MapType, std::string >;
+
+   // `faults` is the number of the chip's faults a fault switch may name.
+   explicit ConfigModel( std::size_t faults = 0 ) : faults_( faults ) {}
+   void faultsIs( std::size_t faults ) { faults_ = faults; }
+
+   // Applies one change, or throws Refusal and leaves the model as it was.
+   void apply( ChangeValue const& change );
+
+   std::map< AclKey, AclDef > const& acls() const { return acls_; }
+   std::map< MapKey, ClassMapDef > const& classMaps() const { return classMaps_; }
+   std::map< std::string, NamedPolicerDef > const& namedPolicers() const { return namedPolicers_; }
+   std::map< MapKey, PolicyMapDef > const& policyMaps() const { return policyMaps_; }
+   std::map< Qos::ServicePolicyKey, ServicePolicyDef > const& servicePolicies() const {
+      return servicePolicies_;
+   }
+   std::set< Mirel::IntfId > const& interfaces() const { return interfaces_; }
+
+   // Who uses what, in key order.
+   std::vector< MapKey > classMapsUsing( AclKey const& acl ) const;
+   std::vector< MapKey > policyMapsUsingClassMap( MapKey const& cmap ) const;
+   std::vector< MapKey > policyMapsUsingPolicer( std::string const& named ) const;
+   std::vector< Qos::ServicePolicyKey > servicePoliciesOf( MapKey const& pmap ) const;
+
+ private:
+   void put( AclDef const& acl );
+   void put( AclRemoval const& removal );
+   void put( ClassMapDef const& cmap );
+   void put( ClassMapRemoval const& removal );
+   void put( NamedPolicerDef const& policer );
+   void put( NamedPolicerRemoval const& removal );
+   void put( PolicyMapDef const& pmap );
+   void put( PolicyMapRemoval const& removal );
+   void put( ServicePolicyDef const& sp );
+   void put( ServicePolicyRemoval const& removal );
+   void put( Attachment const& attachment );
+   void put( InterfacePresence const& presence );
+   void put( CounterRequest const& request );
+   void put( TrafficSpec const& traffic );
+   void put( ClearRequest const& ) {}
+   void put( FaultSwitch const& fault );
+
+   void checkMatch( ClassMapDef const& cmap, MatchDef const& match ) const;
+   void checkClass( PolicyMapDef const& pmap, ClassDef const& cls ) const;
+   ServicePolicyDef& servicePolicy( Qos::ServicePolicyKey const& key );
+
+   std::size_t faults_;
+   std::map< AclKey, AclDef > acls_;
+   std::map< MapKey, ClassMapDef > classMaps_;
+   std::map< std::string, NamedPolicerDef > namedPolicers_;
+   std::map< MapKey, PolicyMapDef > policyMaps_;
+   std::map< Qos::ServicePolicyKey, ServicePolicyDef > servicePolicies_;
+   std::set< Mirel::IntfId > interfaces_;
+};
+
+}  // namespace Sim

@@ -1,0 +1,190 @@
+#include "sim/scenario/ConfigPublisher.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "entities/CounterConfig.h"
+#include "sim/scenario/ConfigDiff.h"
+#include "sim/scenario/EntityWriter.h"
+#include "sim/scenario/ScenarioError.h"
+#include "sim/scenario/ScenarioNames.h"
+#include "zub/Assert.h"
+
+namespace Sim {
+
+namespace {
+
+// Changes that ask for something at a moment rather than configure.
+bool isRequest( ChangeValue const& value ) {
+   return std::holds_alternative< CounterRequest >( value ) ||
+          std::holds_alternative< TrafficSpec >( value ) ||
+          std::holds_alternative< ClearRequest >( value ) ||
+          std::holds_alternative< FaultSwitch >( value );
+}
+
+bool contains( std::vector< ConfigModel::MapKey > const& keys, ConfigModel::MapKey const& key ) {
+   return std::find( keys.begin(), keys.end(), key ) != keys.end();
+}
+
+ConfigModel::MapKey pmapKeyOf( Qos::ServicePolicyKey const& key ) {
+   return { key.type(), key.pmapName().str().stdString() };
+}
+
+bool has( std::vector< Qos::IntfPairKey > const& intfs, Qos::IntfPairKey const& intf ) {
+   return std::find( intfs.begin(), intfs.end(), intf ) != intfs.end();
+}
+
+}  // namespace
+
+ConfigPublisher::ConfigPublisher( EngineInputs inputs, std::string file )
+    : in_( std::move( inputs ) ), file_( std::move( file ) ) {
+   ZUB_ASSERT( in_.qosStatus && in_.aclConfig && in_.aclHwStatus && in_.hwStatus &&
+               in_.counterConfigDir && in_.ncsd );
+}
+
+void ConfigPublisher::chipIs( ChipSpec const& chip ) {
+   capabilitiesIs( *in_.aclHwStatus, *in_.hwStatus, chip );
+   model_.faultsIs( chip.faults.size() );
+}
+
+void ConfigPublisher::initialIs( std::vector< Change > const& changes ) {
+   for( Change const& change : changes ) {
+      if( isRequest( change.value ) ) {
+         throw ScenarioError( file_, change.where,
+                              "the starting configuration can't hold a request; put it in a "
+                              "step" );
+      }
+   }
+   publish( checked( changes ) );
+   in_.ncsd->intfsReadyIs( true );
+}
+
+void ConfigPublisher::stepIs( Step const& step ) {
+   if( step.time <= lastTime_ ) {
+      throw ScenarioError( file_, step.where,
+                           "a step at " + secondsText( step.time ) +
+                                 " s does not come after the last, at " + secondsText( lastTime_ ) +
+                                 " s" );
+   }
+   ConfigModel after = checked( step.changes );
+   lastTime_ = step.time;
+   publish( std::move( after ) );
+   requestsIs( step.changes, step.time );
+   in_.qosStatus->configVersionUpdateTimeIs( step.time );
+}
+
+ConfigModel ConfigPublisher::checked( std::vector< Change > const& changes ) const {
+   ConfigModel after = model_;
+   for( Change const& change : changes ) {
+      try {
+         after.apply( change.value );
+      } catch( ConfigModel::Refusal const& r ) {
+         throw ScenarioError( file_, change.where, r.what() );
+      }
+      checkCounterClient( change );
+   }
+   return after;
+}
+
+// A client's counter configuration goes in the directory under its name; another kind of
+// entity there under that name is in the way.
+void ConfigPublisher::checkCounterClient( Change const& change ) const {
+   auto const* request = std::get_if< CounterRequest >( &change.value );
+   if( !request ) return;
+   auto const entity = in_.counterConfigDir->entityPtr( Zub::Name( request->client ) );
+   if( entity && !Zub::dynamicPtrCast< Qos::CounterConfig >( entity ) ) {
+      throw ScenarioError(
+            file_, change.where,
+            "the counter directory holds something else under '" + request->client + "'" );
+   }
+}
+
+void ConfigPublisher::publish( ConfigModel after ) {
+   ConfigDiff const diff = diffOf( model_, after );
+   ConfigModel const before = std::exchange( model_, std::move( after ) );
+   for( Mirel::IntfId intf : diff.interfacesAdded )
+      in_.ncsd->intfIs( intf, true );
+   definitionsIs( diff );
+   servicePoliciesIs( before, diff.policyMaps );
+   removalsIs( diff );
+   for( Mirel::IntfId intf : diff.interfacesRemoved )
+      in_.ncsd->intfDel( intf );
+}
+
+// Access lists, class maps, named policers and policy maps that are new or changed; each policy
+// map that changed gets a new version.
+void ConfigPublisher::definitionsIs( ConfigDiff const& diff ) {
+   for( auto const& key : diff.acls )
+      aclIs( *in_.aclConfig, model_.acls().at( key ) );
+   for( auto const& key : diff.classMaps )
+      classMapIs( *in_.qosStatus, model_.classMaps().at( key ) );
+   for( auto const& name : diff.namedPolicers ) {
+      auto const& moved = diff.policerParamsMoved;
+      bool const paramsMoved = std::find( moved.begin(), moved.end(), name ) != moved.end();
+      namedPolicerIs( *in_.qosStatus, model_.namedPolicers().at( name ), paramsMoved );
+   }
+   for( auto const& key : diff.policyMaps ) {
+      policyMapIs( *in_.qosStatus, model_.policyMaps().at( key ), model_ );
+      auto const types = in_.qosStatus->pmapType( key.first );
+      ZUB_ASSERT( types );
+      auto const pmap = types->pmap( Zub::Name( key.second ) );
+      ZUB_ASSERT( pmap );
+      pmap->versionIs( pmap->version() + 1 );
+   }
+}
+
+// Service policies that go, those that stay (interfaces out, new version, interfaces in), and
+// those that come.
+void ConfigPublisher::servicePoliciesIs( ConfigModel const& before,
+                                         std::vector< ConfigModel::MapKey > const& changedPmaps ) {
+   Qos::Status& status = *in_.qosStatus;
+   for( auto const& [ key, sp ] : before.servicePolicies() ) {
+      if( !model_.servicePolicies().contains( key ) ) status.servicePolicyStatusDel( key );
+   }
+   for( auto const& [ key, sp ] : model_.servicePolicies() ) {
+      auto const old = before.servicePolicies().find( key );
+      auto entity = status.servicePolicyStatusIs( key );
+      if( old != before.servicePolicies().end() ) {
+         for( auto const& intf : old->second.interfaces ) {
+            if( !has( sp.interfaces, intf ) ) entity->intfIdsDel( intf );
+         }
+         if( contains( changedPmaps, pmapKeyOf( key ) ) )
+            entity->versionIs( entity->version() + 1 );
+      }
+      for( auto const& intf : sp.interfaces )
+         entity->intfIdsIs( intf, true );
+   }
+}
+
+void ConfigPublisher::removalsIs( ConfigDiff const& diff ) {
+   for( auto const& [ type, name ] : diff.policyMapsRemoved ) {
+      auto const types = in_.qosStatus->pmapType( type );
+      ZUB_ASSERT( types );
+      types->pmapDel( Zub::Name( name ) );
+   }
+   for( auto const& name : diff.namedPolicersRemoved )
+      in_.qosStatus->namedPolicerDel( Zub::Name( name ) );
+   for( auto const& [ type, name ] : diff.classMapsRemoved )
+      classMapDel( *in_.qosStatus, type, name );
+   for( auto const& [ family, name ] : diff.aclsRemoved )
+      aclDel( *in_.aclConfig, family, name );
+}
+
+void ConfigPublisher::requestsIs( std::vector< Change > const& changes, Zub::Seconds time ) {
+   for( Change const& change : changes ) {
+      if( auto const* request = std::get_if< CounterRequest >( &change.value ) ) {
+         Zub::Name const name( request->client );
+         auto config =
+               Zub::dynamicPtrCast< Qos::CounterConfig >( in_.counterConfigDir->entityPtr( name ) );
+         if( !config ) {
+            config = Zub::make< Qos::CounterConfig >( name );
+            in_.counterConfigDir->entityPtrIs( name, config );
+         }
+         config->pmapCounterUpdateRequestTimeIs( time );
+      } else if( std::holds_alternative< ClearRequest >( change.value ) ) {
+         in_.qosStatus->clearHwStatusErrorRequestTimeIs( time );
+      }
+   }
+}
+
+}  // namespace Sim

@@ -1,0 +1,78 @@
+// Publishes a scenario's configuration into the engine's input entities the way the switch's
+// configuration agents would: the chip's capabilities first, then the starting configuration,
+// then each step. A step is checked whole against the configuration it changes before any
+// entity is written, so a bad step leaves every entity as it was. Then what the step changed is
+// written in an order in which every name in use stands: interfaces that appear, access lists,
+// class maps, named policers, policy maps, service policies, removals, interfaces that vanish,
+// counter and clear requests, and last configVersionUpdateTime.
+//
+// A policy map whose configuration changed (itself, a class map it uses, an access list one of
+// those uses, or the sharing of a named policer it uses) gets a new version, and so does every
+// service policy that already applied it; a named policer whose parameters changed gets a new
+// paramChangeVersion, which the engine applies in place. Traffic and fault switches are for the
+// chip and write nothing here.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "entities/AclConfig.h"
+#include "entities/AclHwStatus.h"
+#include "entities/HwStatus.h"
+#include "entities/QosStatus.h"
+#include "nev/NevCommonSmData.h"
+#include "sim/scenario/ConfigModel.h"
+#include "zub/Entity.h"
+
+namespace Sim {
+
+struct ConfigDiff;
+
+// The inputs of the engine that configuration reaches.
+struct EngineInputs {
+   Zub::Ptr< Qos::Status > qosStatus;
+   Zub::Ptr< Acl::Config > aclConfig;
+   Zub::Ptr< Qos::AclHwStatus > aclHwStatus;
+   Zub::Ptr< Qos::HwStatus > hwStatus;
+   // Of Qos::CounterConfig, by client name.
+   Zub::Ptr< Zub::Dir > counterConfigDir;
+   // Its interface list.
+   Zub::Ptr< Nev::NevCommonSmData > ncsd;
+};
+
+class ConfigPublisher {
+ public:
+   // `file` names the scenario in messages.
+   ConfigPublisher( EngineInputs inputs, std::string file );
+
+   // The capabilities and police limits, as the chip's driver publishes them; the number of
+   // faults a fault switch may name.
+   void chipIs( ChipSpec const& chip );
+   // The starting configuration, before any step; it may hold no requests. The interface list
+   // is then complete (intfsReady).
+   void initialIs( std::vector< Change > const& changes );
+   // One step, stamped with its time. Throws ScenarioError, having written nothing, for a step
+   // that is not later than the last or has a change the configuration refuses.
+   void stepIs( Step const& step );
+
+   // The configuration as published so far.
+   ConfigModel const& model() const { return model_; }
+
+ private:
+   ConfigModel checked( std::vector< Change > const& changes ) const;
+   void checkCounterClient( Change const& change ) const;
+   // Makes `after` the published configuration.
+   void publish( ConfigModel after );
+   void definitionsIs( ConfigDiff const& diff );
+   void servicePoliciesIs( ConfigModel const& before,
+                           std::vector< ConfigModel::MapKey > const& changedPmaps );
+   void removalsIs( ConfigDiff const& diff );
+   void requestsIs( std::vector< Change > const& changes, Zub::Seconds time );
+
+   EngineInputs in_;
+   std::string file_;
+   ConfigModel model_;
+   Zub::Seconds lastTime_ = 0.0;
+};
+
+}  // namespace Sim

@@ -1,0 +1,251 @@
+// A scenario for the simulated switch: the chip, the configuration the switch starts with, and a
+// timed list of steps that change it. Plain values: ScenarioLoader reads them from a YAML file
+// (docs/scenario.md), ConfigModel checks that each change makes sense where it stands, and
+// ConfigPublisher writes the configuration into the engine's input entities.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "entities/AclRuleConfig.h"
+#include "entities/ClassMapStatus.h"
+#include "entities/QosTypes.h"
+#include "mirel/IntfId.h"
+#include "sim/chip/ChipSpec.h"
+#include "zub/Entity.h"
+
+namespace Sim {
+
+// Where something was written in the scenario file, 1-based; line 0 when it was not read from a
+// file (a scenario built in code).
+struct Where {
+   int line = 0;
+   int column = 0;
+};
+
+// ---- Access lists
+
+enum class AclFamily { ipv4, ipv6, mac };
+
+template< class Rule >
+struct SequencedRule {
+   std::uint32_t sequence = 0;
+   Rule rule;
+   bool operator==( SequencedRule const& ) const = default;
+};
+
+// One access list; only the rules of its family are used. Rules are kept in ascending sequence
+// order.
+struct AclDef {
+   AclFamily family = AclFamily::ipv4;
+   std::string name;
+   std::vector< SequencedRule< Acl::IpRuleConfig > > ipv4Rules;
+   std::vector< SequencedRule< Acl::Ip6RuleConfig > > ipv6Rules;
+   std::vector< SequencedRule< Acl::MacRuleConfig > > macRules;
+   bool operator==( AclDef const& ) const = default;
+};
+
+// ---- Class maps
+
+// Numbers from low to high, both included.
+struct Span {
+   unsigned low = 0;
+   unsigned high = 0;
+   bool operator==( Span const& ) const = default;
+};
+
+// One match of a class map. Which fields count depends on the option.
+struct MatchDef {
+   Qos::ClassMapMatchOption option = Qos::matchOptionNone;
+   // matchOptionIpAcl, matchOptionIpv6Acl, matchOptionMac: the access list's name.
+   std::string acl;
+   // matchOptionVlan, matchOptionVlanCos: one value and mask taken as they stand, or ranges.
+   bool vlanMasked = false;
+   std::uint16_t vlan = 0;
+   std::uint16_t vlanMask = 0;
+   std::vector< Span > vlans;
+   // matchOptionCos, matchOptionVlanCos.
+   std::vector< Span > coses;
+   // matchOptionDscpEcn: one DSCP (64 for none) or ranges, and the ECN condition.
+   unsigned dscp = 64;
+   bool dscpByName = false;
+   std::vector< Span > dscps;
+   Acl::Ecn ecn = Acl::ecnDontCare;
+   // matchOptionMplsTrafficClass.
+   std::vector< Span > trafficClasses;
+   // matchOptionBuiltIn.
+   std::string builtIn;
+   bool operator==( MatchDef const& ) const = default;
+};
+
+struct ClassMapDef {
+   Qos::MapType type = Qos::mapQos_;
+   std::string name;
+   // At most one match per option.
+   std::vector< MatchDef > matches;
+   // Control-plane class maps: a static one comes with the system, a dynamic one is the
+   // operator's.
+   Qos::ClassMapCpType cpType = Qos::cmapCpDynamic_;
+   bool operator==( ClassMapDef const& ) const = default;
+};
+
+// The name of the class that takes what no other class of a policy map matched.
+inline constexpr char const* classDefaultName = "class-default";
+
+// ---- Policers and policy maps
+
+// What a class, or a policer's yellow or red colour, does: the action and its value (0 for
+// drop).
+using Actions = std::map< Qos::ActionType, unsigned >;
+
+// Rates and bursts in the operator's units; 0 for `pir` makes a single-rate policer. Packet and
+// byte modes are never mixed.
+struct PolicerRates {
+   std::uint64_t cir = 0;
+   Qos::RateUnit cirUnit = Qos::rateUnitKbps_;
+   std::uint32_t bc = 0;
+   Qos::BurstUnit bcUnit = Qos::burstUnitBytes_;
+   std::uint64_t pir = 0;
+   Qos::RateUnit pirUnit = Qos::rateUnitKbps_;
+   std::uint32_t be = 0;
+   Qos::BurstUnit beUnit = Qos::burstUnitBytes_;
+   bool operator==( PolicerRates const& ) const = default;
+};
+
+struct NamedPolicerDef {
+   std::string name;
+   // One policer in hardware for all interfaces that use it.
+   bool shared = false;
+   PolicerRates rates;
+   bool operator==( NamedPolicerDef const& ) const = default;
+};
+
+// The policer of a class: a named policer, whose rates it takes, or rates of its own.
+struct PoliceDef {
+   std::string named;
+   PolicerRates rates;
+   Actions yellow;
+   Actions red;
+   bool operator==( PoliceDef const& ) const = default;
+};
+
+struct ClassDef {
+   std::string classMap;
+   Actions actions;
+   std::optional< PoliceDef > police;
+   bool count = false;
+   bool operator==( ClassDef const& ) const = default;
+};
+
+struct PolicyMapDef {
+   Qos::MapType type = Qos::mapQos_;
+   std::string name;
+   // One policer and counter for all interfaces of the map.
+   bool shared = false;
+   // In priority order, the first the highest.
+   std::vector< ClassDef > classes;
+   // Its classMap is classDefaultName.
+   std::optional< ClassDef > classDefault;
+   bool operator==( PolicyMapDef const& ) const = default;
+};
+
+// ---- Service policies
+
+// A policy map applied in a direction to interfaces; a LAG member is the pair of the Ethernet
+// interface and its port-channel.
+struct ServicePolicyDef {
+   Qos::ServicePolicyKey key;
+   std::vector< Qos::IntfPairKey > interfaces;
+   bool operator==( ServicePolicyDef const& ) const = default;
+};
+
+// ---- Changes
+
+struct AclRemoval {
+   AclFamily family = AclFamily::ipv4;
+   std::string name;
+};
+struct ClassMapRemoval {
+   Qos::MapType type = Qos::mapQos_;
+   std::string name;
+};
+struct NamedPolicerRemoval {
+   std::string name;
+};
+struct PolicyMapRemoval {
+   Qos::MapType type = Qos::mapQos_;
+   std::string name;
+};
+struct ServicePolicyRemoval {
+   Qos::ServicePolicyKey key;
+};
+// Interfaces joining (attach) or leaving a service policy.
+struct Attachment {
+   Qos::ServicePolicyKey key;
+   std::vector< Qos::IntfPairKey > interfaces;
+   bool attach = true;
+};
+// Interfaces appearing in, or vanishing from, the switch's list of interfaces.
+struct InterfacePresence {
+   std::vector< Mirel::IntfId > interfaces;
+   bool present = true;
+};
+// A counter client asks for fresh policy-map counters.
+struct CounterRequest {
+   std::string client;
+};
+// Packets that reach one class of a policy map on one interface; for the chip's counters.
+struct TrafficSpec {
+   Qos::ServicePolicyKey servicePolicy;
+   std::string classMap;
+   Qos::IntfPairKey intf;
+   std::uint64_t packets = 0;
+   std::uint64_t bytes = 0;
+};
+// The operator clears the hardware error status.
+struct ClearRequest {};
+// One of the chip's faults switched on or off; for the chip.
+struct FaultSwitch {
+   std::size_t fault = 0;
+   bool on = true;
+};
+
+// A definition adds what it names or replaces it; a removal removes it.
+using ChangeValue =
+      std::variant< AclDef, AclRemoval, ClassMapDef, ClassMapRemoval, NamedPolicerDef,
+                    NamedPolicerRemoval, PolicyMapDef, PolicyMapRemoval, ServicePolicyDef,
+                    ServicePolicyRemoval, Attachment, InterfacePresence, CounterRequest,
+                    TrafficSpec, ClearRequest, FaultSwitch >;
+
+struct Change {
+   Where where;
+   ChangeValue value;
+};
+
+// The changes of one moment, in the order written. Times are seconds, above 0 and increasing
+// from step to step.
+struct Step {
+   Zub::Seconds time = 0.0;
+   Where where;
+   std::vector< Change > changes;
+};
+
+struct Scenario {
+   // The file as the loader was given it, for messages.
+   std::string file;
+   std::string description;
+   ChipSpec chip;
+   // The name of each of chip.faults, empty for an unnamed one.
+   std::vector< std::string > faultNames;
+   // The configuration the switch starts with, as the changes that build it: interfaces,
+   // access lists, class maps, named policers, policy maps, service policies.
+   std::vector< Change > initial;
+   std::vector< Step > steps;
+};
+
+}  // namespace Sim

@@ -1,0 +1,151 @@
+#include "sim/scenario/ScenarioLoader.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <set>
+#include <sstream>
+
+#include "sim/scenario/ChipReader.h"
+#include "sim/scenario/ConfigModel.h"
+#include "sim/scenario/StepReader.h"
+
+namespace Sim {
+
+namespace {
+
+std::vector< std::string_view > const topKeys = {
+   "description",   "chip",       "interfaces",      "acls",  "classMaps",
+   "namedPolicers", "policyMaps", "servicePolicies", "steps",
+};
+
+// The one document of the text.
+YAML::Node documentOf( std::string const& text, YamlReader const& yaml ) {
+   std::vector< YAML::Node > docs;
+   try {
+      docs = YAML::LoadAll( text );
+   } catch( YAML::Exception const& e ) {
+      yaml.fail( Where{ e.mark.line + 1, e.mark.column + 1 }, e.msg );
+   }
+   if( docs.size() > 1 ) yaml.fail( docs[ 1 ], "one YAML document per scenario" );
+   if( docs.empty() || docs[ 0 ].IsNull() ) yaml.fail( Where{ 1, 1 }, "the scenario is empty" );
+   return docs[ 0 ];
+}
+
+// Reads the items of one list of the starting configuration as changes; no two may have the
+// same key.
+template< class Read, class KeyOf >
+void initialList( YAML::Node const& doc, char const* key, YamlReader const& yaml, Read const& read,
+                  KeyOf const& keyOf, std::vector< Change >& out ) {
+   auto const list = doc[ key ];
+   if( !list ) return;
+   yaml.checkSequence( list, key );
+   std::set< std::string > seen;
+   for( YAML::Node const& item : list ) {
+      auto def = read( item );
+      std::string const text = keyOf( def );
+      if( !seen.insert( text ).second )
+         yaml.fail( item, key + std::string( ": " ) + text + " given twice" );
+      out.push_back( { YamlReader::whereOf( item ), std::move( def ) } );
+   }
+}
+
+void readInitial( YAML::Node const& doc, YamlReader const& yaml, StepReader const& reader,
+                  std::vector< Change >& out ) {
+   if( auto const intfs = doc[ "interfaces" ] ) {
+      out.push_back( { YamlReader::whereOf( intfs ),
+                       InterfacePresence{ reader.servicePolicies().intfIds( intfs, "interfaces" ),
+                                          true } } );
+   }
+   initialList(
+         doc, "acls", yaml, [ & ]( auto const& n ) { return reader.acls().acl( n ); },
+         []( AclDef const& a ) { return aclText( a.family, a.name ); }, out );
+   initialList(
+         doc, "classMaps", yaml,
+         [ & ]( auto const& n ) { return reader.classMaps().classMap( n ); },
+         []( ClassMapDef const& c ) { return classMapText( c.type, c.name ); }, out );
+   initialList(
+         doc, "namedPolicers", yaml,
+         [ & ]( auto const& n ) { return reader.policies().namedPolicer( n ); },
+         []( NamedPolicerDef const& p ) { return namedPolicerText( p.name ); }, out );
+   initialList(
+         doc, "policyMaps", yaml,
+         [ & ]( auto const& n ) { return reader.policies().policyMap( n ); },
+         []( PolicyMapDef const& p ) { return policyMapText( p.type, p.name ); }, out );
+   initialList(
+         doc, "servicePolicies", yaml,
+         [ & ]( auto const& n ) { return reader.servicePolicies().servicePolicy( n ); },
+         []( ServicePolicyDef const& s ) { return servicePolicyText( s.key ); }, out );
+}
+
+void readSteps( YAML::Node const& doc, YamlReader const& yaml, StepReader const& reader,
+                std::vector< Step >& out ) {
+   auto const steps = doc[ "steps" ];
+   if( !steps ) return;
+   yaml.checkSequence( steps, "steps" );
+   Zub::Seconds after = 0.0;
+   for( YAML::Node const& s : steps ) {
+      out.push_back( reader.step( s, after ) );
+      after = out.back().time;
+   }
+}
+
+// Runs every change through a model in time order: the first that names what doesn't exist,
+// or removes what is still used, fails at its place.
+void checkChanges( Scenario const& scenario ) {
+   ConfigModel model( scenario.chip.faults.size() );
+   auto const apply = [ & ]( Change const& change ) {
+      try {
+         model.apply( change.value );
+      } catch( ConfigModel::Refusal const& r ) {
+         throw ScenarioError( scenario.file, change.where, r.what() );
+      }
+   };
+   for( Change const& change : scenario.initial )
+      apply( change );
+   for( Step const& step : scenario.steps ) {
+      for( Change const& change : step.changes )
+         apply( change );
+   }
+}
+
+Scenario scenarioOf( YAML::Node const& doc, YamlReader const& yaml,
+                     std::filesystem::path const& dir ) {
+   yaml.checkMapping( doc, "scenario", topKeys );
+   Scenario scenario;
+   scenario.file = yaml.file();
+   if( auto const d = doc[ "description" ] ) scenario.description = yaml.text( d, "description" );
+   if( auto const chip = doc[ "chip" ] ) {
+      ChipReader( yaml ).chip( chip, scenario.chip, scenario.faultNames );
+   }
+   StepReader const reader( yaml, dir, scenario.faultNames );
+   readInitial( doc, yaml, reader, scenario.initial );
+   readSteps( doc, yaml, reader, scenario.steps );
+   checkChanges( scenario );
+   return scenario;
+}
+
+}  // namespace
+
+Scenario loadScenario( std::string const& path ) {
+   std::ifstream in( path, std::ios::binary );
+   std::ostringstream text;
+   if( in ) text << in.rdbuf();
+   if( !in || in.bad() ) {
+      throw ScenarioError( path, Where{}, std::string( "cannot read: " ) + std::strerror( errno ) );
+   }
+   return loadScenarioText( text.str(), path );
+}
+
+Scenario loadScenarioText( std::string const& text, std::string const& pretendPath ) {
+   YamlReader const yaml( pretendPath );
+   YAML::Node const doc = documentOf( text, yaml );
+   try {
+      return scenarioOf( doc, yaml, std::filesystem::path( pretendPath ).parent_path() );
+   } catch( YAML::Exception const& e ) {
+      // Reading a well-formed document should not throw; if it does, say where.
+      yaml.fail( Where{ e.mark.line + 1, e.mark.column + 1 }, e.msg );
+   }
+}
+
+}  // namespace Sim

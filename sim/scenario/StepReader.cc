@@ -1,0 +1,159 @@
+#include "sim/scenario/StepReader.h"
+
+#include <algorithm>
+#include <optional>
+
+namespace Sim {
+
+namespace {
+
+std::vector< std::string_view > const changeKinds = {
+   "acl",
+   "removeAcl",
+   "classMap",
+   "removeClassMap",
+   "namedPolicer",
+   "removeNamedPolicer",
+   "policyMap",
+   "removePolicyMap",
+   "servicePolicy",
+   "removeServicePolicy",
+   "attach",
+   "detach",
+   "addInterfaces",
+   "removeInterfaces",
+   "requestCounters",
+   "traffic",
+   "clearErrors",
+   "fault",
+};
+
+}  // namespace
+
+StepReader::StepReader( YamlReader const& yaml, std::filesystem::path const& scenarioDir,
+                        std::vector< std::string > const& faultNames )
+    : yaml_( yaml )
+    , acls_( yaml, scenarioDir )
+    , classMaps_( yaml )
+    , policies_( yaml )
+    , servicePolicies_( yaml )
+    , faultNames_( faultNames ) {}
+
+Step StepReader::step( YAML::Node const& node, Zub::Seconds after ) const {
+   yaml_.checkMapping( node, "step", { "at", "changes" } );
+   Step step;
+   step.where = YamlReader::whereOf( node );
+   auto const at = yaml_.required( node, "at" );
+   step.time = yaml_.seconds( at, "at", 0 );
+   if( step.time <= after ) {
+      yaml_.fail( at, "at: steps come in increasing time after 0; this one is not after " +
+                            secondsText( after ) );
+   }
+   auto const changes = node[ "changes" ];
+   if( !changes ) return step;
+   yaml_.checkSequence( changes, "changes" );
+   for( YAML::Node const& c : changes )
+      step.changes.push_back( change( c ) );
+   return step;
+}
+
+Change StepReader::change( YAML::Node const& node ) const {
+   yaml_.checkMapping( node, "change", changeKinds );
+   if( node.size() != 1 ) yaml_.fail( node, "change: one kind of change per list item" );
+   auto const entry = *node.begin();
+   return { YamlReader::whereOf( node ), value( entry.first.Scalar(), entry.second ) };
+}
+
+ChangeValue StepReader::value( std::string const& kind, YAML::Node const& node ) const {
+   if( kind == "acl" ) return acls_.acl( node );
+   if( kind == "classMap" ) return classMaps_.classMap( node );
+   if( kind == "namedPolicer" ) return policies_.namedPolicer( node );
+   if( kind == "policyMap" ) return policies_.policyMap( node );
+   if( kind == "servicePolicy" ) return servicePolicies_.servicePolicy( node );
+   if( kind == "attach" || kind == "detach" ) return attachment( node, kind == "attach" );
+   if( kind == "addInterfaces" || kind == "removeInterfaces" ) {
+      return InterfacePresence{ servicePolicies_.intfIds( node, kind ), kind == "addInterfaces" };
+   }
+   if( kind == "requestCounters" ) return CounterRequest{ yaml_.text( node, kind ) };
+   if( kind == "traffic" ) return traffic( node );
+   if( kind == "clearErrors" ) {
+      if( !yaml_.flag( node, kind ) )
+         yaml_.fail( node, "clearErrors: write true, or leave it out" );
+      return ClearRequest{};
+   }
+   if( kind == "fault" ) return faultSwitch( node );
+   return removal( kind, node );
+}
+
+// A removal names what it removes by name alone, for the default type (ipv4 access list, qos
+// map, input service policy), or by a mapping.
+ChangeValue StepReader::removal( std::string const& kind, YAML::Node const& node ) const {
+   if( kind == "removeNamedPolicer" ) return NamedPolicerRemoval{ yaml_.text( node, kind ) };
+   if( kind == "removeServicePolicy" ) {
+      if( node.IsScalar() ) {
+         return ServicePolicyRemoval{ Qos::ServicePolicyKey(
+               Qos::mapQos_, Qos::directionInput_, Zub::Name( yaml_.text( node, kind ) ) ) };
+      }
+      yaml_.checkMapping( node, kind, { "policyMap", "type", "direction" } );
+      return ServicePolicyRemoval{ servicePolicies_.key( node ) };
+   }
+   std::string name;
+   std::optional< YAML::Node > type;
+   if( node.IsScalar() ) {
+      name = yaml_.text( node, kind );
+   } else {
+      yaml_.checkMapping( node, kind, { "name", "type" } );
+      name = yaml_.text( yaml_.required( node, "name" ), "name" );
+      if( auto const t = node[ "type" ] ) type = t;
+   }
+   if( kind == "removeAcl" ) {
+      return AclRemoval{ type ? yaml_.choice( *type, "type", aclFamilyNames() ) : AclFamily::ipv4,
+                         name };
+   }
+   Qos::MapType const mapType = type ? yaml_.choice( *type, "type", mapTypeNames() ) : Qos::mapQos_;
+   if( kind == "removeClassMap" ) return ClassMapRemoval{ mapType, name };
+   return PolicyMapRemoval{ mapType, name };
+}
+
+Attachment StepReader::attachment( YAML::Node const& node, bool attach ) const {
+   std::string const what = attach ? "attach" : "detach";
+   yaml_.checkMapping( node, what, { "policyMap", "type", "direction", "interfaces" } );
+   Attachment a;
+   a.key = servicePolicies_.key( node );
+   a.interfaces = servicePolicies_.intfPairs( yaml_.required( node, "interfaces" ), "interfaces" );
+   a.attach = attach;
+   return a;
+}
+
+TrafficSpec StepReader::traffic( YAML::Node const& node ) const {
+   yaml_.checkMapping(
+         node, "traffic",
+         { "policyMap", "type", "direction", "class", "interface", "packets", "bytes" } );
+   TrafficSpec t;
+   t.servicePolicy = servicePolicies_.key( node );
+   t.classMap = yaml_.text( yaml_.required( node, "class" ), "class" );
+   t.intf = servicePolicies_.intfPair( yaml_.required( node, "interface" ), "interface" );
+   t.packets = yaml_.unsignedInteger( yaml_.required( node, "packets" ), "packets", UINT64_MAX );
+   t.bytes = yaml_.unsignedInteger( yaml_.required( node, "bytes" ), "bytes", UINT64_MAX );
+   return t;
+}
+
+FaultSwitch StepReader::faultSwitch( YAML::Node const& node ) const {
+   yaml_.checkMapping( node, "fault", { "name", "index", "on" } );
+   auto const name = node[ "name" ];
+   auto const index = node[ "index" ];
+   if( bool( name ) == bool( index ) ) yaml_.fail( node, "fault: give a name or an index" );
+   FaultSwitch f;
+   f.on = yaml_.flag( yaml_.required( node, "on" ), "on" );
+   if( index ) {
+      f.fault = std::size_t( yaml_.integer( index, "index", 0, INT32_MAX ) );
+      return f;
+   }
+   std::string const text = yaml_.text( name, "name" );
+   auto const it = std::find( faultNames_.begin(), faultNames_.end(), text );
+   if( it == faultNames_.end() ) yaml_.fail( name, "name: the chip has no fault '" + text + "'" );
+   f.fault = std::size_t( it - faultNames_.begin() );
+   return f;
+}
+
+}  // namespace Sim

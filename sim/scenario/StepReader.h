@@ -1,0 +1,46 @@
+// The changes a scenario makes: the timed steps, each a list of single-key mappings whose key
+// says what kind of change it is (acl, removeAcl, policyMap, attach, traffic, ...).
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "sim/scenario/AclReader.h"
+#include "sim/scenario/ClassMapReader.h"
+#include "sim/scenario/PolicyReader.h"
+#include "sim/scenario/ServicePolicyReader.h"
+
+namespace Sim {
+
+class StepReader {
+ public:
+   // A fault switch names a fault by index or by one of `faultNames`.
+   StepReader( YamlReader const& yaml, std::filesystem::path const& scenarioDir,
+               std::vector< std::string > const& faultNames );
+
+   // A step later than `after` seconds.
+   Step step( YAML::Node const& node, Zub::Seconds after ) const;
+   Change change( YAML::Node const& node ) const;
+
+   AclReader const& acls() const { return acls_; }
+   ClassMapReader const& classMaps() const { return classMaps_; }
+   PolicyReader const& policies() const { return policies_; }
+   ServicePolicyReader const& servicePolicies() const { return servicePolicies_; }
+
+ private:
+   ChangeValue value( std::string const& kind, YAML::Node const& node ) const;
+   ChangeValue removal( std::string const& kind, YAML::Node const& node ) const;
+   Attachment attachment( YAML::Node const& node, bool attach ) const;
+   TrafficSpec traffic( YAML::Node const& node ) const;
+   FaultSwitch faultSwitch( YAML::Node const& node ) const;
+
+   YamlReader const& yaml_;
+   AclReader acls_;
+   ClassMapReader classMaps_;
+   PolicyReader policies_;
+   ServicePolicyReader servicePolicies_;
+   std::vector< std::string > const& faultNames_;
+};
+
+}  // namespace Sim

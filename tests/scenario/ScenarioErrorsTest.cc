@@ -1,0 +1,250 @@
+// Scenarios that can't be used: each fails with the file, the line and column of the fault, and
+// the problem.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "sim/scenario/ScenarioLoader.h"
+
+namespace {
+
+std::string errorOf( std::string const& text ) {
+   try {
+      Sim::loadScenarioText( text, "bad.yaml" );
+   } catch( Sim::ScenarioError const& e ) {
+      return e.what();
+   }
+   return "no error";
+}
+
+struct Case {
+   std::string yaml;
+   std::string error;
+};
+
+void expectErrors( std::initializer_list< Case > cases ) {
+   for( Case const& c : cases ) {
+      SCOPED_TRACE( c.yaml );
+      EXPECT_EQ( errorOf( c.yaml ), c.error );
+   }
+}
+
+// What the scenario's top level and its chip section accept.
+std::string const topKeys =
+      "description, chip, interfaces, acls, classMaps, namedPolicers, policyMaps, "
+      "servicePolicies, steps";
+
+TEST( ScenarioErrorsTest, TextThatIsNotOneYamlMapping ) {
+   expectErrors( {
+         { "chip: { tcamMode: synchronous\n", "bad.yaml:2:1: end of map flow not found" },
+         { "chip:\n\t- 1\n", "bad.yaml:2:2: illegal block entry" },
+         { "", "bad.yaml:1:1: the scenario is empty" },
+         { "# only a comment\n", "bad.yaml:1:1: the scenario is empty" },
+         { "chip: {}\n---\nchip: {}\n", "bad.yaml:3:1: one YAML document per scenario" },
+         { "- chip\n", "bad.yaml:1:1: scenario: expected a mapping, found a sequence" },
+   } );
+   EXPECT_EQ( Sim::ScenarioError( "x.yaml", Sim::Where{}, "gone" ).what(),
+              std::string( "x.yaml: gone" ) );
+}
+
+TEST( ScenarioErrorsTest, AFileThatCantBeRead ) {
+   try {
+      Sim::loadScenario( "/nonexistent/none.yaml" );
+      ADD_FAILURE() << "no error";
+   } catch( Sim::ScenarioError const& e ) {
+      EXPECT_EQ( std::string( e.what() ),
+                 "/nonexistent/none.yaml: cannot read: No such file or directory" );
+   }
+}
+
+TEST( ScenarioErrorsTest, UnknownAndRepeatedKeys ) {
+   expectErrors( {
+         { "chips: {}\n",
+           ( "bad.yaml:1:1: scenario: unknown key 'chips' (known: " + topKeys + ")" ) },
+         { "chip: { policers: 1, policers: 2 }\n",
+           "bad.yaml:1:22: chip: key 'policers' given twice" },
+         { "acls: [ { name: A, rules: [ { port: 80 } ] } ]\n",
+           "bad.yaml:1:31: rule: unknown key 'port' (known: seq, action, proto, src, dst, srcPort, "
+           "dstPort, ipLength, dscp, ecn, tcpFlags, established, fragments, icmpType, icmpCode, "
+           "vlan)" },
+         { "chip: { faults: [ { kind: outOfTcam, op: x } ] }\n",
+           "bad.yaml:1:38: fault: unknown key 'op' (known: name, kind, from, until, family, "
+           "atEntries)" },
+         { "steps: [ { at: 1, changes: [ { bounce: Ethernet1 } ] } ]\n",
+           "bad.yaml:1:32: change: unknown key 'bounce' (known: acl, removeAcl, classMap, "
+           "removeClassMap, namedPolicer, removeNamedPolicer, policyMap, removePolicyMap, "
+           "servicePolicy, removeServicePolicy, attach, detach, addInterfaces, "
+           "removeInterfaces, requestCounters, traffic, clearErrors, fault)" },
+         { "steps: [ { at: 1, changes: [ { clearErrors: true, requestCounters: a } ] } ]\n",
+           "bad.yaml:1:30: change: one kind of change per list item" },
+   } );
+}
+
+TEST( ScenarioErrorsTest, ValuesOfTheWrongTypeOrOutOfRange ) {
+   expectErrors( {
+         { "chip:\n  rangeCheckers: [ 1 ]\n",
+           "bad.yaml:2:18: rangeCheckers: expected a whole number, found a sequence" },
+         { "chip: { pdpSupported: yes }\n",
+           "bad.yaml:1:23: pdpSupported: expected true or false, found 'yes'" },
+         { "chip: { tcamSliceEntries: 0 }\n",
+           "bad.yaml:1:27: tcamSliceEntries: 0 is out of range 1..4294967295" },
+         { "chip: { policers: 1.5 }\n", "bad.yaml:1:19: policers: '1.5' is not a whole number" },
+         { "chip: { tcamMode: lazy }\n",
+           "bad.yaml:1:19: tcamMode: 'lazy' is not one of synchronous, asynchronous" },
+         { "chip: { policeByteModeMinRateKbps: 10, policeByteModeMaxRateKbps: 5 }\n",
+           "bad.yaml:1:7: chip: policeByteModeMinRateKbps is above policeByteModeMaxRateKbps" },
+         { "interfaces: Ethernet1\n",
+           "bad.yaml:1:13: interfaces: expected a sequence, found 'Ethernet1'" },
+         { "interfaces: [ Ethernet1, Eth1 ]\n",
+           "bad.yaml:1:26: interfaces: 'Eth1' is not an interface name" },
+         { "classMaps: [ { name: c, match: { cos: 8 } } ]\n",
+           "bad.yaml:1:39: cos: 8 is out of range 0..7" },
+         { "classMaps: [ { name: c, match: { vlan: 300-200 } } ]\n",
+           "bad.yaml:1:40: vlan: range 300-200 is not within 1..4094 with low <= high" },
+         { "classMaps: [ { name: c, match: { dscp: fast } } ]\n",
+           "bad.yaml:1:40: dscp: 'fast' is neither a number 0..63 nor a DSCP name (default, ef, "
+           "cs0..cs7, af11..af43)" },
+         { "classMaps: [ { name: c, cpType: static } ]\n",
+           "bad.yaml:1:33: cpType: only a control-plane class map has one" },
+         { "steps: [ { at: 1 }, { at: 1 } ]\n",
+           "bad.yaml:1:27: at: steps come in increasing time after 0; this one is not after "
+           "1" },
+         { "steps: [ { at: -1 } ]\n", "bad.yaml:1:16: at: -1 is below 0" },
+         { "steps: [ { at: 0 } ]\n",
+           "bad.yaml:1:16: at: steps come in increasing time after 0; this one is not after "
+           "0" },
+   } );
+}
+
+TEST( ScenarioErrorsTest, RulesThatCantMatch ) {
+   expectErrors( {
+         { "acls: [ { name: A, rules: [ { src: 10.0.0.0/33 } ] } ]\n",
+           "bad.yaml:1:36: src: '10.0.0.0/33' is not an IPv4 address or prefix" },
+         { "acls: [ { name: A, type: ipv6, rules: [ { dst: 10.0.0.0/8 } ] } ]\n",
+           "bad.yaml:1:48: dst: '10.0.0.0/8' is not an IPv6 address or prefix" },
+         { "acls: [ { name: A, rules: [ { dstPort: { eq: 80 } } ] } ]\n",
+           "bad.yaml:1:29: rule: port conditions need proto tcp, udp or sctp" },
+         { "acls: [ { name: A, rules: [ { proto: tcp, dstPort: { range: [ 90, 80 ] } } ] } ]\n",
+           "bad.yaml:1:61: dstPort: a range goes from low to high" },
+         { "acls: [ { name: A, rules: [ { proto: tcp, dstPort: { eq: 1, gt: 2 } } ] } ]\n",
+           "bad.yaml:1:52: dstPort: give exactly one of eq, neq, gt, lt, range" },
+         { "acls: [ { name: A, rules: [ { proto: udp, tcpFlags: syn } ] } ]\n",
+           "bad.yaml:1:29: rule: TCP flags need proto tcp" },
+         { "acls: [ { name: A, rules: [ { proto: tcp, srcPort: { gt: 1 }, fragments: true } ] } "
+           "]\n",
+           "bad.yaml:1:29: rule: non-first fragments carry no layer-4 header to match" },
+         { "acls: [ { name: A, rules: [ { seq: 20 }, { seq: 20 } ] } ]\n",
+           "bad.yaml:1:49: seq: 20 does not follow 20; sequence numbers ascend" },
+         { "acls: [ { name: A, rules: [], classbench: { file: acl1_1k } } ]\n",
+           "bad.yaml:1:43: give rules or classbench, not both" },
+         { "acls: [ { name: A, classbench: { file: nothing_here } } ]\n",
+           "bad.yaml:1:40: file: 'nothing_here' is neither beside the scenario nor in " +
+                 std::string( NEVQOS_CLASSBENCH_DIR ) },
+   } );
+}
+
+TEST( ScenarioErrorsTest, PolicersThatMixModesOrCantBeUsed ) {
+   expectErrors( {
+         { "namedPolicers: [ { name: p, cir: 10, cirUnit: pps, bc: 10, bcUnit: bytes } ]\n",
+           "bad.yaml:1:18: policer: the committed burst must be in packets exactly when the rate "
+           "is in pps" },
+         { "namedPolicers: [ { name: p, cir: 0, bc: 10 } ]\n",
+           "bad.yaml:1:18: policer: a policer needs a committed rate above 0" },
+         { "namedPolicers: [ { name: p, bc: 10 } ]\n", "bad.yaml:1:18: missing key 'cir'" },
+         { R"(
+namedPolicers: [ { name: np, cir: 10, bc: 1000 } ]
+classMaps: [ { name: c, type: control-plane } ]
+policyMaps:
+  - { name: copp, type: control-plane, classes: [ { class: c, police: { named: np } } ] }
+)",
+           "bad.yaml:5:5: policy map control-plane copp class c: a control-plane policy map "
+           "can't use a named policer" },
+         { R"(
+classMaps: [ { name: c } ]
+policyMaps:
+  - { name: p, classes: [ { class: class-default }, { class: c } ] }
+)",
+           "bad.yaml:4:53: classes: class-default must be the last class" },
+   } );
+}
+
+TEST( ScenarioErrorsTest, NamesGivenTwiceOrNamingNothing ) {
+   expectErrors( {
+         { "acls:\n  - { name: A }\n  - { name: A }\n",
+           "bad.yaml:3:5: acls: access list ipv4 A given twice" },
+         { "chip: { faults: [ { name: f, kind: policerExhaustion }, { name: f, kind: "
+           "asyncPending } ] }\n",
+           "bad.yaml:1:65: name: a second fault called 'f'" },
+         { "classMaps: [ { name: c, match: { ipv4: NOPE } } ]\n",
+           "bad.yaml:1:14: class map qos c matches access list ipv4 NOPE, which does not exist" },
+         { "acls: [ { name: A, type: ipv6 } ]\nclassMaps: [ { name: c, match: { ipv4: A } } ]\n",
+           "bad.yaml:2:14: class map qos c matches access list ipv4 A, which does not exist" },
+         { "policyMaps: [ { name: p, classes: [ { class: c } ] } ]\n",
+           "bad.yaml:1:15: policy map qos p uses class map qos c, which does not exist" },
+         { "classMaps: [ { name: c, type: pdp } ]\npolicyMaps: [ { name: p, classes: [ { class: "
+           "c } ] } ]\n",
+           "bad.yaml:2:15: policy map qos p uses class map qos c, which does not exist" },
+         { "servicePolicies: [ { policyMap: p } ]\n",
+           "bad.yaml:1:20: service policy qos input p: policy map qos p does not exist" },
+         { "classMaps: [ { name: class-default } ]\n",
+           "bad.yaml:1:14: class map qos class-default: the name class-default is the system's" },
+         { "policyMaps: [ { name: p } ]\nservicePolicies: [ { policyMap: p, interfaces: [ "
+           "Ethernet1, Ethernet1 ] } ]\n",
+           "bad.yaml:2:20: service policy qos input p names an interface twice" },
+         { "policyMaps: [ { name: p } ]\nservicePolicies: [ { policyMap: p, interfaces: [ "
+           "Port-Channel10@Ethernet1 ] } ]\n",
+           "bad.yaml:2:50: interfaces: 'Port-Channel10@Ethernet1' is not an Ethernet port and its "
+           "port-channel, as in Ethernet1@Port-Channel10" },
+   } );
+}
+
+// References are checked in time order: a change may only use what stands at its time.
+TEST( ScenarioErrorsTest, ReferencesBrokenByALaterStep ) {
+   std::string const base = R"(
+interfaces: [ Ethernet1 ]
+acls: [ { name: A } ]
+classMaps: [ { name: c, match: { ipv4: A } } ]
+policyMaps: [ { name: p, classes: [ { class: c } ] } ]
+servicePolicies: [ { policyMap: p, interfaces: [ Ethernet1 ] } ]
+chip: { faults: [ { kind: policerExhaustion } ] }
+steps:
+  - at: 1
+    changes:
+)";
+   expectErrors( {
+         { ( base + "      - removeAcl: A\n" ),
+           "bad.yaml:11:9: access list ipv4 A is still used by class map qos c" },
+         { ( base + "      - removeClassMap: c\n" ),
+           "bad.yaml:11:9: class map qos c is still used by policy map qos p" },
+         { ( base + "      - removePolicyMap: p\n" ),
+           "bad.yaml:11:9: policy map qos p is still used by service policy qos input p" },
+         { ( base + "      - removeServicePolicy: p\n      - removePolicyMap: p\n"
+                    "      - removeClassMap: c\n      - removeAcl: A\n      - removeAcl: A\n" ),
+           "bad.yaml:15:9: no access list ipv4 A to remove" },
+         { ( base + "      - policyMap: { name: p, classes: [ { class: d } ] }\n" ),
+           "bad.yaml:11:9: policy map qos p uses class map qos d, which does not exist" },
+         { ( base + "      - attach: { policyMap: p, interfaces: [ Ethernet1 ] }\n" ),
+           "bad.yaml:11:9: Ethernet1 is already in service policy qos input p" },
+         { ( base + "      - detach: { policyMap: p, direction: output, interfaces: [ Ethernet1 "
+                    "] }\n" ),
+           "bad.yaml:11:9: no service policy qos output p" },
+         { ( base + "      - removeInterfaces: [ Ethernet2 ]\n" ),
+           "bad.yaml:11:9: interface Ethernet2 is not present" },
+         { ( base + "      - traffic: { policyMap: p, class: d, interface: Ethernet1, packets: 1, "
+                    "bytes: 64 }\n" ),
+           "bad.yaml:11:9: traffic for class d, which policy map qos p does not have" },
+         { ( base + "      - fault: { index: 1, on: true }\n" ),
+           "bad.yaml:11:9: fault 1 does not exist; the chip has 1" },
+         { ( base + "      - fault: { name: off, on: true }\n" ),
+           "bad.yaml:11:24: name: the chip has no fault 'off'" },
+         { ( base + "      - addInterfaces: [ Ethernet1 ]\n" ),
+           "bad.yaml:11:9: interface Ethernet1 is already present" },
+   } );
+   // Valid at step 1, broken by what step 1 removed when step 2 uses it.
+   EXPECT_EQ( errorOf( base + "      - removeServicePolicy: p\n      - removePolicyMap: p\n"
+                              "  - at: 2\n    changes:\n"
+                              "      - servicePolicy: { policyMap: p }\n" ),
+              "bad.yaml:15:9: service policy qos input p: policy map qos p does not exist" );
+}
+
+}  // namespace
