@@ -202,17 +202,12 @@ void QosPolicerSm::counterUpdateRequest() {
 void QosPolicerSm::verifyPolicerParameters() const {
    auto const policerData = classData()->policerData();
    ZUB_ASSERT_TEXT( policerData, "policerData" );
-   Qos::PolicerConfig const& cfg = *caction()->policer();
-   std::uint64_t cir = cfg.cir();
-   Qos::RateUnit cirUnit = cfg.cirUnit();
-   std::uint32_t bc = cfg.bc();
-   Qos::BurstUnit bcUnit = cfg.bcUnit();
-   validateAndUpdateCir( qosAclSm()->qosAclHwStatus(), cir, cirUnit );
-   validateAndUpdateBc( qosAclSm()->qosAclHwStatus(), bc, bcUnit );
-   ZUB_ASSERT_TEXT( cirUnit == policerData->cirUnit(), "cirUnit == policerData->cirUnit()" );
-   ZUB_ASSERT_TEXT( cir == policerData->cir(), "cir == policerData->cir()" );
-   ZUB_ASSERT_TEXT( bcUnit == policerData->bcUnit(), "bcUnit == policerData->bcUnit()" );
-   ZUB_ASSERT_TEXT( bc == policerData->bc(), "bc == policerData->bc()" );
+   PolicerParams const p =
+         validatedPolicerParams( qosAclSm()->qosAclHwStatus(), *caction()->policer() );
+   ZUB_ASSERT_TEXT( p.cirUnit == policerData->cirUnit(), "cirUnit == policerData->cirUnit()" );
+   ZUB_ASSERT_TEXT( p.cir == policerData->cir(), "cir == policerData->cir()" );
+   ZUB_ASSERT_TEXT( p.bcUnit == policerData->bcUnit(), "bcUnit == policerData->bcUnit()" );
+   ZUB_ASSERT_TEXT( p.bc == policerData->bc(), "bc == policerData->bc()" );
 }
 
 void QosPolicerSm::verifyCpuQueue() const {

@@ -87,32 +87,17 @@ bool QosPolicyClassBaseSm::namedSharedPolicer() const {
 
 void QosPolicyClassBaseSm::createPolicerData( Zub::Name const& name ) {
    if( !caction() || !caction()->policer() ) {
-      std::cerr << "Failed("
-                << "caction() && caction()->policer()"
-                << ") "
-                << "Policer action not present" << std::endl;
+      std::cerr << "Failed(caction() && caction()->policer()) Policer action not present"
+                << std::endl;
    }
    ZUB_ASSERT_TEXT( caction() && caction()->policer(), "caction() && caction()->policer()" );
-   Qos::PolicerConfig const& cfg = *caction()->policer();
-   std::uint64_t cir = cfg.cir();
-   Qos::RateUnit cirUnit = cfg.cirUnit();
-   std::uint32_t bc = cfg.bc();
-   Qos::BurstUnit bcUnit = cfg.bcUnit();
-   std::uint64_t pir = cfg.pir();
-   Qos::RateUnit pirUnit = cfg.pirUnit();
-   std::uint32_t be = cfg.be();
-   Qos::BurstUnit beUnit = cfg.beUnit();
-   // The peak rate is checked against the committed rate already clamped.
-   auto const& hw = qosAclSm()->qosAclHwStatus();
-   validateAndUpdateCir( hw, cir, cirUnit );
-   validateAndUpdateBc( hw, bc, bcUnit );
-   if( pir != 0 ) validateAndUpdatePir( hw, cir, cirUnit, pir, pirUnit );
-   validateAndUpdateBe( hw, pir, be, beUnit );
-   auto const data = classData()->policerDataIs( name, cir, bc, pir, be );
-   data->cirUnitIs( cirUnit );
-   data->bcUnitIs( bcUnit );
-   data->pirUnitIs( pirUnit );
-   data->beUnitIs( beUnit );
+   PolicerParams const p =
+         validatedPolicerParams( qosAclSm()->qosAclHwStatus(), *caction()->policer() );
+   auto const data = classData()->policerDataIs( name, p.cir, p.bc, p.pir, p.be );
+   data->cirUnitIs( p.cirUnit );
+   data->bcUnitIs( p.bcUnit );
+   data->pirUnitIs( p.pirUnit );
+   data->beUnitIs( p.beUnit );
 }
 
 void QosPolicyClassBaseSm::deleteSm() {

@@ -205,6 +205,18 @@ void validateAndUpdateBe( Zub::Ptr< Qos::AclHwStatus const > const& hw, std::uin
    }
 }
 
+PolicerParams validatedPolicerParams( Zub::Ptr< Qos::AclHwStatus const > const& hw,
+                                      Qos::PolicerConfig const& cfg ) {
+   PolicerParams p{ cfg.cir(), cfg.cirUnit(), cfg.bc(), cfg.bcUnit(),
+                    cfg.pir(), cfg.pirUnit(), cfg.be(), cfg.beUnit() };
+   validateAndUpdateCir( hw, p.cir, p.cirUnit );
+   validateAndUpdateBc( hw, p.bc, p.bcUnit );
+   // The peak rate is checked against the committed rate already clamped.
+   if( p.pir != 0 ) validateAndUpdatePir( hw, p.cir, p.cirUnit, p.pir, p.pirUnit );
+   validateAndUpdateBe( hw, p.pir, p.be, p.beUnit );
+   return p;
+}
+
 }  // namespace Nev
 
 namespace NevHelper {

@@ -13,6 +13,7 @@
 #include <cstdint>
 
 #include "entities/AclHwStatus.h"
+#include "entities/PolicyMapStatus.h"
 #include "entities/QosUnits.h"
 #include "zub/Ptr.h"
 
@@ -40,6 +41,20 @@ void validateAndUpdatePir( Zub::Ptr< Qos::AclHwStatus const > const& hw, std::ui
 // looked at.
 void validateAndUpdateBe( Zub::Ptr< Qos::AclHwStatus const > const& hw, std::uint64_t pir,
                           std::uint32_t& be, Qos::BurstUnit& beUnit );
+
+// A configured policer's parameters after the four checks above, in their order.
+struct PolicerParams {
+   std::uint64_t cir = 0;
+   Qos::RateUnit cirUnit = Qos::rateUnitKbps_;
+   std::uint32_t bc = 0;
+   Qos::BurstUnit bcUnit = Qos::burstUnitBytes_;
+   std::uint64_t pir = 0;
+   Qos::RateUnit pirUnit = Qos::rateUnitKbps_;
+   std::uint32_t be = 0;
+   Qos::BurstUnit beUnit = Qos::burstUnitBytes_;
+};
+PolicerParams validatedPolicerParams( Zub::Ptr< Qos::AclHwStatus const > const& hw,
+                                      Qos::PolicerConfig const& cfg );
 
 }  // namespace Nev
 

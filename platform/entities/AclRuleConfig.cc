@@ -61,20 +61,21 @@ void MacFilter::mplsInnerLabelIs( std::int64_t v ) {
    mplsInnerLabel_ = static_cast< std::uint32_t >( v );
 }
 
-PortSpec::PortSpec( Oper oper, std::initializer_list< std::uint16_t > values ) : oper_( oper ) {
+PortCondition::PortCondition( Oper oper, std::initializer_list< std::uint16_t > values )
+    : oper_( oper ) {
    if( values.size() > maxValues ) {
-      Zub::throwRangeException( "PortSpec: more than ten values not allowed" );
+      Zub::throwRangeException( "PortCondition: more than ten values not allowed" );
    }
    bool const fits = oper == any                ? values.size() == 0
                      : oper == range            ? values.size() == 2
                      : oper == gt || oper == lt ? values.size() == 1
                                                 : values.size() >= 1;
-   if( !fits ) Zub::throwRangeException( "PortSpec: wrong number of values for the operator" );
+   if( !fits ) Zub::throwRangeException( "PortCondition: wrong number of values for the operator" );
    for( std::uint16_t v : values )
       values_[ count_++ ] = v;
 }
 
-unsigned PortSpec::ranges(
+unsigned PortCondition::ranges(
       std::array< std::pair< std::uint16_t, std::uint16_t >, 11 >& out ) const {
    constexpr unsigned top = 0xffff;
    switch( oper_ ) {
@@ -120,7 +121,7 @@ unsigned PortSpec::ranges(
    return n;
 }
 
-std::ostream& operator<<( std::ostream& os, PortSpec const& p ) {
+std::ostream& operator<<( std::ostream& os, PortCondition const& p ) {
    static char const* const names[] = { "any", "eq", "neq", "gt", "lt", "range" };
    os << names[ p.oper() ];
    for( unsigned i = 0; i < p.count(); ++i )

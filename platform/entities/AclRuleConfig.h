@@ -80,18 +80,18 @@ std::ostream& operator<<( std::ostream& os, TcpFlag f );
 
 // A condition on a 16-bit field (a layer-4 port or the IP length): any value, equal to one of up
 // to ten values, none of them, above or below one value, or inside a range.
-class PortSpec {
+class PortCondition {
  public:
    enum Oper : std::uint8_t { any = 0, eq, neq, gt, lt, range };
    static constexpr unsigned maxValues = 10;
 
-   constexpr PortSpec() noexcept = default;
+   constexpr PortCondition() noexcept = default;
    // Throws Zub::RangeException for more than ten values, or a range or gt/lt without its
    // values.
-   PortSpec( Oper oper, std::initializer_list< std::uint16_t > values );
-   static PortSpec eqOf( std::uint16_t v ) { return PortSpec( eq, { v } ); }
-   static PortSpec rangeOf( std::uint16_t low, std::uint16_t high ) {
-      return PortSpec( range, { low, high } );
+   PortCondition( Oper oper, std::initializer_list< std::uint16_t > values );
+   static PortCondition eqOf( std::uint16_t v ) { return PortCondition( eq, { v } ); }
+   static PortCondition rangeOf( std::uint16_t low, std::uint16_t high ) {
+      return PortCondition( range, { low, high } );
    }
 
    Oper oper() const noexcept { return oper_; }
@@ -102,7 +102,7 @@ class PortSpec {
    // Returns the number written; 0 when nothing can match (gt 65535, say).
    unsigned ranges( std::array< std::pair< std::uint16_t, std::uint16_t >, 11 >& out ) const;
 
-   bool operator==( PortSpec const& ) const noexcept = default;
+   bool operator==( PortCondition const& ) const noexcept = default;
 
  private:
    Oper oper_ = any;
@@ -111,7 +111,7 @@ class PortSpec {
 };
 
 // "any", "eq 80 443", "range 1000 2000", ...
-std::ostream& operator<<( std::ostream& os, PortSpec const& p );
+std::ostream& operator<<( std::ostream& os, PortCondition const& p );
 
 // What IPv4 and IPv6 filters share.
 class IpFilterBase {
@@ -129,9 +129,9 @@ class IpFilterBase {
    bool icmpTypeValid = false;
    std::uint8_t icmpCode = 0;
    bool icmpCodeValid = false;
-   PortSpec srcPort;
-   PortSpec dstPort;
-   PortSpec ipLen;
+   PortCondition srcPort;
+   PortCondition dstPort;
+   PortCondition ipLen;
 
    bool operator==( IpFilterBase const& ) const noexcept = default;
 };

@@ -41,7 +41,7 @@ using Masks =
       std::array< std::vector< AclIpRuleCreateData_::Entry >, AclIpRuleCreateData_::maxRanges + 1 >;
 
 // Fills one dimension from index 1 and returns its count.
-std::uint8_t planDimension( Acl::PortSpec const& condition, Ranges& ranges, Masks& masks ) {
+std::uint8_t planDimension( Acl::PortCondition const& condition, Ranges& ranges, Masks& masks ) {
    std::array< AclIpRuleCreateData_::Range, AclIpRuleCreateData_::maxRanges > found;
    unsigned const n = condition.ranges( found );
    for( unsigned i = 0; i < n; ++i ) {

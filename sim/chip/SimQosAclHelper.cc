@@ -40,6 +40,14 @@ std::string fieldText( std::uint16_t value, std::uint16_t mask, std::uint16_t lo
    return "range " + text( low ) + "-" + text( high );
 }
 
+// The protocol and addresses of an IPv4 or IPv6 filter.
+template< class Filter >
+void addL3Fields( TcamEntry& entry, Filter const& filter ) {
+   entry.fields.emplace_back( "proto", text( unsigned( filter.proto ) ) );
+   entry.fields.emplace_back( "src", text( filter.source ) );
+   entry.fields.emplace_back( "dst", text( filter.destination ) );
+}
+
 bool needsChecker( std::uint16_t mask, std::uint16_t low, std::uint16_t high ) {
    return mask == 0 && !( low == 0 && high == 0xffff ) && !( low == 0 && high == 0 );
 }
@@ -86,20 +94,20 @@ class SimQosAclHelper::Completer : public Kesh::TimerWheel::NotifieeConst {
    SimQosAclHelper* chip_;
 };
 
-SimQosAclHelper::SimQosAclHelper( ChipSpec spec, Zub::Ptr< Qos::Status const > qosStatus,
+SimQosAclHelper::SimQosAclHelper( ChipConfig config, Zub::Ptr< Qos::Status const > qosStatus,
                                   Zub::Ptr< Qos::AclSliceHwStatus > qosAclSliceHwStatus,
                                   Zub::Ptr< Acl::Config const > mainAclConfig,
                                   Zub::Ptr< Kesh::TimerWheel > clock )
     : QosAclHelper( std::move( qosStatus ), std::move( qosAclSliceHwStatus ),
                     std::move( mainAclConfig ) )
-    , spec_( std::move( spec ) )
-    , tcam_( spec_.tcamSliceEntries, spec_.rangeCheckers )
+    , config_( std::move( config ) )
+    , tcam_( config_.tcamSliceEntries, config_.rangeCheckers )
     , clock_( std::move( clock ) ) {
    asyncTcamOperationsSupportedIs( async() );
-   qosEcnSupportIs( spec_.qosEcnSupport );
-   establishedSupportedIs( spec_.establishedSupported );
-   supportedTcpFlagsIs( NevHelper::TcpFlag( spec_.supportedTcpFlags ) );
-   tcam_.rangeCheckersExhaustedIs( faultOn( FaultSpec::Kind::outOfRangeCheckers ) );
+   qosEcnSupportIs( config_.qosEcnSupport );
+   establishedSupportedIs( config_.establishedSupported );
+   supportedTcpFlagsIs( NevHelper::TcpFlag( config_.supportedTcpFlags ) );
+   tcam_.rangeCheckersExhaustedIs( faultOn( FaultConfig::Kind::outOfRangeCheckers ) );
    completer_ = Zub::make< Completer >( this );
    completer_->notifierIs( clock_ );
 }
@@ -121,24 +129,22 @@ ChipCall& SimQosAclHelper::record( char const* op, Nev::QosClassData const* clas
    return calls_.back();
 }
 
-bool SimQosAclHelper::faultOn( FaultSpec::Kind kind ) const {
+bool SimQosAclHelper::active( FaultConfig const& fault ) const {
    Zub::Seconds const now = clock_ ? clock_->now() : 0.0;
-   for( FaultSpec const& f : spec_.faults ) {
-      if( f.kind != kind ) continue;
-      if( f.from && now < *f.from ) continue;
-      if( f.until && now > *f.until ) continue;
-      return true;
+   return !( fault.from && now < *fault.from ) && !( fault.until && now > *fault.until );
+}
+
+bool SimQosAclHelper::faultOn( FaultConfig::Kind kind ) const {
+   for( FaultConfig const& f : config_.faults ) {
+      if( f.kind == kind && active( f ) ) return true;
    }
    return false;
 }
 
 std::optional< Nev::AclCreateError > SimQosAclHelper::faultFor( std::string const& op ) {
    std::uint32_t const n = ++opCalls_[ op ];
-   Zub::Seconds const now = clock_->now();
-   for( FaultSpec const& f : spec_.faults ) {
-      if( f.kind != FaultSpec::Kind::operationError || f.op != op ) continue;
-      if( f.from && now < *f.from ) continue;
-      if( f.until && now > *f.until ) continue;
+   for( FaultConfig const& f : config_.faults ) {
+      if( f.kind != FaultConfig::Kind::operationError || f.op != op || !active( f ) ) continue;
       if( f.nth == 0 || f.nth == n ) return f.error;
    }
    return std::nullopt;
@@ -149,18 +155,15 @@ Nev::AclCreateError SimQosAclHelper::answer( Nev::AclCreateError error,
    if( !async() || error == Nev::aclCreateErrorNone ) return error;
    // The deferred compiler takes no refusal: the operation's result carries it, and the policy
    // map's shared state says it failed.
-   if( asyncError_ == Nev::aclCreateErrorNone ) {
-      asyncError_ = error;
-      asyncFailedPmap_ = classData.key().pmapKey();
-   }
+   if( !asyncFailure_ ) asyncFailure_ = AsyncFailure{ error, classData.key().pmapKey() };
    return Nev::aclCreateErrorNone;
 }
 
 Nev::AclCreateError SimQosAclHelper::install( std::string const& aclId, TcamEntry entry ) {
+   auto const acl = tcam_.acls().find( aclId );
    std::optional< std::uint32_t > limit;
-   for( FaultSpec const& f : spec_.faults ) {
-      if( f.kind != FaultSpec::Kind::outOfTcam || !faultOn( FaultSpec::Kind::outOfTcam ) ) continue;
-      auto const acl = tcam_.acls().find( aclId );
+   for( FaultConfig const& f : config_.faults ) {
+      if( f.kind != FaultConfig::Kind::outOfTcam || !active( f ) ) continue;
       if( acl != tcam_.acls().end() && ( f.family.empty() || f.family == acl->second.slice ) ) {
          limit = f.atEntries;
       }
@@ -169,23 +172,30 @@ Nev::AclCreateError SimQosAclHelper::install( std::string const& aclId, TcamEntr
    return Nev::aclCreateErrorNone;
 }
 
+Nev::AclCreateError SimQosAclHelper::createRule( std::string const& op, std::string const& aclId,
+                                                 std::string const& slice,
+                                                 Nev::QosClassData const& classData,
+                                                 TcamEntry entry ) {
+   if( auto const fault = faultFor( op ) ) return answer( *fault, classData );
+   if( !tcam_.has( aclId ) ) tcam_.open( aclId, slice );
+   return answer( install( aclId, std::move( entry ) ), classData );
+}
+
 void SimQosAclHelper::startOperation() {
    ++asyncOperations_;
    bool hang = false;
-   for( FaultSpec const& f : spec_.faults ) {
-      if( f.kind == FaultSpec::Kind::asyncPending && f.nth == asyncOperations_ ) hang = true;
+   for( FaultConfig const& f : config_.faults ) {
+      if( f.kind == FaultConfig::Kind::asyncPending && f.nth == asyncOperations_ ) hang = true;
    }
-   std::string const message = asyncError_ == Nev::aclCreateErrorNone
-                                     ? ""
-                                     : Nev::aclCreateErrorText( asyncError_ ).stdString();
-   if( asyncError_ != Nev::aclCreateErrorNone && asyncFailedPmap_ ) {
-      if( auto const state = pmapState( *asyncFailedPmap_ ) ) state->dirtyIs( true );
+   std::string message;
+   if( asyncFailure_ ) {
+      message = Nev::aclCreateErrorText( asyncFailure_->error ).stdString();
+      if( auto const state = pmapState( asyncFailure_->pmap ) ) state->dirtyIs( true );
+      asyncFailure_.reset();
    }
-   asyncError_ = Nev::aclCreateErrorNone;
-   asyncFailedPmap_.reset();
    if( hang ) return;  // never completes: the engine's clock runs out
    // Always at least one turn later: the engine marks the operation in flight after the call.
-   Zub::Seconds const due = clock_->now() + spec_.asyncDelay;
+   Zub::Seconds const due = clock_->now() + config_.asyncDelay;
    pending_.emplace_back( due, message );
    if( pending_.size() == 1 ) completer_->timeMinIs( due );
 }
@@ -240,15 +250,9 @@ Nev::AclCreateError SimQosAclHelper::createIpAclSubrule(
    TcamEntry entry{ "ip", ruleNum, subruleNum, {} };
    entry.fields.emplace_back( "action", text( rule.action ) );
    if( aclType == Acl::ipv6() ) {
-      auto const& filter = static_cast< Acl::Ip6RuleConfig const& >( rule ).filter;
-      entry.fields.emplace_back( "proto", text( unsigned( filter.proto ) ) );
-      entry.fields.emplace_back( "src", text( filter.source ) );
-      entry.fields.emplace_back( "dst", text( filter.destination ) );
+      addL3Fields( entry, static_cast< Acl::Ip6RuleConfig const& >( rule ).filter );
    } else {
-      auto const& filter = static_cast< Acl::IpRuleConfig const& >( rule ).filter;
-      entry.fields.emplace_back( "proto", text( unsigned( filter.proto ) ) );
-      entry.fields.emplace_back( "src", text( filter.source ) );
-      entry.fields.emplace_back( "dst", text( filter.destination ) );
+      addL3Fields( entry, static_cast< Acl::IpRuleConfig const& >( rule ).filter );
    }
    entry.fields.emplace_back( "srcPort",
                               fieldText( srcL4Port, srcL4PortMask, srcPortLow, srcPortHigh ) );
@@ -266,15 +270,13 @@ Nev::AclCreateError SimQosAclHelper::createIpFragRule(
       Acl::IpRuleConfig const& rule, Acl::UniqueId const&, std::uint32_t ruleNum,
       std::uint32_t subRuleNum, std::uint8_t ecnData, std::uint8_t ecnMask ) {
    record( "createIpFragRule", &classData, &aclKey );
-   if( auto const fault = faultFor( "createIpFragRule" ) ) return answer( *fault, classData );
    TcamEntry entry{ "ipFrag", ruleNum, subRuleNum, {} };
    entry.fields.emplace_back( "action", text( rule.action ) );
-   entry.fields.emplace_back( "proto", text( unsigned( rule.filter.proto ) ) );
-   entry.fields.emplace_back( "src", text( rule.filter.source ) );
-   entry.fields.emplace_back( "dst", text( rule.filter.destination ) );
+   addL3Fields( entry, rule.filter );
    entry.fields.emplace_back( "fragments", "non-first" );
    entry.fields.emplace_back( "ecn", text( unsigned( ecnData ) ) + "/" + hex( ecnMask ) );
-   return answer( install( aclIdOf( classData, aclKey ), std::move( entry ) ), classData );
+   return createRule( "createIpFragRule", aclIdOf( classData, aclKey ), sliceOf( aclKey ),
+                      classData, std::move( entry ) );
 }
 
 Nev::AclCreateError SimQosAclHelper::createDefaultRule( Nev::QosPolicyMapState const&,
@@ -282,9 +284,9 @@ Nev::AclCreateError SimQosAclHelper::createDefaultRule( Nev::QosPolicyMapState c
                                                         Qos::ClassMapMatchOption,
                                                         Nev::AclKey const& aclKey ) {
    record( "createDefaultRule", &classData, &aclKey );
-   if( auto const fault = faultFor( "createDefaultRule" ) ) return answer( *fault, classData );
    TcamEntry entry{ "default", 0, 0, { { "match", "any" } } };
-   return answer( install( aclIdOf( classData, aclKey ), std::move( entry ) ), classData );
+   return createRule( "createDefaultRule", aclIdOf( classData, aclKey ), sliceOf( aclKey ),
+                      classData, std::move( entry ) );
 }
 
 Nev::AclCreateError SimQosAclHelper::createL2ParamsRule( Nev::QosPolicyMapState const&,
@@ -294,7 +296,6 @@ Nev::AclCreateError SimQosAclHelper::createL2ParamsRule( Nev::QosPolicyMapState 
                                                          std::uint32_t ruleNum ) {
    record( "createL2ParamsRule", &classData, &aclKey )
          .args.emplace_back( "ruleNum", text( ruleNum ) );
-   if( auto const fault = faultFor( "createL2ParamsRule" ) ) return answer( *fault, classData );
    TcamEntry entry{ "l2", ruleNum, 0, {} };
    if( auto const l2 = classData.l2ParamsValue() ) {
       if( auto const vlan = l2->vlanValue() ) {
@@ -305,7 +306,8 @@ Nev::AclCreateError SimQosAclHelper::createL2ParamsRule( Nev::QosPolicyMapState 
                                     text( unsigned( cos->cos() ) ) + "/" + hex( cos->cosMask() ) );
       }
    }
-   return answer( install( aclIdOf( classData, aclKey ), std::move( entry ) ), classData );
+   return createRule( "createL2ParamsRule", aclIdOf( classData, aclKey ), sliceOf( aclKey ),
+                      classData, std::move( entry ) );
 }
 
 Nev::AclCreateError SimQosAclHelper::createMplsTrafficClassRule( Nev::QosPolicyMapState const&,
@@ -315,14 +317,13 @@ Nev::AclCreateError SimQosAclHelper::createMplsTrafficClassRule( Nev::QosPolicyM
                                                                  std::uint32_t ruleNum ) {
    record( "createMplsTrafficClassRule", &classData, &aclKey )
          .args.emplace_back( "ruleNum", text( ruleNum ) );
-   if( auto const fault = faultFor( "createMplsTrafficClassRule" ) )
-      return answer( *fault, classData );
    TcamEntry entry{ "mpls", ruleNum, 0, {} };
    if( auto const tuple = classData.mplsTrafficClassTuple() ) {
       entry.fields.emplace_back( "trafficClass", text( tuple->mplsTrafficClassVal() ) + "/" +
                                                        text( tuple->mplsTrafficClassMask() ) );
    }
-   return answer( install( aclIdOf( classData, aclKey ), std::move( entry ) ), classData );
+   return createRule( "createMplsTrafficClassRule", aclIdOf( classData, aclKey ), sliceOf( aclKey ),
+                      classData, std::move( entry ) );
 }
 
 Nev::AclCreateError SimQosAclHelper::createDscpEcnRule( Nev::QosPolicyMapState const&,
@@ -332,13 +333,13 @@ Nev::AclCreateError SimQosAclHelper::createDscpEcnRule( Nev::QosPolicyMapState c
                                                         std::uint32_t ruleNum ) {
    record( "createDscpEcnRule", &classData, &aclKey )
          .args.emplace_back( "ruleNum", text( ruleNum ) );
-   if( auto const fault = faultFor( "createDscpEcnRule" ) ) return answer( *fault, classData );
    TcamEntry entry{ "dscpEcn", ruleNum, 0, {} };
    if( auto const value = classData.dscpEcnValue() ) {
       entry.fields.emplace_back(
             "tos", text( unsigned( value->tosId() ) ) + "/" + hex( value->tosMask() ) );
    }
-   return answer( install( aclIdOf( classData, aclKey ), std::move( entry ) ), classData );
+   return createRule( "createDscpEcnRule", aclIdOf( classData, aclKey ), sliceOf( aclKey ),
+                      classData, std::move( entry ) );
 }
 
 bool SimQosAclHelper::isSupportedMacAclRule( Acl::MacRuleConfig const& ) {
@@ -346,7 +347,7 @@ bool SimQosAclHelper::isSupportedMacAclRule( Acl::MacRuleConfig const& ) {
 }
 
 bool SimQosAclHelper::isMacAclRuleSupportedPlatform() {
-   return spec_.macAclRuleSupportedPlatform;
+   return config_.macAclRuleSupportedPlatform;
 }
 
 Nev::AclCreateError SimQosAclHelper::createMacAclRule( Nev::QosPolicyMapState const&,
@@ -356,28 +357,25 @@ Nev::AclCreateError SimQosAclHelper::createMacAclRule( Nev::QosPolicyMapState co
                                                        std::uint32_t ruleNum ) {
    record( "createMacAclRule", &classData, &aclKey )
          .args.emplace_back( "ruleNum", text( ruleNum ) );
-   if( auto const fault = faultFor( "createMacAclRule" ) ) return answer( *fault, classData );
    TcamEntry entry{ "mac", ruleNum, 0, {} };
    if( auto const mac = classData.macValue() ) {
       entry.fields.emplace_back( "etherType", hex( mac->etherType() ) );
    }
-   return answer( install( aclIdOf( classData, aclKey ), std::move( entry ) ), classData );
+   return createRule( "createMacAclRule", aclIdOf( classData, aclKey ), sliceOf( aclKey ),
+                      classData, std::move( entry ) );
 }
 
 Nev::AclCreateError SimQosAclHelper::createBuiltInClassMatchRule(
       Nev::QosPolicyMapState const&, Nev::QosClassData const& classData, Qos::ClassMapMatchOption,
       std::uint32_t ruleNum ) {
    record( "createBuiltInClassMatchRule", &classData, nullptr );
-   if( auto const fault = faultFor( "createBuiltInClassMatchRule" ) )
-      return answer( *fault, classData );
    // The built-in classes live in the IPv4 slice, under an ACL of their own per class.
    std::string const id = classKeyOf( classData ) + " built-in";
-   if( !tcam_.has( id ) ) tcam_.open( id, "ipv4" );
    TcamEntry entry{ "builtIn",
                     ruleNum,
                     0,
                     { { "class", text( classData.builtInClassMatchValue().builtInClass() ) } } };
-   return answer( install( id, std::move( entry ) ), classData );
+   return createRule( "createBuiltInClassMatchRule", id, "ipv4", classData, std::move( entry ) );
 }
 
 void SimQosAclHelper::updatePortForAcl( Nev::QosPolicyMapState const&,
@@ -435,7 +433,7 @@ int SimQosAclHelper::coppAllocateCpuQ( Nev::QosClassData const& classData ) {
    std::set< int > used;
    for( auto const& [ k, q ] : cpuQueues_ )
       used.insert( q );
-   for( int q = 0; q < static_cast< int >( spec_.cpuQueues ); ++q ) {
+   for( int q = 0; q < static_cast< int >( config_.cpuQueues ); ++q ) {
       if( used.contains( q ) ) continue;
       cpuQueues_[ key ] = q;
       return q;
@@ -454,8 +452,8 @@ bool SimQosAclHelper::createAndAttachPolicer( Nev::QosClassData const& classData
       call.args.emplace_back( "cir", text( p->cir() ) + text( p->cirUnit() ) );
       call.args.emplace_back( "bc", text( p->bc() ) + text( p->bcUnit() ) );
    }
-   if( faultOn( FaultSpec::Kind::policerExhaustion ) ) return false;
-   if( policers_.size() >= spec_.policers ) return false;
+   if( faultOn( FaultConfig::Kind::policerExhaustion ) ) return false;
+   if( policers_.size() >= config_.policers ) return false;
    policers_.insert( classKeyOf( classData ) );
    return true;
 }
@@ -467,7 +465,7 @@ void SimQosAclHelper::destroyPolicer( Nev::QosClassData const& classData ) {
 
 void SimQosAclHelper::createAndAttachCounter( Nev::QosClassData const& classData ) {
    record( "createAndAttachCounter", &classData, nullptr );
-   if( counters_.size() >= spec_.counters ) {
+   if( counters_.size() >= config_.counters ) {
       // The driver reports a counter it cannot make; the engine has no failure path for it.
       Zub::log( Nev::QOS_POLICY_COUNTER_HW_RESOURCE_FULL, classData.key().cmapName(),
                 classData.key().pmapName(), Zub::String( "interface" ),

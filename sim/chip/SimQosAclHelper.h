@@ -14,7 +14,7 @@
 
 #include "NevQos/helpers/QosAclHelper.h"
 #include "kesh/TimerWheel.h"
-#include "sim/chip/ChipSpec.h"
+#include "sim/chip/ChipConfig.h"
 #include "sim/chip/Tcam.h"
 
 namespace Sim {
@@ -28,13 +28,13 @@ struct ChipCall {
 
 class SimQosAclHelper : public NevHelper::QosAclHelper {
  public:
-   SimQosAclHelper( ChipSpec spec, Zub::Ptr< Qos::Status const > qosStatus,
+   SimQosAclHelper( ChipConfig config, Zub::Ptr< Qos::Status const > qosStatus,
                     Zub::Ptr< Qos::AclSliceHwStatus > qosAclSliceHwStatus,
                     Zub::Ptr< Acl::Config const > mainAclConfig,
                     Zub::Ptr< Kesh::TimerWheel > clock );
    ~SimQosAclHelper() override;
 
-   ChipSpec const& spec() const { return spec_; }
+   ChipConfig const& config() const { return config_; }
    Tcam const& tcam() const { return tcam_; }
    std::vector< ChipCall > const& calls() const { return calls_; }
    std::uint32_t policersUsed() const { return static_cast< std::uint32_t >( policers_.size() ); }
@@ -129,33 +129,42 @@ class SimQosAclHelper : public NevHelper::QosAclHelper {
    Zub::String cpuQIdToClassMapName( std::uint32_t cpuQId ) override;
    Zub::String portToIntfName( std::uint32_t modId, std::uint32_t port ) override;
 
-   bool multipleActionsSupported() override { return spec_.multipleActionsSupported; }
-   bool errorOnPolicerExhaustion() override { return spec_.errorOnPolicerExhaustion; }
+   bool multipleActionsSupported() override { return config_.multipleActionsSupported; }
+   bool errorOnPolicerExhaustion() override { return config_.errorOnPolicerExhaustion; }
 
  private:
    class Completer;
 
-   bool async() const { return spec_.tcamMode == TcamMode::asynchronous; }
+   bool async() const { return config_.tcamMode == TcamMode::asynchronous; }
    ChipCall& record( char const* op, Nev::QosClassData const* classData,
                      Nev::AclKey const* aclKey );
    // The answer a scripted fault gives to this call of `op`, if any.
    std::optional< Nev::AclCreateError > faultFor( std::string const& op );
-   bool faultOn( FaultSpec::Kind kind ) const;
+   bool active( FaultConfig const& fault ) const;
+   bool faultOn( FaultConfig::Kind kind ) const;
    // Writes one entry; a refusal is answered now, or kept for the asynchronous result.
    Nev::AclCreateError install( std::string const& aclId, TcamEntry entry );
+   // A rule operation after its call is recorded: a scripted fault, or the entry written into
+   // the ACL, opened in `slice` if need be.
+   Nev::AclCreateError createRule( std::string const& op, std::string const& aclId,
+                                   std::string const& slice, Nev::QosClassData const& classData,
+                                   TcamEntry entry );
    Nev::AclCreateError answer( Nev::AclCreateError error, Nev::QosClassData const& classData );
    void startOperation();
 
-   ChipSpec spec_;
+   ChipConfig config_;
    Tcam tcam_;
    Zub::Ptr< Kesh::TimerWheel > clock_;
    Zub::Ptr< Completer > completer_;
    std::vector< ChipCall > calls_;
    std::map< std::string, std::uint32_t > opCalls_;
    std::uint32_t asyncOperations_ = 0;
-   // The first failure since the asynchronous operation began.
-   Nev::AclCreateError asyncError_ = Nev::aclCreateErrorNone;
-   std::optional< Nev::QosPolicyMapKey > asyncFailedPmap_;
+   // The first failure since the asynchronous operation began, and the map it failed.
+   struct AsyncFailure {
+      Nev::AclCreateError error;
+      Nev::QosPolicyMapKey pmap;
+   };
+   std::optional< AsyncFailure > asyncFailure_;
    // Completion times and messages of the operations in flight.
    std::vector< std::pair< Zub::Seconds, std::string > > pending_;
    std::set< std::string > policers_;

@@ -56,7 +56,7 @@ class LineReader {
    std::pair< std::string_view, std::string_view > valueAndMask( std::string_view text,
                                                                  std::string const& what ) const;
    Mirel::IpAddrWithMask prefix( std::string_view text, std::string const& what ) const;
-   Acl::PortSpec portRange( std::string_view text, std::string const& what ) const;
+   Acl::PortCondition portRange( std::string_view text, std::string const& what ) const;
    std::uint8_t protocol( std::string_view text ) const;
    void checkFlags( std::string_view text ) const;
 
@@ -118,7 +118,7 @@ Mirel::IpAddrWithMask LineReader::prefix( std::string_view text, std::string con
 }
 
 // "lo : hi": the whole space is no condition, one value an equality, anything else a range.
-Acl::PortSpec LineReader::portRange( std::string_view text, std::string const& what ) const {
+Acl::PortCondition LineReader::portRange( std::string_view text, std::string const& what ) const {
    std::size_t const colon = text.find( ':' );
    if( colon == std::string_view::npos ) {
       fail( what + " port range '" + std::string( text ) + "' without ':'" );
@@ -129,10 +129,10 @@ Acl::PortSpec LineReader::portRange( std::string_view text, std::string const& w
       fail( what + " port range " + std::to_string( low ) + " : " + std::to_string( high ) +
             " has low above high" );
    }
-   if( low == 0 && high == 0xffff ) return Acl::PortSpec();
-   if( low == high ) return Acl::PortSpec::eqOf( static_cast< std::uint16_t >( low ) );
-   return Acl::PortSpec::rangeOf( static_cast< std::uint16_t >( low ),
-                                  static_cast< std::uint16_t >( high ) );
+   if( low == 0 && high == 0xffff ) return Acl::PortCondition();
+   if( low == high ) return Acl::PortCondition::eqOf( static_cast< std::uint16_t >( low ) );
+   return Acl::PortCondition::rangeOf( static_cast< std::uint16_t >( low ),
+                                       static_cast< std::uint16_t >( high ) );
 }
 
 // "0xNN/0xFF" is protocol NN, "0xNN/0x00" any protocol. Other masks, and protocol 0 itself
@@ -188,7 +188,7 @@ std::uint64_t blocksIn( unsigned low, unsigned high, unsigned nodeLow, unsigned 
    return blocksIn( low, high, nodeLow, half ) + blocksIn( low, high, nodeLow + half, half );
 }
 
-std::uint64_t portBlocks( Acl::PortSpec const& condition ) {
+std::uint64_t portBlocks( Acl::PortCondition const& condition ) {
    std::array< std::pair< std::uint16_t, std::uint16_t >, 11 > ranges;
    unsigned const n = condition.ranges( ranges );
    std::uint64_t blocks = 0;

@@ -37,22 +37,26 @@ constexpr std::pair< std::string_view, std::uint32_t > tcpFlagNames[] = {
    { "urg", 0x20 }, { "ece", 0x40 }, { "cwr", 0x80 }, { "ns", 0x100 },
 };
 
-constexpr std::pair< std::string_view, Acl::PortSpec::Oper > portOpers[] = {
-   { "eq", Acl::PortSpec::eq }, { "neq", Acl::PortSpec::neq },     { "gt", Acl::PortSpec::gt },
-   { "lt", Acl::PortSpec::lt }, { "range", Acl::PortSpec::range },
+constexpr std::pair< std::string_view, Acl::PortCondition::Oper > portOpers[] = {
+   { "eq", Acl::PortCondition::eq },       { "neq", Acl::PortCondition::neq },
+   { "gt", Acl::PortCondition::gt },       { "lt", Acl::PortCondition::lt },
+   { "range", Acl::PortCondition::range },
 };
 
-// A port condition of N values: PortSpec takes its values as an initializer list only.
+// A port condition of N values: PortCondition takes its values as an initializer list only.
 template< std::size_t N >
-Acl::PortSpec portConditionOf( Acl::PortSpec::Oper oper, std::vector< std::uint16_t > const& v ) {
+Acl::PortCondition portConditionOf( Acl::PortCondition::Oper oper,
+                                    std::vector< std::uint16_t > const& v ) {
    return [ & ]< std::size_t... I >( std::index_sequence< I... > ) {
-      return Acl::PortSpec( oper, { v[ I ]... } );
+      return Acl::PortCondition( oper, { v[ I ]... } );
    }
    ( std::make_index_sequence< N >() );
 }
 
-Acl::PortSpec portConditionOf( Acl::PortSpec::Oper oper, std::vector< std::uint16_t > const& v ) {
-   using Make = Acl::PortSpec ( * )( Acl::PortSpec::Oper, std::vector< std::uint16_t > const& );
+Acl::PortCondition portConditionOf( Acl::PortCondition::Oper oper,
+                                    std::vector< std::uint16_t > const& v ) {
+   using Make =
+         Acl::PortCondition ( * )( Acl::PortCondition::Oper, std::vector< std::uint16_t > const& );
    static constexpr Make makers[] = {
       portConditionOf< 1 >, portConditionOf< 2 >,  portConditionOf< 3 >, portConditionOf< 4 >,
       portConditionOf< 5 >, portConditionOf< 6 >,  portConditionOf< 7 >, portConditionOf< 8 >,
@@ -270,12 +274,13 @@ std::uint8_t AclReader::protocol( YAML::Node const& node, AclFamily family ) con
 
 // { eq: 80 }, { eq: [ 80, 443 ] }, { neq: ... }, { gt: 1023 }, { lt: 1024 },
 // { range: [ 1000, 2000 ] }.
-Acl::PortSpec AclReader::portCondition( YAML::Node const& node, std::string const& what ) const {
+Acl::PortCondition AclReader::portCondition( YAML::Node const& node,
+                                             std::string const& what ) const {
    yaml_.checkMapping( node, what, { "eq", "neq", "gt", "lt", "range" } );
    if( node.size() != 1 ) yaml_.fail( node, what + ": give exactly one of eq, neq, gt, lt, range" );
    auto const entry = *node.begin();
    auto const oper =
-         yaml_.choice( entry.first, what, NameTable< Acl::PortSpec::Oper >( portOpers ) );
+         yaml_.choice( entry.first, what, NameTable< Acl::PortCondition::Oper >( portOpers ) );
    std::vector< std::uint16_t > values;
    auto const add = [ & ]( YAML::Node const& v ) {
       values.push_back( std::uint16_t( yaml_.integer( v, what, 0, 0xffff ) ) );
@@ -286,15 +291,15 @@ Acl::PortSpec AclReader::portCondition( YAML::Node const& node, std::string cons
    } else {
       add( entry.second );
    }
-   bool const fits = oper == Acl::PortSpec::range ? values.size() == 2
-                     : oper == Acl::PortSpec::gt || oper == Acl::PortSpec::lt
+   bool const fits = oper == Acl::PortCondition::range ? values.size() == 2
+                     : oper == Acl::PortCondition::gt || oper == Acl::PortCondition::lt
                            ? values.size() == 1
-                           : !values.empty() && values.size() <= Acl::PortSpec::maxValues;
+                           : !values.empty() && values.size() <= Acl::PortCondition::maxValues;
    if( !fits ) {
       yaml_.fail( entry.second, what + ": range takes two values, gt and lt one, eq and neq one "
                                        "to ten" );
    }
-   if( oper == Acl::PortSpec::range && values[ 0 ] > values[ 1 ] ) {
+   if( oper == Acl::PortCondition::range && values[ 0 ] > values[ 1 ] ) {
       yaml_.fail( entry.second, what + ": a range goes from low to high" );
    }
    return portConditionOf( oper, values );

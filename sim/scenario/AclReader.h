@@ -30,7 +30,7 @@ class AclReader {
    void checkLayer4( YAML::Node const& node, AclFamily family,
                      Acl::IpFilterBase const& filter ) const;
    std::uint8_t protocol( YAML::Node const& node, AclFamily family ) const;
-   Acl::PortSpec portCondition( YAML::Node const& node, std::string const& what ) const;
+   Acl::PortCondition portCondition( YAML::Node const& node, std::string const& what ) const;
    Acl::TcpFlag tcpFlags( YAML::Node const& node ) const;
    Mirel::IpAddrWithMask ipv4Prefix( YAML::Node const& node, std::string const& what ) const;
    Mirel::Ip6AddrWithMask ipv6Prefix( YAML::Node const& node, std::string const& what ) const;

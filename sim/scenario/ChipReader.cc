@@ -10,66 +10,66 @@ namespace {
 
 struct FlagField {
    std::string_view key;
-   bool ChipSpec::*member;
+   bool ChipConfig::*member;
 };
 
 constexpr FlagField flagFields[] = {
-   { "policyQosSupported", &ChipSpec::policyQosSupported },
-   { "pdpSupported", &ChipSpec::pdpSupported },
-   { "coppSupported", &ChipSpec::coppSupported },
-   { "coppDynamicClassSupported", &ChipSpec::coppDynamicClassSupported },
-   { "intfCoppSupported", &ChipSpec::intfCoppSupported },
-   { "perClassPolicerSupported", &ChipSpec::perClassPolicerSupported },
-   { "sharedQosAclTypesCounterSupported", &ChipSpec::sharedQosAclTypesCounterSupported },
-   { "vlanClassMatchSupported", &ChipSpec::vlanClassMatchSupported },
-   { "cosClassMatchSupported", &ChipSpec::cosClassMatchSupported },
-   { "dscpEcnClassMatchSupported", &ChipSpec::dscpEcnClassMatchSupported },
-   { "multipleActionsSupported", &ChipSpec::multipleActionsSupported },
-   { "errorOnPolicerExhaustion", &ChipSpec::errorOnPolicerExhaustion },
-   { "macAclRuleSupportedPlatform", &ChipSpec::macAclRuleSupportedPlatform },
-   { "qosEcnSupport", &ChipSpec::qosEcnSupport },
-   { "establishedSupported", &ChipSpec::establishedSupported },
+   { "policyQosSupported", &ChipConfig::policyQosSupported },
+   { "pdpSupported", &ChipConfig::pdpSupported },
+   { "coppSupported", &ChipConfig::coppSupported },
+   { "coppDynamicClassSupported", &ChipConfig::coppDynamicClassSupported },
+   { "intfCoppSupported", &ChipConfig::intfCoppSupported },
+   { "perClassPolicerSupported", &ChipConfig::perClassPolicerSupported },
+   { "sharedQosAclTypesCounterSupported", &ChipConfig::sharedQosAclTypesCounterSupported },
+   { "vlanClassMatchSupported", &ChipConfig::vlanClassMatchSupported },
+   { "cosClassMatchSupported", &ChipConfig::cosClassMatchSupported },
+   { "dscpEcnClassMatchSupported", &ChipConfig::dscpEcnClassMatchSupported },
+   { "multipleActionsSupported", &ChipConfig::multipleActionsSupported },
+   { "errorOnPolicerExhaustion", &ChipConfig::errorOnPolicerExhaustion },
+   { "macAclRuleSupportedPlatform", &ChipConfig::macAclRuleSupportedPlatform },
+   { "qosEcnSupport", &ChipConfig::qosEcnSupport },
+   { "establishedSupported", &ChipConfig::establishedSupported },
 };
 
 struct CountField {
    std::string_view key;
-   std::uint32_t ChipSpec::*member;
+   std::uint32_t ChipConfig::*member;
    std::uint32_t min;
 };
 
 constexpr CountField countFields[] = {
-   { "tcamSliceEntries", &ChipSpec::tcamSliceEntries, 1 },
-   { "rangeCheckers", &ChipSpec::rangeCheckers, 0 },
-   { "policers", &ChipSpec::policers, 0 },
-   { "counters", &ChipSpec::counters, 0 },
-   { "cpuQueues", &ChipSpec::cpuQueues, 0 },
-   { "policeByteModeMinRateKbps", &ChipSpec::policeByteModeMinRateKbps, 0 },
-   { "policeByteModeMaxRateKbps", &ChipSpec::policeByteModeMaxRateKbps, 1 },
-   { "policeByteModeMinBurstBytes", &ChipSpec::policeByteModeMinBurstBytes, 0 },
-   { "policeByteModeMaxBurstBytes", &ChipSpec::policeByteModeMaxBurstBytes, 1 },
-   { "policePacketModeMinRatePps", &ChipSpec::policePacketModeMinRatePps, 0 },
-   { "policePacketModeMaxRatePps", &ChipSpec::policePacketModeMaxRatePps, 1 },
-   { "policePacketModeMinBurstPackets", &ChipSpec::policePacketModeMinBurstPackets, 0 },
-   { "policePacketModeMaxBurstPackets", &ChipSpec::policePacketModeMaxBurstPackets, 1 },
+   { "tcamSliceEntries", &ChipConfig::tcamSliceEntries, 1 },
+   { "rangeCheckers", &ChipConfig::rangeCheckers, 0 },
+   { "policers", &ChipConfig::policers, 0 },
+   { "counters", &ChipConfig::counters, 0 },
+   { "cpuQueues", &ChipConfig::cpuQueues, 0 },
+   { "policeByteModeMinRateKbps", &ChipConfig::policeByteModeMinRateKbps, 0 },
+   { "policeByteModeMaxRateKbps", &ChipConfig::policeByteModeMaxRateKbps, 1 },
+   { "policeByteModeMinBurstBytes", &ChipConfig::policeByteModeMinBurstBytes, 0 },
+   { "policeByteModeMaxBurstBytes", &ChipConfig::policeByteModeMaxBurstBytes, 1 },
+   { "policePacketModeMinRatePps", &ChipConfig::policePacketModeMinRatePps, 0 },
+   { "policePacketModeMaxRatePps", &ChipConfig::policePacketModeMaxRatePps, 1 },
+   { "policePacketModeMinBurstPackets", &ChipConfig::policePacketModeMinBurstPackets, 0 },
+   { "policePacketModeMaxBurstPackets", &ChipConfig::policePacketModeMaxBurstPackets, 1 },
 };
 
 // The police limits that come as a least and a most.
 struct LimitPair {
    std::string_view least;
    std::string_view most;
-   std::uint32_t ChipSpec::*low;
-   std::uint32_t ChipSpec::*high;
+   std::uint32_t ChipConfig::*low;
+   std::uint32_t ChipConfig::*high;
 };
 
 constexpr LimitPair limitPairs[] = {
-   { "policeByteModeMinRateKbps", "policeByteModeMaxRateKbps", &ChipSpec::policeByteModeMinRateKbps,
-     &ChipSpec::policeByteModeMaxRateKbps },
+   { "policeByteModeMinRateKbps", "policeByteModeMaxRateKbps",
+     &ChipConfig::policeByteModeMinRateKbps, &ChipConfig::policeByteModeMaxRateKbps },
    { "policeByteModeMinBurstBytes", "policeByteModeMaxBurstBytes",
-     &ChipSpec::policeByteModeMinBurstBytes, &ChipSpec::policeByteModeMaxBurstBytes },
+     &ChipConfig::policeByteModeMinBurstBytes, &ChipConfig::policeByteModeMaxBurstBytes },
    { "policePacketModeMinRatePps", "policePacketModeMaxRatePps",
-     &ChipSpec::policePacketModeMinRatePps, &ChipSpec::policePacketModeMaxRatePps },
+     &ChipConfig::policePacketModeMinRatePps, &ChipConfig::policePacketModeMaxRatePps },
    { "policePacketModeMinBurstPackets", "policePacketModeMaxBurstPackets",
-     &ChipSpec::policePacketModeMinBurstPackets, &ChipSpec::policePacketModeMaxBurstPackets },
+     &ChipConfig::policePacketModeMinBurstPackets, &ChipConfig::policePacketModeMaxBurstPackets },
 };
 
 constexpr std::pair< std::string_view, TcamMode > tcamModes[] = {
@@ -77,12 +77,12 @@ constexpr std::pair< std::string_view, TcamMode > tcamModes[] = {
    { "asynchronous", TcamMode::asynchronous },
 };
 
-constexpr std::pair< std::string_view, FaultSpec::Kind > faultKinds[] = {
-   { "outOfTcam", FaultSpec::Kind::outOfTcam },
-   { "outOfRangeCheckers", FaultSpec::Kind::outOfRangeCheckers },
-   { "policerExhaustion", FaultSpec::Kind::policerExhaustion },
-   { "operationError", FaultSpec::Kind::operationError },
-   { "asyncPending", FaultSpec::Kind::asyncPending },
+constexpr std::pair< std::string_view, FaultConfig::Kind > faultKinds[] = {
+   { "outOfTcam", FaultConfig::Kind::outOfTcam },
+   { "outOfRangeCheckers", FaultConfig::Kind::outOfRangeCheckers },
+   { "policerExhaustion", FaultConfig::Kind::policerExhaustion },
+   { "operationError", FaultConfig::Kind::operationError },
+   { "asyncPending", FaultConfig::Kind::asyncPending },
 };
 
 constexpr std::pair< std::string_view, std::string_view > tcamFamilies[] = {
@@ -116,20 +116,20 @@ std::vector< std::string_view > chipKeys() {
 }
 
 // The keys a fault of each kind takes beside name, kind, from and until.
-std::vector< std::string_view > faultKeys( FaultSpec::Kind kind ) {
+std::vector< std::string_view > faultKeys( FaultConfig::Kind kind ) {
    std::vector< std::string_view > keys{ "name", "kind", "from", "until" };
    switch( kind ) {
-      case FaultSpec::Kind::outOfTcam:
+      case FaultConfig::Kind::outOfTcam:
          keys.insert( keys.end(), { "family", "atEntries" } );
          break;
-      case FaultSpec::Kind::operationError:
+      case FaultConfig::Kind::operationError:
          keys.insert( keys.end(), { "op", "nth", "error" } );
          break;
-      case FaultSpec::Kind::asyncPending:
+      case FaultConfig::Kind::asyncPending:
          keys.push_back( "nth" );
          break;
-      case FaultSpec::Kind::outOfRangeCheckers:
-      case FaultSpec::Kind::policerExhaustion:
+      case FaultConfig::Kind::outOfRangeCheckers:
+      case FaultConfig::Kind::policerExhaustion:
          break;
    }
    return keys;
@@ -137,7 +137,7 @@ std::vector< std::string_view > faultKeys( FaultSpec::Kind kind ) {
 
 }  // namespace
 
-void ChipReader::chip( YAML::Node const& node, ChipSpec& chip,
+void ChipReader::chip( YAML::Node const& node, ChipConfig& chip,
                        std::vector< std::string >& faultNames ) const {
    yaml_.checkMapping( node, "chip", chipKeys() );
    if( auto const m = node[ "tcamMode" ] ) {
@@ -182,11 +182,11 @@ void ChipReader::chip( YAML::Node const& node, ChipSpec& chip,
    }
 }
 
-FaultSpec ChipReader::fault( YAML::Node const& node, std::string& name ) const {
+FaultConfig ChipReader::fault( YAML::Node const& node, std::string& name ) const {
    if( !node.IsMap() ) yaml_.fail( node, "fault: expected a mapping, found " + kindOf( node ) );
-   FaultSpec fault;
+   FaultConfig fault;
    fault.kind = yaml_.choice( yaml_.required( node, "kind" ), "kind",
-                              NameTable< FaultSpec::Kind >( faultKinds ) );
+                              NameTable< FaultConfig::Kind >( faultKinds ) );
    yaml_.checkMapping( node, "fault", faultKeys( fault.kind ) );
    if( auto const n = node[ "name" ] ) name = yaml_.text( n, "name" );
    if( auto const f = node[ "from" ] ) fault.from = yaml_.seconds( f, "from", 0 );
@@ -198,20 +198,20 @@ FaultSpec ChipReader::fault( YAML::Node const& node, std::string& name ) const {
    return fault;
 }
 
-void ChipReader::faultDetails( YAML::Node const& node, FaultSpec& fault ) const {
+void ChipReader::faultDetails( YAML::Node const& node, FaultConfig& fault ) const {
    if( auto const f = node[ "family" ] ) {
       fault.family = yaml_.choice( f, "family", NameTable< std::string_view >( tcamFamilies ) );
    }
    if( auto const a = node[ "atEntries" ] ) {
       fault.atEntries = std::uint32_t( yaml_.integer( a, "atEntries", 0, UINT32_MAX ) );
    }
-   if( fault.kind == FaultSpec::Kind::operationError ) {
+   if( fault.kind == FaultConfig::Kind::operationError ) {
       fault.op = yaml_.text( yaml_.required( node, "op" ), "op" );
    }
    if( auto const n = node[ "nth" ] ) {
-      std::int64_t const least = fault.kind == FaultSpec::Kind::asyncPending ? 1 : 0;
+      std::int64_t const least = fault.kind == FaultConfig::Kind::asyncPending ? 1 : 0;
       fault.nth = std::uint32_t( yaml_.integer( n, "nth", least, UINT32_MAX ) );
-   } else if( fault.kind == FaultSpec::Kind::asyncPending ) {
+   } else if( fault.kind == FaultConfig::Kind::asyncPending ) {
       fault.nth = 1;
    }
    if( auto const e = node[ "error" ] ) {

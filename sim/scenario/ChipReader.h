@@ -1,11 +1,11 @@
 // The chip section of a scenario: capabilities, resource sizes, TCAM mode and faults, read into
-// the ChipSpec the reference chip is built from.
+// the ChipConfig the reference chip is built from.
 #pragma once
 
 #include <string>
 #include <vector>
 
-#include "sim/chip/ChipSpec.h"
+#include "sim/chip/ChipConfig.h"
 #include "sim/scenario/YamlReader.h"
 
 namespace Sim {
@@ -16,12 +16,12 @@ class ChipReader {
 
    // Fills `chip` from the section; `faultNames` gets the name of each fault, empty for an
    // unnamed one.
-   void chip( YAML::Node const& node, ChipSpec& chip,
+   void chip( YAML::Node const& node, ChipConfig& chip,
               std::vector< std::string >& faultNames ) const;
 
  private:
-   FaultSpec fault( YAML::Node const& node, std::string& name ) const;
-   void faultDetails( YAML::Node const& node, FaultSpec& fault ) const;
+   FaultConfig fault( YAML::Node const& node, std::string& name ) const;
+   void faultDetails( YAML::Node const& node, FaultConfig& fault ) const;
 
    YamlReader const& yaml_;
 };

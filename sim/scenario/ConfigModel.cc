@@ -334,7 +334,7 @@ void ConfigModel::put( CounterRequest const& request ) {
    if( request.client.empty() ) refuse( "a counter request names no client" );
 }
 
-void ConfigModel::put( TrafficSpec const& traffic ) {
+void ConfigModel::put( TrafficInjection const& traffic ) {
    Qos::MapType const type = traffic.servicePolicy.type();
    std::string const name = traffic.servicePolicy.pmapName().str().stdString();
    auto const it = policyMaps_.find( { type, name } );

@@ -67,7 +67,7 @@ class ConfigModel {
    void put( Attachment const& attachment );
    void put( InterfacePresence const& presence );
    void put( CounterRequest const& request );
-   void put( TrafficSpec const& traffic );
+   void put( TrafficInjection const& traffic );
    void put( ClearRequest const& ) {}
    void put( FaultSwitch const& fault );
 

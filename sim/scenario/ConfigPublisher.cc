@@ -17,7 +17,7 @@ namespace {
 // Changes that ask for something at a moment rather than configure.
 bool isRequest( ChangeValue const& value ) {
    return std::holds_alternative< CounterRequest >( value ) ||
-          std::holds_alternative< TrafficSpec >( value ) ||
+          std::holds_alternative< TrafficInjection >( value ) ||
           std::holds_alternative< ClearRequest >( value ) ||
           std::holds_alternative< FaultSwitch >( value );
 }
@@ -42,7 +42,7 @@ ConfigPublisher::ConfigPublisher( EngineInputs inputs, std::string file )
                in_.counterConfigDir && in_.ncsd );
 }
 
-void ConfigPublisher::chipIs( ChipSpec const& chip ) {
+void ConfigPublisher::chipIs( ChipConfig const& chip ) {
    capabilitiesIs( *in_.aclHwStatus, *in_.hwStatus, chip );
    model_.faultsIs( chip.faults.size() );
 }

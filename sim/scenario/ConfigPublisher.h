@@ -47,7 +47,7 @@ class ConfigPublisher {
 
    // The capabilities and police limits, as the chip's driver publishes them; the number of
    // faults a fault switch may name.
-   void chipIs( ChipSpec const& chip );
+   void chipIs( ChipConfig const& chip );
    // The starting configuration, before any step; it may hold no requests. The interface list
    // is then complete (intfsReady).
    void initialIs( std::vector< Change > const& changes );

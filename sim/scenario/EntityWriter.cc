@@ -150,7 +150,7 @@ bool isStaticClass( PolicyMapDef const& pmap, ClassDef const& cls, ConfigModel c
 
 }  // namespace
 
-void capabilitiesIs( Qos::AclHwStatus& aclHw, Qos::HwStatus& hw, ChipSpec const& chip ) {
+void capabilitiesIs( Qos::AclHwStatus& aclHw, Qos::HwStatus& hw, ChipConfig const& chip ) {
    aclHw.policeByteModeMinRateKbpsIs( chip.policeByteModeMinRateKbps );
    aclHw.policeByteModeMaxRateKbpsIs( chip.policeByteModeMaxRateKbps );
    aclHw.policeByteModeMinBurstBytesIs( chip.policeByteModeMinBurstBytes );

@@ -17,7 +17,7 @@ namespace Sim {
 // The chip's capability flags and police limits, as its driver publishes them. The flags the
 // engine asks the helper instead (multiple actions, policer exhaustion, MAC rules, ECN,
 // "established", TCP flags) are the chip's own business.
-void capabilitiesIs( Qos::AclHwStatus& aclHw, Qos::HwStatus& hw, ChipSpec const& chip );
+void capabilitiesIs( Qos::AclHwStatus& aclHw, Qos::HwStatus& hw, ChipConfig const& chip );
 
 // A new version of the list's rules: sequence numbers as configured, ids 1, 2, 3, ... in
 // sequence order.

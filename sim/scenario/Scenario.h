@@ -16,7 +16,7 @@
 #include "entities/ClassMapStatus.h"
 #include "entities/QosTypes.h"
 #include "mirel/IntfId.h"
-#include "sim/chip/ChipSpec.h"
+#include "sim/chip/ChipConfig.h"
 #include "zub/Entity.h"
 
 namespace Sim {
@@ -200,7 +200,7 @@ struct CounterRequest {
    std::string client;
 };
 // Packets that reach one class of a policy map on one interface; for the chip's counters.
-struct TrafficSpec {
+struct TrafficInjection {
    Qos::ServicePolicyKey servicePolicy;
    std::string classMap;
    Qos::IntfPairKey intf;
@@ -220,7 +220,7 @@ using ChangeValue =
       std::variant< AclDef, AclRemoval, ClassMapDef, ClassMapRemoval, NamedPolicerDef,
                     NamedPolicerRemoval, PolicyMapDef, PolicyMapRemoval, ServicePolicyDef,
                     ServicePolicyRemoval, Attachment, InterfacePresence, CounterRequest,
-                    TrafficSpec, ClearRequest, FaultSwitch >;
+                    TrafficInjection, ClearRequest, FaultSwitch >;
 
 struct Change {
    Where where;
@@ -239,7 +239,7 @@ struct Scenario {
    // The file as the loader was given it, for messages.
    std::string file;
    std::string description;
-   ChipSpec chip;
+   ChipConfig chip;
    // The name of each of chip.faults, empty for an unnamed one.
    std::vector< std::string > faultNames;
    // The configuration the switch starts with, as the changes that build it: interfaces,

@@ -125,11 +125,11 @@ Attachment StepReader::attachment( YAML::Node const& node, bool attach ) const {
    return a;
 }
 
-TrafficSpec StepReader::traffic( YAML::Node const& node ) const {
+TrafficInjection StepReader::traffic( YAML::Node const& node ) const {
    yaml_.checkMapping(
          node, "traffic",
          { "policyMap", "type", "direction", "class", "interface", "packets", "bytes" } );
-   TrafficSpec t;
+   TrafficInjection t;
    t.servicePolicy = servicePolicies_.key( node );
    t.classMap = yaml_.text( yaml_.required( node, "class" ), "class" );
    t.intf = servicePolicies_.intfPair( yaml_.required( node, "interface" ), "interface" );

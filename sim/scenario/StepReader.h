@@ -32,7 +32,7 @@ class StepReader {
    ChangeValue value( std::string const& kind, YAML::Node const& node ) const;
    ChangeValue removal( std::string const& kind, YAML::Node const& node ) const;
    Attachment attachment( YAML::Node const& node, bool attach ) const;
-   TrafficSpec traffic( YAML::Node const& node ) const;
+   TrafficInjection traffic( YAML::Node const& node ) const;
    FaultSwitch faultSwitch( YAML::Node const& node ) const;
 
    YamlReader const& yaml_;

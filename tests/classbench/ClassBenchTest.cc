@@ -162,7 +162,7 @@ TEST( ClassBenchTest, RuleSetNumbersRulesInFileOrder ) {
    }
 }
 
-Acl::IpRuleConfig ruleOf( std::uint32_t src, unsigned srcLen, Acl::PortSpec dstPort,
+Acl::IpRuleConfig ruleOf( std::uint32_t src, unsigned srcLen, Acl::PortCondition dstPort,
                           std::uint8_t proto = 6 ) {
    Acl::IpRuleConfig r;
    r.filter.source = Mirel::IpAddrWithMask( src, srcLen );
@@ -172,20 +172,22 @@ Acl::IpRuleConfig ruleOf( std::uint32_t src, unsigned srcLen, Acl::PortSpec dstP
 }
 
 TEST( ClassBenchTest, PortBlocksCountEveryRangeOfACondition ) {
-   auto rule = ruleOf( 0, 0, Acl::PortSpec::rangeOf( 80, 90 ) );  // 80-87, 88-89, 90
+   auto rule = ruleOf( 0, 0, Acl::PortCondition::rangeOf( 80, 90 ) );  // 80-87, 88-89, 90
    EXPECT_EQ( Sim::portBlockProduct( { rule } ), 3u );
-   rule.filter.srcPort = Acl::PortSpec( Acl::PortSpec::neq, { 0 } );  // 1, 2-3, ..., 32768-65535
+   rule.filter.srcPort =
+         Acl::PortCondition( Acl::PortCondition::neq, { 0 } );  // 1, 2-3, ..., 32768-65535
    EXPECT_EQ( Sim::portBlockProduct( { rule } ), 3u * 16 );
-   rule.filter.srcPort = Acl::PortSpec( Acl::PortSpec::eq, { 443, 80, 443 } );
+   rule.filter.srcPort = Acl::PortCondition( Acl::PortCondition::eq, { 443, 80, 443 } );
    EXPECT_EQ( Sim::portBlockProduct( { rule } ), 3u * 2 );
-   rule.filter.srcPort = Acl::PortSpec( Acl::PortSpec::gt, { 65535 } );  // matches nothing
+   rule.filter.srcPort =
+         Acl::PortCondition( Acl::PortCondition::gt, { 65535 } );  // matches nothing
    EXPECT_EQ( Sim::portBlockProduct( { rule } ), 0u );
    EXPECT_EQ( Sim::portBlockProduct( { rule, ruleOf( 0, 0, {} ) } ), 1u );
    EXPECT_EQ( Sim::rulesWithPortCondition( { rule, ruleOf( 0, 0, {} ) } ), 1u );
 }
 
 TEST( ClassBenchTest, FragmentEntriesOnePerLayerThreeMatchAndProtocol ) {
-   auto const port80 = Acl::PortSpec::eqOf( 80 );
+   auto const port80 = Acl::PortCondition::eqOf( 80 );
    auto const a = ruleOf( 0x0a000000, 8, port80 );
    auto const b = ruleOf( 0x0b000000, 8, port80 );
    EXPECT_EQ( Sim::fragmentEntries( { ruleOf( 0x0a000000, 8, {} ) }, false ), 0u );
@@ -210,8 +212,8 @@ TEST( ClassBenchTest, FragmentEntriesOnePerLayerThreeMatchAndProtocol ) {
 }
 
 TEST( ClassBenchTest, FragmentRulesStandInForLaterEntries ) {
-   auto const a = ruleOf( 0x0a000000, 8, Acl::PortSpec::eqOf( 80 ) );
-   auto const b = ruleOf( 0x0b000000, 8, Acl::PortSpec::eqOf( 80 ) );
+   auto const a = ruleOf( 0x0a000000, 8, Acl::PortCondition::eqOf( 80 ) );
+   auto const b = ruleOf( 0x0b000000, 8, Acl::PortCondition::eqOf( 80 ) );
    auto fragB = ruleOf( 0x0b000000, 8, {}, 0 );
    fragB.filter.fragments = true;
    // Protocol 0 reaches every map that exists by then, and only those.
@@ -225,12 +227,12 @@ TEST( ClassBenchTest, FragmentRulesStandInForLaterEntries ) {
    EXPECT_EQ( Sim::fragmentEntries( { a, fragBtcp, b }, false ), 1u );
    // A fragments rule with a port condition matches nothing and stands in for nothing.
    auto fragBport = fragBtcp;
-   fragBport.filter.dstPort = Acl::PortSpec::eqOf( 80 );
+   fragBport.filter.dstPort = Acl::PortCondition::eqOf( 80 );
    EXPECT_EQ( Sim::fragmentEntries( { a, fragBport, b }, false ), 2u );
 }
 
 TEST( ClassBenchTest, FragmentEntriesFollowTheEcnSplit ) {
-   auto rule = ruleOf( 0x0a000000, 8, Acl::PortSpec::eqOf( 80 ) );
+   auto rule = ruleOf( 0x0a000000, 8, Acl::PortCondition::eqOf( 80 ) );
    unsigned const expected[] = { 1, 2, 1, 1, 2 };  // by Acl::Ecn value
    for( unsigned ecn = 0; ecn < 5; ++ecn ) {
       rule.filter.ecn = static_cast< Acl::Ecn >( ecn );

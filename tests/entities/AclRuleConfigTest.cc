@@ -10,10 +10,10 @@
 
 namespace {
 
-using Acl::PortSpec;
+using Acl::PortCondition;
 using Range = std::pair< std::uint16_t, std::uint16_t >;
 
-std::vector< Range > rangesOf( PortSpec const& p ) {
+std::vector< Range > rangesOf( PortCondition const& p ) {
    std::array< Range, 11 > out;
    unsigned const n = p.ranges( out );
    return std::vector< Range >( out.begin(), out.begin() + n );
@@ -26,52 +26,52 @@ std::string textOf( T const& v ) {
    return os.str();
 }
 
-TEST( AclRuleConfigTest, PortSpecRangesOfEachOperator ) {
-   EXPECT_EQ( rangesOf( PortSpec() ), ( std::vector< Range >{ { 0, 65535 } } ) );
+TEST( AclRuleConfigTest, PortConditionRangesOfEachOperator ) {
+   EXPECT_EQ( rangesOf( PortCondition() ), ( std::vector< Range >{ { 0, 65535 } } ) );
    // eq: one range per distinct value, ascending.
-   EXPECT_EQ( rangesOf( PortSpec( PortSpec::eq, { 443, 22, 443, 80 } ) ),
+   EXPECT_EQ( rangesOf( PortCondition( PortCondition::eq, { 443, 22, 443, 80 } ) ),
               ( std::vector< Range >{ { 22, 22 }, { 80, 80 }, { 443, 443 } } ) );
-   EXPECT_EQ( rangesOf( PortSpec( PortSpec::gt, { 1023 } ) ),
+   EXPECT_EQ( rangesOf( PortCondition( PortCondition::gt, { 1023 } ) ),
               ( std::vector< Range >{ { 1024, 65535 } } ) );
-   EXPECT_EQ( rangesOf( PortSpec( PortSpec::lt, { 1024 } ) ),
+   EXPECT_EQ( rangesOf( PortCondition( PortCondition::lt, { 1024 } ) ),
               ( std::vector< Range >{ { 0, 1023 } } ) );
-   EXPECT_EQ( rangesOf( PortSpec::rangeOf( 7, 7 ) ), ( std::vector< Range >{ { 7, 7 } } ) );
+   EXPECT_EQ( rangesOf( PortCondition::rangeOf( 7, 7 ) ), ( std::vector< Range >{ { 7, 7 } } ) );
    // Conditions nothing can meet.
-   EXPECT_TRUE( rangesOf( PortSpec( PortSpec::gt, { 65535 } ) ).empty() );
-   EXPECT_TRUE( rangesOf( PortSpec( PortSpec::lt, { 0 } ) ).empty() );
-   EXPECT_TRUE( rangesOf( PortSpec::rangeOf( 9, 8 ) ).empty() );
+   EXPECT_TRUE( rangesOf( PortCondition( PortCondition::gt, { 65535 } ) ).empty() );
+   EXPECT_TRUE( rangesOf( PortCondition( PortCondition::lt, { 0 } ) ).empty() );
+   EXPECT_TRUE( rangesOf( PortCondition::rangeOf( 9, 8 ) ).empty() );
 }
 
-TEST( AclRuleConfigTest, PortSpecNeqIsTheComplement ) {
-   EXPECT_EQ( rangesOf( PortSpec( PortSpec::neq, { 80, 22, 80 } ) ),
+TEST( AclRuleConfigTest, PortConditionNeqIsTheComplement ) {
+   EXPECT_EQ( rangesOf( PortCondition( PortCondition::neq, { 80, 22, 80 } ) ),
               ( std::vector< Range >{ { 0, 21 }, { 23, 79 }, { 81, 65535 } } ) );
-   EXPECT_EQ( rangesOf( PortSpec( PortSpec::neq, { 0 } ) ),
+   EXPECT_EQ( rangesOf( PortCondition( PortCondition::neq, { 0 } ) ),
               ( std::vector< Range >{ { 1, 65535 } } ) );
-   EXPECT_EQ( rangesOf( PortSpec( PortSpec::neq, { 65535 } ) ),
+   EXPECT_EQ( rangesOf( PortCondition( PortCondition::neq, { 65535 } ) ),
               ( std::vector< Range >{ { 0, 65534 } } ) );
-   EXPECT_EQ( rangesOf( PortSpec( PortSpec::neq, { 65534 } ) ),
+   EXPECT_EQ( rangesOf( PortCondition( PortCondition::neq, { 65534 } ) ),
               ( std::vector< Range >{ { 0, 65533 }, { 65535, 65535 } } ) );
    // Neighbouring excluded values leave no empty gap between them.
-   EXPECT_EQ( rangesOf( PortSpec( PortSpec::neq, { 0, 1, 65534, 65535 } ) ),
+   EXPECT_EQ( rangesOf( PortCondition( PortCondition::neq, { 0, 1, 65534, 65535 } ) ),
               ( std::vector< Range >{ { 2, 65533 } } ) );
    // Ten values in the middle leave eleven gaps, the most a condition can have.
-   auto const ten =
-         rangesOf( PortSpec( PortSpec::neq, { 100, 10, 20, 30, 40, 50, 60, 70, 80, 90 } ) );
+   auto const ten = rangesOf(
+         PortCondition( PortCondition::neq, { 100, 10, 20, 30, 40, 50, 60, 70, 80, 90 } ) );
    ASSERT_EQ( ten.size(), 11u );
    EXPECT_EQ( ten.front(), Range( 0, 9 ) );
    EXPECT_EQ( ten[ 5 ], Range( 51, 59 ) );
    EXPECT_EQ( ten.back(), Range( 101, 65535 ) );
 }
 
-TEST( AclRuleConfigTest, PortSpecRefusesValuesTheOperatorCannotTake ) {
-   EXPECT_THROW( PortSpec( PortSpec::eq, { 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11 } ),
+TEST( AclRuleConfigTest, PortConditionRefusesValuesTheOperatorCannotTake ) {
+   EXPECT_THROW( PortCondition( PortCondition::eq, { 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11 } ),
                  Zub::RangeException );
-   EXPECT_THROW( PortSpec( PortSpec::range, { 1 } ), Zub::RangeException );
-   EXPECT_THROW( PortSpec( PortSpec::gt, { 1, 2 } ), Zub::RangeException );
-   EXPECT_THROW( PortSpec( PortSpec::lt, {} ), Zub::RangeException );
-   EXPECT_THROW( PortSpec( PortSpec::eq, {} ), Zub::RangeException );
-   EXPECT_THROW( PortSpec( PortSpec::any, { 1 } ), Zub::RangeException );
-   PortSpec const full( PortSpec::neq, { 1, 2, 3, 4, 5, 6, 7, 8, 9, 10 } );
+   EXPECT_THROW( PortCondition( PortCondition::range, { 1 } ), Zub::RangeException );
+   EXPECT_THROW( PortCondition( PortCondition::gt, { 1, 2 } ), Zub::RangeException );
+   EXPECT_THROW( PortCondition( PortCondition::lt, {} ), Zub::RangeException );
+   EXPECT_THROW( PortCondition( PortCondition::eq, {} ), Zub::RangeException );
+   EXPECT_THROW( PortCondition( PortCondition::any, { 1 } ), Zub::RangeException );
+   PortCondition const full( PortCondition::neq, { 1, 2, 3, 4, 5, 6, 7, 8, 9, 10 } );
    EXPECT_EQ( full.count(), 10u );
    EXPECT_EQ( textOf( full ), "neq 1 2 3 4 5 6 7 8 9 10" );
 }
@@ -108,9 +108,9 @@ TEST( AclRuleConfigTest, RuleTextInAccessListForm ) {
    r.action = Acl::actionDeny;
    r.filter.proto = 6;
    r.filter.source = Mirel::IpAddrWithMask( 0x0a000000, 8 );
-   r.filter.srcPort = PortSpec::rangeOf( 1, 1023 );
-   r.filter.dstPort = PortSpec( PortSpec::eq, { 80, 443 } );
-   r.filter.ipLen = PortSpec( PortSpec::gt, { 100 } );
+   r.filter.srcPort = PortCondition::rangeOf( 1, 1023 );
+   r.filter.dstPort = PortCondition( PortCondition::eq, { 80, 443 } );
+   r.filter.ipLen = PortCondition( PortCondition::gt, { 100 } );
    r.filter.tcpFlag = Acl::TcpFlag( Acl::TcpFlag::syn_ | Acl::TcpFlag::ack_ );
    r.filter.established = true;
    r.filter.dscp = 46;

@@ -67,7 +67,8 @@ Lines compileCalls( Lines const& calls ) {
    return Mirel::IpAddrWithMask( a << 24 | b << 16 | c << 8 | d, len );
 }
 
-Acl::IpRuleConfig ipRule( std::uint8_t proto, Acl::PortSpec dst = {}, Acl::PortSpec src = {} ) {
+Acl::IpRuleConfig ipRule( std::uint8_t proto, Acl::PortCondition dst = {},
+                          Acl::PortCondition src = {} ) {
    Acl::IpRuleConfig r;
    r.filter.proto = proto;
    r.filter.dstPort = dst;
@@ -75,7 +76,7 @@ Acl::IpRuleConfig ipRule( std::uint8_t proto, Acl::PortSpec dst = {}, Acl::PortS
    return r;
 }
 
-Acl::Ip6RuleConfig ip6Rule( std::uint8_t proto, Acl::PortSpec dst = {} ) {
+Acl::Ip6RuleConfig ip6Rule( std::uint8_t proto, Acl::PortCondition dst = {} ) {
    Acl::Ip6RuleConfig r;
    r.filter.proto = proto;
    r.filter.dstPort = dst;
@@ -139,11 +140,11 @@ TEST_P( QosClassMatchAclSmRoadTest, AccessGroupsCompileIntoTheSameSubrulesOnBoth
    helper->qosEcnSupportIs( true );
    helper->asyncTcamOperationsSupportedIs( deferred );
    start();
-   Acl::IpRuleConfig udp = ipRule( 17, Acl::PortSpec::eqOf( 53 ) );
+   Acl::IpRuleConfig udp = ipRule( 17, Acl::PortCondition::eqOf( 53 ) );
    udp.filter.ecn = Acl::ecnEctCe;
-   ipAclIs( "v4", { ipRule( 6, Acl::PortSpec::rangeOf( 80, 90 ) ), udp,
-                    ipRule( 6, Acl::PortSpec::eqOf( 443 ) ) } );
-   ip6AclIs( "v6", { ip6Rule( 6, Acl::PortSpec::eqOf( 443 ) ) } );
+   ipAclIs( "v4", { ipRule( 6, Acl::PortCondition::rangeOf( 80, 90 ) ), udp,
+                    ipRule( 6, Acl::PortCondition::eqOf( 443 ) ) } );
+   ip6AclIs( "v6", { ip6Rule( 6, Acl::PortCondition::eqOf( 443 ) ) } );
    helper->clearCalls();
    goldIs();
    if( deferred ) drain();
@@ -185,9 +186,10 @@ INSTANTIATE_TEST_SUITE_P( Roads, QosClassMatchAclSmRoadTest, ::testing::Values( 
 TEST_F( QosClassMatchAclSmTest, ARetryCodeExpandsOnlyTheDimensionsItNames ) {
    start();
    // Source 80..90 needs three blocks, destination 1000..1999 a range checker.
-   ipAclIs( "v4",
-            { ipRule( 6, Acl::PortSpec::rangeOf( 1000, 1999 ), Acl::PortSpec::rangeOf( 80, 90 ) ),
-              ipRule( 6, Acl::PortSpec::eqOf( 53 ), Acl::PortSpec::rangeOf( 80, 90 ) ) } );
+   ipAclIs( "v4", { ipRule( 6, Acl::PortCondition::rangeOf( 1000, 1999 ),
+                            Acl::PortCondition::rangeOf( 80, 90 ) ),
+                    ipRule( 6, Acl::PortCondition::eqOf( 53 ),
+                            Acl::PortCondition::rangeOf( 80, 90 ) ) } );
    classMapIs( "c4", { { Qos::matchOptionIpAcl, "v4" } } );
    classIs( "gold", "c4" );
    helper->aclCreateErrorEnq( "createIpAclSubrule", Nev::aclCreateErrorExpandSrc );
@@ -226,9 +228,9 @@ TEST_F( QosClassMatchAclSmTest, ARetryCodeExpandsOnlyTheDimensionsItNames ) {
 
 TEST_F( QosClassMatchAclSmTest, ASecondRefusalEndsTheListAndFailsTheMap ) {
    start();
-   ipAclIs( "v4", { ipRule( 6, {}, Acl::PortSpec::rangeOf( 80, 90 ) ),
-                    ipRule( 6, Acl::PortSpec::eqOf( 22 ) ) } );
-   ip6AclIs( "v6", { ip6Rule( 6, Acl::PortSpec::eqOf( 22 ) ) } );
+   ipAclIs( "v4", { ipRule( 6, {}, Acl::PortCondition::rangeOf( 80, 90 ) ),
+                    ipRule( 6, Acl::PortCondition::eqOf( 22 ) ) } );
+   ip6AclIs( "v6", { ip6Rule( 6, Acl::PortCondition::eqOf( 22 ) ) } );
    classMapIs( "c4", { { Qos::matchOptionIpAcl, "v4" } } );
    classMapIs( "c6", { { Qos::matchOptionIpv6Acl, "v6" } } );
    classIs( "gold", "c4" );
@@ -263,7 +265,7 @@ TEST_F( QosClassMatchAclSmTest, ASecondRefusalEndsTheListAndFailsTheMap ) {
 TEST_F( QosClassMatchAclSmTest, FragmentEntriesOncePerLayerThreeMatch ) {
    start();
    auto tcp = []( std::uint32_t net, std::uint16_t port ) {
-      Acl::IpRuleConfig r = ipRule( 6, Acl::PortSpec::eqOf( port ) );
+      Acl::IpRuleConfig r = ipRule( 6, Acl::PortCondition::eqOf( port ) );
       r.filter.source = Mirel::IpAddrWithMask( net << 24, net ? 8 : 0 );
       return r;
    };
@@ -302,7 +304,7 @@ TEST_F( QosClassMatchAclSmTest, UnsupportedTcpFlagsAreDroppedAndVlanRulesSkipped
    ack.filter.tcpFlag = Acl::TcpFlag( Acl::TcpFlag::ack_ | Acl::TcpFlag::syn_ );
    Acl::IpRuleConfig vlan = ipRule( 17 );
    vlan.filter.vlanMask = 0xfff;
-   ipAclIs( "v4", { ack, vlan, ipRule( 17, Acl::PortSpec::eqOf( 53 ) ) } );
+   ipAclIs( "v4", { ack, vlan, ipRule( 17, Acl::PortCondition::eqOf( 53 ) ) } );
    classMapIs( "c4", { { Qos::matchOptionIpAcl, "v4" } } );
    classIs( "gold", "c4" );
    applyIs( "gold", { intf( "Vlan10" ) } );
@@ -337,7 +339,7 @@ TEST_F( QosClassMatchAclSmTest, AMacListAndAnIpv6ListInOneMapAreSkippedOnlyOnThe
       Acl::MacRuleConfig ipv4;
       ipv4.filter.etherType = 0x800;
       macAclIs( "m", { ipv4 } );
-      ip6AclIs( "v6", { ip6Rule( 6, Acl::PortSpec::eqOf( 22 ) ) } );
+      ip6AclIs( "v6", { ip6Rule( 6, Acl::PortCondition::eqOf( 22 ) ) } );
       classMapIs( "cm", { { Qos::matchOptionMac, "m" } } );
       classMapIs( "c6", { { Qos::matchOptionIpv6Acl, "v6" } } );
       classIs( "gold", "cm" );

@@ -62,8 +62,8 @@ TEST( AclIpRuleCreateDataTest, NoConditionIsOneEntryOverEverything ) {
 
 TEST( AclIpRuleCreateDataTest, PortConditionsGiveTheirRangesAndBlocks ) {
    Acl::IpFilterBase f;
-   f.srcPort = Acl::PortSpec::rangeOf( 80, 90 );
-   f.dstPort = Acl::PortSpec( Acl::PortSpec::neq, { 80 } );
+   f.srcPort = Acl::PortCondition::rangeOf( 80, 90 );
+   f.dstPort = Acl::PortCondition( Acl::PortCondition::neq, { 80 } );
    auto const data = planOf( f );
    ASSERT_EQ( data.srcPortCount, 1 );
    EXPECT_EQ( data.srcPortRange[ 1 ], Range( 80, 90 ) );
@@ -88,7 +88,7 @@ TEST( AclIpRuleCreateDataTest, PortConditionsGiveTheirRangesAndBlocks ) {
 
 TEST( AclIpRuleCreateDataTest, ConditionMatchingNothingLeavesItsCountZero ) {
    Acl::IpFilterBase f;
-   f.ipLen = Acl::PortSpec( Acl::PortSpec::gt, { 65535 } );
+   f.ipLen = Acl::PortCondition( Acl::PortCondition::gt, { 65535 } );
    auto const data = planOf( f );
    EXPECT_EQ( data.ipLenCount, 0 );
    EXPECT_TRUE( data.ipLenMasks[ 1 ].empty() );
@@ -128,11 +128,13 @@ TEST( AclIpRuleCreateDataTest, LayerFourConditions ) {
       bool l4;
    } const cases[] = {
       { "tcp flag", []( Acl::IpFilterBase& f ) { f.tcpFlag = Acl::TcpFlag( 0x02 ); }, true },
-      { "ip length", []( Acl::IpFilterBase& f ) { f.ipLen = Acl::PortSpec::eqOf( 64 ); }, true },
+      { "ip length", []( Acl::IpFilterBase& f ) { f.ipLen = Acl::PortCondition::eqOf( 64 ); },
+        true },
       { "icmp type", []( Acl::IpFilterBase& f ) { f.icmpTypeValid = true; }, true },
       { "icmp code", []( Acl::IpFilterBase& f ) { f.icmpCodeValid = true; }, true },
       { "established", []( Acl::IpFilterBase& f ) { f.established = true; }, true },
-      { "source port", []( Acl::IpFilterBase& f ) { f.srcPort = Acl::PortSpec::eqOf( 0 ); }, true },
+      { "source port", []( Acl::IpFilterBase& f ) { f.srcPort = Acl::PortCondition::eqOf( 0 ); },
+        true },
       { "dscp", []( Acl::IpFilterBase& f ) { f.dscpValid = true; }, false },
       { "vlan", []( Acl::IpFilterBase& f ) { f.vlanMask = 0xfff; }, false },
       { "fragments", []( Acl::IpFilterBase& f ) { f.fragments = true; }, false },
@@ -155,7 +157,7 @@ Acl::IpFilter filterOf( std::uint32_t src, unsigned srcLen, std::uint32_t dst, u
 TEST( AclIpRuleCreateDataTest, FragInfoIsTheLayerThreeMatch ) {
    Acl::IpFilter f = filterOf( 0x0a000000, 8, 0xc0a80100, 24 );
    f.proto = 6;
-   f.dstPort = Acl::PortSpec::eqOf( 80 );
+   f.dstPort = Acl::PortCondition::eqOf( 80 );
    Nev::AclFragInfo const info( f );
    EXPECT_EQ( info.srcMask(), 0xff000000u );
    EXPECT_EQ( info.dstMask(), 0xffffff00u );

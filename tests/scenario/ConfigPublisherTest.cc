@@ -90,7 +90,7 @@ std::string textOf( Value const& v ) {
 }
 
 TEST_F( ConfigPublisherTest, TheChipsCapabilitiesAndLimitsAreCopied ) {
-   Sim::ChipSpec chip;
+   Sim::ChipConfig chip;
    chip.perClassPolicerSupported = true;
    chip.cosClassMatchSupported = false;
    chip.pdpSupported = true;

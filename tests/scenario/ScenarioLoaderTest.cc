@@ -71,7 +71,7 @@ TEST( ScenarioLoaderTest, TheEdgeExampleReadsAsWritten ) {
 
    ASSERT_EQ( s.steps.size(), 4u );
    EXPECT_EQ( s.steps[ 1 ].time, 2.0 );
-   auto const& traffic = valueOf< Sim::TrafficSpec >( s.steps[ 0 ].changes[ 1 ] );
+   auto const& traffic = valueOf< Sim::TrafficInjection >( s.steps[ 0 ].changes[ 1 ] );
    EXPECT_EQ( traffic.classMap, "video" );
    EXPECT_EQ( traffic.packets, 5000u );
    EXPECT_EQ( traffic.bytes, 6000000u );
@@ -82,7 +82,7 @@ TEST( ScenarioLoaderTest, TheEdgeExampleReadsAsWritten ) {
 TEST( ScenarioLoaderTest, TheTcamExampleTakesItsRulesFromClassBench ) {
    auto const s = Sim::loadScenario( ( examplesDir / "tcam-exhaustion.yaml" ).string() );
    ASSERT_EQ( s.chip.faults.size(), 1u );
-   EXPECT_EQ( s.chip.faults[ 0 ].kind, Sim::FaultSpec::Kind::outOfTcam );
+   EXPECT_EQ( s.chip.faults[ 0 ].kind, Sim::FaultConfig::Kind::outOfTcam );
    EXPECT_EQ( s.chip.faults[ 0 ].family, "ipv4" );
    EXPECT_EQ( s.chip.faults[ 0 ].atEntries, 24u );
    EXPECT_EQ( s.faultNames, std::vector< std::string >{ "slice-full" } );
@@ -103,7 +103,7 @@ TEST( ScenarioLoaderTest, TheRangeCheckerExampleTimesItsFault ) {
    auto const s = Sim::loadScenario( ( examplesDir / "range-checkers.yaml" ).string() );
    EXPECT_EQ( s.chip.rangeCheckers, 2u );
    ASSERT_EQ( s.chip.faults.size(), 1u );
-   EXPECT_EQ( s.chip.faults[ 0 ].kind, Sim::FaultSpec::Kind::outOfRangeCheckers );
+   EXPECT_EQ( s.chip.faults[ 0 ].kind, Sim::FaultConfig::Kind::outOfRangeCheckers );
    EXPECT_EQ( s.chip.faults[ 0 ].from, 3.0 );
    EXPECT_FALSE( s.chip.faults[ 0 ].until );
    EXPECT_EQ( s.faultNames, std::vector< std::string >{ "no-checkers" } );

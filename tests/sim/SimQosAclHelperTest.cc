@@ -16,15 +16,15 @@ using Lines = std::vector< std::string >;
 Acl::IpRuleConfig tcpTo( std::uint16_t low, std::uint16_t high ) {
    Acl::IpRuleConfig r;
    r.filter.proto = 6;
-   r.filter.dstPort = Acl::PortSpec::rangeOf( low, high );
+   r.filter.dstPort = Acl::PortCondition::rangeOf( low, high );
    return r;
 }
 
 class SimQosAclHelperTest : public QosAclSmFixture {
  protected:
-   void startWith( Sim::ChipSpec const& spec ) {
-      chip = Zub::make< Sim::SimQosAclHelper >( spec, qosStatus, qosAclSliceHwStatus, mainAclConfig,
-                                                clock );
+   void startWith( Sim::ChipConfig const& config ) {
+      chip = Zub::make< Sim::SimQosAclHelper >( config, qosStatus, qosAclSliceHwStatus,
+                                                mainAclConfig, clock );
       engineHelper = chip;
       start();
    }
@@ -56,9 +56,9 @@ class SimQosAclHelperTest : public QosAclSmFixture {
 };
 
 TEST_F( SimQosAclHelperTest, RulesTakeEntriesAndCheckersAndGiveThemBack ) {
-   Sim::ChipSpec spec;
-   spec.rangeCheckers = 1;
-   startWith( spec );
+   Sim::ChipConfig config;
+   config.rangeCheckers = 1;
+   startWith( config );
    goldIs( { tcpTo( 1000, 2000 ), tcpTo( 1000, 2000 ), tcpTo( 80, 80 ) } );
    EXPECT_EQ( hwStatus( "gold" )->prgmStatus(), Qos::hwPrgmStatusSuccess_ );
    EXPECT_EQ( dstPorts(), ( Lines{ "range 1000-2000", "range 1000-2000", "80/0xffff" } ) );
@@ -73,9 +73,9 @@ TEST_F( SimQosAclHelperTest, RulesTakeEntriesAndCheckersAndGiveThemBack ) {
 }
 
 TEST_F( SimQosAclHelperTest, WithoutCheckersTheCompilerExpandsThePorts ) {
-   Sim::ChipSpec spec;
-   spec.rangeCheckers = 0;
-   startWith( spec );
+   Sim::ChipConfig config;
+   config.rangeCheckers = 0;
+   startWith( config );
    goldIs( { tcpTo( 1000, 1003 ), tcpTo( 5, 6 ) } );
    EXPECT_EQ( hwStatus( "gold" )->prgmStatus(), Qos::hwPrgmStatusSuccess_ );
    EXPECT_EQ( dstPorts(), ( Lines{ "1000/0xfffc", "5/0xffff", "6/0xffff" } ) );
@@ -83,9 +83,9 @@ TEST_F( SimQosAclHelperTest, WithoutCheckersTheCompilerExpandsThePorts ) {
 }
 
 TEST_F( SimQosAclHelperTest, AFullSliceFailsTheMapAndItsRemovalFreesWhatItTook ) {
-   Sim::ChipSpec spec;
-   spec.tcamSliceEntries = 2;
-   startWith( spec );
+   Sim::ChipConfig config;
+   config.tcamSliceEntries = 2;
+   startWith( config );
    goldIs( { tcpTo( 80, 80 ), tcpTo( 81, 81 ), tcpTo( 82, 82 ) } );
    EXPECT_EQ( hwStatus( "gold" )->prgmStatus(), Qos::hwPrgmStatusFail_ );
    EXPECT_EQ( takeLogs(), Lines{ "QOS_POLICY_HW_RESOURCE_FULL: Insufficient hardware resources to "
@@ -96,9 +96,9 @@ TEST_F( SimQosAclHelperTest, AFullSliceFailsTheMapAndItsRemovalFreesWhatItTook )
 }
 
 TEST_F( SimQosAclHelperTest, PolicersRunOutAtThePoolSize ) {
-   Sim::ChipSpec spec;
-   spec.policers = 1;
-   startWith( spec );
+   Sim::ChipConfig config;
+   config.policers = 1;
+   startWith( config );
    ipAclIs( "v4", { tcpTo( 80, 80 ) } );
    classMapIs( "c1", { { Qos::matchOptionIpAcl, "v4" } } );
    classIs( "gold", "c1" )->policerIs( policerOf( "p1" ) );
@@ -114,7 +114,7 @@ TEST_F( SimQosAclHelperTest, PolicersRunOutAtThePoolSize ) {
 }
 
 TEST_F( SimQosAclHelperTest, TrafficShowsInTheCountersOnce ) {
-   startWith( Sim::ChipSpec() );
+   startWith( Sim::ChipConfig() );
    ip6AclIs( "v6", {} );
    ipAclIs( "v4", { tcpTo( 80, 80 ) } );
    classMapIs( "c1", { { Qos::matchOptionIpAcl, "v4" }, { Qos::matchOptionIpv6Acl, "v6" } } );
@@ -138,11 +138,11 @@ TEST_F( SimQosAclHelperTest, TrafficShowsInTheCountersOnce ) {
 }
 
 TEST_F( SimQosAclHelperTest, AnAsynchronousChipAnswersLaterAndCarriesItsFailure ) {
-   Sim::ChipSpec spec;
-   spec.tcamMode = Sim::TcamMode::asynchronous;
-   spec.asyncDelay = 0.25;
-   spec.tcamSliceEntries = 1;
-   startWith( spec );
+   Sim::ChipConfig config;
+   config.tcamMode = Sim::TcamMode::asynchronous;
+   config.asyncDelay = 0.25;
+   config.tcamSliceEntries = 1;
+   startWith( config );
    goldIs( { tcpTo( 80, 80 ), tcpTo( 81, 81 ) } );
    EXPECT_EQ( chip->pendingOperations(), 1u );
    loop->runUntil( loop->now() + 5.0 );

@@ -22,7 +22,7 @@ enum class TcamMode {
 };
 
 // A fault the scenario switches on.
-struct FaultSpec {
+struct FaultConfig {
    enum class Kind {
       // TCAM full once `atEntries` entries are installed in the slice of `family` (or any).
       outOfTcam,
@@ -47,7 +47,7 @@ struct FaultSpec {
    std::optional< Zub::Seconds > until;
 };
 
-struct ChipSpec {
+struct ChipConfig {
    TcamMode tcamMode = TcamMode::synchronous;
    Zub::Seconds asyncDelay = 0.0;
 
@@ -89,7 +89,7 @@ struct ChipSpec {
    std::uint32_t policePacketModeMinBurstPackets = 1;
    std::uint32_t policePacketModeMaxBurstPackets = 1000000;
 
-   std::vector< FaultSpec > faults;
+   std::vector< FaultConfig > faults;
 };
 
 }  // namespace Sim
