@@ -32,7 +32,8 @@ struct FaultConfig {
       policerExhaustion,
       // The `nth` call (1 = first, 0 = every call) of operation `op` answers `error`.
       operationError,
-      // The `nth` asynchronous operation (1 = first) never completes.
+      // The `nth` asynchronous operation (1 = first) never completes: the chip reports it
+      // pending, and the engine times it out.
       asyncPending,
    };
    Kind kind = Kind::operationError;
@@ -42,7 +43,7 @@ struct FaultConfig {
    std::uint32_t nth = 0;
    Nev::AclCreateError error = Nev::aclCreateErrorOutOfTcam;
    // The step time from which the fault holds, and to which it holds (inclusive); unset means
-   // from the start and to the end.
+   // from the start and to the end. A fault switch turns it off and on again within them.
    std::optional< Zub::Seconds > from;
    std::optional< Zub::Seconds > until;
 };
@@ -50,6 +51,9 @@ struct FaultConfig {
 struct ChipConfig {
    TcamMode tcamMode = TcamMode::synchronous;
    Zub::Seconds asyncDelay = 0.0;
+   // How long the agent lets an operation the chip left pending wait before the engine gives
+   // it up.
+   Zub::Seconds asyncTimeout = 10.0;
 
    // Entries per TCAM slice; the chip has one slice per ACL family: "ipv4", "ipv6" and "mac".
    // The VLAN, COS, DSCP/ECN and MPLS matches go to the slice of their list's family.
@@ -59,6 +63,8 @@ struct ChipConfig {
    std::uint32_t policers = 1024;
    std::uint32_t counters = 1024;
    std::uint32_t cpuQueues = 32;
+   // Classes a QoS policy map may have, class-default included.
+   std::uint32_t maxClassesPerPolicyMap = 256;
 
    // Capabilities the chip publishes to the engine.
    bool policyQosSupported = true;

@@ -1,9 +1,11 @@
 #include "sim/chip/SimQosAclHelper.h"
 
+#include <algorithm>
 #include <sstream>
 
 #include "NevQos/classes/QosClassData.h"
 #include "NevQos/log/QosLogHandles.h"
+#include "zub/Assert.h"
 #include "zub/Log.h"
 
 namespace Sim {
@@ -23,8 +25,36 @@ std::string hex( unsigned v ) {
    return os.str();
 }
 
+char const* mapTypeText( Qos::MapType type ) {
+   switch( type ) {
+      case Qos::mapControlPlane_:
+         return "control-plane";
+      case Qos::mapQos_:
+         return "qos";
+      case Qos::mapPdp_:
+         return "pdp";
+   }
+   return "?";
+}
+
+std::string aclKeyText( Nev::AclKey const& aclKey ) {
+   return text( aclKey.aclName() ) + "(" + text( aclKey.aclType() ) + ")";
+}
+
+std::string intfText( Qos::IntfPairKey const& intf ) {
+   std::string out = intf.intfId().stringValue().stdString();
+   if( intf.lagIntfId() != Mirel::IntfId() )
+      out += "@" + intf.lagIntfId().stringValue().stdString();
+   return out;
+}
+
+std::string pmapText( Nev::QosPolicyMapKey const& k ) {
+   return text( k.pmapName() ) + "(" + mapTypeText( k.pmapType() ) + "," + text( k.direction() ) +
+          ")";
+}
+
 std::string aclIdOf( Nev::QosClassData const& classData, Nev::AclKey const& aclKey ) {
-   return text( classData.key() ) + " " + text( aclKey );
+   return SimQosAclHelper::classKeyOf( classData ) + " " + aclKeyText( aclKey );
 }
 
 std::string sliceOf( Nev::AclKey const& aclKey ) {
@@ -46,6 +76,17 @@ void addL3Fields( TcamEntry& entry, Filter const& filter ) {
    entry.fields.emplace_back( "proto", text( unsigned( filter.proto ) ) );
    entry.fields.emplace_back( "src", text( filter.source ) );
    entry.fields.emplace_back( "dst", text( filter.destination ) );
+   // Fields a rule may leave out take no key.
+   if( filter.dscpValid ) entry.fields.emplace_back( "dscp", text( unsigned( filter.dscp ) ) );
+   if( filter.vlanMask != 0 ) {
+      entry.fields.emplace_back( "vlan", text( filter.vlan ) + "/" + hex( filter.vlanMask ) );
+   }
+   if( filter.icmpTypeValid ) {
+      entry.fields.emplace_back( "icmpType", text( unsigned( filter.icmpType ) ) );
+   }
+   if( filter.icmpCodeValid ) {
+      entry.fields.emplace_back( "icmpCode", text( unsigned( filter.icmpCode ) ) );
+   }
 }
 
 bool needsChecker( std::uint16_t mask, std::uint16_t low, std::uint16_t high ) {
@@ -72,22 +113,40 @@ Nev::AclCreateError expandCode( std::vector< RangeNeed > const& missing ) {
 
 }  // namespace
 
-// Completes the asynchronous operations when their time comes.
+// Completes the asynchronous operations when their time comes; one left pending is reported so,
+// and waits for ever.
 class SimQosAclHelper::Completer : public Kesh::TimerWheel::NotifieeConst {
  public:
    explicit Completer( SimQosAclHelper* chip ) : chip_( chip ) {}
    void onTime() override {
       Zub::Seconds const now = notifier()->now();
       auto& pending = chip_->pending_;
-      if( pending.empty() ) return;
-      auto const [ due, message ] = pending.front();
-      if( due > now ) {
-         timeMinIs( due );
+      auto const due = std::find_if( pending.begin(), pending.end(),
+                                     []( PendingOperation const& op ) { return op.due >= 0.0; } );
+      if( due == pending.end() ) return;
+      if( due->due > now ) {
+         timeMinIs( due->due );
          return;
       }
-      pending.erase( pending.begin() );
-      if( !pending.empty() ) timeMinIs( pending.front().first );
-      chip_->asyncOperationResultIs( Nev::AsyncOperationResult( Zub::String( message ), now ) );
+      PendingOperation const op = *due;
+      if( op.hangs ) {
+         due->due = -1.0;  // reported; stays in flight
+      } else {
+         pending.erase( due );
+      }
+      scheduleNext();
+      if( op.hangs ) {
+         if( chip_->leftPendingHandler_ ) chip_->leftPendingHandler_();
+         return;
+      }
+      chip_->asyncOperationResultIs( Nev::AsyncOperationResult( Zub::String( op.message ), now ) );
+   }
+   void scheduleNext() {
+      for( PendingOperation const& op : chip_->pending_ ) {
+         if( op.due < 0.0 ) continue;
+         timeMinIs( op.due );
+         return;
+      }
    }
 
  private:
@@ -107,7 +166,7 @@ SimQosAclHelper::SimQosAclHelper( ChipConfig config, Zub::Ptr< Qos::Status const
    qosEcnSupportIs( config_.qosEcnSupport );
    establishedSupportedIs( config_.establishedSupported );
    supportedTcpFlagsIs( NevHelper::TcpFlag( config_.supportedTcpFlags ) );
-   tcam_.rangeCheckersExhaustedIs( faultOn( FaultConfig::Kind::outOfRangeCheckers ) );
+   faultSwitchedOff_.assign( config_.faults.size(), false );
    completer_ = Zub::make< Completer >( this );
    completer_->notifierIs( clock_ );
 }
@@ -115,7 +174,8 @@ SimQosAclHelper::SimQosAclHelper( ChipConfig config, Zub::Ptr< Qos::Status const
 SimQosAclHelper::~SimQosAclHelper() = default;
 
 std::string SimQosAclHelper::classKeyOf( Nev::QosClassData const& classData ) {
-   return text( classData.key() );
+   Nev::QosClassDataKey const& k = classData.key();
+   return pmapText( k.pmapKey() ) + "/" + text( k.cmapName() ) + "/" + text( k.policerName() );
 }
 
 ChipCall& SimQosAclHelper::record( char const* op, Nev::QosClassData const* classData,
@@ -124,12 +184,19 @@ ChipCall& SimQosAclHelper::record( char const* op, Nev::QosClassData const* clas
    call.t = clock_->now();
    call.op = op;
    if( classData ) call.args.emplace_back( "classData", classKeyOf( *classData ) );
-   if( aclKey ) call.args.emplace_back( "aclKey", text( *aclKey ) );
+   if( aclKey ) call.args.emplace_back( "aclKey", aclKeyText( *aclKey ) );
    calls_.push_back( std::move( call ) );
    return calls_.back();
 }
 
+void SimQosAclHelper::faultIs( std::size_t index, bool on ) {
+   ZUB_ASSERT_TEXT( index < faultSwitchedOff_.size(), "the chip has no such fault" );
+   faultSwitchedOff_[ index ] = !on;
+}
+
 bool SimQosAclHelper::active( FaultConfig const& fault ) const {
+   auto const index = static_cast< std::size_t >( &fault - config_.faults.data() );
+   if( index < faultSwitchedOff_.size() && faultSwitchedOff_[ index ] ) return false;
    Zub::Seconds const now = clock_ ? clock_->now() : 0.0;
    return !( fault.from && now < *fault.from ) && !( fault.until && now > *fault.until );
 }
@@ -193,16 +260,13 @@ void SimQosAclHelper::startOperation() {
       if( auto const state = pmapState( asyncFailure_->pmap ) ) state->dirtyIs( true );
       asyncFailure_.reset();
    }
-   if( hang ) return;  // never completes: the engine's clock runs out
    // Always at least one turn later: the engine marks the operation in flight after the call.
-   Zub::Seconds const due = clock_->now() + config_.asyncDelay;
-   pending_.emplace_back( due, message );
-   if( pending_.size() == 1 ) completer_->timeMinIs( due );
+   pending_.push_back( PendingOperation{ clock_->now() + config_.asyncDelay, message, hang } );
+   completer_->scheduleNext();
 }
 
-void SimQosAclHelper::trafficIs( std::string const& classKey,
-                                 Nev::QosClassCounterData const& delta ) {
-   traffic_[ classKey ] += delta;
+void SimQosAclHelper::trafficIs( ChipTraffic const& traffic ) {
+   traffic_.push_back( traffic );
 }
 
 // ---- ACLs and their rules
@@ -228,8 +292,25 @@ Nev::AclCreateError SimQosAclHelper::createIpAclSubrule(
       std::uint16_t ipLenLow, std::uint16_t ipLenHigh, std::uint8_t tcpFlags, bool l4Rule,
       std::uint8_t ecnData, std::uint8_t ecnMask ) {
    ChipCall& call = record( "createIpAclSubrule", &classData, &aclKey );
-   call.args.emplace_back( "ruleNum", text( ruleNum ) );
-   call.args.emplace_back( "subruleNum", text( subruleNum ) );
+   call.args.insert( call.args.end(), { { "aclType", text( aclType ) },
+                                        { "ruleNum", text( ruleNum ) },
+                                        { "subruleNum", text( subruleNum ) },
+                                        { "srcL4Port", text( srcL4Port ) },
+                                        { "srcL4PortMask", hex( srcL4PortMask ) },
+                                        { "dstL4Port", text( dstL4Port ) },
+                                        { "dstL4PortMask", hex( dstL4PortMask ) },
+                                        { "srcPortLow", text( srcPortLow ) },
+                                        { "srcPortHigh", text( srcPortHigh ) },
+                                        { "dstPortLow", text( dstPortLow ) },
+                                        { "dstPortHigh", text( dstPortHigh ) },
+                                        { "ipLen", text( ipLen ) },
+                                        { "ipLenMask", hex( ipLenMask ) },
+                                        { "ipLenLow", text( ipLenLow ) },
+                                        { "ipLenHigh", text( ipLenHigh ) },
+                                        { "tcpFlags", hex( tcpFlags ) },
+                                        { "l4Rule", l4Rule ? "true" : "false" },
+                                        { "ecnData", text( unsigned( ecnData ) ) },
+                                        { "ecnMask", hex( ecnMask ) } } );
    if( auto const fault = faultFor( "createIpAclSubrule" ) ) return answer( *fault, classData );
    std::string const id = aclIdOf( classData, aclKey );
    if( !tcam_.has( id ) ) tcam_.open( id, sliceOf( aclKey ) );
@@ -244,6 +325,7 @@ Nev::AclCreateError SimQosAclHelper::createIpAclSubrule(
       needs.push_back( RangeNeed{ "len", ipLenLow, ipLenHigh } );
    }
    if( !needs.empty() ) {
+      tcam_.rangeCheckersExhaustedIs( faultOn( FaultConfig::Kind::outOfRangeCheckers ) );
       auto const missing = tcam_.acquire( id, needs );
       if( !missing.empty() ) return answer( expandCode( missing ), classData );
    }
@@ -383,14 +465,9 @@ void SimQosAclHelper::updatePortForAcl( Nev::QosPolicyMapState const&,
                                         Qos::ClassMapMatchOption, Nev::AclKey const& aclKey,
                                         Qos::IntfPairKey const& intfPair, bool add ) {
    ChipCall& call = record( "updatePortForAcl", &classData, &aclKey );
-   call.args.emplace_back( "intfPair", text( intfPair ) );
+   call.args.emplace_back( "intfPair", intfText( intfPair ) );
    call.args.emplace_back( "add", add ? "true" : "false" );
-   auto& ports = aclPorts_[ aclIdOf( classData, aclKey ) ];
-   if( add ) {
-      ports.insert( text( intfPair ) );
-   } else {
-      ports.erase( text( intfPair ) );
-   }
+   bind( aclPorts_[ aclIdOf( classData, aclKey ) ], intfPair, add );
    if( async() ) startOperation();
 }
 
@@ -418,6 +495,50 @@ Nev::AclCreateError SimQosAclHelper::commitAcl( Nev::QosClassData const& classDa
    error = answer( error, classData );
    if( async() ) startOperation();
    return error;
+}
+
+void SimQosAclHelper::prepareToCommit() {
+   record( "prepareToCommit", nullptr, nullptr );
+}
+
+void SimQosAclHelper::batchCommitAcls( Nev::QosPolicyMapState const& pmapState ) {
+   record( "batchCommitAcls", nullptr, nullptr )
+         .args.emplace_back( "pmapState", pmapText( pmapState.key() ) );
+}
+
+void SimQosAclHelper::batchCommitAclsIntf( Nev::QosPolicyMapState const& pmapState,
+                                           Qos::IntfPairKey const& intfPair, bool add ) {
+   ChipCall& call = record( "batchCommitAclsIntf", nullptr, nullptr );
+   call.args.emplace_back( "pmapState", pmapText( pmapState.key() ) );
+   call.args.emplace_back( "intfPair", intfText( intfPair ) );
+   call.args.emplace_back( "add", add ? "true" : "false" );
+   auto& ports = pmapPorts_[ pmapText( pmapState.key() ) ];
+   bind( ports, intfPair, add );
+   if( ports.empty() ) pmapPorts_.erase( pmapText( pmapState.key() ) );
+}
+
+bool SimQosAclHelper::createSmForPMap( Nev::QosPolicyMapState const& pmapState ) {
+   record( "createSmForPMap", nullptr, nullptr )
+         .args.emplace_back( "pmapState", pmapText( pmapState.key() ) );
+   return true;
+}
+
+void SimQosAclHelper::cleanupForPMap( Nev::QosPolicyMapKey const& pmapKey ) {
+   record( "cleanupForPMap", nullptr, nullptr ).args.emplace_back( "pmapKey", pmapText( pmapKey ) );
+}
+
+void SimQosAclHelper::updatePolicer( Zub::Name const& policerName ) {
+   record( "updatePolicer", nullptr, nullptr )
+         .args.emplace_back( "policerName", text( policerName ) );
+}
+
+void SimQosAclHelper::bind( std::set< std::string >& ports, Qos::IntfPairKey const& intfPair,
+                            bool add ) {
+   if( add ) {
+      ports.insert( intfText( intfPair ) );
+   } else {
+      ports.erase( intfText( intfPair ) );
+   }
 }
 
 void SimQosAclHelper::handlePendingOperationTimeout() {
@@ -452,6 +573,15 @@ bool SimQosAclHelper::createAndAttachPolicer( Nev::QosClassData const& classData
       call.args.emplace_back( "cir", text( p->cir() ) + text( p->cirUnit() ) );
       call.args.emplace_back( "bc", text( p->bc() ) + text( p->bcUnit() ) );
    }
+   return takePolicer( classData );
+}
+
+bool SimQosAclHelper::createAndAttachCoppPolicer( Nev::QosClassData const& classData ) {
+   record( "createAndAttachCoppPolicer", &classData, nullptr );
+   return takePolicer( classData );
+}
+
+bool SimQosAclHelper::takePolicer( Nev::QosClassData const& classData ) {
    if( faultOn( FaultConfig::Kind::policerExhaustion ) ) return false;
    if( policers_.size() >= config_.policers ) return false;
    policers_.insert( classKeyOf( classData ) );
@@ -483,15 +613,23 @@ void SimQosAclHelper::destroyCounter( Nev::QosClassData const& classData ) {
 Nev::QosClassCounterData SimQosAclHelper::counterUpdateRequest( Nev::QosClassData const& classData,
                                                                 Nev::AclKey const& aclKey ) {
    record( "counterUpdateRequest", &classData, &aclKey );
-   std::string const key = classKeyOf( classData );
-   auto const traffic = traffic_.find( key );
-   if( traffic == traffic_.end() ) return {};
    // A class's traffic is counted once, on its first installed ACL.
+   std::string const key = classKeyOf( classData );
    for( auto const& [ id, acl ] : tcam_.acls() ) {
       if( !acl.committed || id.rfind( key + " ", 0 ) != 0 ) continue;
-      return id == aclIdOf( classData, aclKey ) ? traffic->second : Nev::QosClassCounterData();
+      if( id != aclIdOf( classData, aclKey ) ) return {};
+      break;
    }
-   return {};
+   Nev::QosClassCounterData hits;
+   Nev::QosClassDataKey const& k = classData.key();
+   for( ChipTraffic const& t : traffic_ ) {
+      if( t.servicePolicy.pmapName() == k.pmapName() && t.servicePolicy.type() == k.pmapType() &&
+          t.servicePolicy.direction() == k.direction() && t.classMap == k.cmapName() &&
+          classData.intfIdHas( t.intf ) ) {
+         hits += t.hits;
+      }
+   }
+   return hits;
 }
 
 // ---- Control plane and start-up

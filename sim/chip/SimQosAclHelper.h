@@ -7,6 +7,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <set>
 #include <string>
@@ -26,6 +27,14 @@ struct ChipCall {
    std::vector< std::pair< std::string, std::string > > args;
 };
 
+// Packets that reach one class of a policy map on one interface.
+struct ChipTraffic {
+   Qos::ServicePolicyKey servicePolicy;
+   Zub::Name classMap;
+   Qos::IntfPairKey intf;
+   Nev::QosClassCounterData hits;
+};
+
 class SimQosAclHelper : public NevHelper::QosAclHelper {
  public:
    SimQosAclHelper( ChipConfig config, Zub::Ptr< Qos::Status const > qosStatus,
@@ -40,13 +49,26 @@ class SimQosAclHelper : public NevHelper::QosAclHelper {
    std::uint32_t policersUsed() const { return static_cast< std::uint32_t >( policers_.size() ); }
    std::uint32_t countersUsed() const { return static_cast< std::uint32_t >( counters_.size() ); }
    std::uint32_t cpuQueuesUsed() const { return static_cast< std::uint32_t >( cpuQueues_.size() ); }
-   // Asynchronous operations started and not completed yet.
+   // The interfaces bound one ACL at a time, by ACL id, and those bound to all the ACLs of a
+   // policy map at once by its batch commits, by policy map.
+   using Ports = std::map< std::string, std::set< std::string > >;
+   Ports const& aclPorts() const { return aclPorts_; }
+   Ports const& pmapPorts() const { return pmapPorts_; }
+   // Asynchronous operations started and not completed yet, including those left pending.
    std::size_t pendingOperations() const { return pending_.size(); }
 
-   // Traffic a scenario injects into one class of one policy map (all its copies): the
-   // counters of the class's first installed ACL advance by it.
-   void trafficIs( std::string const& classKey, Nev::QosClassCounterData const& delta );
-   // The key `trafficIs` takes for a class data: its key as text.
+   // Traffic a scenario injects: the counters of every copy of the class that holds the
+   // interface advance by it, on the copy's first installed ACL.
+   void trafficIs( ChipTraffic const& traffic );
+   // Switches fault `index` of the configuration off or on; it still holds only in its time
+   // window.
+   void faultIs( std::size_t index, bool on );
+   // Called when the chip reports an operation pending that it will never complete (the
+   // asyncPending fault); the agent marks the engine's operation pending so that it times out.
+   void operationLeftPendingHandlerIs( std::function< void() > handler ) {
+      leftPendingHandler_ = std::move( handler );
+   }
+   // The chip's name for a class data: its key as text.
    static std::string classKeyOf( Nev::QosClassData const& classData );
 
    // ---- The helper contract
@@ -110,12 +132,20 @@ class SimQosAclHelper : public NevHelper::QosAclHelper {
    Nev::AclCreateError commitAcl( Nev::QosClassData const& classData,
                                   Qos::ClassMapMatchOption matchOption,
                                   Nev::AclKey const& aclKey ) override;
+   void prepareToCommit() override;
+   void batchCommitAcls( Nev::QosPolicyMapState const& pmapState ) override;
+   void batchCommitAclsIntf( Nev::QosPolicyMapState const& pmapState,
+                             Qos::IntfPairKey const& intfPair, bool add ) override;
+   bool createSmForPMap( Nev::QosPolicyMapState const& pmapState ) override;
+   void cleanupForPMap( Nev::QosPolicyMapKey const& pmapKey ) override;
+   void updatePolicer( Zub::Name const& policerName ) override;
    void handlePendingOperationTimeout() override;
 
    int coppAllocateCpuQ( Nev::QosClassData const& classData ) override;
    void coppDeallocateCpuQ( Nev::QosClassData const& classData ) override;
    bool createAndAttachPolicer( Nev::QosClassData const& classData ) override;
    void destroyPolicer( Nev::QosClassData const& classData ) override;
+   bool createAndAttachCoppPolicer( Nev::QosClassData const& classData ) override;
    void createAndAttachCounter( Nev::QosClassData const& classData ) override;
    void destroyCounter( Nev::QosClassData const& classData ) override;
    Nev::QosClassCounterData counterUpdateRequest( Nev::QosClassData const& classData,
@@ -151,6 +181,8 @@ class SimQosAclHelper : public NevHelper::QosAclHelper {
                                    TcamEntry entry );
    Nev::AclCreateError answer( Nev::AclCreateError error, Nev::QosClassData const& classData );
    void startOperation();
+   bool takePolicer( Nev::QosClassData const& classData );
+   static void bind( std::set< std::string >& ports, Qos::IntfPairKey const& intfPair, bool add );
 
    ChipConfig config_;
    Tcam tcam_;
@@ -165,13 +197,22 @@ class SimQosAclHelper : public NevHelper::QosAclHelper {
       Nev::QosPolicyMapKey pmap;
    };
    std::optional< AsyncFailure > asyncFailure_;
-   // Completion times and messages of the operations in flight.
-   std::vector< std::pair< Zub::Seconds, std::string > > pending_;
+   // The operations in flight, in order of completion.
+   struct PendingOperation {
+      Zub::Seconds due = 0.0;
+      std::string message;
+      // Reported pending when due, never completed.
+      bool hangs = false;
+   };
+   std::vector< PendingOperation > pending_;
+   std::function< void() > leftPendingHandler_;
+   std::vector< bool > faultSwitchedOff_;
    std::set< std::string > policers_;
    std::set< std::string > counters_;
    std::map< std::string, int > cpuQueues_;
-   std::map< std::string, Nev::QosClassCounterData > traffic_;
-   std::map< std::string, std::set< std::string > > aclPorts_;
+   std::vector< ChipTraffic > traffic_;
+   Ports aclPorts_;
+   Ports pmapPorts_;
 };
 
 }  // namespace Sim

@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <utility>
 
+#include "sim/scenario/ScenarioNames.h"
+
 namespace Sim {
 
 namespace {
@@ -43,6 +45,7 @@ constexpr CountField countFields[] = {
    { "policers", &ChipConfig::policers, 0 },
    { "counters", &ChipConfig::counters, 0 },
    { "cpuQueues", &ChipConfig::cpuQueues, 0 },
+   { "maxClassesPerPolicyMap", &ChipConfig::maxClassesPerPolicyMap, 1 },
    { "policeByteModeMinRateKbps", &ChipConfig::policeByteModeMinRateKbps, 0 },
    { "policeByteModeMaxRateKbps", &ChipConfig::policeByteModeMaxRateKbps, 1 },
    { "policeByteModeMinBurstBytes", &ChipConfig::policeByteModeMinBurstBytes, 0 },
@@ -106,8 +109,8 @@ constexpr std::pair< std::string_view, Nev::AclCreateError > errorNames[] = {
 };
 
 std::vector< std::string_view > chipKeys() {
-   std::vector< std::string_view > keys{ "tcamMode", "asyncDelay", "supportedTcpFlags",
-                                         "policyClassMaxPrio", "faults" };
+   std::vector< std::string_view > keys{ "tcamMode",          "asyncDelay",         "asyncTimeout",
+                                         "supportedTcpFlags", "policyClassMaxPrio", "faults" };
    for( auto const& f : flagFields )
       keys.push_back( f.key );
    for( auto const& f : countFields )
@@ -144,6 +147,14 @@ void ChipReader::chip( YAML::Node const& node, ChipConfig& chip,
       chip.tcamMode = yaml_.choice( m, "tcamMode", NameTable< TcamMode >( tcamModes ) );
    }
    if( auto const d = node[ "asyncDelay" ] ) chip.asyncDelay = yaml_.seconds( d, "asyncDelay", 0 );
+   auto const timeout = node[ "asyncTimeout" ];
+   if( timeout ) chip.asyncTimeout = yaml_.seconds( timeout, "asyncTimeout", 0 );
+   // An operation is reported pending after asyncDelay; a time-out before that finds it still
+   // in progress and gives up nothing.
+   if( chip.asyncTimeout <= chip.asyncDelay ) {
+      yaml_.fail( timeout ? timeout : node, "asyncTimeout: " + secondsText( chip.asyncTimeout ) +
+                                                  " is not above asyncDelay" );
+   }
    for( auto const& f : flagFields ) {
       if( auto const v = node[ std::string( f.key ) ] ) {
          chip.*f.member = yaml_.flag( v, std::string( f.key ) );

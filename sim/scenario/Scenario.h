@@ -227,8 +227,11 @@ struct Change {
    ChangeValue value;
 };
 
-// The changes of one moment, in the order written. Times are seconds, above 0 and increasing
-// from step to step.
+// The virtual time at which the switch starts; the engine reads a time of 0 as unset.
+inline constexpr Zub::Seconds switchStartTime = 0.001;
+
+// The changes of one moment, in the order written. Times are seconds, after switchStartTime
+// and increasing from step to step.
 struct Step {
    Zub::Seconds time = 0.0;
    Where where;

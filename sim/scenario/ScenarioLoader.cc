@@ -83,7 +83,7 @@ void readSteps( YAML::Node const& doc, YamlReader const& yaml, StepReader const&
    auto const steps = doc[ "steps" ];
    if( !steps ) return;
    yaml.checkSequence( steps, "steps" );
-   Zub::Seconds after = 0.0;
+   Zub::Seconds after = switchStartTime;
    for( YAML::Node const& s : steps ) {
       out.push_back( reader.step( s, after ) );
       after = out.back().time;

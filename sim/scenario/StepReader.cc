@@ -46,7 +46,8 @@ Step StepReader::step( YAML::Node const& node, Zub::Seconds after ) const {
    auto const at = yaml_.required( node, "at" );
    step.time = yaml_.seconds( at, "at", 0 );
    if( step.time <= after ) {
-      yaml_.fail( at, "at: steps come in increasing time after 0; this one is not after " +
+      yaml_.fail( at, "at: steps come in increasing time after the start at " +
+                            secondsText( switchStartTime ) + " s; this one is not after " +
                             secondsText( after ) );
    }
    auto const changes = node[ "changes" ];

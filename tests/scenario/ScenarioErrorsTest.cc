@@ -107,12 +107,12 @@ TEST( ScenarioErrorsTest, ValuesOfTheWrongTypeOrOutOfRange ) {
          { "classMaps: [ { name: c, cpType: static } ]\n",
            "bad.yaml:1:33: cpType: only a control-plane class map has one" },
          { "steps: [ { at: 1 }, { at: 1 } ]\n",
-           "bad.yaml:1:27: at: steps come in increasing time after 0; this one is not after "
-           "1" },
+           "bad.yaml:1:27: at: steps come in increasing time after the start at 0.001 s; this "
+           "one is not after 1" },
          { "steps: [ { at: -1 } ]\n", "bad.yaml:1:16: at: -1 is below 0" },
          { "steps: [ { at: 0 } ]\n",
-           "bad.yaml:1:16: at: steps come in increasing time after 0; this one is not after "
-           "0" },
+           "bad.yaml:1:16: at: steps come in increasing time after the start at 0.001 s; this "
+           "one is not after 0.001" },
    } );
 }
 

@@ -90,9 +90,9 @@ TEST( ScenarioLoaderTest, TheTcamExampleTakesItsRulesFromClassBench ) {
    auto const& bulk = valueOf< Sim::AclDef >( s.initial[ 1 ] );
    auto const set =
          Sim::readClassBench( std::filesystem::path( NEVQOS_CLASSBENCH_DIR ) / "acl1_1k" );
-   ASSERT_EQ( bulk.ipv4Rules.size(), 40u );
-   EXPECT_EQ( bulk.ipv4Rules[ 39 ].rule, set[ 39 ] );
-   EXPECT_EQ( bulk.ipv4Rules[ 39 ].sequence, 400u );
+   ASSERT_EQ( bulk.ipv4Rules.size(), 20u );
+   EXPECT_EQ( bulk.ipv4Rules[ 19 ].rule, set[ 19 ] );
+   EXPECT_EQ( bulk.ipv4Rules[ 19 ].sequence, 200u );
 
    auto const& off = valueOf< Sim::FaultSwitch >( s.steps.at( 1 ).changes.at( 0 ) );
    EXPECT_EQ( off.fault, 0u );

@@ -121,19 +121,18 @@ TEST_F( SimQosAclHelperTest, TrafficShowsInTheCountersOnce ) {
    classIs( "gold", "c1" );
    applyIs( "gold", { intf( "Ethernet1" ) } );
    loop->runOnce();
-   auto const c1Data =
-         sm->servicePolicySm( spKey( "gold" ) )
-               ->pmapSm( pmapKey( "gold" ) )
-               ->policyClassSm( Nev::QosClassMapKey( Zub::Name( "c1" ), Qos::mapQos_ ) )
-               ->classData();
-   Nev::QosClassCounterData delta;
-   delta.pktHitsIs( 5 );
-   delta.byteHitsIs( 500 );
-   chip->trafficIs( Sim::SimQosAclHelper::classKeyOf( *c1Data ), delta );
-   chip->trafficIs( Sim::SimQosAclHelper::classKeyOf( *c1Data ), delta );
+   Nev::QosClassCounterData hits;
+   hits.pktHitsIs( 5 );
+   hits.byteHitsIs( 500 );
+   Sim::ChipTraffic const traffic{ spKey( "gold" ), Zub::Name( "c1" ), intf( "Ethernet1" ), hits };
+   chip->trafficIs( traffic );
+   chip->trafficIs( traffic );
+   chip->trafficIs(
+         Sim::ChipTraffic{ spKey( "gold" ), Zub::Name( "c1" ), intf( "Ethernet9" ), hits } );
    sm->servicePolicySm( spKey( "gold" ) )->counterUpdateRequest();
    auto const cmap = hwStatus( "gold" )->cmap( Zub::Name( "c1" ) );
-   EXPECT_EQ( cmap->outCount(), 10u ) << "counted on one of the class's two lists";
+   EXPECT_EQ( cmap->outCount(), 10u )
+         << "counted on one of the class's two lists, not for another interface";
    EXPECT_EQ( cmap->outBytes(), 1000u );
 }
 

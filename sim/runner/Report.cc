@@ -1,0 +1,363 @@
+#include "sim/runner/Report.h"
+
+#include <cstdio>
+#include <map>
+#include <ostream>
+#include <sstream>
+#include <string>
+#include <utility>
+
+namespace Sim {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+template< class T >
+std::string text( T const& v ) {
+   std::ostringstream os;
+   os << v;
+   return os.str();
+}
+
+std::string name( Zub::Name const& n ) {
+   return n.charPtr();
+}
+
+// ---- The JSON document
+
+Json callsOf( SimQosAclHelper const& chip ) {
+   Json out = Json::array();
+   for( ChipCall const& call : chip.calls() ) {
+      Json args = Json::object();
+      for( auto const& [ name, value ] : call.args )
+         args[ name ] = value;
+      out.push_back( Json{ { "t", call.t }, { "op", call.op }, { "args", std::move( args ) } } );
+   }
+   return out;
+}
+
+Json logsOf( std::vector< LogLine > const& logs ) {
+   Json out = Json::array();
+   for( LogLine const& l : logs ) {
+      out.push_back( Json{ { "t", l.t },
+                           { "handle", l.handle },
+                           { "severity", l.severity },
+                           { "text", l.text } } );
+   }
+   return out;
+}
+
+// The action types of one colour whose status is set.
+template< class Collection >
+Json actionsOf( Collection const& actions ) {
+   std::map< std::string, bool > sorted;
+   for( auto it = actions.iter(); it; ++it )
+      sorted[ text( it.key() ) ] = it.value();
+   Json out = Json::object();
+   for( auto const& [ name, on ] : sorted )
+      out[ name ] = on;
+   return out;
+}
+
+Json policerOf( Qos::PolicerHwStatus const& p ) {
+   return Json{ { "name", name( p.key() ) },
+                { "policerPrgmd", p.policerPrgmd() },
+                { "greenActionStatus", actionsOf( p.greenActionStatus() ) },
+                { "yellowActionStatus", actionsOf( p.yellowActionStatus() ) },
+                { "redActionStatus", actionsOf( p.redActionStatus() ) },
+                { "pktInCount", p.pktInCount() },
+                { "byteInCount", p.byteInCount() },
+                { "pktDropCount", p.pktDropCount() },
+                { "byteDropCount", p.byteDropCount() },
+                { "yellowPktInCount", p.yellowPktInCount() },
+                { "yellowByteInCount", p.yellowByteInCount() } };
+}
+
+Json classMapOf( Qos::ClassMapHwStatus const& c ) {
+   std::map< std::string, Json > policers;
+   for( auto it = c.policerHwStatus().iter(); it; ++it )
+      policers[ name( it.key() ) ] = policerOf( *it.value() );
+   Json out{ { "name", name( c.key() ) },    { "cosPrgmd", c.cosPrgmd() },
+             { "dscpPrgmd", c.dscpPrgmd() }, { "tcPrgmd", c.tcPrgmd() },
+             { "dropPrgmd", c.dropPrgmd() }, { "dropPrecedencePrgmd", c.dropPrecedencePrgmd() },
+             { "outCount", c.outCount() },   { "outBytes", c.outBytes() },
+             { "dropCount", c.dropCount() }, { "dropBytes", c.dropBytes() },
+             { "policers", Json::array() } };
+   for( auto& [ name, p ] : policers )
+      out[ "policers" ].push_back( std::move( p ) );
+   return out;
+}
+
+Json policyMapOf( Qos::MapType type, Qos::PolicyMapHwStatus const& p ) {
+   std::map< std::string, Json > cmaps;
+   for( auto it = p.cmap().iter(); it; ++it )
+      cmaps[ name( it.key() ) ] = classMapOf( *it.value() );
+   Json out{ { "type", text( type ) },
+             { "direction", text( p.key().direction() ) },
+             { "name", name( p.key().name() ) },
+             { "prgmStatus", text( p.prgmStatus() ) },
+             { "errMessage", p.prgmStatusErrMessage().stdString() },
+             { "version", p.version() },
+             { "classMaps", Json::array() } };
+   for( auto& [ name, c ] : cmaps )
+      out[ "classMaps" ].push_back( std::move( c ) );
+   return out;
+}
+
+Json namedPolicersOf( Qos::AclHwStatus const& hw ) {
+   std::map< std::string, Json > sorted;
+   for( auto it = hw.namedPolicerStatus().iter(); it; ++it ) {
+      auto const& n = *it.value();
+      sorted[ name( it.key() ) ] = Json{ { "name", name( it.key() ) },
+                                         { "shared", n.shared() },
+                                         { "paramChangeVersion", n.paramChangeVersion() },
+                                         { "cir", n.cir() },
+                                         { "cirUnit", text( n.cirUnit() ) },
+                                         { "bc", n.bc() },
+                                         { "bcUnit", text( n.bcUnit() ) },
+                                         { "pir", n.pir() },
+                                         { "pirUnit", text( n.pirUnit() ) },
+                                         { "be", n.be() },
+                                         { "beUnit", text( n.beUnit() ) } };
+   }
+   Json out = Json::array();
+   for( auto& [ name, n ] : sorted )
+      out.push_back( std::move( n ) );
+   return out;
+}
+
+Json statusOf( SimSwitch const& sw ) {
+   auto const& slice = sw.aclSliceHwStatus();
+   std::map< std::string, Json > pmaps;
+   for( auto t = slice.pmapType().iter(); t; ++t ) {
+      for( auto p = t.value()->pmap().iter(); p; ++p )
+         pmaps[ text( t.key() ) + " " + text( p.key() ) ] = policyMapOf( t.key(), *p.value() );
+   }
+   Json out{ { "status", text( slice.status() ) },
+             { "configVersionUpdateTime", slice.configVersionUpdateTime() },
+             { "pmapCounterUpdateTime", slice.pmapCounterUpdateTime() },
+             { "policyMaps", Json::array() },
+             { "namedPolicers", namedPolicersOf( sw.aclHwStatus() ) } };
+   for( auto& [ key, p ] : pmaps )
+      out[ "policyMaps" ].push_back( std::move( p ) );
+   return out;
+}
+
+Json entryOf( TcamEntry const& e ) {
+   Json fields = Json::object();
+   for( auto const& [ name, value ] : e.fields )
+      fields[ name ] = value;
+   return Json{ { "kind", e.kind },
+                { "ruleNum", e.ruleNum },
+                { "subruleNum", e.subruleNum },
+                { "fields", std::move( fields ) } };
+}
+
+Json tcamOf( SimQosAclHelper const& chip ) {
+   Tcam const& tcam = chip.tcam();
+   Json slices = Json::array();
+   for( auto const& [ name, s ] : tcam.slices() ) {
+      slices.push_back( Json{ { "name", name },
+                              { "size", s.size },
+                              { "used", s.used },
+                              { "free", s.size - s.used } } );
+   }
+   Json acls = Json::array();
+   for( auto const& [ id, acl ] : tcam.acls() ) {
+      Json entries = Json::array();
+      for( TcamEntry const& e : acl.entries )
+         entries.push_back( entryOf( e ) );
+      Json checkers = Json::array();
+      for( RangeNeed const& n : acl.checkers ) {
+         checkers.push_back(
+               Json{ { "dimension", n.dimension }, { "low", n.low }, { "high", n.high } } );
+      }
+      Json ports = Json::array();
+      if( auto const it = chip.aclPorts().find( id ); it != chip.aclPorts().end() ) {
+         for( std::string const& p : it->second )
+            ports.push_back( p );
+      }
+      acls.push_back( Json{ { "id", id },
+                            { "slice", acl.slice },
+                            { "committed", acl.committed },
+                            { "interfaces", std::move( ports ) },
+                            { "rangeCheckers", std::move( checkers ) },
+                            { "entries", std::move( entries ) } } );
+   }
+   return Json{ { "slices", std::move( slices ) },
+                { "rangeCheckers",
+                  Json{ { "size", tcam.rangeCheckers() },
+                        { "used", tcam.rangeCheckersUsed() },
+                        { "free", tcam.rangeCheckers() - tcam.rangeCheckersUsed() } } },
+                { "acls", std::move( acls ) } };
+}
+
+Json pool( std::uint32_t size, std::uint32_t used ) {
+   return Json{ { "size", size }, { "used", used }, { "free", size - used } };
+}
+
+Json resourcesOf( SimQosAclHelper const& chip ) {
+   ChipConfig const& c = chip.config();
+   return Json{ { "policers", pool( c.policers, chip.policersUsed() ) },
+                { "counters", pool( c.counters, chip.countersUsed() ) },
+                { "cpuQueues", pool( c.cpuQueues, chip.cpuQueuesUsed() ) },
+                { "pendingOperations", chip.pendingOperations() } };
+}
+
+// ---- The text rendering
+
+std::string seconds( Json const& t ) {
+   char buf[ 32 ];
+   std::snprintf( buf, sizeof buf, "%9.3f", t.get< double >() );
+   return buf;
+}
+
+void printCalls( std::ostream& os, Json const& calls, std::size_t limit ) {
+   os << "\nHelper calls (" << calls.size() << "):\n";
+   if( limit != 0 && calls.size() > limit ) {
+      std::map< std::string, std::size_t > counts;
+      for( Json const& c : calls )
+         ++counts[ c[ "op" ].get< std::string >() ];
+      os << "  more than " << limit << "; by operation:\n";
+      for( auto const& [ op, n ] : counts )
+         os << "  " << n << "  " << op << "\n";
+      return;
+   }
+   for( Json const& c : calls ) {
+      os << seconds( c[ "t" ] ) << "  " << c[ "op" ].get< std::string >();
+      for( auto const& [ name, value ] : c[ "args" ].items() )
+         os << " " << name << "=" << value.get< std::string >();
+      os << "\n";
+   }
+}
+
+void printLogs( std::ostream& os, Json const& logs ) {
+   os << "\nSystem log (" << logs.size() << "):\n";
+   for( Json const& l : logs ) {
+      os << seconds( l[ "t" ] ) << "  " << l[ "severity" ].get< std::string >() << " "
+         << l[ "handle" ].get< std::string >() << ": " << l[ "text" ].get< std::string >() << "\n";
+   }
+}
+
+// The names of the actions whose status is set.
+std::string actionsText( Json const& actions ) {
+   std::string out;
+   for( auto const& [ name, on ] : actions.items() ) {
+      if( !on.get< bool >() ) continue;
+      out += ( out.empty() ? "" : "," ) + name;
+   }
+   return out.empty() ? "-" : out;
+}
+
+// The action flags of a class map's status, and their names in the text.
+constexpr std::pair< char const*, char const* > actionFlags[] = {
+   { "cosPrgmd", "cos" },
+   { "dscpPrgmd", "dscp" },
+   { "tcPrgmd", "trafficClass" },
+   { "dropPrgmd", "drop" },
+   { "dropPrecedencePrgmd", "dropPrecedence" },
+};
+
+void printStatus( std::ostream& os, Json const& status ) {
+   os << "\nPolicy maps (" << status[ "policyMaps" ].size() << "), slice status "
+      << status[ "status" ].get< std::string >() << ":\n";
+   for( Json const& p : status[ "policyMaps" ] ) {
+      os << "  " << p[ "type" ].get< std::string >() << " " << p[ "direction" ].get< std::string >()
+         << " " << p[ "name" ].get< std::string >() << "  version " << p[ "version" ] << "  "
+         << p[ "prgmStatus" ].get< std::string >();
+      // The message of the last failure stays after a success.
+      if( !p[ "errMessage" ].get< std::string >().empty() ) {
+         bool const failed = p[ "prgmStatus" ].get< std::string >() != "hwPrgmStatusSuccess";
+         os << ( failed ? " \"" : ", last error \"" ) << p[ "errMessage" ].get< std::string >()
+            << "\"";
+      }
+      os << "\n";
+      for( Json const& c : p[ "classMaps" ] ) {
+         os << "    class " << c[ "name" ].get< std::string >() << ": programmed";
+         for( auto const& [ flag, label ] : actionFlags ) {
+            if( c[ flag ].get< bool >() ) os << " " << label;
+         }
+         os << "; out " << c[ "outCount" ] << " pkts " << c[ "outBytes" ] << " bytes, dropped "
+            << c[ "dropCount" ] << " pkts " << c[ "dropBytes" ] << " bytes\n";
+         for( Json const& pol : c[ "policers" ] ) {
+            os << "      policer " << pol[ "name" ].get< std::string >() << ": "
+               << ( pol[ "policerPrgmd" ].get< bool >() ? "programmed" : "not programmed" )
+               << "; yellow " << actionsText( pol[ "yellowActionStatus" ] ) << ", red "
+               << actionsText( pol[ "redActionStatus" ] ) << "; in " << pol[ "pktInCount" ]
+               << " pkts, dropped " << pol[ "pktDropCount" ] << " pkts\n";
+         }
+      }
+   }
+   for( Json const& n : status[ "namedPolicers" ] ) {
+      os << "  named policer " << n[ "name" ].get< std::string >()
+         << ( n[ "shared" ].get< bool >() ? " (shared)" : "" ) << ": cir " << n[ "cir" ] << " "
+         << n[ "cirUnit" ].get< std::string >() << ", bc " << n[ "bc" ] << " "
+         << n[ "bcUnit" ].get< std::string >() << "\n";
+   }
+}
+
+void printTcam( std::ostream& os, Json const& tcam, Json const& resources, std::size_t limit ) {
+   os << "\nTCAM:\n";
+   for( Json const& s : tcam[ "slices" ] ) {
+      os << "  slice " << s[ "name" ].get< std::string >() << ": " << s[ "used" ] << " used, "
+         << s[ "free" ] << " free of " << s[ "size" ] << "\n";
+   }
+   Json const& rc = tcam[ "rangeCheckers" ];
+   os << "  range checkers: " << rc[ "used" ] << " used, " << rc[ "free" ] << " free of "
+      << rc[ "size" ] << "\n";
+   for( Json const& a : tcam[ "acls" ] ) {
+      os << "  ACL " << a[ "id" ].get< std::string >() << " (" << a[ "slice" ].get< std::string >()
+         << ( a[ "committed" ].get< bool >() ? ", committed" : ", not committed" ) << ") on";
+      if( a[ "interfaces" ].empty() ) os << " no interface";
+      for( Json const& i : a[ "interfaces" ] )
+         os << " " << i.get< std::string >();
+      os << ": " << a[ "entries" ].size() << " entries\n";
+      std::size_t shown = 0;
+      for( Json const& e : a[ "entries" ] ) {
+         if( limit != 0 && shown++ == limit ) {
+            os << "      ...\n";
+            break;
+         }
+         os << "      " << e[ "ruleNum" ] << "." << e[ "subruleNum" ] << " "
+            << e[ "kind" ].get< std::string >();
+         for( auto const& [ name, value ] : e[ "fields" ].items() )
+            os << " " << name << "=" << value.get< std::string >();
+         os << "\n";
+      }
+   }
+   os << "\nResources:";
+   for( char const* pool : { "policers", "counters", "cpuQueues" } ) {
+      os << " " << pool << " " << resources[ pool ][ "used" ] << "/" << resources[ pool ][ "size" ]
+         << ";";
+   }
+   os << " pending operations " << resources[ "pendingOperations" ] << "\n";
+}
+
+}  // namespace
+
+Json reportOf( Scenario const& scenario, SimSwitch const& sw ) {
+   return Json{ { "scenario",
+                  Json{ { "file", scenario.file }, { "description", scenario.description } } },
+                { "time", sw.now() },
+                { "calls", callsOf( sw.chip() ) },
+                { "logs", logsOf( sw.logs() ) },
+                { "status", statusOf( sw ) },
+                { "tcam", tcamOf( sw.chip() ) },
+                { "resources", resourcesOf( sw.chip() ) } };
+}
+
+void printTextReport( std::ostream& os, Json const& report, std::size_t limit ) {
+   Json const& s = report[ "scenario" ];
+   os << "Scenario " << s[ "file" ].get< std::string >();
+   if( !s[ "description" ].get< std::string >().empty() ) {
+      os << ": " << s[ "description" ].get< std::string >();
+   }
+   os << "\nRan to " << seconds( report[ "time" ] ) << " s of virtual time.\n";
+   printCalls( os, report[ "calls" ], limit );
+   printLogs( os, report[ "logs" ] );
+   printStatus( os, report[ "status" ] );
+   printTcam( os, report[ "tcam" ], report[ "resources" ], limit );
+}
+
+}  // namespace Sim

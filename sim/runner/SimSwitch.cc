@@ -1,0 +1,122 @@
+#include "sim/runner/SimSwitch.h"
+
+#include <type_traits>
+
+#include "entities/SliceHwStatus.h"
+#include "zub/Log.h"
+
+namespace Sim {
+
+namespace {
+
+char const* severityText( Zub::LogSeverity s ) {
+   switch( s ) {
+      case Zub::LogSeverity::emergency:
+         return "emergency";
+      case Zub::LogSeverity::alert:
+         return "alert";
+      case Zub::LogSeverity::critical:
+         return "critical";
+      case Zub::LogSeverity::error:
+         return "error";
+      case Zub::LogSeverity::warning:
+         return "warning";
+      case Zub::LogSeverity::notice:
+         return "notice";
+      case Zub::LogSeverity::info:
+         return "info";
+      case Zub::LogSeverity::debug:
+         return "debug";
+   }
+   return "unknown";
+}
+
+}  // namespace
+
+SimSwitch::SimSwitch( Scenario const& scenario ) {
+   loop_ = Zub::ActivityManager::create( Zub::ActivityManager::TimeSource::simulated,
+                                         switchStartTime );
+   Zub::activityManagerIs( loop_ );
+   Zub::logSinkIs( [ this ]( Zub::LogRecord const& r ) {
+      logs_.push_back( LogLine{ r.time, r.handle->name().stdString(),
+                                severityText( r.handle->severity() ), r.text.stdString() } );
+   } );
+   entitiesIs( scenario.chip );
+   publisher_ = std::make_unique< ConfigPublisher >(
+         EngineInputs{ qosStatus_, aclConfig_, aclHwStatus_, hwStatus_, counterConfigDir_, ncsd_ },
+         scenario.file );
+   publisher_->chipIs( scenario.chip );
+   publisher_->initialIs( scenario.initial );
+   engineIs();
+}
+
+SimSwitch::~SimSwitch() {
+   if( engine_ ) engine_->zubDoZombieReactors( true );
+   engine_ = nullptr;
+   Zub::logSinkIs( nullptr );
+   Zub::activityManagerIs( nullptr );
+}
+
+void SimSwitch::entitiesIs( ChipConfig const& chip ) {
+   ncsd_ = Zub::make< Nev::NevCommonSmData >( Zub::Name( "ncsd" ) );
+   ncsd_->verifyDataIs( Zub::make< Nev::VerifyData >( Zub::Name( "verify" ) ) );
+   cliCounterConfig_ = Zub::make< Qos::CounterConfig >( Zub::Name( "cli" ) );
+   counterConfigDir_ = Zub::make< Zub::Dir >( Zub::Name( "counterConfig" ) );
+   qosStatus_ = Zub::make< Qos::Status >( Zub::Name( "qos" ) );
+   hwStatus_ = Zub::make< Qos::HwStatus >( Zub::Name( "hw" ) );
+   sliceHwStatusDir_ = Zub::make< Zub::Dir >( Zub::Name( "slice" ) );
+   auto const slice = Zub::make< Qos::SliceHwStatus >( Zub::Name( "FixedSystem" ) );
+   slice->maxClassesPerPolicyMapIs( chip.maxClassesPerPolicyMap );
+   sliceHwStatusDir_->entityPtrIs( Zub::Name( "FixedSystem" ), slice );
+   aclHwStatus_ = Zub::make< Qos::AclHwStatus >( Zub::Name( "aclHw" ) );
+   aclSliceHwStatus_ = Zub::make< Qos::AclSliceHwStatus >( Zub::Name( "aclSlice" ) );
+   subIntfStatusDir_ = Zub::make< Interface::SubIntfStatusDir >( Zub::Name( "subIntf" ) );
+   pdpHwCfg_ = Zub::make< Qos::Input::Config >( Zub::Name( "pdp" ) );
+   hwEpochStatus_ = Zub::make< HwEpoch::Status >( Zub::Name( "epoch" ) );
+   aclConfig_ = Zub::make< Acl::Config >( Zub::Name( "acl" ) );
+   clock_ = Zub::make< Kesh::TimerWheel >();
+   chip_ = Zub::make< SimQosAclHelper >( chip, qosStatus_, aclSliceHwStatus_, aclConfig_, clock_ );
+}
+
+void SimSwitch::engineIs() {
+   engine_ = Nev::QosAclSmIs(
+         ncsd_, cliCounterConfig_, counterConfigDir_, qosStatus_, hwStatus_, sliceHwStatusDir_,
+         aclHwStatus_, aclSliceHwStatus_, subIntfStatusDir_, pdpHwCfg_, hwEpochStatus_, aclConfig_,
+         Zub::Ptr< NevHelper::QosAclHelper >( chip_ ), clock_, nullptr, nullptr, nullptr );
+   // The agent's part of the asynchronous road: how long an operation may stay pending, and
+   // marking pending the operation the chip says it left so.
+   engine_->pendingOperationTimeoutIs( chip_->config().asyncTimeout );
+   chip_->operationLeftPendingHandlerIs( [ engine = engine_.ptr() ] {
+      if( engine->asyncState() == Nev::asyncInProgress ) engine->asyncStateIs( Nev::asyncPending );
+   } );
+   loop_->runOnce();
+}
+
+void SimSwitch::stepIs( Step const& step ) {
+   runUntil( step.time );
+   // Traffic first, so that a counter request of the same step sees it. The loader has checked
+   // every step against the configuration, so the publisher does not refuse it after this.
+   chipChangesIs( step.changes );
+   publisher_->stepIs( step );
+   loop_->runOnce();
+}
+
+void SimSwitch::runUntil( Zub::Seconds t ) {
+   if( t > loop_->now() ) loop_->runUntil( t );
+}
+
+void SimSwitch::chipChangesIs( std::vector< Change > const& changes ) {
+   for( Change const& change : changes ) {
+      if( auto const* traffic = std::get_if< TrafficInjection >( &change.value ) ) {
+         Nev::QosClassCounterData hits;
+         hits.pktHitsIs( traffic->packets );
+         hits.byteHitsIs( traffic->bytes );
+         chip_->trafficIs( ChipTraffic{ traffic->servicePolicy, Zub::Name( traffic->classMap ),
+                                        traffic->intf, hits } );
+      } else if( auto const* fault = std::get_if< FaultSwitch >( &change.value ) ) {
+         chip_->faultIs( fault->fault, fault->on );
+      }
+   }
+}
+
+}  // namespace Sim

@@ -1,0 +1,77 @@
+// A switch in miniature for one scenario: every input and status entity the policy engine needs,
+// the reference chip as its helper, the engine, and the publisher that plays the configuration
+// agents, all on one event loop in virtual time. It keeps the system log with the time of each
+// line. One at a time per thread: it installs its loop and log sink while it lives.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "NevQos/policy/QosAclSm.h"
+#include "entities/AclHwStatus.h"
+#include "entities/AclSliceHwStatus.h"
+#include "sim/chip/SimQosAclHelper.h"
+#include "sim/scenario/ConfigPublisher.h"
+#include "sim/scenario/Scenario.h"
+#include "zub/ActivityManager.h"
+
+namespace Sim {
+
+// One line of the system log.
+struct LogLine {
+   Zub::Seconds t = 0.0;
+   std::string handle;
+   std::string severity;
+   std::string text;
+};
+
+class SimSwitch {
+ public:
+   // Publishes the chip's capabilities and the starting configuration, then starts the engine
+   // and runs its first turn. Throws ScenarioError for a configuration the publisher refuses.
+   explicit SimSwitch( Scenario const& scenario );
+   ~SimSwitch();
+   SimSwitch( SimSwitch const& ) = delete;
+   SimSwitch& operator=( SimSwitch const& ) = delete;
+
+   // Runs the loop to the step's time, gives the step's traffic and fault switches to the chip,
+   // publishes the step, and runs the turn that follows. Throws ScenarioError for a step the
+   // publisher refuses; a step of a loaded scenario has been checked already.
+   void stepIs( Step const& step );
+   // Runs the loop until virtual time `t`.
+   void runUntil( Zub::Seconds t );
+   Zub::Seconds now() const { return loop_->now(); }
+
+   SimQosAclHelper const& chip() const { return *chip_; }
+   Qos::AclSliceHwStatus const& aclSliceHwStatus() const { return *aclSliceHwStatus_; }
+   Qos::AclHwStatus const& aclHwStatus() const { return *aclHwStatus_; }
+   ConfigModel const& model() const { return publisher_->model(); }
+   std::vector< LogLine > const& logs() const { return logs_; }
+
+ private:
+   void entitiesIs( ChipConfig const& chip );
+   void engineIs();
+   void chipChangesIs( std::vector< Change > const& changes );
+
+   Zub::Ptr< Zub::ActivityManager > loop_;
+   Zub::Ptr< Nev::NevCommonSmData > ncsd_;
+   Zub::Ptr< Qos::CounterConfig > cliCounterConfig_;
+   Zub::Ptr< Zub::Dir > counterConfigDir_;
+   Zub::Ptr< Qos::Status > qosStatus_;
+   Zub::Ptr< Qos::HwStatus > hwStatus_;
+   Zub::Ptr< Zub::Dir > sliceHwStatusDir_;
+   Zub::Ptr< Qos::AclHwStatus > aclHwStatus_;
+   Zub::Ptr< Qos::AclSliceHwStatus > aclSliceHwStatus_;
+   Zub::Ptr< Interface::SubIntfStatusDir > subIntfStatusDir_;
+   Zub::Ptr< Qos::Input::Config > pdpHwCfg_;
+   Zub::Ptr< HwEpoch::Status > hwEpochStatus_;
+   Zub::Ptr< Acl::Config > aclConfig_;
+   Zub::Ptr< Kesh::TimerWheel > clock_;
+   Zub::Ptr< SimQosAclHelper > chip_;
+   Zub::Ptr< Nev::QosAclSm > engine_;
+   std::unique_ptr< ConfigPublisher > publisher_;
+   std::vector< LogLine > logs_;
+};
+
+}  // namespace Sim
