@@ -279,6 +279,7 @@ Nev::AclCreateError SimQosAclHelper::precreateAcl( Nev::QosPolicyMapState const&
          .args.emplace_back( "matchOption", text( matchOption ) );
    if( auto const fault = faultFor( "precreateAcl" ) ) return answer( *fault, classData );
    tcam_.open( aclIdOf( classData, aclKey ), sliceOf( aclKey ) );
+   aclPorts_.erase( aclIdOf( classData, aclKey ) );
    return Nev::aclCreateErrorNone;
 }
 
@@ -484,6 +485,7 @@ void SimQosAclHelper::cleanupAcl( Nev::QosPolicyMapState const&, Nev::QosClassDa
    record( "cleanupAcl", &classData, &aclKey );
    tcam_.destroy( aclIdOf( classData, aclKey ) );
    tcam_.destroy( classKeyOf( classData ) + " built-in" );
+   aclPorts_.erase( aclIdOf( classData, aclKey ) );
 }
 
 Nev::AclCreateError SimQosAclHelper::commitAcl( Nev::QosClassData const& classData,
@@ -491,7 +493,14 @@ Nev::AclCreateError SimQosAclHelper::commitAcl( Nev::QosClassData const& classDa
                                                 Nev::AclKey const& aclKey ) {
    record( "commitAcl", &classData, &aclKey );
    Nev::AclCreateError error = faultFor( "commitAcl" ).value_or( Nev::aclCreateErrorNone );
-   if( error == Nev::aclCreateErrorNone ) tcam_.commit( aclIdOf( classData, aclKey ) );
+   if( error == Nev::aclCreateErrorNone ) {
+      std::string const id = aclIdOf( classData, aclKey );
+      tcam_.commit( id );
+      // A new ACL serves the interfaces its class has now; later changes come one by one.
+      auto& ports = aclPorts_[ id ];
+      for( auto it = classData.intfId().iter(); it; ++it )
+         bind( ports, it.key(), true );
+   }
    error = answer( error, classData );
    if( async() ) startOperation();
    return error;
@@ -512,9 +521,6 @@ void SimQosAclHelper::batchCommitAclsIntf( Nev::QosPolicyMapState const& pmapSta
    call.args.emplace_back( "pmapState", pmapText( pmapState.key() ) );
    call.args.emplace_back( "intfPair", intfText( intfPair ) );
    call.args.emplace_back( "add", add ? "true" : "false" );
-   auto& ports = pmapPorts_[ pmapText( pmapState.key() ) ];
-   bind( ports, intfPair, add );
-   if( ports.empty() ) pmapPorts_.erase( pmapText( pmapState.key() ) );
 }
 
 bool SimQosAclHelper::createSmForPMap( Nev::QosPolicyMapState const& pmapState ) {

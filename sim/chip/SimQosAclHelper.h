@@ -49,11 +49,10 @@ class SimQosAclHelper : public NevHelper::QosAclHelper {
    std::uint32_t policersUsed() const { return static_cast< std::uint32_t >( policers_.size() ); }
    std::uint32_t countersUsed() const { return static_cast< std::uint32_t >( counters_.size() ); }
    std::uint32_t cpuQueuesUsed() const { return static_cast< std::uint32_t >( cpuQueues_.size() ); }
-   // The interfaces bound one ACL at a time, by ACL id, and those bound to all the ACLs of a
-   // policy map at once by its batch commits, by policy map.
+   // The interfaces each installed ACL is bound to, by ACL id: those of its class when it was
+   // committed, and then those the engine adds and removes.
    using Ports = std::map< std::string, std::set< std::string > >;
    Ports const& aclPorts() const { return aclPorts_; }
-   Ports const& pmapPorts() const { return pmapPorts_; }
    // Asynchronous operations started and not completed yet, including those left pending.
    std::size_t pendingOperations() const { return pending_.size(); }
 
@@ -212,7 +211,6 @@ class SimQosAclHelper : public NevHelper::QosAclHelper {
    std::map< std::string, int > cpuQueues_;
    std::vector< ChipTraffic > traffic_;
    Ports aclPorts_;
-   Ports pmapPorts_;
 };
 
 }  // namespace Sim
