@@ -5,6 +5,7 @@
 
 #include "NevQos/classes/QosClassData.h"
 #include "NevQos/log/QosLogHandles.h"
+#include "mirel/RangeMaskGen.h"
 #include "zub/Assert.h"
 #include "zub/Log.h"
 
@@ -87,6 +88,16 @@ void addL3Fields( TcamEntry& entry, Filter const& filter ) {
    if( filter.icmpCodeValid ) {
       entry.fields.emplace_back( "icmpCode", text( unsigned( filter.icmpCode ) ) );
    }
+}
+
+// A range as the value/mask blocks that cover it.
+std::vector< std::string > blockTexts( std::uint16_t low, std::uint16_t high ) {
+   std::vector< Mirel::RangeMaskGen< std::uint16_t >::Entry > blocks;
+   Mirel::RangeMaskGen< std::uint16_t >::run( low, high, blocks );
+   std::vector< std::string > out;
+   for( auto const& b : blocks )
+      out.push_back( text( b.value ) + "/" + hex( b.mask ) );
+   return out;
 }
 
 bool needsChecker( std::uint16_t mask, std::uint16_t low, std::uint16_t high ) {
@@ -325,10 +336,21 @@ Nev::AclCreateError SimQosAclHelper::createIpAclSubrule(
    if( needsChecker( ipLenMask, ipLenLow, ipLenHigh ) ) {
       needs.push_back( RangeNeed{ "len", ipLenLow, ipLenHigh } );
    }
+   // The texts of each port and length field; a range without a checker becomes value/mask
+   // blocks on the deferred road, whose compiler does not expand.
+   std::vector< std::string > srcTexts{ fieldText( srcL4Port, srcL4PortMask, srcPortLow,
+                                                   srcPortHigh ) };
+   std::vector< std::string > dstTexts{ fieldText( dstL4Port, dstL4PortMask, dstPortLow,
+                                                   dstPortHigh ) };
+   std::vector< std::string > lenTexts{ fieldText( ipLen, ipLenMask, ipLenLow, ipLenHigh ) };
    if( !needs.empty() ) {
       tcam_.rangeCheckersExhaustedIs( faultOn( FaultConfig::Kind::outOfRangeCheckers ) );
       auto const missing = tcam_.acquire( id, needs );
-      if( !missing.empty() ) return answer( expandCode( missing ), classData );
+      if( !missing.empty() && !async() ) return answer( expandCode( missing ), classData );
+      for( RangeNeed const& n : missing ) {
+         auto& texts = n.dimension == "src" ? srcTexts : n.dimension == "dst" ? dstTexts : lenTexts;
+         texts = blockTexts( n.low, n.high );
+      }
    }
    TcamEntry entry{ "ip", ruleNum, subruleNum, {} };
    entry.fields.emplace_back( "action", text( rule.action ) );
@@ -337,15 +359,23 @@ Nev::AclCreateError SimQosAclHelper::createIpAclSubrule(
    } else {
       addL3Fields( entry, static_cast< Acl::IpRuleConfig const& >( rule ).filter );
    }
-   entry.fields.emplace_back( "srcPort",
-                              fieldText( srcL4Port, srcL4PortMask, srcPortLow, srcPortHigh ) );
-   entry.fields.emplace_back( "dstPort",
-                              fieldText( dstL4Port, dstL4PortMask, dstPortLow, dstPortHigh ) );
-   entry.fields.emplace_back( "ipLen", fieldText( ipLen, ipLenMask, ipLenLow, ipLenHigh ) );
-   entry.fields.emplace_back( "tcpFlags", hex( tcpFlags ) );
-   entry.fields.emplace_back( "ecn", text( unsigned( ecnData ) ) + "/" + hex( ecnMask ) );
-   entry.fields.emplace_back( "l4", l4Rule ? "true" : "false" );
-   return answer( install( id, std::move( entry ) ), classData );
+   for( std::string const& src : srcTexts ) {
+      for( std::string const& dst : dstTexts ) {
+         for( std::string const& len : lenTexts ) {
+            TcamEntry block = entry;
+            block.fields.insert( block.fields.end(),
+                                 { { "srcPort", src },
+                                   { "dstPort", dst },
+                                   { "ipLen", len },
+                                   { "tcpFlags", hex( tcpFlags ) },
+                                   { "ecn", text( unsigned( ecnData ) ) + "/" + hex( ecnMask ) },
+                                   { "l4", l4Rule ? "true" : "false" } } );
+            auto const error = install( id, std::move( block ) );
+            if( error != Nev::aclCreateErrorNone ) return answer( error, classData );
+         }
+      }
+   }
+   return Nev::aclCreateErrorNone;
 }
 
 Nev::AclCreateError SimQosAclHelper::createIpFragRule(

@@ -28,6 +28,7 @@ int main( int argc, char** argv ) {
    bool json = false;
    double settle = 60.0;
    std::size_t limit = 200;
+   std::string tcamMode;
    app.add_option( "scenario", path, "The scenario file (YAML)" )->required();
    app.add_flag( "--json", json, "Print the report as JSON" );
    app.add_option( "--settle", settle,
@@ -39,10 +40,15 @@ int main( int argc, char** argv ) {
                    "Text report: list at most this many helper calls (else a count per "
                    "operation) and entries per ACL; 0 lists all" )
          ->capture_default_str();
+   app.add_option( "--tcam-mode", tcamMode,
+                   "Run on a chip of this TCAM mode, whatever the scenario says" )
+         ->check( CLI::IsMember( { "synchronous", "asynchronous" } ) );
    CLI11_PARSE( app, argc, argv );
 
    try {
-      Sim::Scenario const scenario = Sim::loadScenario( path );
+      Sim::Scenario scenario = Sim::loadScenario( path );
+      if( tcamMode == "synchronous" ) scenario.chip.tcamMode = Sim::TcamMode::synchronous;
+      if( tcamMode == "asynchronous" ) scenario.chip.tcamMode = Sim::TcamMode::asynchronous;
       Sim::SimSwitch sw( scenario );
       for( Sim::Step const& step : scenario.steps )
          sw.stepIs( step );
