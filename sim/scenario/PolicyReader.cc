@@ -96,7 +96,15 @@ PoliceDef PolicyReader::police( YAML::Node const& node ) const {
       police.rates = rates( node );
    }
    if( auto const y = node[ "yellow" ] ) police.yellow = colour( y, "yellow" );
-   if( auto const r = node[ "red" ] ) police.red = colour( r, "red" );
+   if( auto const r = node[ "red" ] ) {
+      police.red = colour( r, "red" );
+      // The switch's own policer has exactly one violate action.
+      if( police.named.empty() && police.red.size() != 1 ) {
+         yaml_.fail( r, "red: a policer of the class's own takes exactly one action" );
+      }
+   } else if( police.named.empty() ) {
+      police.red[ Qos::actionDrop_ ] = 0;
+   }
    return police;
 }
 

@@ -1,0 +1,316 @@
+// nevqos-sim run as a user runs it: each example's report, the same outcome on both TCAM modes,
+// every kind of chip fault, and bad scenarios refused with their place and exit code 2.
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <cstdio>
+#include <fstream>
+#include <map>
+#include <nlohmann/json.hpp>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace NevQosTest {
+namespace {
+
+using Json = nlohmann::json;
+using Lines = std::vector< std::string >;
+
+struct SimRun {
+   int exitCode = -1;
+   std::string out;
+   std::string err;
+   Json report() const { return Json::parse( out ); }
+};
+
+std::string quoted( std::string const& s ) {
+   return "'" + s + "'";
+}
+
+SimRun runSim( std::vector< std::string > const& args ) {
+   std::string const errFile = ::testing::TempDir() + "nevqos-sim.err";
+   std::string command = quoted( NEVQOS_SIM_PROGRAM );
+   for( std::string const& a : args )
+      command += " " + quoted( a );
+   command += " 2>" + quoted( errFile );
+   SimRun run;
+   FILE* pipe = popen( command.c_str(), "r" );
+   if( !pipe ) return run;
+   char buf[ 4096 ];
+   for( std::size_t n; ( n = fread( buf, 1, sizeof buf, pipe ) ) > 0; )
+      run.out.append( buf, n );
+   int const status = pclose( pipe );
+   run.exitCode = WIFEXITED( status ) ? WEXITSTATUS( status ) : -1;
+   std::ifstream in( errFile );
+   std::ostringstream err;
+   err << in.rdbuf();
+   run.err = err.str();
+   return run;
+}
+
+std::string example( char const* name ) {
+   return std::string( NEVQOS_EXAMPLES_DIR ) + "/" + name;
+}
+
+// Runs an example with --json; the report, after checking that the run went well.
+Json reportOf( char const* name, std::vector< std::string > flags = {} ) {
+   flags.insert( flags.begin(), { example( name ), "--json" } );
+   SimRun const run = runSim( flags );
+   EXPECT_EQ( run.exitCode, 0 ) << run.err;
+   return run.exitCode == 0 ? run.report() : Json::object();
+}
+
+// A scenario written to a file of its own.
+std::string scenarioFile( std::string const& name, std::string const& text ) {
+   std::string const path = ::testing::TempDir() + name;
+   std::ofstream( path ) << text;
+   return path;
+}
+
+Json const& policyMap( Json const& report, std::string const& name ) {
+   for( Json const& p : report[ "status" ][ "policyMaps" ] ) {
+      if( p[ "name" ] == name ) return p;
+   }
+   static Json const none;
+   ADD_FAILURE() << "no policy map " << name;
+   return none;
+}
+
+Json const& classMap( Json const& pmap, std::string const& name ) {
+   for( Json const& c : pmap[ "classMaps" ] ) {
+      if( c[ "name" ] == name ) return c;
+   }
+   static Json const none;
+   ADD_FAILURE() << "no class map " << name;
+   return none;
+}
+
+// Policer name to packets in, of one class.
+std::map< std::string, unsigned > policerPackets( Json const& cmap ) {
+   std::map< std::string, unsigned > out;
+   for( Json const& p : cmap[ "policers" ] )
+      out[ p[ "name" ] ] = p[ "pktInCount" ];
+   return out;
+}
+
+// "t HANDLE: text" for each log line.
+Lines logsOf( Json const& report ) {
+   Lines out;
+   for( Json const& l : report[ "logs" ] ) {
+      std::ostringstream os;
+      os << l[ "t" ].get< double >() << " " << l[ "handle" ].get< std::string >() << ": "
+         << l[ "text" ].get< std::string >();
+      out.push_back( os.str() );
+   }
+   return out;
+}
+
+std::vector< Json > callsOf( Json const& report, std::string const& op ) {
+   std::vector< Json > out;
+   for( Json const& c : report[ "calls" ] ) {
+      if( c[ "op" ] == op ) out.push_back( c );
+   }
+   return out;
+}
+
+Json const& slice( Json const& report, std::string const& name ) {
+   for( Json const& s : report[ "tcam" ][ "slices" ] ) {
+      if( s[ "name" ] == name ) return s;
+   }
+   static Json const none;
+   ADD_FAILURE() << "no slice " << name;
+   return none;
+}
+
+TEST( NevqosSimTest, TheEdgePolicyMarksAndPolicesPerInterface ) {
+   Json const r = reportOf( "edge-policy.yaml" );
+   Json const& edge = policyMap( r, "edge-in" );
+   EXPECT_EQ( edge[ "prgmStatus" ], "hwPrgmStatusSuccess" );
+   EXPECT_EQ( edge[ "version" ], 2 );
+   Json const& voice = classMap( edge, "voice" );
+   EXPECT_TRUE( voice[ "dscpPrgmd" ] && voice[ "tcPrgmd" ] );
+   EXPECT_EQ( policerPackets( voice ),
+              ( std::map< std::string, unsigned >{
+                    { "Ethernet1", 1000 }, { "Ethernet3", 0 }, { "Port-Channel10", 0 } } ) );
+   EXPECT_EQ( policerPackets( classMap( edge, "video" ) ),
+              ( std::map< std::string, unsigned >{ { "video-cap", 5000 } } ) );
+   EXPECT_EQ( logsOf( r ), Lines{} );
+   EXPECT_EQ( r[ "resources" ][ "policers" ][ "used" ], 4 );
+   // Every call carries its time and arguments by name.
+   auto const first = callsOf( r, "createIpAclSubrule" ).at( 0 );
+   EXPECT_EQ( first[ "t" ], 0.001 );
+   EXPECT_EQ( first[ "args" ][ "classData" ], "edge-in(qos,input)/video/video-cap" );
+   EXPECT_EQ( first[ "args" ][ "aclKey" ], "VIDEO(ip)" );
+   EXPECT_EQ( first[ "args" ][ "dstL4Port" ], "554" );
+   EXPECT_EQ( first[ "args" ][ "dstL4PortMask" ], "0xffff" );
+}
+
+TEST( NevqosSimTest, TheTcamFillsAndRecovers ) {
+   Json const r = reportOf( "tcam-exhaustion.yaml" );
+   EXPECT_EQ( logsOf( r ), ( Lines{ "0.001 QOS_POLICY_HW_RESOURCE_FULL: Insufficient hardware "
+                                    "resources to program the input policy-map core-in.",
+                                    "2 QOS_POLICY_HW_RESOURCE_NORMAL: Programmed input "
+                                    "policy-map core-in in hardware." } ) );
+   Json const& core = policyMap( r, "core-in" );
+   EXPECT_EQ( core[ "prgmStatus" ], "hwPrgmStatusSuccess" );
+   EXPECT_EQ( core[ "errMessage" ], "Insufficient hardware resources" ) << "kept after success";
+   EXPECT_EQ( slice( r, "ipv4" )[ "used" ], 40 ) << "the big list fits once the fault is off";
+}
+
+TEST( NevqosSimTest, RangesWithoutCheckersAreExpanded ) {
+   Json const r = reportOf( "range-checkers.yaml" );
+   EXPECT_EQ( r[ "tcam" ][ "rangeCheckers" ][ "free" ], 0 );
+   std::map< std::string, Lines > dstPorts;
+   for( Json const& acl : r[ "tcam" ][ "acls" ] ) {
+      for( Json const& e : acl[ "entries" ] ) {
+         if( e[ "kind" ] == "ip" ) dstPorts[ acl[ "id" ] ].push_back( e[ "fields" ][ "dstPort" ] );
+      }
+   }
+   EXPECT_EQ( dstPorts[ "games-in(qos,input)/games/Default GAMES(ip)" ],
+              ( Lines{ "range 27000-27050", "range 3074-3079" } ) );
+   Lines const& web = dstPorts[ "web-in(qos,input)/web/Default WEB(ip)" ];
+   EXPECT_EQ( web.size(), 12u );
+   EXPECT_EQ( web.front(), "8000/0xffc0" );
+}
+
+TEST( NevqosSimTest, AnOperationLeftPendingTimesOutAndTheQueueGoesOn ) {
+   Json const r = reportOf( "async-timeout.yaml" );
+   auto const timeouts = callsOf( r, "handlePendingOperationTimeout" );
+   ASSERT_EQ( timeouts.size(), 1u );
+   EXPECT_DOUBLE_EQ( timeouts[ 0 ][ "t" ].get< double >(), 5.501 )
+         << "five seconds after the third operation began";
+   EXPECT_EQ( r[ "resources" ][ "pendingOperations" ], 1 );
+   for( Json const& acl : r[ "tcam" ][ "acls" ] )
+      EXPECT_EQ( acl[ "interfaces" ], Json::array( { "Ethernet1", "Ethernet2" } ) ) << acl[ "id" ];
+   EXPECT_EQ( policyMap( r, "web-in" )[ "version" ], 2 );
+}
+
+TEST( NevqosSimTest, CountersAreRunningSumsOfTheTraffic ) {
+   Json const r = reportOf( "counters.yaml" );
+   Json const& mgmt = policyMap( r, "mgmt-in" );
+   EXPECT_EQ( classMap( mgmt, "ssh" )[ "outCount" ], 230 );
+   EXPECT_EQ( classMap( mgmt, "ssh" )[ "outBytes" ], 18400 );
+   EXPECT_EQ( policerPackets( classMap( mgmt, "backup" ) ),
+              ( std::map< std::string, unsigned >{ { "Ethernet1", 0 }, { "Ethernet2", 5000 } } ) );
+   EXPECT_EQ( r[ "status" ][ "pmapCounterUpdateTime" ], 10.0 );
+}
+
+// The outcome of a scenario does not depend on the road: same status, same lists on the same
+// interfaces with as many entries, same log.
+class BothTcamModesTest : public ::testing::TestWithParam< char const* > {};
+
+TEST_P( BothTcamModesTest, GiveTheSameOutcome ) {
+   auto const outcome = []( Json const& r ) {
+      Json acls = Json::array();
+      for( Json const& a : r[ "tcam" ][ "acls" ] )
+         acls.push_back( { a[ "id" ], a[ "interfaces" ], a[ "entries" ].size() } );
+      return Json{ r[ "status" ][ "policyMaps" ], acls, r[ "tcam" ][ "slices" ], r[ "logs" ] };
+   };
+   Json const sync = reportOf( GetParam(), { "--tcam-mode", "synchronous" } );
+   Json const async = reportOf( GetParam(), { "--tcam-mode", "asynchronous" } );
+   EXPECT_EQ( outcome( sync ), outcome( async ) );
+   EXPECT_EQ( callsOf( sync, "handlePendingOperationTimeout" ), std::vector< Json >{} );
+}
+
+INSTANTIATE_TEST_SUITE_P( Examples, BothTcamModesTest,
+                          ::testing::Values( "tcam-exhaustion.yaml", "range-checkers.yaml",
+                                             "counters.yaml", "async-timeout.yaml" ) );
+
+std::string const faultBase = R"(
+interfaces: [ Ethernet1 ]
+acls: [ { name: WEB, rules: [ { proto: tcp, dstPort: { eq: 80 } } ] } ]
+classMaps: [ { name: web, match: { ipv4: WEB } } ]
+policyMaps:
+  - name: pm
+    classes: [ { class: web, set: { dscp: 10 }, police: { cir: 1000, bc: 10000 } } ]
+servicePolicies: [ { policyMap: pm, interfaces: [ Ethernet1 ] } ]
+steps:
+  - { at: 2, changes: [ { fault: { index: 0, on: false } },
+                        { acl: { name: WEB, rules: [ { proto: tcp, dstPort: { eq: 81 } } ] } } ] }
+)";
+
+TEST( NevqosSimTest, AFailingOperationFailsTheMapUntilTheFaultIsOff ) {
+   std::string const path = scenarioFile(
+         "op-error.yaml",
+         "chip: { faults: [ { kind: operationError, op: commitAcl, error: tooManyAcls } ] }" +
+               faultBase );
+   Json const r = runSim( { path, "--json" } ).report();
+   EXPECT_EQ( logsOf( r ), ( Lines{ "0.001 QOS_POLICY_HW_RESOURCE_FULL: Insufficient hardware "
+                                    "resources to program the input policy-map pm.",
+                                    "2 QOS_POLICY_HW_RESOURCE_NORMAL: Programmed input "
+                                    "policy-map pm in hardware." } ) );
+   EXPECT_EQ( policyMap( r, "pm" )[ "prgmStatus" ], "hwPrgmStatusSuccess" );
+}
+
+TEST( NevqosSimTest, PolicerExhaustionIsLoggedAndTheRestProgrammed ) {
+   std::string const path = scenarioFile(
+         "policers.yaml", "chip: { faults: [ { kind: policerExhaustion } ] }" + faultBase );
+   Json const r = runSim( { path, "--json" } ).report();
+   EXPECT_EQ( logsOf( r ), Lines{ "0.001 QOS_POLICY_POLICER_RESOURCE_FULL: Insufficient hardware "
+                                  "resources to program the police action for the class-map "
+                                  "web in the policy-map pm on interface Ethernet1." } );
+   Json const& web = classMap( policyMap( r, "pm" ), "web" );
+   ASSERT_EQ( web[ "policers" ].size(), 1u );
+   EXPECT_TRUE( web[ "policers" ][ 0 ][ "policerPrgmd" ] ) << "the new version, fault off";
+   EXPECT_EQ( r[ "resources" ][ "policers" ][ "used" ], 1 );
+}
+
+TEST( NevqosSimTest, OutOfRangeCheckersExpandsInTheWindowOfTheFault ) {
+   std::string const path = scenarioFile( "checkers.yaml", R"(
+chip: { faults: [ { kind: outOfRangeCheckers, until: 1 } ] }
+interfaces: [ Ethernet1 ]
+acls: [ { name: R, rules: [ { proto: udp, dstPort: { range: [ 100, 103 ] } },
+                            { proto: udp, dstPort: { range: [ 200, 300 ] } } ] } ]
+classMaps: [ { name: r, match: { ipv4: R } } ]
+policyMaps: [ { name: pm, classes: [ { class: r, set: { trafficClass: 1 } } ] } ]
+servicePolicies: [ { policyMap: pm, interfaces: [ Ethernet1 ] } ]
+steps:
+  - { at: 2, changes: [ { acl: { name: R, rules: [ { proto: udp, dstPort: { range: [ 200, 300 ] } } ] } } ] }
+)" );
+   Json const r = runSim( { path, "--json" } ).report();
+   auto const subrules = callsOf( r, "createIpAclSubrule" );
+   EXPECT_EQ( subrules.size(), 1u + 1u + 7u + 1u )
+         << "100-103 goes as one block; 200-300 is refused, then sent as seven blocks; after "
+            "the fault one call takes a checker";
+   EXPECT_EQ( r[ "tcam" ][ "rangeCheckers" ][ "used" ], 1 );
+}
+
+TEST( NevqosSimTest, TheTextReportIsTheDefault ) {
+   SimRun const run = runSim( { example( "tcam-exhaustion.yaml" ), "--limit", "3" } );
+   EXPECT_EQ( run.exitCode, 0 );
+   for( char const* part :
+        { "Scenario ", "Helper calls (", "more than 3; by operation:", "System log (2):",
+          "mapQos input core-in  version 3  hwPrgmStatusSuccess, last error", "slice ipv4: 40 used",
+          "Resources: policers 0/1024" } ) {
+      EXPECT_NE( run.out.find( part ), std::string::npos ) << part << "\n" << run.out;
+   }
+}
+
+TEST( NevqosSimTest, BadScenariosAreRefusedWithTheirPlace ) {
+   struct Case {
+      char const* text;
+      char const* error;
+   };
+   for( Case const& c : std::vector< Case >{
+              { "acls: [ { name: A\n", "bad.yaml:2:1: " },
+              { "chip: { tcamSize: 5 }\n", "bad.yaml:1:9: chip: unknown key 'tcamSize'" },
+              { "chip: { policers: many }\n", "bad.yaml:1:19: policers: " },
+              { "classMaps: [ { name: c, match: { ipv4: NOPE } } ]\n",
+                "bad.yaml:1:14: class map qos c matches access list ipv4 NOPE, which does not "
+                "exist" },
+        } ) {
+      std::string const path = scenarioFile( "bad.yaml", c.text );
+      SimRun const run = runSim( { path, "--json" } );
+      EXPECT_EQ( run.exitCode, 2 ) << c.text;
+      EXPECT_EQ( run.out, "" ) << c.text;
+      EXPECT_NE( run.err.find( path.substr( 0, path.size() - 8 ) + c.error ), std::string::npos )
+            << c.text << " gave: " << run.err;
+   }
+   SimRun const missing = runSim( { ::testing::TempDir() + "no-such.yaml" } );
+   EXPECT_EQ( missing.exitCode, 2 );
+   EXPECT_NE( missing.err.find( "no-such.yaml: cannot read" ), std::string::npos ) << missing.err;
+}
+
+}  // namespace
+}  // namespace NevQosTest
