@@ -14,7 +14,7 @@
 namespace {
 
 // Exit codes.
-constexpr int scenarioRefused = 2;
+constexpr int badInput = 2;
 constexpr int failed = 3;
 
 }  // namespace
@@ -43,7 +43,12 @@ int main( int argc, char** argv ) {
    app.add_option( "--tcam-mode", tcamMode,
                    "Run on a chip of this TCAM mode, whatever the scenario says" )
          ->check( CLI::IsMember( { "synchronous", "asynchronous" } ) );
-   CLI11_PARSE( app, argc, argv );
+   try {
+      app.parse( argc, argv );
+   } catch( CLI::ParseError const& e ) {
+      // --help is a parse "error" that exits 0.
+      return app.exit( e ) == 0 ? 0 : badInput;
+   }
 
    try {
       Sim::Scenario scenario = Sim::loadScenario( path );
@@ -61,7 +66,7 @@ int main( int argc, char** argv ) {
       }
    } catch( Sim::ScenarioError const& e ) {
       std::cerr << "nevqos-sim: " << e.what() << "\n";
-      return scenarioRefused;
+      return badInput;
    } catch( std::exception const& e ) {
       std::cerr << "nevqos-sim: " << path << ": " << e.what() << "\n";
       return failed;

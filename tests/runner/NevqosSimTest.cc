@@ -196,6 +196,14 @@ TEST( NevqosSimTest, CountersAreRunningSumsOfTheTraffic ) {
    EXPECT_EQ( r[ "status" ][ "pmapCounterUpdateTime" ], 10.0 );
 }
 
+TEST( NevqosSimTest, TenThousandClassBenchRulesRunToTheEnd ) {
+   Json const r = reportOf( "classbench-10k.yaml", { "--settle", "0" } );
+   EXPECT_EQ( policyMap( r, "big-in" )[ "prgmStatus" ], "hwPrgmStatusSuccess" );
+   EXPECT_EQ( callsOf( r, "createIpAclSubrule" ).size(), 10203u ) << "some ranges expanded";
+   EXPECT_EQ( r[ "tcam" ][ "rangeCheckers" ][ "free" ], 0 );
+   EXPECT_EQ( slice( r, "ipv4" )[ "used" ], 15515 );
+}
+
 // The outcome of a scenario does not depend on the road: same status, same lists on the same
 // interfaces with as many entries, same log.
 class BothTcamModesTest : public ::testing::TestWithParam< char const* > {};
@@ -307,6 +315,7 @@ TEST( NevqosSimTest, BadScenariosAreRefusedWithTheirPlace ) {
       EXPECT_NE( run.err.find( path.substr( 0, path.size() - 8 ) + c.error ), std::string::npos )
             << c.text << " gave: " << run.err;
    }
+   EXPECT_EQ( runSim( { example( "counters.yaml" ), "--tcam-mode", "fast" } ).exitCode, 2 );
    SimRun const missing = runSim( { ::testing::TempDir() + "no-such.yaml" } );
    EXPECT_EQ( missing.exitCode, 2 );
    EXPECT_NE( missing.err.find( "no-such.yaml: cannot read" ), std::string::npos ) << missing.err;
