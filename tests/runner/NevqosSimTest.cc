@@ -1,7 +1,6 @@
 // nevqos-sim run as a user runs it: each example's report, the same outcome on both TCAM modes,
 // every kind of chip fault, and bad scenarios refused with their place and exit code 2.
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
 #include <cstdio>
 #include <fstream>
@@ -11,47 +10,13 @@
 #include <string>
 #include <vector>
 
+#include "runner/SimProgram.h"
+
 namespace NevQosTest {
 namespace {
 
 using Json = nlohmann::json;
 using Lines = std::vector< std::string >;
-
-struct SimRun {
-   int exitCode = -1;
-   std::string out;
-   std::string err;
-   Json report() const { return Json::parse( out ); }
-};
-
-std::string quoted( std::string const& s ) {
-   return "'" + s + "'";
-}
-
-SimRun runSim( std::vector< std::string > const& args ) {
-   std::string const errFile = ::testing::TempDir() + "nevqos-sim.err";
-   std::string command = quoted( NEVQOS_SIM_PROGRAM );
-   for( std::string const& a : args )
-      command += " " + quoted( a );
-   command += " 2>" + quoted( errFile );
-   SimRun run;
-   FILE* pipe = popen( command.c_str(), "r" );
-   if( !pipe ) return run;
-   char buf[ 4096 ];
-   for( std::size_t n; ( n = fread( buf, 1, sizeof buf, pipe ) ) > 0; )
-      run.out.append( buf, n );
-   int const status = pclose( pipe );
-   run.exitCode = WIFEXITED( status ) ? WEXITSTATUS( status ) : -1;
-   std::ifstream in( errFile );
-   std::ostringstream err;
-   err << in.rdbuf();
-   run.err = err.str();
-   return run;
-}
-
-std::string example( char const* name ) {
-   return std::string( NEVQOS_EXAMPLES_DIR ) + "/" + name;
-}
 
 // Runs an example with --json; the report, after checking that the run went well.
 Json reportOf( char const* name, std::vector< std::string > flags = {} ) {
@@ -194,14 +159,6 @@ TEST( NevqosSimTest, CountersAreRunningSumsOfTheTraffic ) {
    EXPECT_EQ( policerPackets( classMap( mgmt, "backup" ) ),
               ( std::map< std::string, unsigned >{ { "Ethernet1", 0 }, { "Ethernet2", 5000 } } ) );
    EXPECT_EQ( r[ "status" ][ "pmapCounterUpdateTime" ], 10.0 );
-}
-
-TEST( NevqosSimTest, TenThousandClassBenchRulesRunToTheEnd ) {
-   Json const r = reportOf( "classbench-10k.yaml", { "--settle", "0" } );
-   EXPECT_EQ( policyMap( r, "big-in" )[ "prgmStatus" ], "hwPrgmStatusSuccess" );
-   EXPECT_EQ( callsOf( r, "createIpAclSubrule" ).size(), 10203u ) << "some ranges expanded";
-   EXPECT_EQ( r[ "tcam" ][ "rangeCheckers" ][ "free" ], 0 );
-   EXPECT_EQ( slice( r, "ipv4" )[ "used" ], 15515 );
 }
 
 // The outcome of a scenario does not depend on the road: same status, same lists on the same
