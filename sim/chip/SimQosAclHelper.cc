@@ -133,7 +133,7 @@ class SimQosAclHelper::Completer : public Kesh::TimerWheel::NotifieeConst {
       Zub::Seconds const now = notifier()->now();
       auto& pending = chip_->pending_;
       auto const due = std::find_if( pending.begin(), pending.end(),
-                                     []( PendingOperation const& op ) { return op.due >= 0.0; } );
+                                     []( PendingOperation const& op ) { return !op.reported; } );
       if( due == pending.end() ) return;
       if( due->due > now ) {
          timeMinIs( due->due );
@@ -141,7 +141,7 @@ class SimQosAclHelper::Completer : public Kesh::TimerWheel::NotifieeConst {
       }
       PendingOperation const op = *due;
       if( op.hangs ) {
-         due->due = -1.0;  // reported; stays in flight
+         due->reported = true;  // stays in flight
       } else {
          pending.erase( due );
       }
@@ -154,7 +154,7 @@ class SimQosAclHelper::Completer : public Kesh::TimerWheel::NotifieeConst {
    }
    void scheduleNext() {
       for( PendingOperation const& op : chip_->pending_ ) {
-         if( op.due < 0.0 ) continue;
+         if( op.reported ) continue;
          timeMinIs( op.due );
          return;
       }

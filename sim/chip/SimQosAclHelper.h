@@ -202,6 +202,7 @@ class SimQosAclHelper : public NevHelper::QosAclHelper {
       std::string message;
       // Reported pending when due, never completed.
       bool hangs = false;
+      bool reported = false;
    };
    std::vector< PendingOperation > pending_;
    std::function< void() > leftPendingHandler_;
