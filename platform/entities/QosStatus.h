@@ -2,6 +2,7 @@
 #pragma once
 
 #include "entities/ClassMapStatus.h"
+#include "entities/IntfStatus.h"
 #include "entities/NamedPolicerStatus.h"
 #include "entities/PolicyMapStatus.h"
 #include "entities/QosTypes.h"
@@ -35,7 +36,18 @@ namespace Qos {
    X( keyed, TcToMcTxQueueMap, tcToMcTxQueueMap, Qos::TrafficClass, Qos::TxQueueId )           \
    /* Rewrite the COS, and the DSCP, of packets from their traffic class on the way out. */    \
    X( value, CosRewriteEnabled, cosRewriteEnabled, bool, false )                               \
-   X( value, DscpRewriteEnabled, dscpRewriteEnabled, bool, false )
+   X( value, DscpRewriteEnabled, dscpRewriteEnabled, bool, false )                             \
+   /* Basic QoS of each interface and its queues. */                                          \
+   X( child, IntfStatus, intfStatus, Mirel::IntfId, Qos::IntfStatus )                          \
+   X( child, DscpRewriteMap, dscpRewriteMap, Zub::Name, Qos::DscpRewriteMap )                  \
+   X( child, CosToTcProfile, cosToTcProfile, Zub::Name, Qos::CosToTcProfile )                  \
+   /* Service policies programmed on the second datapath of the chip, for the driver. */       \
+   X( keyed, ServicePolicyDP1Status, servicePolicyDP1Status, Qos::ServicePolicyKey, bool )     \
+   /* The delay threshold every queue uses when its delayEcnEnabled is set. */                 \
+   X( value, EcnDelayThreshold, ecnDelayThreshold, Qos::EcnDelayThreshold,                     \
+      Qos::EcnDelayThreshold() )                                                               \
+   /* ECN marking of the whole switch, beside that of each queue. */                           \
+   X( value, GlobalEcnStatus, globalEcnStatus, Qos::EcnStatus, Qos::EcnStatus() )
 // clang-format on
 
 ZUB_ENTITY( Status, Zub::Name, QOS_STATUS_ATTRS );
