@@ -47,6 +47,18 @@ class ConfigModel {
    }
    std::set< Mirel::IntfId > const& interfaces() const { return interfaces_; }
 
+   // Basic QoS: the global maps as set so far, named maps and profiles, per interface.
+   GlobalMapsDef const& globalMaps() const { return globalMaps_; }
+   std::map< std::string, DscpRewriteMapDef > const& dscpRewriteMaps() const {
+      return dscpRewriteMaps_;
+   }
+   std::map< std::string, CosToTcProfileDef > const& cosToTcProfiles() const {
+      return cosToTcProfiles_;
+   }
+   std::map< Mirel::IntfId, IntfQosDef > const& intfQos() const { return intfQos_; }
+   std::map< Mirel::IntfId, EcnCountersDef > const& ecnCounters() const { return ecnCounters_; }
+   std::map< Mirel::IntfId, LinkDef > const& links() const { return links_; }
+
    // Who uses what, in key order.
    std::vector< MapKey > classMapsUsing( AclKey const& acl ) const;
    std::vector< MapKey > policyMapsUsingClassMap( MapKey const& cmap ) const;
@@ -70,6 +82,16 @@ class ConfigModel {
    void put( TrafficInjection const& traffic );
    void put( ClearRequest const& ) {}
    void put( FaultSwitch const& fault );
+   void put( GlobalMapsDef const& maps );
+   void put( DscpRewriteMapDef const& map );
+   void put( DscpRewriteMapRemoval const& removal );
+   void put( CosToTcProfileDef const& profile );
+   void put( CosToTcProfileRemoval const& removal );
+   void put( IntfQosDef const& qos );
+   void put( IntfQosRemoval const& removal );
+   void put( EcnCountersDef const& counters );
+   void put( EcnCountersRemoval const& removal );
+   void put( LinkDef const& link );
 
    void checkMatch( ClassMapDef const& cmap, MatchDef const& match ) const;
    void checkClass( PolicyMapDef const& pmap, ClassDef const& cls ) const;
@@ -82,6 +104,12 @@ class ConfigModel {
    std::map< MapKey, PolicyMapDef > policyMaps_;
    std::map< Qos::ServicePolicyKey, ServicePolicyDef > servicePolicies_;
    std::set< Mirel::IntfId > interfaces_;
+   GlobalMapsDef globalMaps_;
+   std::map< std::string, DscpRewriteMapDef > dscpRewriteMaps_;
+   std::map< std::string, CosToTcProfileDef > cosToTcProfiles_;
+   std::map< Mirel::IntfId, IntfQosDef > intfQos_;
+   std::map< Mirel::IntfId, EcnCountersDef > ecnCounters_;
+   std::map< Mirel::IntfId, LinkDef > links_;
 };
 
 }  // namespace Sim

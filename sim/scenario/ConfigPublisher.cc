@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "entities/CounterConfig.h"
+#include "sim/scenario/BasicQosWriter.h"
 #include "sim/scenario/ConfigDiff.h"
 #include "sim/scenario/EntityWriter.h"
 #include "sim/scenario/ScenarioError.h"
@@ -104,6 +105,7 @@ void ConfigPublisher::publish( ConfigModel after ) {
    ConfigModel const before = std::exchange( model_, std::move( after ) );
    for( Mirel::IntfId intf : diff.interfacesAdded )
       in_.ncsd->intfIs( intf, true );
+   basicQosIs( before );
    definitionsIs( diff );
    servicePoliciesIs( before, diff.policyMaps );
    removalsIs( diff );
@@ -153,6 +155,40 @@ void ConfigPublisher::servicePoliciesIs( ConfigModel const& before,
       }
       for( auto const& intf : sp.interfaces )
          entity->intfIdsIs( intf, true );
+   }
+}
+
+void ConfigPublisher::basicQosIs( ConfigModel const& before ) {
+   Qos::Status& status = *in_.qosStatus;
+   globalMapsIs( status, model_.globalMaps() );
+   for( auto const& [ name, map ] : model_.dscpRewriteMaps() )
+      dscpRewriteMapIs( status, map );
+   for( auto const& [ name, profile ] : model_.cosToTcProfiles() )
+      cosToTcProfileIs( status, profile );
+   for( auto const& [ intf, qos ] : before.intfQos() ) {
+      if( !model_.intfQos().contains( intf ) ) status.intfStatusDel( intf );
+   }
+   for( auto const& [ intf, qos ] : model_.intfQos() )
+      intfQosIs( status, qos );
+   for( auto const& [ name, map ] : before.dscpRewriteMaps() ) {
+      if( !model_.dscpRewriteMaps().contains( name ) )
+         status.dscpRewriteMapDel( Zub::Name( name ) );
+   }
+   for( auto const& [ name, profile ] : before.cosToTcProfiles() ) {
+      if( !model_.cosToTcProfiles().contains( name ) ) {
+         status.cosToTcProfileDel( Zub::Name( name ) );
+      }
+   }
+   if( auto const config = in_.ecnCounterConfig ) {
+      for( auto const& [ intf, counters ] : before.ecnCounters() ) {
+         if( !model_.ecnCounters().contains( intf ) ) config->ecnIntfCounterConfigDel( intf );
+      }
+      for( auto const& [ intf, counters ] : model_.ecnCounters() )
+         ecnCountersIs( *config, counters );
+   }
+   if( auto const dir = in_.ethPhyIntfStatusDir ) {
+      for( auto const& [ intf, link ] : model_.links() )
+         linkIs( *dir, link );
    }
 }
 

@@ -4,7 +4,9 @@
 // entity is written, so a bad step leaves every entity as it was. Then what the step changed is
 // written in an order in which every name in use stands: interfaces that appear, access lists,
 // class maps, named policers, policy maps, service policies, removals, interfaces that vanish,
-// counter and clear requests, and last configVersionUpdateTime.
+// counter and clear requests, and last configVersionUpdateTime. Basic QoS (global maps, named
+// maps and profiles, interface and queue settings, ECN counters, links) is written after the
+// interfaces that appear.
 //
 // A policy map whose configuration changed (itself, a class map it uses, an access list one of
 // those uses, or the sharing of a named policer it uses) gets a new version, and so does every
@@ -18,6 +20,8 @@
 
 #include "entities/AclConfig.h"
 #include "entities/AclHwStatus.h"
+#include "entities/CounterConfig.h"
+#include "entities/EthPhyIntfStatus.h"
 #include "entities/HwStatus.h"
 #include "entities/QosStatus.h"
 #include "nev/NevCommonSmData.h"
@@ -38,6 +42,10 @@ struct EngineInputs {
    Zub::Ptr< Zub::Dir > counterConfigDir;
    // Its interface list.
    Zub::Ptr< Nev::NevCommonSmData > ncsd;
+   // Basic QoS: the counter configuration that holds the ECN queue counters, and the Ethernet
+   // ports' links. Either may be null when nothing reads it.
+   Zub::Ptr< Qos::CounterConfig > ecnCounterConfig = {};
+   Zub::Ptr< Interface::AllEthPhyIntfStatusDir > ethPhyIntfStatusDir = {};
 };
 
 class ConfigPublisher {
@@ -67,6 +75,9 @@ class ConfigPublisher {
    void servicePoliciesIs( ConfigModel const& before,
                            std::vector< ConfigModel::MapKey > const& changedPmaps );
    void removalsIs( ConfigDiff const& diff );
+   // Basic QoS, made to match the model: maps and profiles before the interfaces that name
+   // them, removals the other way round.
+   void basicQosIs( ConfigModel const& before );
    void requestsIs( std::vector< Change > const& changes, Zub::Seconds time );
 
    EngineInputs in_;

@@ -17,6 +17,7 @@
 #include "entities/QosTypes.h"
 #include "mirel/IntfId.h"
 #include "sim/chip/ChipConfig.h"
+#include "sim/scenario/BasicQosDefs.h"
 #include "zub/Entity.h"
 
 namespace Sim {
@@ -220,7 +221,9 @@ using ChangeValue =
       std::variant< AclDef, AclRemoval, ClassMapDef, ClassMapRemoval, NamedPolicerDef,
                     NamedPolicerRemoval, PolicyMapDef, PolicyMapRemoval, ServicePolicyDef,
                     ServicePolicyRemoval, Attachment, InterfacePresence, CounterRequest,
-                    TrafficInjection, ClearRequest, FaultSwitch >;
+                    TrafficInjection, ClearRequest, FaultSwitch, GlobalMapsDef, DscpRewriteMapDef,
+                    DscpRewriteMapRemoval, CosToTcProfileDef, CosToTcProfileRemoval, IntfQosDef,
+                    IntfQosRemoval, EcnCountersDef, EcnCountersRemoval, LinkDef >;
 
 struct Change {
    Where where;

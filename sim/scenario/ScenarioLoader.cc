@@ -15,8 +15,9 @@ namespace Sim {
 namespace {
 
 std::vector< std::string_view > const topKeys = {
-   "description",   "chip",       "interfaces",      "acls",  "classMaps",
-   "namedPolicers", "policyMaps", "servicePolicies", "steps",
+   "description",     "chip",         "interfaces",      "acls",       "classMaps",
+   "namedPolicers",   "policyMaps",   "servicePolicies", "globalMaps", "dscpRewriteMaps",
+   "cosToTcProfiles", "interfaceQos", "ecnCounters",     "links",      "steps",
 };
 
 // The one document of the text.
@@ -50,6 +51,33 @@ void initialList( YAML::Node const& doc, char const* key, YamlReader const& yaml
    }
 }
 
+// Basic QoS: the global maps, then the named maps and profiles the interfaces name, the
+// interfaces, their ECN counters and links.
+void readInitialBasicQos( YAML::Node const& doc, YamlReader const& yaml,
+                          BasicQosReader const& reader, std::vector< Change >& out ) {
+   if( auto const maps = doc[ "globalMaps" ] ) {
+      out.push_back( { YamlReader::whereOf( maps ), reader.globalMaps( maps ) } );
+   }
+   auto const intfName = []( Mirel::IntfId intf ) { return intf.stringValue().stdString(); };
+   initialList(
+         doc, "dscpRewriteMaps", yaml,
+         [ & ]( auto const& n ) { return reader.dscpRewriteMap( n ); },
+         []( DscpRewriteMapDef const& m ) { return m.name; }, out );
+   initialList(
+         doc, "cosToTcProfiles", yaml,
+         [ & ]( auto const& n ) { return reader.cosToTcProfile( n ); },
+         []( CosToTcProfileDef const& p ) { return p.name; }, out );
+   initialList(
+         doc, "interfaceQos", yaml, [ & ]( auto const& n ) { return reader.intfQos( n ); },
+         [ & ]( IntfQosDef const& q ) { return intfName( q.intf ); }, out );
+   initialList(
+         doc, "ecnCounters", yaml, [ & ]( auto const& n ) { return reader.ecnCounters( n ); },
+         [ & ]( EcnCountersDef const& c ) { return intfName( c.intf ); }, out );
+   initialList(
+         doc, "links", yaml, [ & ]( auto const& n ) { return reader.link( n ); },
+         [ & ]( LinkDef const& l ) { return intfName( l.intf ); }, out );
+}
+
 void readInitial( YAML::Node const& doc, YamlReader const& yaml, StepReader const& reader,
                   std::vector< Change >& out ) {
    if( auto const intfs = doc[ "interfaces" ] ) {
@@ -76,6 +104,7 @@ void readInitial( YAML::Node const& doc, YamlReader const& yaml, StepReader cons
          doc, "servicePolicies", yaml,
          [ & ]( auto const& n ) { return reader.servicePolicies().servicePolicy( n ); },
          []( ServicePolicyDef const& s ) { return servicePolicyText( s.key ); }, out );
+   readInitialBasicQos( doc, yaml, reader.basicQos(), out );
 }
 
 void readSteps( YAML::Node const& doc, YamlReader const& yaml, StepReader const& reader,

@@ -19,6 +19,10 @@ class ServicePolicyReader {
    std::vector< Qos::IntfPairKey > intfPairs( YAML::Node const& node,
                                               std::string const& what ) const;
    Qos::IntfPairKey intfPair( YAML::Node const& node, std::string const& what ) const;
+   // One interface name.
+   Mirel::IntfId intfIdOf( YAML::Node const& node, std::string const& what ) const {
+      return intfId( node, what, yaml_.text( node, what ) );
+   }
 
  private:
    Mirel::IntfId intfId( YAML::Node const& node, std::string const& what,

@@ -26,6 +26,16 @@ std::vector< std::string_view > const changeKinds = {
    "traffic",
    "clearErrors",
    "fault",
+   "globalMaps",
+   "dscpRewriteMap",
+   "removeDscpRewriteMap",
+   "cosToTcProfile",
+   "removeCosToTcProfile",
+   "interfaceQos",
+   "removeInterfaceQos",
+   "ecnCounters",
+   "removeEcnCounters",
+   "link",
 };
 
 }  // namespace
@@ -37,6 +47,7 @@ StepReader::StepReader( YamlReader const& yaml, std::filesystem::path const& sce
     , classMaps_( yaml )
     , policies_( yaml )
     , servicePolicies_( yaml )
+    , basicQos_( yaml, servicePolicies_ )
     , faultNames_( faultNames ) {}
 
 Step StepReader::step( YAML::Node const& node, Zub::Seconds after ) const {
@@ -83,7 +94,27 @@ ChangeValue StepReader::value( std::string const& kind, YAML::Node const& node )
       return ClearRequest{};
    }
    if( kind == "fault" ) return faultSwitch( node );
+   if( auto basic = basicQosValue( kind, node ) ) return std::move( *basic );
    return removal( kind, node );
+}
+
+std::optional< ChangeValue > StepReader::basicQosValue( std::string const& kind,
+                                                        YAML::Node const& node ) const {
+   if( kind == "globalMaps" ) return basicQos_.globalMaps( node );
+   if( kind == "dscpRewriteMap" ) return basicQos_.dscpRewriteMap( node );
+   if( kind == "removeDscpRewriteMap" ) return DscpRewriteMapRemoval{ yaml_.text( node, kind ) };
+   if( kind == "cosToTcProfile" ) return basicQos_.cosToTcProfile( node );
+   if( kind == "removeCosToTcProfile" ) return CosToTcProfileRemoval{ yaml_.text( node, kind ) };
+   if( kind == "interfaceQos" ) return basicQos_.intfQos( node );
+   if( kind == "removeInterfaceQos" ) {
+      return IntfQosRemoval{ servicePolicies_.intfIdOf( node, kind ) };
+   }
+   if( kind == "ecnCounters" ) return basicQos_.ecnCounters( node );
+   if( kind == "removeEcnCounters" ) {
+      return EcnCountersRemoval{ servicePolicies_.intfIdOf( node, kind ) };
+   }
+   if( kind == "link" ) return basicQos_.link( node );
+   return std::nullopt;
 }
 
 // A removal names what it removes by name alone, for the default type (ipv4 access list, qos

@@ -3,10 +3,12 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "sim/scenario/AclReader.h"
+#include "sim/scenario/BasicQosReader.h"
 #include "sim/scenario/ClassMapReader.h"
 #include "sim/scenario/PolicyReader.h"
 #include "sim/scenario/ServicePolicyReader.h"
@@ -27,10 +29,14 @@ class StepReader {
    ClassMapReader const& classMaps() const { return classMaps_; }
    PolicyReader const& policies() const { return policies_; }
    ServicePolicyReader const& servicePolicies() const { return servicePolicies_; }
+   BasicQosReader const& basicQos() const { return basicQos_; }
 
  private:
    ChangeValue value( std::string const& kind, YAML::Node const& node ) const;
    ChangeValue removal( std::string const& kind, YAML::Node const& node ) const;
+   // The basic QoS kinds; nothing for another kind.
+   std::optional< ChangeValue > basicQosValue( std::string const& kind,
+                                               YAML::Node const& node ) const;
    Attachment attachment( YAML::Node const& node, bool attach ) const;
    TrafficInjection traffic( YAML::Node const& node ) const;
    FaultSwitch faultSwitch( YAML::Node const& node ) const;
@@ -40,6 +46,7 @@ class StepReader {
    ClassMapReader classMaps_;
    PolicyReader policies_;
    ServicePolicyReader servicePolicies_;
+   BasicQosReader basicQos_;
    std::vector< std::string > const& faultNames_;
 };
 

@@ -32,7 +32,8 @@ void expectErrors( std::initializer_list< Case > cases ) {
 // What the scenario's top level and its chip section accept.
 std::string const topKeys =
       "description, chip, interfaces, acls, classMaps, namedPolicers, policyMaps, "
-      "servicePolicies, steps";
+      "servicePolicies, globalMaps, dscpRewriteMaps, cosToTcProfiles, interfaceQos, ecnCounters, "
+      "links, steps";
 
 TEST( ScenarioErrorsTest, TextThatIsNotOneYamlMapping ) {
    expectErrors( {
@@ -74,7 +75,10 @@ TEST( ScenarioErrorsTest, UnknownAndRepeatedKeys ) {
            "bad.yaml:1:32: change: unknown key 'bounce' (known: acl, removeAcl, classMap, "
            "removeClassMap, namedPolicer, removeNamedPolicer, policyMap, removePolicyMap, "
            "servicePolicy, removeServicePolicy, attach, detach, addInterfaces, "
-           "removeInterfaces, requestCounters, traffic, clearErrors, fault)" },
+           "removeInterfaces, requestCounters, traffic, clearErrors, fault, globalMaps, "
+           "dscpRewriteMap, "
+           "removeDscpRewriteMap, cosToTcProfile, removeCosToTcProfile, interfaceQos, "
+           "removeInterfaceQos, ecnCounters, removeEcnCounters, link)" },
          { "steps: [ { at: 1, changes: [ { clearErrors: true, requestCounters: a } ] } ]\n",
            "bad.yaml:1:30: change: one kind of change per list item" },
    } );

@@ -1,0 +1,101 @@
+// The basic QoS part of a scenario: the global maps, named DSCP rewrite maps and COS-to-TC
+// profiles, the QoS of each interface and its transmit queues, ECN queue counters, and the state
+// of each Ethernet link. Plain values, as ScenarioLoader reads them; numbers are already within
+// the ranges of their types.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "entities/QosTypes.h"
+#include "entities/QueueSettings.h"
+#include "mirel/IntfId.h"
+
+namespace Sim {
+
+// Entries of the global maps and switches; a global-maps change sets what it gives and leaves
+// the rest. A map entry of the sentinel value (16 for a traffic class, ...) is the chip's default
+// again.
+struct GlobalMapsDef {
+   std::map< unsigned, unsigned > cosToTc, dscpToTc, dscpToDp, expToTc, tcToCos, tcToDscp, tcToExp,
+         tcToTxQueue, tcToMcTxQueue;
+   std::optional< bool > cosRewrite, dscpRewrite;
+   std::optional< Qos::EcnStatus > globalEcn;
+   std::optional< Qos::EcnDelayThreshold > ecnDelayThreshold;
+   bool operator==( GlobalMapsDef const& ) const = default;
+};
+
+// A named DSCP rewrite map: the DSCP written for each traffic class.
+struct DscpRewriteMapDef {
+   std::string name;
+   std::map< unsigned, unsigned > tcToDscp;
+   bool operator==( DscpRewriteMapDef const& ) const = default;
+};
+struct DscpRewriteMapRemoval {
+   std::string name;
+};
+
+// A named COS-to-TC profile.
+struct CosToTcProfileDef {
+   std::string name;
+   std::map< unsigned, unsigned > cosToTc;
+   bool operator==( CosToTcProfileDef const& ) const = default;
+};
+struct CosToTcProfileRemoval {
+   std::string name;
+};
+
+struct QueueDef {
+   Qos::TxQueue queue;
+   Qos::TxQueuePriority priority = Qos::txQueuePriorityRoundRobin_;
+   Qos::ShapeRate shapeRate;
+   Qos::GuaranteedBw guaranteedBw;
+   Qos::EcnStatus ecn;
+   Qos::NonEctStatus nonEct;
+   bool delayEcn = false;
+   Qos::EcnDelayThreshold ecnDelayThreshold;
+   Qos::WredStatus wred;
+   // Bytes by drop precedence, 0 to 3.
+   std::map< unsigned, std::uint32_t > dropThresholds;
+   bool operator==( QueueDef const& ) const = default;
+};
+
+// The QoS of one interface, given whole: a change replaces what stood.
+struct IntfQosDef {
+   Mirel::IntfId intf;
+   Qos::TrustMode trust = Qos::trustCos_;
+   Qos::Cos defaultCos;    // the sentinel: the chip's default
+   Qos::Dscp defaultDscp;  // likewise
+   Qos::ShapeRate shapeRate;
+   std::string dscpRewriteMap;  // empty for none
+   std::string cosToTcProfile;  // empty for none
+   std::vector< QueueDef > queues;
+   bool operator==( IntfQosDef const& ) const = default;
+};
+struct IntfQosRemoval {
+   Mirel::IntfId intf;
+};
+
+// The queues of one interface whose ECN counters are wanted, given whole.
+struct EcnCountersDef {
+   Mirel::IntfId intf;
+   std::set< unsigned > queues;
+   bool operator==( EcnCountersDef const& ) const = default;
+};
+struct EcnCountersRemoval {
+   Mirel::IntfId intf;
+};
+
+// The state of an Ethernet port's link; what is not given stays.
+struct LinkDef {
+   Mirel::IntfId intf;
+   std::optional< std::uint64_t > speedMbps;
+   std::optional< bool > active;
+   bool operator==( LinkDef const& ) const = default;
+};
+
+}  // namespace Sim
