@@ -1,6 +1,7 @@
 // What a scenario says about the reference chip: its capabilities, the sizes of its finite
-// resources, its TCAM mode, and the faults to inject. Plain values, read once when the chip is
-// built; the chip never changes them.
+// resources (TCAM and ACL side, and the queue profiles and counters of basic QoS), its TCAM mode,
+// and the faults to inject. Plain values, read once when the chip is built; the chip never
+// changes them.
 #pragma once
 
 #include <cstdint>
@@ -65,6 +66,18 @@ struct ChipConfig {
    std::uint32_t cpuQueues = 32;
    // Classes a QoS policy map may have, class-default included.
    std::uint32_t maxClassesPerPolicyMap = 256;
+
+   // Basic QoS: profiles that transmit queues share when their settings are equal, and ECN
+   // counters. A queue that needs a new profile when none is free keeps what it had, and the
+   // feature fails.
+   // ECN profiles: a queue's marking thresholds, its non-ECT threshold and its delay threshold.
+   std::uint32_t ecnProfiles = 16;
+   // WRED profiles: a queue's drop thresholds and probability.
+   std::uint32_t wredProfiles = 16;
+   // Tail-drop profiles: a queue's thresholds by drop precedence.
+   std::uint32_t dropThresholdProfiles = 8;
+   // Counters of ECN-marked packets, one per counting queue.
+   std::uint32_t ecnQueueCounters = 64;
 
    // Capabilities the chip publishes to the engine.
    bool policyQosSupported = true;

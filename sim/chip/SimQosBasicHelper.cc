@@ -1,0 +1,589 @@
+#include "sim/chip/SimQosBasicHelper.h"
+
+#include <sstream>
+
+#include "NevQos/log/QosLogHandles.h"
+#include "zub/Log.h"
+
+namespace Sim {
+
+namespace {
+
+template< class T >
+std::string text( T const& v ) {
+   std::ostringstream os;
+   os << v;
+   return os.str();
+}
+
+std::string boolText( bool b ) {
+   return b ? "true" : "false";
+}
+
+std::string intfName( Mirel::IntfId intf ) {
+   return intf.stringValue().stdString();
+}
+
+// "UC3", "MC0".
+std::string queueText( Qos::TxQueue const& queue ) {
+   return ( queue.type() == Qos::multicastQueue_ ? "MC" : "UC" ) + text( queue.id() );
+}
+
+// What goes into each kind of profile; empty when the queue needs none.
+std::string ecnSettings( BasicQueueSettings const& q ) {
+   std::string out;
+   auto const add = [ &out ]( std::string const& part ) {
+      out += ( out.empty() ? "" : "; " ) + part;
+   };
+   if( q.ecn.enabled ) add( "ecn " + text( q.ecn ) );
+   if( q.nonEct.enabled ) add( "non-ECT " + text( q.nonEct ) );
+   if( q.delayEcnEnabled ) add( "delay " + text( q.ecnDelayThreshold ) );
+   return out;
+}
+
+std::string wredSettings( BasicQueueSettings const& q ) {
+   return q.wred.enabled ? text( q.wred ) : std::string();
+}
+
+std::string dropThresholdSettings( BasicQueueSettings const& q ) {
+   std::string out;
+   for( auto const& [ dp, bytes ] : q.dropThresholds ) {
+      out += ( out.empty() ? "dp" : ", dp" ) + text( dp ) + " " + text( bytes ) + " bytes";
+   }
+   return out;
+}
+
+bool ppsUnit( Qos::ShapeRate const& shape ) {
+   return shape.unit == Qos::shapeRateUnitPps_;
+}
+
+bool ppsUnit( Qos::GuaranteedBw const& bw ) {
+   return bw.unit == Qos::guaranteedBwUnitPps_;
+}
+
+}  // namespace
+
+SimQosBasicHelper::SimQosBasicHelper(
+      ChipConfig config, Zub::Ptr< Qos::Status const > qosStatus,
+      Zub::Ptr< Qos::HwStatus > qosHwStatus, Zub::Ptr< Qos::SliceHwStatus > qosSliceHwStatus,
+      Zub::Ptr< Interface::AllEthPhyIntfStatusDir const > ethPhyIntfStatusDir,
+      Zub::Ptr< Kesh::TimerWheel > clock )
+    : QosBasicHelper( std::move( qosStatus ), std::move( qosHwStatus ),
+                      std::move( qosSliceHwStatus ) )
+    , config_( std::move( config ) )
+    , ethPhyIntfStatusDir_( std::move( ethPhyIntfStatusDir ) )
+    , clock_( std::move( clock ) )
+    , ecnProfiles_( config_.ecnProfiles )
+    , wredProfiles_( config_.wredProfiles )
+    , dropThresholdProfiles_( config_.dropThresholdProfiles ) {}
+
+SimQosBasicHelper::~SimQosBasicHelper() = default;
+
+std::string SimQosBasicHelper::queueName( Mirel::IntfId intf, Qos::TxQueue const& queue ) {
+   return intfName( intf ) + " " + queueText( queue );
+}
+
+void SimQosBasicHelper::record( char const* op, Args args ) {
+   calls_.push_back( ChipCall{ clock_ ? clock_->now() : 0.0, op, std::move( args ) } );
+}
+
+void SimQosBasicHelper::recordQueue( char const* op, Qos::IntfStatus const& intfStatus,
+                                     Qos::TxQueueStatus const& txQueueStatus ) {
+   record( op, { { "intfStatus", intfName( intfStatus.key() ) },
+                 { "txQueueStatus", queueText( txQueueStatus.key() ) } } );
+}
+
+BasicPortSettings SimQosBasicHelper::portDefaults() const {
+   BasicPortSettings port;
+   port.trustMode = qosHwStatus()->defaultTrustMode();
+   port.defaultCos = qosHwStatus()->defaultCos();
+   port.defaultDscp = qosHwStatus()->defaultDscp();
+   return port;
+}
+
+BasicPortSettings& SimQosBasicHelper::port( Mirel::IntfId intf ) {
+   return ports_.try_emplace( intf, portDefaults() ).first->second;
+}
+
+BasicQueueSettings& SimQosBasicHelper::queue( Mirel::IntfId intf, Qos::TxQueue const& txQueue ) {
+   return queues_[ BasicQueueKey{ intf, txQueue } ];
+}
+
+void SimQosBasicHelper::fail( Qos::FeatureName feature, Zub::LogHandle& handle,
+                              std::vector< Zub::String > const& args ) {
+   auto const status = qosSliceHwStatus()->hwProgrammingVersionAndStatusIs( feature );
+   status->hwProgrammingStatusIs( Qos::hwProgrammingFailed_ );
+   status->errMessageIs( Zub::logFormat( handle.format(), args ) );
+   Zub::logEmit( handle, args );
+}
+
+// ---- Start-up and verification
+
+void SimQosBasicHelper::initializationComplete() {
+   record( "initializationComplete" );
+}
+
+void SimQosBasicHelper::handleEthPhyIntfStatusActive( Mirel::IntfId const& intfId ) {
+   record( "handleEthPhyIntfStatusActive", { { "intfId", intfName( intfId ) } } );
+   // The link speed is known now: percent guarantees of the port are taken of it again.
+   for( auto& [ key, q ] : queues_ ) {
+      if( key.intf != intfId || q.guaranteedBw.unit != Qos::guaranteedBwUnitPercent_ ) continue;
+      if( q.guaranteedBw.rate == Qos::GuaranteedBw::invalidRate ) continue;
+      q.guaranteedRate = guaranteedRateOf( intfId, q.guaranteedBw );
+   }
+}
+
+void SimQosBasicHelper::hwInit() {
+   record( "hwInit" );
+   // The chip comes up with its default maps and nothing else programmed.
+   Qos::HwStatus const& hw = *qosHwStatus();
+   globals_ = BasicGlobalTables();
+   for( std::uint8_t cos = 0; cos < Qos::Cos::invalid; ++cos ) {
+      globals_.cosToTc[ cos ] = hw.defaultCosToTcMap( cos );
+   }
+   for( std::uint8_t dscp = 0; dscp < Qos::Dscp::invalid; ++dscp ) {
+      globals_.dscpToTc[ dscp ] = hw.defaultDscpToTcMap( dscp );
+      globals_.dscpToDp[ dscp ] = hw.defaultDropPrecedence();
+   }
+   for( std::uint8_t exp = 0; exp < Qos::Exp::invalid; ++exp ) {
+      globals_.expToTc[ exp ] = hw.defaultExpToTcMap( exp );
+   }
+   for( std::uint8_t tc = 0; tc < Qos::TrafficClass::invalid; ++tc ) {
+      globals_.tcToCos[ tc ] = hw.defaultTcToCosMap( tc );
+      globals_.tcToDscp[ tc ] = hw.defaultTcToDscpMap( tc );
+      globals_.tcToExp[ tc ] = hw.defaultTcToExpMap( tc );
+      globals_.tcToUcTxQueue[ tc ] = hw.defaultTcToTxQueueMap( tc );
+      globals_.tcToMcTxQueue[ tc ] = hw.defaultTcToMcTxQueueMap( tc );
+   }
+   ports_.clear();
+   queues_.clear();
+   dscpRewriteMaps_.clear();
+   cosToTcProfiles_.clear();
+   ecnProfiles_.clear();
+   wredProfiles_.clear();
+   dropThresholdProfiles_.clear();
+   ecnCounters_.clear();
+}
+
+void SimQosBasicHelper::handleQosVerify() {
+   record( "handleQosVerify" );
+}
+
+void SimQosBasicHelper::handleServicePolicyDP1Status() {
+   record( "handleServicePolicyDP1Status" );
+}
+
+// ---- Global maps
+
+void SimQosBasicHelper::programCosToTcMap( Qos::Cos cos ) {
+   record( "programCosToTcMap", { { "cos", text( cos ) } } );
+   globals_.cosToTc.at( cos ) = cosToTc( cos );
+   // Profiles follow the global map in the slots their configuration leaves out.
+   for( auto& [ name, table ] : cosToTcProfiles_ )
+      table.at( cos ) = cosToTcSlot( name, cos );
+}
+
+void SimQosBasicHelper::programDscpToTcMap( Qos::Dscp dscp ) {
+   record( "programDscpToTcMap", { { "dscp", text( dscp ) } } );
+   globals_.dscpToTc.at( dscp ) = dscpToTc( dscp );
+}
+
+void SimQosBasicHelper::programDscpToDpMap( Qos::Dscp dscp ) {
+   record( "programDscpToDpMap", { { "dscp", text( dscp ) } } );
+   globals_.dscpToDp.at( dscp ) = dscpToDp( dscp );
+}
+
+void SimQosBasicHelper::programExpToTcMap( Qos::Exp exp ) {
+   record( "programExpToTcMap", { { "exp", text( exp ) } } );
+   globals_.expToTc.at( exp ) = expToTc( exp );
+}
+
+void SimQosBasicHelper::programTcToCosMap( Qos::TrafficClass tc ) {
+   record( "programTcToCosMap", { { "tc", text( tc ) } } );
+   globals_.tcToCos.at( tc ) = tcToCos( tc );
+}
+
+void SimQosBasicHelper::programTcToDscpMap( Qos::TrafficClass tc ) {
+   record( "programTcToDscpMap", { { "tc", text( tc ) } } );
+   globals_.tcToDscp.at( tc ) = tcToDscp( tc );
+   for( auto& [ name, table ] : dscpRewriteMaps_ )
+      table.at( tc ) = dscpRewriteSlot( name, tc );
+}
+
+void SimQosBasicHelper::programTcToExpMap( Qos::TrafficClass tc ) {
+   record( "programTcToExpMap", { { "tc", text( tc ) } } );
+   globals_.tcToExp.at( tc ) = tcToExp( tc );
+}
+
+void SimQosBasicHelper::programCosRewriteEnabled() {
+   record( "programCosRewriteEnabled" );
+   globals_.cosRewriteEnabled = cosRewriteEnabled();
+}
+
+void SimQosBasicHelper::programDscpRewriteEnabled() {
+   record( "programDscpRewriteEnabled" );
+   globals_.dscpRewriteEnabled = dscpRewriteEnabled();
+}
+
+void SimQosBasicHelper::programTcToUcTxQueueMap( Qos::TrafficClass tc ) {
+   record( "programTcToUcTxQueueMap", { { "tc", text( tc ) } } );
+   globals_.tcToUcTxQueue.at( tc ) = tcToUcTxQueue( tc );
+}
+
+void SimQosBasicHelper::programTcToMcTxQueueMap( Qos::TrafficClass tc ) {
+   record( "programTcToMcTxQueueMap", { { "tc", text( tc ) } } );
+   globals_.tcToMcTxQueue.at( tc ) = tcToMcTxQueue( tc );
+}
+
+void SimQosBasicHelper::programGlobalEcn() {
+   record( "programGlobalEcn" );
+   globals_.ecn = qosStatus()->globalEcnStatus();
+}
+
+// ---- Ports
+
+void SimQosBasicHelper::programIntfTrustModeCos( Qos::IntfStatus const& intfStatus ) {
+   record( "programIntfTrustModeCos", { { "intfStatus", intfName( intfStatus.key() ) } } );
+   port( intfStatus.key() ).trustMode = Qos::trustCos_;
+}
+
+void SimQosBasicHelper::programIntfTrustModeDscp( Qos::IntfStatus const& intfStatus ) {
+   record( "programIntfTrustModeDscp", { { "intfStatus", intfName( intfStatus.key() ) } } );
+   port( intfStatus.key() ).trustMode = Qos::trustDscp_;
+}
+
+void SimQosBasicHelper::programIntfTrustModeUntrusted( Qos::IntfStatus const& intfStatus ) {
+   record( "programIntfTrustModeUntrusted", { { "intfStatus", intfName( intfStatus.key() ) } } );
+   port( intfStatus.key() ).trustMode = Qos::untrusted_;
+}
+
+void SimQosBasicHelper::programIntfDefaultCos( Qos::IntfStatus const& intfStatus ) {
+   record( "programIntfDefaultCos", { { "intfStatus", intfName( intfStatus.key() ) } } );
+   port( intfStatus.key() ).defaultCos = defaultCos( &intfStatus );
+}
+
+void SimQosBasicHelper::programIntfDefaultDscp( Qos::IntfStatus const& intfStatus ) {
+   record( "programIntfDefaultDscp", { { "intfStatus", intfName( intfStatus.key() ) } } );
+   port( intfStatus.key() ).defaultDscp = defaultDscp( &intfStatus );
+}
+
+void SimQosBasicHelper::programIntfShapeRate( Qos::IntfStatus const& intfStatus ) {
+   record( "programIntfShapeRate", { { "intfStatus", intfName( intfStatus.key() ) } } );
+   port( intfStatus.key() ).shapeRate = intfStatus.shapeRate();
+}
+
+void SimQosBasicHelper::programIntfDefaults( Qos::IntfStatus const& intfStatus ) {
+   record( "programIntfDefaults", { { "intfStatus", intfName( intfStatus.key() ) } } );
+   port( intfStatus.key() ) = portDefaults();
+   qosSliceHwStatus()->intfToCosToTcProfileDel( intfStatus.key() );
+}
+
+// ---- Queues
+
+void SimQosBasicHelper::programIntfTxQueuePriority( Qos::IntfStatus const& intfStatus,
+                                                    Qos::TxQueueStatus const& txQueueStatus ) {
+   recordQueue( "programIntfTxQueuePriority", intfStatus, txQueueStatus );
+   queue( intfStatus.key(), txQueueStatus.key() ).priority = txQueueStatus.priority();
+}
+
+void SimQosBasicHelper::programIntfTxQueueShapeRate( Qos::IntfStatus const& intfStatus,
+                                                     Qos::TxQueueStatus const& txQueueStatus ) {
+   recordQueue( "programIntfTxQueueShapeRate", intfStatus, txQueueStatus );
+   BasicQueueSettings& q = queue( intfStatus.key(), txQueueStatus.key() );
+   q.shapeRate = txQueueStatus.shapeRate();
+   // The hardware holds a guarantee only in the shape rate's unit.
+   if( q.guaranteedBw.rate != Qos::GuaranteedBw::invalidRate || q.guaranteedBwUnitMismatch ) {
+      guaranteeIs( intfStatus.key(), txQueueStatus, q, false );
+   }
+}
+
+void SimQosBasicHelper::programIntfTxQueueGuaranteedBw( Qos::IntfStatus const& intfStatus,
+                                                        Qos::TxQueueStatus const& txQueueStatus ) {
+   recordQueue( "programIntfTxQueueGuaranteedBw", intfStatus, txQueueStatus );
+   guaranteeIs( intfStatus.key(), txQueueStatus, queue( intfStatus.key(), txQueueStatus.key() ),
+                true );
+}
+
+void SimQosBasicHelper::guaranteeIs( Mirel::IntfId intf, Qos::TxQueueStatus const& txQueueStatus,
+                                     BasicQueueSettings& q, bool asked ) {
+   Qos::GuaranteedBw const bw = txQueueStatus.guaranteedBw();
+   Qos::ShapeRate const shape = txQueueStatus.shapeRate();
+   bool const none = bw.rate == Qos::GuaranteedBw::invalidRate;
+   // A percent is of the link speed, so it counts as kbps.
+   if( !none && shape.rate != 0 && ppsUnit( shape ) != ppsUnit( bw ) ) {
+      if( asked || q.guaranteedBw.rate != Qos::GuaranteedBw::invalidRate ) {
+         Zub::log( Nev::QOS_SCH_SHP_UNIT_MISMATCH, shapeRateUnitToStr( shape.unit ),
+                   guaranteedBwUnitToStr( bw.unit ),
+                   Zub::String( queueText( txQueueStatus.key() ) ), intf.stringValue(),
+                   "bandwidth guaranteed" );
+      }
+      q.guaranteedBw = Qos::GuaranteedBw();
+      q.guaranteedRate = 0;
+      q.guaranteedBwUnitMismatch = true;
+      return;
+   }
+   q.guaranteedBwUnitMismatch = false;
+   q.guaranteedBw = none ? Qos::GuaranteedBw() : bw;
+   q.guaranteedRate = none ? 0 : guaranteedRateOf( intf, bw );
+}
+
+std::uint64_t SimQosBasicHelper::guaranteedRateOf( Mirel::IntfId intf,
+                                                   Qos::GuaranteedBw const& bw ) const {
+   if( bw.unit != Qos::guaranteedBwUnitPercent_ ) return bw.rate;
+   std::uint64_t speedMbps = 0;
+   if( ethPhyIntfStatusDir_ ) {
+      if( auto const phy = ethPhyIntfStatusDir_->intfStatus( intf ) ) speedMbps = phy->speed();
+   }
+   // Mbps * 1000 / 100 per percent.
+   return speedMbps * 10 * bw.rate;
+}
+
+bool SimQosBasicHelper::ecnProfileIs( Mirel::IntfId intf, Qos::TxQueue const& txQueue,
+                                      BasicQueueSettings const& wanted, Qos::FeatureName feature ) {
+   std::string const user = queueName( intf, txQueue );
+   std::string const settings = ecnSettings( wanted );
+   if( settings.empty() ) {
+      ecnProfiles_.release( user );
+      return true;
+   }
+   if( ecnProfiles_.assign( user, settings ) ) return true;
+   fail( feature, Nev::QOS_ECN_QUEUE_HW_FULL,
+         { Zub::String( queueText( txQueue ) ), intf.stringValue() } );
+   return false;
+}
+
+void SimQosBasicHelper::programIntfTxQueueEcn( Qos::IntfStatus const& intfStatus,
+                                               Qos::TxQueueStatus const& txQueueStatus ) {
+   recordQueue( "programIntfTxQueueEcn", intfStatus, txQueueStatus );
+   BasicQueueSettings& q = queue( intfStatus.key(), txQueueStatus.key() );
+   BasicQueueSettings wanted = q;
+   wanted.ecn = txQueueStatus.ecnStatus();
+   if( ecnProfileIs( intfStatus.key(), txQueueStatus.key(), wanted, Qos::featureEcnStatus_ ) ) {
+      q.ecn = wanted.ecn;
+   }
+}
+
+void SimQosBasicHelper::programIntfTxQueueNonEct( Qos::IntfStatus const& intfStatus,
+                                                  Qos::TxQueueStatus const& txQueueStatus ) {
+   recordQueue( "programIntfTxQueueNonEct", intfStatus, txQueueStatus );
+   BasicQueueSettings& q = queue( intfStatus.key(), txQueueStatus.key() );
+   BasicQueueSettings wanted = q;
+   wanted.nonEct = txQueueStatus.nonEctStatus();
+   if( ecnProfileIs( intfStatus.key(), txQueueStatus.key(), wanted, Qos::featureEcnStatus_ ) ) {
+      q.nonEct = wanted.nonEct;
+   }
+}
+
+void SimQosBasicHelper::programIntfTxQueueEcnDelayThreshold(
+      Qos::IntfStatus const& intfStatus, Qos::TxQueue const& txQueueId, bool delayEcnEnabled,
+      Qos::EcnDelayThreshold ecnDelayThreshold ) {
+   record( "programIntfTxQueueEcnDelayThreshold",
+           { { "intfStatus", intfName( intfStatus.key() ) },
+             { "txQueueId", queueText( txQueueId ) },
+             { "delayEcnEnabled", boolText( delayEcnEnabled ) },
+             { "ecnDelayThreshold", text( ecnDelayThreshold ) } } );
+   BasicQueueSettings& q = queue( intfStatus.key(), txQueueId );
+   BasicQueueSettings wanted = q;
+   wanted.delayEcnEnabled = delayEcnEnabled;
+   wanted.ecnDelayThreshold = ecnDelayThreshold;
+   if( ecnProfileIs( intfStatus.key(), txQueueId, wanted, Qos::featureEcnDelayThreshold_ ) ) {
+      q.delayEcnEnabled = delayEcnEnabled;
+      q.ecnDelayThreshold = ecnDelayThreshold;
+   }
+}
+
+bool SimQosBasicHelper::programIntfTxQueueEcnCount( Mirel::IntfId const& intfId,
+                                                    Qos::TxQueueId txQueueId, bool enable ) {
+   record( "programIntfTxQueueEcnCount", { { "intfId", intfName( intfId ) },
+                                           { "txQueueId", text( txQueueId ) },
+                                           { "enable", boolText( enable ) } } );
+   auto const key = std::make_pair( intfId, std::uint32_t( txQueueId ) );
+   if( !enable ) {
+      ecnCounters_.erase( key );
+      return true;
+   }
+   if( ecnCounters_.contains( key ) ) return true;
+   if( ecnCounters_.size() >= config_.ecnQueueCounters ) {
+      Zub::log( Nev::QOS_ECN_QUEUE_COUNTER_HW_FULL, intfId.stringValue(),
+                std::uint32_t( txQueueId ) );
+      return false;
+   }
+   ecnCounters_.insert( key );
+   return true;
+}
+
+void SimQosBasicHelper::programIntfTxQueueWred( Qos::IntfStatus const& intfStatus,
+                                                Qos::TxQueueStatus const& txQueueStatus ) {
+   recordQueue( "programIntfTxQueueWred", intfStatus, txQueueStatus );
+   BasicQueueSettings& q = queue( intfStatus.key(), txQueueStatus.key() );
+   BasicQueueSettings wanted = q;
+   wanted.wred = txQueueStatus.wredStatus();
+   std::string const user = queueName( intfStatus.key(), txQueueStatus.key() );
+   std::string const settings = wredSettings( wanted );
+   if( settings.empty() ) {
+      wredProfiles_.release( user );
+   } else if( !wredProfiles_.assign( user, settings ) ) {
+      fail( Qos::featureWred_, Nev::QOS_WRED_QUEUE_HW_FULL,
+            { Zub::String( queueText( txQueueStatus.key() ) ), intfStatus.key().stringValue() } );
+      return;
+   }
+   q.wred = wanted.wred;
+}
+
+void SimQosBasicHelper::programIntfTxQueueDropThresholdForDp(
+      Qos::IntfStatus const& intfStatus, Qos::TxQueueStatus const& txQueueStatus,
+      Qos::DropPrecedence dp ) {
+   record( "programIntfTxQueueDropThresholdForDp",
+           { { "intfStatus", intfName( intfStatus.key() ) },
+             { "txQueueStatus", queueText( txQueueStatus.key() ) },
+             { "dp", text( dp ) } } );
+   BasicQueueSettings& q = queue( intfStatus.key(), txQueueStatus.key() );
+   BasicQueueSettings wanted = q;
+   if( txQueueStatus.dropThresholdsHas( dp ) ) {
+      wanted.dropThresholds[ dp ] = txQueueStatus.dropThresholds( dp );
+   } else {
+      wanted.dropThresholds.erase( dp );
+   }
+   std::string const user = queueName( intfStatus.key(), txQueueStatus.key() );
+   std::string const settings = dropThresholdSettings( wanted );
+   if( settings.empty() ) {
+      dropThresholdProfiles_.release( user );
+   } else if( !dropThresholdProfiles_.assign( user, settings ) ) {
+      fail( Qos::featureDropThresholds_, Nev::QOS_DP_THRESHOLDS_HW_FULL,
+            { Zub::String( queueText( txQueueStatus.key() ) ), intfStatus.key().stringValue() } );
+      return;
+   }
+   q.dropThresholds = wanted.dropThresholds;
+}
+
+void SimQosBasicHelper::programIntfTxQueueDropThresholdDefaults(
+      Qos::IntfStatus const& intfStatus, Qos::TxQueueStatus const& txQueueStatus ) {
+   recordQueue( "programIntfTxQueueDropThresholdDefaults", intfStatus, txQueueStatus );
+   auto const q = queues_.find( BasicQueueKey{ intfStatus.key(), txQueueStatus.key() } );
+   if( q != queues_.end() ) q->second.dropThresholds.clear();
+   dropThresholdProfiles_.release( queueName( intfStatus.key(), txQueueStatus.key() ) );
+}
+
+void SimQosBasicHelper::programIntfTxQueueDefaults( Qos::IntfStatus const& intfStatus,
+                                                    Qos::TxQueueStatus const& txQueueStatus ) {
+   recordQueue( "programIntfTxQueueDefaults", intfStatus, txQueueStatus );
+   std::string const user = queueName( intfStatus.key(), txQueueStatus.key() );
+   ecnProfiles_.release( user );
+   wredProfiles_.release( user );
+   dropThresholdProfiles_.release( user );
+   queues_.erase( BasicQueueKey{ intfStatus.key(), txQueueStatus.key() } );
+}
+
+// ---- DSCP rewrite maps and COS-to-TC profiles
+
+Qos::Dscp SimQosBasicHelper::dscpRewriteSlot( Zub::Name const& mapName,
+                                              Qos::TrafficClass tc ) const {
+   auto const map = qosStatus()->dscpRewriteMap( mapName );
+   Qos::Dscp const dscp = map ? map->tcToDscpMap( tc ) : Qos::Dscp();
+   return dscp.isValid() ? dscp : tcToDscp( tc );
+}
+
+Qos::TrafficClass SimQosBasicHelper::cosToTcSlot( Zub::Name const& profileName,
+                                                  Qos::Cos cos ) const {
+   auto const profile = qosStatus()->cosToTcProfile( profileName );
+   Qos::TrafficClass const tc = profile ? profile->cosToTcMap( cos ) : Qos::TrafficClass();
+   return tc.isValid() ? tc : cosToTc( cos );
+}
+
+bool SimQosBasicHelper::loadDscpRewriteMap( Zub::Name const& mapName ) {
+   if( !qosStatus()->dscpRewriteMapHas( mapName ) ) return false;
+   DscpRewriteTable& table = dscpRewriteMaps_[ mapName ];
+   for( std::uint8_t tc = 0; tc < Qos::TrafficClass::invalid; ++tc )
+      table[ tc ] = dscpRewriteSlot( mapName, tc );
+   return true;
+}
+
+bool SimQosBasicHelper::loadCosToTcProfile( Zub::Name const& profileName ) {
+   if( !qosStatus()->cosToTcProfileHas( profileName ) ) return false;
+   CosToTcTable& table = cosToTcProfiles_[ profileName ];
+   for( std::uint8_t cos = 0; cos < Qos::Cos::invalid; ++cos )
+      table[ cos ] = cosToTcSlot( profileName, cos );
+   return true;
+}
+
+void SimQosBasicHelper::programDscpMap( Zub::Name const& mapName ) {
+   record( "programDscpMap", { { "mapName", text( mapName ) } } );
+   loadDscpRewriteMap( mapName );
+}
+
+void SimQosBasicHelper::deleteDscpMap( Zub::Name const& mapName ) {
+   record( "deleteDscpMap", { { "mapName", text( mapName ) } } );
+   dscpRewriteMaps_.erase( mapName );
+   // Ports of the map go back to the global one.
+   for( auto& [ intf, p ] : ports_ ) {
+      if( p.dscpRewriteMap == mapName ) p.dscpRewriteMap = Zub::Name();
+   }
+}
+
+void SimQosBasicHelper::programIntfToDscpRewriteMap( Qos::IntfStatus const& intfStatus ) {
+   record( "programIntfToDscpRewriteMap", { { "intfStatus", intfName( intfStatus.key() ) } } );
+   Zub::Name name = intfStatus.dscpRewriteMapName();
+   // A map the chip does not hold yet is written first; one nobody configured binds nothing.
+   if( !name.empty() && !dscpRewriteMaps_.contains( name ) && !loadDscpRewriteMap( name ) ) {
+      name = Zub::Name();
+   }
+   port( intfStatus.key() ).dscpRewriteMap = name;
+}
+
+void SimQosBasicHelper::updateTcToDscpMapping( Zub::Name const& mapName, Qos::TrafficClass tc ) {
+   record( "updateTcToDscpMapping", { { "mapName", text( mapName ) }, { "tc", text( tc ) } } );
+   auto const table = dscpRewriteMaps_.find( mapName );
+   if( table == dscpRewriteMaps_.end() ) {
+      loadDscpRewriteMap( mapName );
+      return;
+   }
+   table->second.at( tc ) = dscpRewriteSlot( mapName, tc );
+}
+
+void SimQosBasicHelper::addCosToTcProfile( Zub::Name const& profileName ) {
+   record( "addCosToTcProfile", { { "profileName", text( profileName ) } } );
+   loadCosToTcProfile( profileName );
+}
+
+void SimQosBasicHelper::removeCosToTcProfile( Zub::Name const& profileName ) {
+   record( "removeCosToTcProfile", { { "profileName", text( profileName ) } } );
+   cosToTcProfiles_.erase( profileName );
+   for( auto& [ intf, p ] : ports_ ) {
+      if( p.cosToTcProfile != profileName ) continue;
+      p.cosToTcProfile = Zub::Name();
+      qosSliceHwStatus()->intfToCosToTcProfileDel( intf );
+   }
+}
+
+void SimQosBasicHelper::handleIntfToCosToTcProfile( Mirel::IntfId const& intfId,
+                                                    bool restoration ) {
+   record( "handleIntfToCosToTcProfile",
+           { { "intfId", intfName( intfId ) }, { "restoration", boolText( restoration ) } } );
+   auto const intfStatus = qosStatus()->intfStatus( intfId );
+   Zub::Name name = intfStatus ? intfStatus->cosToTcProfileName() : Zub::Name();
+   if( !name.empty() && !cosToTcProfiles_.contains( name ) && !loadCosToTcProfile( name ) ) {
+      name = Zub::Name();
+   }
+   if( name.empty() ) {
+      if( auto const p = ports_.find( intfId ); p != ports_.end() ) {
+         p->second.cosToTcProfile = Zub::Name();
+      }
+      qosSliceHwStatus()->intfToCosToTcProfileDel( intfId );
+      return;
+   }
+   port( intfId ).cosToTcProfile = name;
+   qosSliceHwStatus()->intfToCosToTcProfileIs( intfId, name );
+}
+
+void SimQosBasicHelper::updateCosToTcProfileMapping( Zub::Name const& profileName, Qos::Cos cos ) {
+   record( "updateCosToTcProfileMapping",
+           { { "profileName", text( profileName ) }, { "cos", text( cos ) } } );
+   auto const table = cosToTcProfiles_.find( profileName );
+   if( table == cosToTcProfiles_.end() ) {
+      loadCosToTcProfile( profileName );
+      return;
+   }
+   table->second.at( cos ) = cosToTcSlot( profileName, cos );
+}
+
+}  // namespace Sim
