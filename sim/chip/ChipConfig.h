@@ -79,6 +79,35 @@ struct ChipConfig {
    // Counters of ECN-marked packets, one per counting queue.
    std::uint32_t ecnQueueCounters = 64;
 
+   // Basic QoS capabilities the chip publishes in Qos::HwStatus. Traffic classes and queues
+   // number 0 up to 16; the chip's default maps are fixed (COS n and EXP n to traffic class n,
+   // DSCP d to d / 8, traffic class t to COS and EXP t (7 above 7), to DSCP 8 t (56 above 7) and
+   // to queue t).
+   std::uint32_t numTcSupported = 8;
+   std::uint32_t numTxQueueSupported = 8;
+   std::uint32_t numMulticastQueueSupported = 0;
+   bool mcTxQueueMapSupported = false;
+   bool dscpRewriteSupported = true;
+   bool dscpToDpMapSupported = false;
+   bool dscpRewritePerInterfaceSupported = false;
+   bool cosToTcPerInterfaceSupported = false;
+   bool ecnSupported = true;
+   bool ecnQueueCounterSupported = false;
+   bool ecnDelaySupported = false;
+   bool nonEctThdSupported = false;
+   bool wredSupported = true;
+   bool dropPrecedenceThresholdSupported = false;
+   bool guaranteedBwSupported = true;
+   // Shaping and guaranteed bandwidth limits.
+   std::uint32_t minPortShapeRate = 8;
+   std::uint32_t minTxQueueShapeRate = 8;
+   std::uint32_t maxShapeRateKbps = 400000000;
+   std::uint32_t maxShapeRatePps = 100000000;
+   std::uint32_t minGuaranteedBwKbps = 8;
+   std::uint32_t maxGuaranteedBwKbps = 400000000;
+   std::uint32_t minGuaranteedBwPps = 1;
+   std::uint32_t maxGuaranteedBwPps = 100000000;
+
    // Capabilities the chip publishes to the engine.
    bool policyQosSupported = true;
    bool pdpSupported = false;

@@ -28,6 +28,18 @@ constexpr FlagField flagFields[] = {
    { "dscpEcnClassMatchSupported", &ChipConfig::dscpEcnClassMatchSupported },
    { "multipleActionsSupported", &ChipConfig::multipleActionsSupported },
    { "errorOnPolicerExhaustion", &ChipConfig::errorOnPolicerExhaustion },
+   { "mcTxQueueMapSupported", &ChipConfig::mcTxQueueMapSupported },
+   { "dscpRewriteSupported", &ChipConfig::dscpRewriteSupported },
+   { "dscpToDpMapSupported", &ChipConfig::dscpToDpMapSupported },
+   { "dscpRewritePerInterfaceSupported", &ChipConfig::dscpRewritePerInterfaceSupported },
+   { "cosToTcPerInterfaceSupported", &ChipConfig::cosToTcPerInterfaceSupported },
+   { "ecnSupported", &ChipConfig::ecnSupported },
+   { "ecnQueueCounterSupported", &ChipConfig::ecnQueueCounterSupported },
+   { "ecnDelaySupported", &ChipConfig::ecnDelaySupported },
+   { "nonEctThdSupported", &ChipConfig::nonEctThdSupported },
+   { "wredSupported", &ChipConfig::wredSupported },
+   { "dropPrecedenceThresholdSupported", &ChipConfig::dropPrecedenceThresholdSupported },
+   { "guaranteedBwSupported", &ChipConfig::guaranteedBwSupported },
    { "macAclRuleSupportedPlatform", &ChipConfig::macAclRuleSupportedPlatform },
    { "qosEcnSupport", &ChipConfig::qosEcnSupport },
    { "establishedSupported", &ChipConfig::establishedSupported },
@@ -46,6 +58,18 @@ constexpr CountField countFields[] = {
    { "counters", &ChipConfig::counters, 0 },
    { "cpuQueues", &ChipConfig::cpuQueues, 0 },
    { "maxClassesPerPolicyMap", &ChipConfig::maxClassesPerPolicyMap, 1 },
+   { "ecnProfiles", &ChipConfig::ecnProfiles, 0 },
+   { "wredProfiles", &ChipConfig::wredProfiles, 0 },
+   { "dropThresholdProfiles", &ChipConfig::dropThresholdProfiles, 0 },
+   { "ecnQueueCounters", &ChipConfig::ecnQueueCounters, 0 },
+   { "minPortShapeRate", &ChipConfig::minPortShapeRate, 0 },
+   { "minTxQueueShapeRate", &ChipConfig::minTxQueueShapeRate, 0 },
+   { "maxShapeRateKbps", &ChipConfig::maxShapeRateKbps, 0 },
+   { "maxShapeRatePps", &ChipConfig::maxShapeRatePps, 0 },
+   { "minGuaranteedBwKbps", &ChipConfig::minGuaranteedBwKbps, 0 },
+   { "maxGuaranteedBwKbps", &ChipConfig::maxGuaranteedBwKbps, 0 },
+   { "minGuaranteedBwPps", &ChipConfig::minGuaranteedBwPps, 0 },
+   { "maxGuaranteedBwPps", &ChipConfig::maxGuaranteedBwPps, 0 },
    { "policeByteModeMinRateKbps", &ChipConfig::policeByteModeMinRateKbps, 0 },
    { "policeByteModeMaxRateKbps", &ChipConfig::policeByteModeMaxRateKbps, 1 },
    { "policeByteModeMinBurstBytes", &ChipConfig::policeByteModeMinBurstBytes, 0 },
@@ -171,6 +195,13 @@ void ChipReader::chip( YAML::Node const& node, ChipConfig& chip,
          yaml_.fail( node, "chip: " + std::string( limit.least ) + " is above " +
                                  std::string( limit.most ) );
       }
+   }
+   for( auto const& [ key, member ] :
+        { std::pair{ "numTcSupported", &ChipConfig::numTcSupported },
+          std::pair{ "numTxQueueSupported", &ChipConfig::numTxQueueSupported },
+          std::pair{ "numMulticastQueueSupported", &ChipConfig::numMulticastQueueSupported } } ) {
+      if( auto const v = node[ key ] )
+         chip.*member = std::uint32_t( yaml_.integer( v, key, 0, 16 ) );
    }
    if( auto const f = node[ "supportedTcpFlags" ] ) {
       chip.supportedTcpFlags = std::uint16_t( yaml_.integer( f, "supportedTcpFlags", 0, 0x1ff ) );

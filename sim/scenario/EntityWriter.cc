@@ -170,6 +170,48 @@ void capabilitiesIs( Qos::AclHwStatus& aclHw, Qos::HwStatus& hw, ChipConfig cons
    aclHw.dscpEcnClassMatchSupportedIs( chip.dscpEcnClassMatchSupported );
    aclHw.perClassPolicerSupportedIs( chip.perClassPolicerSupported );
    hw.pdpSupportedIs( chip.pdpSupported );
+   basicCapabilitiesIs( hw, chip );
+}
+
+void basicCapabilitiesIs( Qos::HwStatus& hw, ChipConfig const& chip ) {
+   hw.numTcSupportedIs( chip.numTcSupported );
+   hw.numTxQueueSupportedIs( chip.numTxQueueSupported );
+   hw.numMulticastQueueSupportedIs( chip.numMulticastQueueSupported );
+   hw.mcTxQueueMapSupportedIs( chip.mcTxQueueMapSupported );
+   hw.dscpRewriteSupportedIs( chip.dscpRewriteSupported );
+   hw.dscpToDpMapSupportedIs( chip.dscpToDpMapSupported );
+   hw.dscpRewritePerInterfaceSupportedIs( chip.dscpRewritePerInterfaceSupported );
+   hw.cosToTcPerInterfaceSupportedIs( chip.cosToTcPerInterfaceSupported );
+   hw.ecnSupportedIs( chip.ecnSupported );
+   hw.ecnQueueCounterSupportedIs( chip.ecnQueueCounterSupported );
+   hw.ecnDelaySupportedIs( chip.ecnDelaySupported );
+   hw.nonEctThdSupportedIs( chip.nonEctThdSupported );
+   hw.wredSupportedIs( chip.wredSupported );
+   hw.dropPrecedenceThresholdSupportedIs( chip.dropPrecedenceThresholdSupported );
+   hw.guaranteedBwSupportedIs( chip.guaranteedBwSupported );
+   hw.minPortShapeRateIs( chip.minPortShapeRate );
+   hw.minTxQueueShapeRateIs( chip.minTxQueueShapeRate );
+   hw.maxShapeRateKbpsIs( chip.maxShapeRateKbps );
+   hw.maxShapeRatePpsIs( chip.maxShapeRatePps );
+   hw.minGuaranteedBwKbpsIs( chip.minGuaranteedBwKbps );
+   hw.maxGuaranteedBwKbpsIs( chip.maxGuaranteedBwKbps );
+   hw.minGuaranteedBwPpsIs( chip.minGuaranteedBwPps );
+   hw.maxGuaranteedBwPpsIs( chip.maxGuaranteedBwPps );
+   // The chip's fixed defaults.
+   for( unsigned n = 0; n < 8; ++n ) {
+      hw.defaultCosToTcMapIs( Qos::Cos( n ), Qos::TrafficClass( n ) );
+      hw.defaultExpToTcMapIs( Qos::Exp( n ), Qos::TrafficClass( n ) );
+   }
+   for( unsigned d = 0; d < 64; ++d )
+      hw.defaultDscpToTcMapIs( Qos::Dscp( d ), Qos::TrafficClass( d / 8 ) );
+   for( unsigned t = 0; t < 16; ++t ) {
+      unsigned const low = t < 8 ? t : 7;
+      hw.defaultTcToCosMapIs( Qos::TrafficClass( t ), Qos::Cos( low ) );
+      hw.defaultTcToExpMapIs( Qos::TrafficClass( t ), Qos::Exp( low ) );
+      hw.defaultTcToDscpMapIs( Qos::TrafficClass( t ), Qos::Dscp( 8 * low ) );
+      hw.defaultTcToTxQueueMapIs( Qos::TrafficClass( t ), Qos::TxQueueId( t ) );
+      hw.defaultTcToMcTxQueueMapIs( Qos::TrafficClass( t ), Qos::TxQueueId( t ) );
+   }
 }
 
 void aclIs( Acl::Config& config, AclDef const& def ) {

@@ -18,6 +18,8 @@ namespace Sim {
 // engine asks the helper instead (multiple actions, policer exhaustion, MAC rules, ECN,
 // "established", TCP flags) are the chip's own business.
 void capabilitiesIs( Qos::AclHwStatus& aclHw, Qos::HwStatus& hw, ChipConfig const& chip );
+// The basic QoS capabilities, limits and default maps (part of the above).
+void basicCapabilitiesIs( Qos::HwStatus& hw, ChipConfig const& chip );
 
 // A new version of the list's rules: sequence numbers as configured, ids 1, 2, 3, ... in
 // sequence order.
