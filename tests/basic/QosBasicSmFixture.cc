@@ -70,20 +70,6 @@ std::vector< std::string > QosBasicSmFixture::takeCalls() {
    return calls;
 }
 
-std::vector< std::string > QosBasicSmFixture::runs( std::vector< std::string > const& calls ) {
-   auto opOf = []( std::string const& line ) { return line.substr( 0, line.find( ' ' ) ); };
-   std::vector< std::string > out;
-   for( std::size_t i = 0; i < calls.size(); ) {
-      std::size_t end = i + 1;
-      while( end < calls.size() && opOf( calls[ end ] ) == opOf( calls[ i ] ) )
-         ++end;
-      out.push_back( end - i == 1 ? calls[ i ]
-                                  : opOf( calls[ i ] ) + " x" + std::to_string( end - i ) );
-      i = end;
-   }
-   return out;
-}
-
 std::vector< std::string > QosBasicSmFixture::takeLogs() {
    return std::exchange( logs_, {} );
 }

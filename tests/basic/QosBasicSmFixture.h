@@ -42,9 +42,6 @@ class QosBasicSmFixture : public ::testing::Test {
    bool sliceFailed() const { return sliceHwStatus->status() == Qos::hwProgrammingFailed_; }
    // The recorded calls since the last call of this, in order.
    std::vector< std::string > takeCalls();
-   // The calls with each run of one operation shortened to "<op> x<count>": a start-up walk of
-   // 64 DSCPs reads as one line.
-   static std::vector< std::string > runs( std::vector< std::string > const& calls );
    // The log lines written since the last call; the test has seen them.
    std::vector< std::string > takeLogs();
 
