@@ -1,8 +1,10 @@
 // Everything a chip-specific agent needs from the library, in one include.
 #pragma once
 
+#include "NevQos/basic/QosBasicSm.h"
 #include "NevQos/classes/QosClassData.h"
 #include "NevQos/helpers/QosAclHelper.h"
+#include "NevQos/helpers/QosBasicHelper.h"
 #include "NevQos/log/QosLogHandles.h"
 #include "NevQos/log/TraceHandles.h"
 #include "NevQos/policy/QosAclSm.h"

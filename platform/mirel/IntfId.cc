@@ -18,10 +18,9 @@ struct KindName {
 
 // "Vlan" and "Vxlan" share no prefix with each other, so the first match is the only one.
 constexpr KindName kindNames[] = {
-   { IntfId::kindEthernet, "Ethernet" },
-   { IntfId::kindPortChannel, "Port-Channel" },
-   { IntfId::kindVlan, "Vlan" },
-   { IntfId::kindVxlan, "Vxlan" },
+   { IntfId::kindEthernet, "Ethernet" }, { IntfId::kindPortChannel, "Port-Channel" },
+   { IntfId::kindVlan, "Vlan" },         { IntfId::kindVxlan, "Vxlan" },
+   { IntfId::kindFabric, "Fabric" },
 };
 
 struct Parts {
@@ -126,6 +125,10 @@ IntfId IntfId::vlan( std::uint32_t vlanId ) {
 
 IntfId IntfId::vxlan( std::uint32_t number ) {
    return build( { kindVxlan, number, 0, 0, 0 } );
+}
+
+IntfId fabricIntfId() {
+   return build( { IntfId::kindFabric, 1, 0, 0, 0 } );
 }
 
 IntfId IntfId::subIntf( IntfId parent, std::uint32_t number ) {

@@ -1,5 +1,6 @@
 // Interface identifiers: a 64-bit value with a text form such as "Ethernet3/1", "Ethernet1.100",
-// "Port-Channel10", "Vlan100" or "Vxlan1". The empty id (all zero, text "") names no interface.
+// "Port-Channel10", "Vlan100", "Vxlan1" or "Fabric1". The empty id (all zero, text "") names no
+// interface.
 #pragma once
 
 #include <compare>
@@ -28,6 +29,8 @@ class IntfId {
       kindPortChannel = 2,
       kindVlan = 3,
       kindVxlan = 4,
+      // The internal link of a fabric slice to the line cards; not a front-panel port.
+      kindFabric = 5,
    };
    static constexpr std::uint32_t maxNumber = 0xffff;
    static constexpr std::uint32_t maxSubNumber = 0xff;
@@ -61,6 +64,7 @@ class IntfId {
    constexpr bool isVlan() const noexcept { return kind() == kindVlan; }
    // A VXLAN tunnel interface.
    constexpr bool isVxlan() const noexcept { return kind() == kindVxlan; }
+   constexpr bool isFabric() const noexcept { return kind() == kindFabric; }
    constexpr bool isSubIntf() const noexcept { return subIntfNumber() != 0; }
 
    // The port, channel, VLAN or VXLAN number.
@@ -86,6 +90,14 @@ class IntfId {
    constexpr IntfId( std::uint64_t v, int ) noexcept : value_( v ) {}
    std::uint64_t value_ = 0;
 };
+
+// The one interface a fabric slice programs QoS on, "Fabric1".
+IntfId fabricIntfId();
+
+// True for a fabric interface: it has no front-panel status, so no link speed of its own.
+constexpr bool isFabricInterface( IntfId id ) noexcept {
+   return id.isFabric();
+}
 
 // True for a VLAN (SVI) interface.
 constexpr bool isVlanIntfId( IntfId id ) noexcept {

@@ -18,4 +18,10 @@ void throwNameInUseException( String const& param, String const& newValue,
          oldValue + " not allowed" );
 }
 
+void throwNullParameterException( String const& param, String const& attribute ) {
+   // The closing quote belongs to the text as the platform has always written it.
+   throw NullParameterException( String( "null _" ) + param + " parameter to mutator for " +
+                                 attribute + " not allowed\"" );
+}
+
 }  // namespace Zub

@@ -25,6 +25,12 @@ class NameInUseException : public Exception {
    using Exception::Exception;
 };
 
+// A null member handed to the mutator of a watched collection.
+class NullParameterException : public Exception {
+ public:
+   using Exception::Exception;
+};
+
 // Text that does not have the form a parser expects.
 class ParseException : public Exception {
  public:
@@ -36,5 +42,8 @@ class ParseException : public Exception {
 // `param` is the attribute's name without its leading underscore; the values are their texts.
 [[noreturn]] void throwNameInUseException( String const& param, String const& newValue,
                                            String const& oldValue );
+// `param` is the parameter's name without its leading underscore, `attribute` the full name of
+// the collection, such as "Nev::QosBasicSm::status".
+[[noreturn]] void throwNullParameterException( String const& param, String const& attribute );
 
 }  // namespace Zub

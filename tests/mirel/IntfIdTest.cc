@@ -71,6 +71,18 @@ TEST( IntfIdTest, BuildersMatchTheTextForm ) {
    EXPECT_THROW( IntfId::ethernet( 1, 0, 2 ), Zub::RangeException );
 }
 
+// A fabric slice's link to the line cards is an interface of its own kind, not a front-panel
+// port.
+TEST( IntfIdTest, TheFabricInterface ) {
+   IntfId const fabric = Mirel::fabricIntfId();
+   EXPECT_EQ( fabric, IntfId( "Fabric1" ) );
+   EXPECT_EQ( fabric.stringValue(), "Fabric1" );
+   EXPECT_TRUE( Mirel::isFabricInterface( fabric ) );
+   EXPECT_FALSE( fabric.isEthernet() );
+   EXPECT_FALSE( Mirel::isFabricInterface( IntfId( "Ethernet1" ) ) );
+   EXPECT_THROW( IntfId{ "Fabric1.2" }, Zub::ParseException );
+}
+
 TEST( IntfIdTest, OrdersByKindThenNumerically ) {
    EXPECT_LT( IntfId( "Ethernet2" ), IntfId( "Ethernet10" ) );
    EXPECT_LT( IntfId( "Ethernet1" ), IntfId( "Ethernet1.5" ) );
