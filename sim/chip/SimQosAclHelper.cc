@@ -196,8 +196,8 @@ ChipCall& SimQosAclHelper::record( char const* op, Nev::QosClassData const* clas
    call.op = op;
    if( classData ) call.args.emplace_back( "classData", classKeyOf( *classData ) );
    if( aclKey ) call.args.emplace_back( "aclKey", aclKeyText( *aclKey ) );
-   calls_.push_back( std::move( call ) );
-   return calls_.back();
+   callLog_->push_back( std::move( call ) );
+   return callLog_->back();
 }
 
 void SimQosAclHelper::faultIs( std::size_t index, bool on ) {

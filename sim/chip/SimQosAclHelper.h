@@ -25,6 +25,8 @@ struct ChipCall {
    Zub::Seconds t = 0.0;
    std::string op;
    std::vector< std::pair< std::string, std::string > > args;
+   // Which helper took the call: "acl" or "basic".
+   std::string helper = "acl";
 };
 
 // Packets that reach one class of a policy map on one interface.
@@ -45,7 +47,10 @@ class SimQosAclHelper : public NevHelper::QosAclHelper {
 
    ChipConfig const& config() const { return config_; }
    Tcam const& tcam() const { return tcam_; }
-   std::vector< ChipCall > const& calls() const { return calls_; }
+   std::vector< ChipCall > const& calls() const { return *callLog_; }
+   // Records the calls into `log` from now on, so that chips sharing one log keep the order of
+   // their calls between them; null records into the chip's own.
+   void callLogIs( std::vector< ChipCall >* log ) { callLog_ = log ? log : &calls_; }
    std::uint32_t policersUsed() const { return static_cast< std::uint32_t >( policers_.size() ); }
    std::uint32_t countersUsed() const { return static_cast< std::uint32_t >( counters_.size() ); }
    std::uint32_t cpuQueuesUsed() const { return static_cast< std::uint32_t >( cpuQueues_.size() ); }
@@ -188,6 +193,7 @@ class SimQosAclHelper : public NevHelper::QosAclHelper {
    Zub::Ptr< Kesh::TimerWheel > clock_;
    Zub::Ptr< Completer > completer_;
    std::vector< ChipCall > calls_;
+   std::vector< ChipCall >* callLog_ = &calls_;
    std::map< std::string, std::uint32_t > opCalls_;
    std::uint32_t asyncOperations_ = 0;
    // The first failure since the asynchronous operation began, and the map it failed.

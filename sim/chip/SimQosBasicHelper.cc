@@ -84,7 +84,7 @@ std::string SimQosBasicHelper::queueName( Mirel::IntfId intf, Qos::TxQueue const
 }
 
 void SimQosBasicHelper::record( char const* op, Args args ) {
-   calls_.push_back( ChipCall{ clock_ ? clock_->now() : 0.0, op, std::move( args ) } );
+   callLog_->push_back( ChipCall{ clock_ ? clock_->now() : 0.0, op, std::move( args ), "basic" } );
 }
 
 void SimQosBasicHelper::recordQueue( char const* op, Qos::IntfStatus const& intfStatus,

@@ -97,7 +97,10 @@ class SimQosBasicHelper : public NevHelper::QosBasicHelper {
    // ---- The chip's state, for a report
 
    ChipConfig const& config() const { return config_; }
-   std::vector< ChipCall > const& calls() const { return calls_; }
+   std::vector< ChipCall > const& calls() const { return *callLog_; }
+   // Records the calls into `log` from now on, so that chips sharing one log keep the order of
+   // their calls between them; null records into the chip's own.
+   void callLogIs( std::vector< ChipCall >* log ) { callLog_ = log ? log : &calls_; }
    BasicGlobalTables const& globals() const { return globals_; }
    // Ports the engine has programmed, with what they hold now.
    std::map< Mirel::IntfId, BasicPortSettings > const& ports() const { return ports_; }
@@ -209,6 +212,7 @@ class SimQosBasicHelper : public NevHelper::QosBasicHelper {
    Zub::Ptr< Interface::AllEthPhyIntfStatusDir const > ethPhyIntfStatusDir_;
    Zub::Ptr< Kesh::TimerWheel > clock_;
    std::vector< ChipCall > calls_;
+   std::vector< ChipCall >* callLog_ = &calls_;
    BasicGlobalTables globals_;
    std::map< Mirel::IntfId, BasicPortSettings > ports_;
    std::map< BasicQueueKey, BasicQueueSettings > queues_;

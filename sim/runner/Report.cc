@@ -1,5 +1,7 @@
 #include "sim/runner/Report.h"
 
+#include "sim/runner/BasicReport.h"
+
 #include <cstdio>
 #include <map>
 #include <ostream>
@@ -26,13 +28,16 @@ std::string name( Zub::Name const& n ) {
 
 // ---- The JSON document
 
-Json callsOf( SimQosAclHelper const& chip ) {
+Json callsOf( std::vector< ChipCall > const& calls ) {
    Json out = Json::array();
-   for( ChipCall const& call : chip.calls() ) {
+   for( ChipCall const& call : calls ) {
       Json args = Json::object();
       for( auto const& [ name, value ] : call.args )
          args[ name ] = value;
-      out.push_back( Json{ { "t", call.t }, { "op", call.op }, { "args", std::move( args ) } } );
+      out.push_back( Json{ { "t", call.t },
+                           { "helper", call.helper },
+                           { "op", call.op },
+                           { "args", std::move( args ) } } );
    }
    return out;
 }
@@ -141,6 +146,7 @@ Json statusOf( SimSwitch const& sw ) {
              { "namedPolicers", namedPolicersOf( sw.aclHwStatus() ) } };
    for( auto& [ key, p ] : pmaps )
       out[ "policyMaps" ].push_back( std::move( p ) );
+   addFeatures( out, sw.sliceHwStatus() );
    return out;
 }
 
@@ -225,7 +231,9 @@ void printCalls( std::ostream& os, Json const& calls, std::size_t limit ) {
       return;
    }
    for( Json const& c : calls ) {
-      os << seconds( c[ "t" ] ) << "  " << c[ "op" ].get< std::string >();
+      os << seconds( c[ "t" ] ) << "  ";
+      if( c[ "helper" ] != "acl" ) os << c[ "helper" ].get< std::string >() << " ";
+      os << c[ "op" ].get< std::string >();
       for( auto const& [ name, value ] : c[ "args" ].items() )
          os << " " << name << "=" << value.get< std::string >();
       os << "\n";
@@ -340,9 +348,10 @@ Json reportOf( Scenario const& scenario, SimSwitch const& sw ) {
    return Json{ { "scenario",
                   Json{ { "file", scenario.file }, { "description", scenario.description } } },
                 { "time", sw.now() },
-                { "calls", callsOf( sw.chip() ) },
+                { "calls", callsOf( sw.calls() ) },
                 { "logs", logsOf( sw.logs() ) },
                 { "status", statusOf( sw ) },
+                { "basic", basicOf( sw.basicChip() ) },
                 { "tcam", tcamOf( sw.chip() ) },
                 { "resources", resourcesOf( sw.chip() ) } };
 }
@@ -358,6 +367,8 @@ void printTextReport( std::ostream& os, Json const& report, std::size_t limit ) 
    printLogs( os, report[ "logs" ] );
    printStatus( os, report[ "status" ] );
    printTcam( os, report[ "tcam" ], report[ "resources" ], limit );
+   printFeatures( os, report[ "status" ] );
+   printBasic( os, report[ "basic" ] );
 }
 
 }  // namespace Sim

@@ -43,7 +43,8 @@ SimSwitch::SimSwitch( Scenario const& scenario ) {
    } );
    entitiesIs( scenario.chip );
    publisher_ = std::make_unique< ConfigPublisher >(
-         EngineInputs{ qosStatus_, aclConfig_, aclHwStatus_, hwStatus_, counterConfigDir_, ncsd_ },
+         EngineInputs{ qosStatus_, aclConfig_, aclHwStatus_, hwStatus_, counterConfigDir_, ncsd_,
+                       cliCounterConfig_, ethPhyIntfStatusDir_ },
          scenario.file );
    publisher_->chipIs( scenario.chip );
    publisher_->initialIs( scenario.initial );
@@ -53,6 +54,8 @@ SimSwitch::SimSwitch( Scenario const& scenario ) {
 SimSwitch::~SimSwitch() {
    if( engine_ ) engine_->zubDoZombieReactors( true );
    engine_ = nullptr;
+   if( basicEngine_ ) basicEngine_->zubDoZombieReactors( true );
+   basicEngine_ = nullptr;
    Zub::logSinkIs( nullptr );
    Zub::activityManagerIs( nullptr );
 }
@@ -65,9 +68,10 @@ void SimSwitch::entitiesIs( ChipConfig const& chip ) {
    qosStatus_ = Zub::make< Qos::Status >( Zub::Name( "qos" ) );
    hwStatus_ = Zub::make< Qos::HwStatus >( Zub::Name( "hw" ) );
    sliceHwStatusDir_ = Zub::make< Zub::Dir >( Zub::Name( "slice" ) );
-   auto const slice = Zub::make< Qos::SliceHwStatus >( Zub::Name( "FixedSystem" ) );
-   slice->maxClassesPerPolicyMapIs( chip.maxClassesPerPolicyMap );
-   sliceHwStatusDir_->entityPtrIs( Zub::Name( "FixedSystem" ), slice );
+   sliceHwStatus_ = Zub::make< Qos::SliceHwStatus >( Zub::Name( "FixedSystem" ) );
+   sliceHwStatus_->maxClassesPerPolicyMapIs( chip.maxClassesPerPolicyMap );
+   sliceHwStatusDir_->entityPtrIs( Zub::Name( "FixedSystem" ), sliceHwStatus_ );
+   ethPhyIntfStatusDir_ = Zub::make< Interface::AllEthPhyIntfStatusDir >( Zub::Name( "ethPhy" ) );
    aclHwStatus_ = Zub::make< Qos::AclHwStatus >( Zub::Name( "aclHw" ) );
    aclSliceHwStatus_ = Zub::make< Qos::AclSliceHwStatus >( Zub::Name( "aclSlice" ) );
    subIntfStatusDir_ = Zub::make< Interface::SubIntfStatusDir >( Zub::Name( "subIntf" ) );
@@ -76,6 +80,10 @@ void SimSwitch::entitiesIs( ChipConfig const& chip ) {
    aclConfig_ = Zub::make< Acl::Config >( Zub::Name( "acl" ) );
    clock_ = Zub::make< Kesh::TimerWheel >();
    chip_ = Zub::make< SimQosAclHelper >( chip, qosStatus_, aclSliceHwStatus_, aclConfig_, clock_ );
+   chip_->callLogIs( &calls_ );
+   basicChip_ = Zub::make< SimQosBasicHelper >( chip, qosStatus_, hwStatus_, sliceHwStatus_,
+                                                ethPhyIntfStatusDir_, clock_ );
+   basicChip_->callLogIs( &calls_ );
 }
 
 void SimSwitch::engineIs() {
@@ -89,6 +97,8 @@ void SimSwitch::engineIs() {
    chip_->operationLeftPendingHandlerIs( [ engine = engine_.ptr() ] {
       if( engine->asyncState() == Nev::asyncInProgress ) engine->asyncStateIs( Nev::asyncPending );
    } );
+   basicEngine_ = Nev::qosBasicSmFactory( ncsd_, qosStatus_, hwStatus_, sliceHwStatus_, basicChip_,
+                                          ethPhyIntfStatusDir_, cliCounterConfig_, clock_ );
    loop_->runOnce();
 }
 

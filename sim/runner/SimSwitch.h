@@ -1,17 +1,20 @@
-// A switch in miniature for one scenario: every input and status entity the policy engine needs,
-// the reference chip as its helper, the engine, and the publisher that plays the configuration
-// agents, all on one event loop in virtual time. It keeps the system log with the time of each
-// line. One at a time per thread: it installs its loop and log sink while it lives.
+// A switch in miniature for one scenario: every input and status entity the engines need, the
+// reference chip as their helpers, the policy engine and the basic QoS engine, and the publisher
+// that plays the configuration agents, all on one event loop in virtual time. It keeps the system
+// log with the time of each line. One at a time per thread: it installs its loop and log sink while
+// it lives.
 #pragma once
 
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "NevQos/basic/QosBasicSm.h"
 #include "NevQos/policy/QosAclSm.h"
 #include "entities/AclHwStatus.h"
 #include "entities/AclSliceHwStatus.h"
 #include "sim/chip/SimQosAclHelper.h"
+#include "sim/chip/SimQosBasicHelper.h"
 #include "sim/scenario/ConfigPublisher.h"
 #include "sim/scenario/Scenario.h"
 #include "zub/ActivityManager.h"
@@ -44,6 +47,10 @@ class SimSwitch {
    Zub::Seconds now() const { return loop_->now(); }
 
    SimQosAclHelper const& chip() const { return *chip_; }
+   SimQosBasicHelper const& basicChip() const { return *basicChip_; }
+   // Every call of both engines on the chip, in order.
+   std::vector< ChipCall > const& calls() const { return calls_; }
+   Qos::SliceHwStatus const& sliceHwStatus() const { return *sliceHwStatus_; }
    Qos::AclSliceHwStatus const& aclSliceHwStatus() const { return *aclSliceHwStatus_; }
    Qos::AclHwStatus const& aclHwStatus() const { return *aclHwStatus_; }
    ConfigModel const& model() const { return publisher_->model(); }
@@ -54,6 +61,7 @@ class SimSwitch {
    void engineIs();
    void chipChangesIs( std::vector< Change > const& changes );
 
+   std::vector< ChipCall > calls_;
    Zub::Ptr< Zub::ActivityManager > loop_;
    Zub::Ptr< Nev::NevCommonSmData > ncsd_;
    Zub::Ptr< Qos::CounterConfig > cliCounterConfig_;
@@ -61,6 +69,8 @@ class SimSwitch {
    Zub::Ptr< Qos::Status > qosStatus_;
    Zub::Ptr< Qos::HwStatus > hwStatus_;
    Zub::Ptr< Zub::Dir > sliceHwStatusDir_;
+   Zub::Ptr< Qos::SliceHwStatus > sliceHwStatus_;
+   Zub::Ptr< Interface::AllEthPhyIntfStatusDir > ethPhyIntfStatusDir_;
    Zub::Ptr< Qos::AclHwStatus > aclHwStatus_;
    Zub::Ptr< Qos::AclSliceHwStatus > aclSliceHwStatus_;
    Zub::Ptr< Interface::SubIntfStatusDir > subIntfStatusDir_;
@@ -70,6 +80,8 @@ class SimSwitch {
    Zub::Ptr< Kesh::TimerWheel > clock_;
    Zub::Ptr< SimQosAclHelper > chip_;
    Zub::Ptr< Nev::QosAclSm > engine_;
+   Zub::Ptr< SimQosBasicHelper > basicChip_;
+   Zub::Ptr< Nev::QosBasicSm > basicEngine_;
    std::unique_ptr< ConfigPublisher > publisher_;
    std::vector< LogLine > logs_;
 };

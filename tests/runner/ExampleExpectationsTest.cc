@@ -41,7 +41,8 @@ Json expectedPartOf( Json const& report ) {
                 { "tcam", Json{ { "slices", report[ "tcam" ][ "slices" ] },
                                 { "rangeCheckers", report[ "tcam" ][ "rangeCheckers" ] },
                                 { "acls", acls } } },
-                { "resources", report[ "resources" ] } };
+                { "resources", report[ "resources" ] },
+                { "basic", report[ "basic" ] } };
 }
 
 class ExampleExpectationsTest : public ::testing::TestWithParam< char const* > {};
@@ -67,7 +68,8 @@ TEST_P( ExampleExpectationsTest, TheReportIsAsExpected ) {
 
 INSTANTIATE_TEST_SUITE_P( Examples, ExampleExpectationsTest,
                           ::testing::Values( "edge-policy", "tcam-exhaustion", "range-checkers",
-                                             "async-timeout", "counters", "classbench-10k" ) );
+                                             "async-timeout", "counters", "classbench-10k",
+                                             "ecn-profiles" ) );
 
 }  // namespace
 }  // namespace NevQosTest

@@ -4,6 +4,7 @@
 
 #include <cstdio>
 #include <fstream>
+#include <iterator>
 #include <map>
 #include <nlohmann/json.hpp>
 #include <sstream>
@@ -159,6 +160,33 @@ TEST( NevqosSimTest, CountersAreRunningSumsOfTheTraffic ) {
    EXPECT_EQ( policerPackets( classMap( mgmt, "backup" ) ),
               ( std::map< std::string, unsigned >{ { "Ethernet1", 0 }, { "Ethernet2", 5000 } } ) );
    EXPECT_EQ( r[ "status" ][ "pmapCounterUpdateTime" ], 10.0 );
+}
+
+TEST( NevqosSimTest, EcnProfilesRunOutAndTheSliceStaysDownUntilCleared ) {
+   Json const r = reportOf( "ecn-profiles.yaml" );
+   EXPECT_EQ( logsOf( r ), Lines{ "0.001 QOS_ECN_QUEUE_HW_FULL: Hardware resources insufficient "
+                                  "to program tx-queue ECN on queue UC1 for port Ethernet3" } );
+   Json ecn;
+   for( Json const& f : r[ "status" ][ "features" ] ) {
+      if( f[ "name" ] == "featureEcnStatus" ) ecn = f;
+   }
+   EXPECT_EQ( ecn[ "status" ], "hwProgrammingSucceeded" ) << "the third setting fits at 6";
+   EXPECT_EQ( ecn[ "errMessage" ], "ECN profiles exhausted" ) << "kept after the success";
+   EXPECT_EQ( r[ "status" ][ "basicStatus" ], "hwProgrammingSucceeded" ) << "cleared at 7";
+   Json const& pool = r[ "basic" ][ "profiles" ][ "ecn" ];
+   EXPECT_EQ( pool[ "free" ], 0 );
+   EXPECT_EQ( pool[ "profiles" ][ 1 ][ "queues" ],
+              Json::array( { "Ethernet1 UC1", "Ethernet2 UC1" } ) );
+   EXPECT_EQ( r[ "basic" ][ "queues" ][ 0 ][ "guaranteedRate" ], 5000000 )
+         << "20 percent of the 25000 Mbps link, in kbps";
+
+   // Without the clear request the slice stays down.
+   std::ifstream in( example( "ecn-profiles.yaml" ) );
+   std::string text( ( std::istreambuf_iterator< char >( in ) ), {} );
+   text = text.substr( 0, text.find( "  - at: 7" ) );
+   SimRun const uncleared = runSim( { scenarioFile( "uncleared.yaml", text ), "--json" } );
+   ASSERT_EQ( uncleared.exitCode, 0 ) << uncleared.err;
+   EXPECT_EQ( uncleared.report()[ "status" ][ "basicStatus" ], "hwProgrammingFailed" );
 }
 
 // The outcome of a scenario does not depend on the road: same status, same lists on the same
