@@ -1,30 +1,17 @@
 #include "sim/chip/SimQosAclHelper.h"
 
 #include <algorithm>
-#include <sstream>
 
 #include "NevQos/classes/QosClassData.h"
 #include "NevQos/log/QosLogHandles.h"
 #include "mirel/RangeMaskGen.h"
+#include "sim/chip/ChipText.h"
 #include "zub/Assert.h"
 #include "zub/Log.h"
 
 namespace Sim {
 
 namespace {
-
-template< class T >
-std::string text( T const& v ) {
-   std::ostringstream os;
-   os << v;
-   return os.str();
-}
-
-std::string hex( unsigned v ) {
-   std::ostringstream os;
-   os << "0x" << std::hex << v;
-   return os.str();
-}
 
 char const* mapTypeText( Qos::MapType type ) {
    switch( type ) {
@@ -39,19 +26,12 @@ char const* mapTypeText( Qos::MapType type ) {
 }
 
 std::string aclKeyText( Nev::AclKey const& aclKey ) {
-   return text( aclKey.aclName() ) + "(" + text( aclKey.aclType() ) + ")";
-}
-
-std::string intfText( Qos::IntfPairKey const& intf ) {
-   std::string out = intf.intfId().stringValue().stdString();
-   if( intf.lagIntfId() != Mirel::IntfId() )
-      out += "@" + intf.lagIntfId().stringValue().stdString();
-   return out;
+   return textOf( aclKey.aclName() ) + "(" + textOf( aclKey.aclType() ) + ")";
 }
 
 std::string pmapText( Nev::QosPolicyMapKey const& k ) {
-   return text( k.pmapName() ) + "(" + mapTypeText( k.pmapType() ) + "," + text( k.direction() ) +
-          ")";
+   return textOf( k.pmapName() ) + "(" + mapTypeText( k.pmapType() ) + "," +
+          textOf( k.direction() ) + ")";
 }
 
 std::string aclIdOf( Nev::QosClassData const& classData, Nev::AclKey const& aclKey ) {
@@ -67,26 +47,26 @@ std::string sliceOf( Nev::AclKey const& aclKey ) {
 // A port or length field: value/mask, or a range that takes a checker.
 std::string fieldText( std::uint16_t value, std::uint16_t mask, std::uint16_t low,
                        std::uint16_t high ) {
-   if( mask != 0 || ( low == 0 && high == 0xffff ) ) return text( value ) + "/" + hex( mask );
-   return "range " + text( low ) + "-" + text( high );
+   if( mask != 0 || ( low == 0 && high == 0xffff ) ) return textOf( value ) + "/" + hexText( mask );
+   return "range " + textOf( low ) + "-" + textOf( high );
 }
 
 // The protocol and addresses of an IPv4 or IPv6 filter.
 template< class Filter >
 void addL3Fields( TcamEntry& entry, Filter const& filter ) {
-   entry.fields.emplace_back( "proto", text( unsigned( filter.proto ) ) );
-   entry.fields.emplace_back( "src", text( filter.source ) );
-   entry.fields.emplace_back( "dst", text( filter.destination ) );
+   entry.fields.emplace_back( "proto", textOf( unsigned( filter.proto ) ) );
+   entry.fields.emplace_back( "src", textOf( filter.source ) );
+   entry.fields.emplace_back( "dst", textOf( filter.destination ) );
    // Fields a rule may leave out take no key.
-   if( filter.dscpValid ) entry.fields.emplace_back( "dscp", text( unsigned( filter.dscp ) ) );
+   if( filter.dscpValid ) entry.fields.emplace_back( "dscp", textOf( unsigned( filter.dscp ) ) );
    if( filter.vlanMask != 0 ) {
-      entry.fields.emplace_back( "vlan", text( filter.vlan ) + "/" + hex( filter.vlanMask ) );
+      entry.fields.emplace_back( "vlan", textOf( filter.vlan ) + "/" + hexText( filter.vlanMask ) );
    }
    if( filter.icmpTypeValid ) {
-      entry.fields.emplace_back( "icmpType", text( unsigned( filter.icmpType ) ) );
+      entry.fields.emplace_back( "icmpType", textOf( unsigned( filter.icmpType ) ) );
    }
    if( filter.icmpCodeValid ) {
-      entry.fields.emplace_back( "icmpCode", text( unsigned( filter.icmpCode ) ) );
+      entry.fields.emplace_back( "icmpCode", textOf( unsigned( filter.icmpCode ) ) );
    }
 }
 
@@ -96,7 +76,7 @@ std::vector< std::string > blockTexts( std::uint16_t low, std::uint16_t high ) {
    Mirel::RangeMaskGen< std::uint16_t >::run( low, high, blocks );
    std::vector< std::string > out;
    for( auto const& b : blocks )
-      out.push_back( text( b.value ) + "/" + hex( b.mask ) );
+      out.push_back( textOf( b.value ) + "/" + hexText( b.mask ) );
    return out;
 }
 
@@ -131,10 +111,8 @@ class SimQosAclHelper::Completer : public Kesh::TimerWheel::NotifieeConst {
    explicit Completer( SimQosAclHelper* chip ) : chip_( chip ) {}
    void onTime() override {
       Zub::Seconds const now = notifier()->now();
-      auto& pending = chip_->pending_;
-      auto const due = std::find_if( pending.begin(), pending.end(),
-                                     []( PendingOperation const& op ) { return !op.reported; } );
-      if( due == pending.end() ) return;
+      auto const due = nextDue();
+      if( due == chip_->pending_.end() ) return;
       if( due->due > now ) {
          timeMinIs( due->due );
          return;
@@ -143,7 +121,7 @@ class SimQosAclHelper::Completer : public Kesh::TimerWheel::NotifieeConst {
       if( op.hangs ) {
          due->reported = true;  // stays in flight
       } else {
-         pending.erase( due );
+         chip_->pending_.erase( due );
       }
       scheduleNext();
       if( op.hangs ) {
@@ -153,14 +131,17 @@ class SimQosAclHelper::Completer : public Kesh::TimerWheel::NotifieeConst {
       chip_->asyncOperationResultIs( Nev::AsyncOperationResult( Zub::String( op.message ), now ) );
    }
    void scheduleNext() {
-      for( PendingOperation const& op : chip_->pending_ ) {
-         if( op.reported ) continue;
-         timeMinIs( op.due );
-         return;
-      }
+      if( auto const due = nextDue(); due != chip_->pending_.end() ) timeMinIs( due->due );
    }
 
  private:
+   // The first operation not reported yet.
+   std::vector< PendingOperation >::iterator nextDue() {
+      auto& pending = chip_->pending_;
+      return std::find_if( pending.begin(), pending.end(),
+                           []( PendingOperation const& op ) { return !op.reported; } );
+   }
+
    SimQosAclHelper* chip_;
 };
 
@@ -186,7 +167,7 @@ SimQosAclHelper::~SimQosAclHelper() = default;
 
 std::string SimQosAclHelper::classKeyOf( Nev::QosClassData const& classData ) {
    Nev::QosClassDataKey const& k = classData.key();
-   return pmapText( k.pmapKey() ) + "/" + text( k.cmapName() ) + "/" + text( k.policerName() );
+   return pmapText( k.pmapKey() ) + "/" + textOf( k.cmapName() ) + "/" + textOf( k.policerName() );
 }
 
 ChipCall& SimQosAclHelper::record( char const* op, Nev::QosClassData const* classData,
@@ -287,7 +268,7 @@ Nev::AclCreateError SimQosAclHelper::precreateAcl( Nev::QosPolicyMapState const&
                                                    Qos::ClassMapMatchOption matchOption,
                                                    Nev::AclKey const& aclKey ) {
    record( "precreateAcl", &classData, &aclKey )
-         .args.emplace_back( "matchOption", text( matchOption ) );
+         .args.emplace_back( "matchOption", textOf( matchOption ) );
    if( auto const fault = faultFor( "precreateAcl" ) ) return answer( *fault, classData );
    tcam_.open( aclIdOf( classData, aclKey ), sliceOf( aclKey ) );
    aclPorts_.erase( aclIdOf( classData, aclKey ) );
@@ -304,25 +285,25 @@ Nev::AclCreateError SimQosAclHelper::createIpAclSubrule(
       std::uint16_t ipLenLow, std::uint16_t ipLenHigh, std::uint8_t tcpFlags, bool l4Rule,
       std::uint8_t ecnData, std::uint8_t ecnMask ) {
    ChipCall& call = record( "createIpAclSubrule", &classData, &aclKey );
-   call.args.insert( call.args.end(), { { "aclType", text( aclType ) },
-                                        { "ruleNum", text( ruleNum ) },
-                                        { "subruleNum", text( subruleNum ) },
-                                        { "srcL4Port", text( srcL4Port ) },
-                                        { "srcL4PortMask", hex( srcL4PortMask ) },
-                                        { "dstL4Port", text( dstL4Port ) },
-                                        { "dstL4PortMask", hex( dstL4PortMask ) },
-                                        { "srcPortLow", text( srcPortLow ) },
-                                        { "srcPortHigh", text( srcPortHigh ) },
-                                        { "dstPortLow", text( dstPortLow ) },
-                                        { "dstPortHigh", text( dstPortHigh ) },
-                                        { "ipLen", text( ipLen ) },
-                                        { "ipLenMask", hex( ipLenMask ) },
-                                        { "ipLenLow", text( ipLenLow ) },
-                                        { "ipLenHigh", text( ipLenHigh ) },
-                                        { "tcpFlags", hex( tcpFlags ) },
+   call.args.insert( call.args.end(), { { "aclType", textOf( aclType ) },
+                                        { "ruleNum", textOf( ruleNum ) },
+                                        { "subruleNum", textOf( subruleNum ) },
+                                        { "srcL4Port", textOf( srcL4Port ) },
+                                        { "srcL4PortMask", hexText( srcL4PortMask ) },
+                                        { "dstL4Port", textOf( dstL4Port ) },
+                                        { "dstL4PortMask", hexText( dstL4PortMask ) },
+                                        { "srcPortLow", textOf( srcPortLow ) },
+                                        { "srcPortHigh", textOf( srcPortHigh ) },
+                                        { "dstPortLow", textOf( dstPortLow ) },
+                                        { "dstPortHigh", textOf( dstPortHigh ) },
+                                        { "ipLen", textOf( ipLen ) },
+                                        { "ipLenMask", hexText( ipLenMask ) },
+                                        { "ipLenLow", textOf( ipLenLow ) },
+                                        { "ipLenHigh", textOf( ipLenHigh ) },
+                                        { "tcpFlags", hexText( tcpFlags ) },
                                         { "l4Rule", l4Rule ? "true" : "false" },
-                                        { "ecnData", text( unsigned( ecnData ) ) },
-                                        { "ecnMask", hex( ecnMask ) } } );
+                                        { "ecnData", textOf( unsigned( ecnData ) ) },
+                                        { "ecnMask", hexText( ecnMask ) } } );
    if( auto const fault = faultFor( "createIpAclSubrule" ) ) return answer( *fault, classData );
    std::string const id = aclIdOf( classData, aclKey );
    if( !tcam_.has( id ) ) tcam_.open( id, sliceOf( aclKey ) );
@@ -353,7 +334,7 @@ Nev::AclCreateError SimQosAclHelper::createIpAclSubrule(
       }
    }
    TcamEntry entry{ "ip", ruleNum, subruleNum, {} };
-   entry.fields.emplace_back( "action", text( rule.action ) );
+   entry.fields.emplace_back( "action", textOf( rule.action ) );
    if( aclType == Acl::ipv6() ) {
       addL3Fields( entry, static_cast< Acl::Ip6RuleConfig const& >( rule ).filter );
    } else {
@@ -363,13 +344,13 @@ Nev::AclCreateError SimQosAclHelper::createIpAclSubrule(
       for( std::string const& dst : dstTexts ) {
          for( std::string const& len : lenTexts ) {
             TcamEntry block = entry;
-            block.fields.insert( block.fields.end(),
-                                 { { "srcPort", src },
-                                   { "dstPort", dst },
-                                   { "ipLen", len },
-                                   { "tcpFlags", hex( tcpFlags ) },
-                                   { "ecn", text( unsigned( ecnData ) ) + "/" + hex( ecnMask ) },
-                                   { "l4", l4Rule ? "true" : "false" } } );
+            block.fields.insert( block.fields.end(), { { "srcPort", src },
+                                                       { "dstPort", dst },
+                                                       { "ipLen", len },
+                                                       { "tcpFlags", hexText( tcpFlags ) },
+                                                       { "ecn", textOf( unsigned( ecnData ) ) +
+                                                                      "/" + hexText( ecnMask ) },
+                                                       { "l4", l4Rule ? "true" : "false" } } );
             auto const error = install( id, std::move( block ) );
             if( error != Nev::aclCreateErrorNone ) return answer( error, classData );
          }
@@ -384,10 +365,10 @@ Nev::AclCreateError SimQosAclHelper::createIpFragRule(
       std::uint32_t subRuleNum, std::uint8_t ecnData, std::uint8_t ecnMask ) {
    record( "createIpFragRule", &classData, &aclKey );
    TcamEntry entry{ "ipFrag", ruleNum, subRuleNum, {} };
-   entry.fields.emplace_back( "action", text( rule.action ) );
+   entry.fields.emplace_back( "action", textOf( rule.action ) );
    addL3Fields( entry, rule.filter );
    entry.fields.emplace_back( "fragments", "non-first" );
-   entry.fields.emplace_back( "ecn", text( unsigned( ecnData ) ) + "/" + hex( ecnMask ) );
+   entry.fields.emplace_back( "ecn", textOf( unsigned( ecnData ) ) + "/" + hexText( ecnMask ) );
    return createRule( "createIpFragRule", aclIdOf( classData, aclKey ), sliceOf( aclKey ),
                       classData, std::move( entry ) );
 }
@@ -408,15 +389,16 @@ Nev::AclCreateError SimQosAclHelper::createL2ParamsRule( Nev::QosPolicyMapState 
                                                          Nev::AclKey const& aclKey,
                                                          std::uint32_t ruleNum ) {
    record( "createL2ParamsRule", &classData, &aclKey )
-         .args.emplace_back( "ruleNum", text( ruleNum ) );
+         .args.emplace_back( "ruleNum", textOf( ruleNum ) );
    TcamEntry entry{ "l2", ruleNum, 0, {} };
    if( auto const l2 = classData.l2ParamsValue() ) {
       if( auto const vlan = l2->vlanValue() ) {
-         entry.fields.emplace_back( "vlan", text( vlan->vlan() ) + "/" + hex( vlan->vlanMask() ) );
+         entry.fields.emplace_back( "vlan",
+                                    textOf( vlan->vlan() ) + "/" + hexText( vlan->vlanMask() ) );
       }
       if( auto const cos = l2->cosValue() ) {
-         entry.fields.emplace_back( "cos",
-                                    text( unsigned( cos->cos() ) ) + "/" + hex( cos->cosMask() ) );
+         entry.fields.emplace_back(
+               "cos", textOf( unsigned( cos->cos() ) ) + "/" + hexText( cos->cosMask() ) );
       }
    }
    return createRule( "createL2ParamsRule", aclIdOf( classData, aclKey ), sliceOf( aclKey ),
@@ -429,11 +411,11 @@ Nev::AclCreateError SimQosAclHelper::createMplsTrafficClassRule( Nev::QosPolicyM
                                                                  Nev::AclKey const& aclKey,
                                                                  std::uint32_t ruleNum ) {
    record( "createMplsTrafficClassRule", &classData, &aclKey )
-         .args.emplace_back( "ruleNum", text( ruleNum ) );
+         .args.emplace_back( "ruleNum", textOf( ruleNum ) );
    TcamEntry entry{ "mpls", ruleNum, 0, {} };
    if( auto const tuple = classData.mplsTrafficClassTuple() ) {
-      entry.fields.emplace_back( "trafficClass", text( tuple->mplsTrafficClassVal() ) + "/" +
-                                                       text( tuple->mplsTrafficClassMask() ) );
+      entry.fields.emplace_back( "trafficClass", textOf( tuple->mplsTrafficClassVal() ) + "/" +
+                                                       textOf( tuple->mplsTrafficClassMask() ) );
    }
    return createRule( "createMplsTrafficClassRule", aclIdOf( classData, aclKey ), sliceOf( aclKey ),
                       classData, std::move( entry ) );
@@ -445,11 +427,11 @@ Nev::AclCreateError SimQosAclHelper::createDscpEcnRule( Nev::QosPolicyMapState c
                                                         Nev::AclKey const& aclKey,
                                                         std::uint32_t ruleNum ) {
    record( "createDscpEcnRule", &classData, &aclKey )
-         .args.emplace_back( "ruleNum", text( ruleNum ) );
+         .args.emplace_back( "ruleNum", textOf( ruleNum ) );
    TcamEntry entry{ "dscpEcn", ruleNum, 0, {} };
    if( auto const value = classData.dscpEcnValue() ) {
       entry.fields.emplace_back(
-            "tos", text( unsigned( value->tosId() ) ) + "/" + hex( value->tosMask() ) );
+            "tos", textOf( unsigned( value->tosId() ) ) + "/" + hexText( value->tosMask() ) );
    }
    return createRule( "createDscpEcnRule", aclIdOf( classData, aclKey ), sliceOf( aclKey ),
                       classData, std::move( entry ) );
@@ -469,10 +451,10 @@ Nev::AclCreateError SimQosAclHelper::createMacAclRule( Nev::QosPolicyMapState co
                                                        Nev::AclKey const& aclKey,
                                                        std::uint32_t ruleNum ) {
    record( "createMacAclRule", &classData, &aclKey )
-         .args.emplace_back( "ruleNum", text( ruleNum ) );
+         .args.emplace_back( "ruleNum", textOf( ruleNum ) );
    TcamEntry entry{ "mac", ruleNum, 0, {} };
    if( auto const mac = classData.macValue() ) {
-      entry.fields.emplace_back( "etherType", hex( mac->etherType() ) );
+      entry.fields.emplace_back( "etherType", hexText( mac->etherType() ) );
    }
    return createRule( "createMacAclRule", aclIdOf( classData, aclKey ), sliceOf( aclKey ),
                       classData, std::move( entry ) );
@@ -487,7 +469,7 @@ Nev::AclCreateError SimQosAclHelper::createBuiltInClassMatchRule(
    TcamEntry entry{ "builtIn",
                     ruleNum,
                     0,
-                    { { "class", text( classData.builtInClassMatchValue().builtInClass() ) } } };
+                    { { "class", textOf( classData.builtInClassMatchValue().builtInClass() ) } } };
    return createRule( "createBuiltInClassMatchRule", id, "ipv4", classData, std::move( entry ) );
 }
 
@@ -565,7 +547,7 @@ void SimQosAclHelper::cleanupForPMap( Nev::QosPolicyMapKey const& pmapKey ) {
 
 void SimQosAclHelper::updatePolicer( Zub::Name const& policerName ) {
    record( "updatePolicer", nullptr, nullptr )
-         .args.emplace_back( "policerName", text( policerName ) );
+         .args.emplace_back( "policerName", textOf( policerName ) );
 }
 
 void SimQosAclHelper::bind( std::set< std::string >& ports, Qos::IntfPairKey const& intfPair,
@@ -606,8 +588,8 @@ void SimQosAclHelper::coppDeallocateCpuQ( Nev::QosClassData const& classData ) {
 bool SimQosAclHelper::createAndAttachPolicer( Nev::QosClassData const& classData ) {
    ChipCall& call = record( "createAndAttachPolicer", &classData, nullptr );
    if( auto const p = classData.policerData() ) {
-      call.args.emplace_back( "cir", text( p->cir() ) + text( p->cirUnit() ) );
-      call.args.emplace_back( "bc", text( p->bc() ) + text( p->bcUnit() ) );
+      call.args.emplace_back( "cir", textOf( p->cir() ) + textOf( p->cirUnit() ) );
+      call.args.emplace_back( "bc", textOf( p->bc() ) + textOf( p->bcUnit() ) );
    }
    return takePolicer( classData );
 }
@@ -671,7 +653,7 @@ Nev::QosClassCounterData SimQosAclHelper::counterUpdateRequest( Nev::QosClassDat
 // ---- Control plane and start-up
 
 bool SimQosAclHelper::checkUserCoppEntryExists( Nev::ModIdPortQueueKey const& key ) {
-   record( "checkUserCoppEntryExists", nullptr, nullptr ).args.emplace_back( "key", text( key ) );
+   record( "checkUserCoppEntryExists", nullptr, nullptr ).args.emplace_back( "key", textOf( key ) );
    return false;
 }
 
@@ -696,13 +678,13 @@ Zub::String SimQosAclHelper::cpuQIdToClassMapName( std::uint32_t cpuQId ) {
    for( auto const& [ key, q ] : cpuQueues_ ) {
       if( q == static_cast< int >( cpuQId ) ) return Zub::String( key );
    }
-   return Zub::String( "cpu-queue-" + text( cpuQId ) );
+   return Zub::String( "cpu-queue-" + textOf( cpuQId ) );
 }
 
 Zub::String SimQosAclHelper::portToIntfName( std::uint32_t modId, std::uint32_t port ) {
    // One module of front-panel ports, numbered from 1.
-   return Zub::String( modId == 0 ? "Ethernet" + text( port )
-                                  : "Ethernet" + text( modId ) + "/" + text( port ) );
+   return Zub::String( modId == 0 ? "Ethernet" + textOf( port )
+                                  : "Ethernet" + textOf( modId ) + "/" + textOf( port ) );
 }
 
 }  // namespace Sim

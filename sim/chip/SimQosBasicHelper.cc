@@ -1,32 +1,20 @@
 #include "sim/chip/SimQosBasicHelper.h"
 
-#include <sstream>
-
 #include "NevQos/log/QosLogHandles.h"
+#include "sim/chip/ChipText.h"
 #include "zub/Log.h"
 
 namespace Sim {
 
 namespace {
 
-template< class T >
-std::string text( T const& v ) {
-   std::ostringstream os;
-   os << v;
-   return os.str();
-}
-
 std::string boolText( bool b ) {
    return b ? "true" : "false";
 }
 
-std::string intfName( Mirel::IntfId intf ) {
-   return intf.stringValue().stdString();
-}
-
 // "UC3", "MC0".
 std::string queueText( Qos::TxQueue const& queue ) {
-   return ( queue.type() == Qos::multicastQueue_ ? "MC" : "UC" ) + text( queue.id() );
+   return ( queue.type() == Qos::multicastQueue_ ? "MC" : "UC" ) + textOf( queue.id() );
 }
 
 // What goes into each kind of profile; empty when the queue needs none.
@@ -35,20 +23,20 @@ std::string ecnSettings( BasicQueueSettings const& q ) {
    auto const add = [ &out ]( std::string const& part ) {
       out += ( out.empty() ? "" : "; " ) + part;
    };
-   if( q.ecn.enabled ) add( "ecn " + text( q.ecn ) );
-   if( q.nonEct.enabled ) add( "non-ECT " + text( q.nonEct ) );
-   if( q.delayEcnEnabled ) add( "delay " + text( q.ecnDelayThreshold ) );
+   if( q.ecn.enabled ) add( "ecn " + textOf( q.ecn ) );
+   if( q.nonEct.enabled ) add( "non-ECT " + textOf( q.nonEct ) );
+   if( q.delayEcnEnabled ) add( "delay " + textOf( q.ecnDelayThreshold ) );
    return out;
 }
 
 std::string wredSettings( BasicQueueSettings const& q ) {
-   return q.wred.enabled ? text( q.wred ) : std::string();
+   return q.wred.enabled ? textOf( q.wred ) : std::string();
 }
 
 std::string dropThresholdSettings( BasicQueueSettings const& q ) {
    std::string out;
    for( auto const& [ dp, bytes ] : q.dropThresholds ) {
-      out += ( out.empty() ? "dp" : ", dp" ) + text( dp ) + " " + text( bytes ) + " bytes";
+      out += ( out.empty() ? "dp" : ", dp" ) + textOf( dp ) + " " + textOf( bytes ) + " bytes";
    }
    return out;
 }
@@ -176,7 +164,7 @@ void SimQosBasicHelper::handleServicePolicyDP1Status() {
 // ---- Global maps
 
 void SimQosBasicHelper::programCosToTcMap( Qos::Cos cos ) {
-   record( "programCosToTcMap", { { "cos", text( cos ) } } );
+   record( "programCosToTcMap", { { "cos", textOf( cos ) } } );
    globals_.cosToTc.at( cos ) = cosToTc( cos );
    // Profiles follow the global map in the slots their configuration leaves out.
    for( auto& [ name, table ] : cosToTcProfiles_ )
@@ -184,34 +172,34 @@ void SimQosBasicHelper::programCosToTcMap( Qos::Cos cos ) {
 }
 
 void SimQosBasicHelper::programDscpToTcMap( Qos::Dscp dscp ) {
-   record( "programDscpToTcMap", { { "dscp", text( dscp ) } } );
+   record( "programDscpToTcMap", { { "dscp", textOf( dscp ) } } );
    globals_.dscpToTc.at( dscp ) = dscpToTc( dscp );
 }
 
 void SimQosBasicHelper::programDscpToDpMap( Qos::Dscp dscp ) {
-   record( "programDscpToDpMap", { { "dscp", text( dscp ) } } );
+   record( "programDscpToDpMap", { { "dscp", textOf( dscp ) } } );
    globals_.dscpToDp.at( dscp ) = dscpToDp( dscp );
 }
 
 void SimQosBasicHelper::programExpToTcMap( Qos::Exp exp ) {
-   record( "programExpToTcMap", { { "exp", text( exp ) } } );
+   record( "programExpToTcMap", { { "exp", textOf( exp ) } } );
    globals_.expToTc.at( exp ) = expToTc( exp );
 }
 
 void SimQosBasicHelper::programTcToCosMap( Qos::TrafficClass tc ) {
-   record( "programTcToCosMap", { { "tc", text( tc ) } } );
+   record( "programTcToCosMap", { { "tc", textOf( tc ) } } );
    globals_.tcToCos.at( tc ) = tcToCos( tc );
 }
 
 void SimQosBasicHelper::programTcToDscpMap( Qos::TrafficClass tc ) {
-   record( "programTcToDscpMap", { { "tc", text( tc ) } } );
+   record( "programTcToDscpMap", { { "tc", textOf( tc ) } } );
    globals_.tcToDscp.at( tc ) = tcToDscp( tc );
    for( auto& [ name, table ] : dscpRewriteMaps_ )
       table.at( tc ) = dscpRewriteSlot( name, tc );
 }
 
 void SimQosBasicHelper::programTcToExpMap( Qos::TrafficClass tc ) {
-   record( "programTcToExpMap", { { "tc", text( tc ) } } );
+   record( "programTcToExpMap", { { "tc", textOf( tc ) } } );
    globals_.tcToExp.at( tc ) = tcToExp( tc );
 }
 
@@ -226,12 +214,12 @@ void SimQosBasicHelper::programDscpRewriteEnabled() {
 }
 
 void SimQosBasicHelper::programTcToUcTxQueueMap( Qos::TrafficClass tc ) {
-   record( "programTcToUcTxQueueMap", { { "tc", text( tc ) } } );
+   record( "programTcToUcTxQueueMap", { { "tc", textOf( tc ) } } );
    globals_.tcToUcTxQueue.at( tc ) = tcToUcTxQueue( tc );
 }
 
 void SimQosBasicHelper::programTcToMcTxQueueMap( Qos::TrafficClass tc ) {
-   record( "programTcToMcTxQueueMap", { { "tc", text( tc ) } } );
+   record( "programTcToMcTxQueueMap", { { "tc", textOf( tc ) } } );
    globals_.tcToMcTxQueue.at( tc ) = tcToMcTxQueue( tc );
 }
 
@@ -381,7 +369,7 @@ void SimQosBasicHelper::programIntfTxQueueEcnDelayThreshold(
            { { "intfStatus", intfName( intfStatus.key() ) },
              { "txQueueId", queueText( txQueueId ) },
              { "delayEcnEnabled", boolText( delayEcnEnabled ) },
-             { "ecnDelayThreshold", text( ecnDelayThreshold ) } } );
+             { "ecnDelayThreshold", textOf( ecnDelayThreshold ) } } );
    BasicQueueSettings& q = queue( intfStatus.key(), txQueueId );
    BasicQueueSettings wanted = q;
    wanted.delayEcnEnabled = delayEcnEnabled;
@@ -395,7 +383,7 @@ void SimQosBasicHelper::programIntfTxQueueEcnDelayThreshold(
 bool SimQosBasicHelper::programIntfTxQueueEcnCount( Mirel::IntfId const& intfId,
                                                     Qos::TxQueueId txQueueId, bool enable ) {
    record( "programIntfTxQueueEcnCount", { { "intfId", intfName( intfId ) },
-                                           { "txQueueId", text( txQueueId ) },
+                                           { "txQueueId", textOf( txQueueId ) },
                                            { "enable", boolText( enable ) } } );
    auto const key = std::make_pair( intfId, std::uint32_t( txQueueId ) );
    if( !enable ) {
@@ -436,7 +424,7 @@ void SimQosBasicHelper::programIntfTxQueueDropThresholdForDp(
    record( "programIntfTxQueueDropThresholdForDp",
            { { "intfStatus", intfName( intfStatus.key() ) },
              { "txQueueStatus", queueText( txQueueStatus.key() ) },
-             { "dp", text( dp ) } } );
+             { "dp", textOf( dp ) } } );
    BasicQueueSettings& q = queue( intfStatus.key(), txQueueStatus.key() );
    BasicQueueSettings wanted = q;
    if( txQueueStatus.dropThresholdsHas( dp ) ) {
@@ -507,12 +495,12 @@ bool SimQosBasicHelper::loadCosToTcProfile( Zub::Name const& profileName ) {
 }
 
 void SimQosBasicHelper::programDscpMap( Zub::Name const& mapName ) {
-   record( "programDscpMap", { { "mapName", text( mapName ) } } );
+   record( "programDscpMap", { { "mapName", textOf( mapName ) } } );
    loadDscpRewriteMap( mapName );
 }
 
 void SimQosBasicHelper::deleteDscpMap( Zub::Name const& mapName ) {
-   record( "deleteDscpMap", { { "mapName", text( mapName ) } } );
+   record( "deleteDscpMap", { { "mapName", textOf( mapName ) } } );
    dscpRewriteMaps_.erase( mapName );
    // Ports of the map go back to the global one.
    for( auto& [ intf, p ] : ports_ ) {
@@ -531,7 +519,7 @@ void SimQosBasicHelper::programIntfToDscpRewriteMap( Qos::IntfStatus const& intf
 }
 
 void SimQosBasicHelper::updateTcToDscpMapping( Zub::Name const& mapName, Qos::TrafficClass tc ) {
-   record( "updateTcToDscpMapping", { { "mapName", text( mapName ) }, { "tc", text( tc ) } } );
+   record( "updateTcToDscpMapping", { { "mapName", textOf( mapName ) }, { "tc", textOf( tc ) } } );
    auto const table = dscpRewriteMaps_.find( mapName );
    if( table == dscpRewriteMaps_.end() ) {
       loadDscpRewriteMap( mapName );
@@ -541,12 +529,12 @@ void SimQosBasicHelper::updateTcToDscpMapping( Zub::Name const& mapName, Qos::Tr
 }
 
 void SimQosBasicHelper::addCosToTcProfile( Zub::Name const& profileName ) {
-   record( "addCosToTcProfile", { { "profileName", text( profileName ) } } );
+   record( "addCosToTcProfile", { { "profileName", textOf( profileName ) } } );
    loadCosToTcProfile( profileName );
 }
 
 void SimQosBasicHelper::removeCosToTcProfile( Zub::Name const& profileName ) {
-   record( "removeCosToTcProfile", { { "profileName", text( profileName ) } } );
+   record( "removeCosToTcProfile", { { "profileName", textOf( profileName ) } } );
    cosToTcProfiles_.erase( profileName );
    for( auto& [ intf, p ] : ports_ ) {
       if( p.cosToTcProfile != profileName ) continue;
@@ -577,7 +565,7 @@ void SimQosBasicHelper::handleIntfToCosToTcProfile( Mirel::IntfId const& intfId,
 
 void SimQosBasicHelper::updateCosToTcProfileMapping( Zub::Name const& profileName, Qos::Cos cos ) {
    record( "updateCosToTcProfileMapping",
-           { { "profileName", text( profileName ) }, { "cos", text( cos ) } } );
+           { { "profileName", textOf( profileName ) }, { "cos", textOf( cos ) } } );
    auto const table = cosToTcProfiles_.find( profileName );
    if( table == cosToTcProfiles_.end() ) {
       loadCosToTcProfile( profileName );

@@ -1,21 +1,16 @@
 #include "sim/runner/BasicReport.h"
 
 #include <ostream>
-#include <sstream>
 #include <string>
+
+#include "sim/chip/ChipText.h"
+#include "sim/runner/Report.h"
 
 namespace Sim {
 
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-template< class T >
-std::string text( T const& v ) {
-   std::ostringstream os;
-   os << v;
-   return os.str();
-}
 
 // The programmed slots of a table, "from": to.
 template< class Table >
@@ -39,7 +34,7 @@ Json globalsOf( BasicGlobalTables const& g ) {
                 { "tcToMcTxQueue", tableOf( g.tcToMcTxQueue ) },
                 { "cosRewrite", g.cosRewriteEnabled },
                 { "dscpRewrite", g.dscpRewriteEnabled },
-                { "globalEcn", text( g.ecn ) } };
+                { "globalEcn", textOf( g.ecn ) } };
 }
 
 std::string sentinelText( unsigned value, bool valid ) {
@@ -50,11 +45,11 @@ Json portsOf( SimQosBasicHelper const& chip ) {
    Json out = Json::array();
    for( auto const& [ intf, p ] : chip.ports() ) {
       out.push_back(
-            Json{ { "interface", intf.stringValue().stdString() },
-                  { "trustMode", text( p.trustMode ) },
+            Json{ { "interface", intfName( intf ) },
+                  { "trustMode", textOf( p.trustMode ) },
                   { "defaultCos", sentinelText( p.defaultCos, p.defaultCos.isValid() ) },
                   { "defaultDscp", sentinelText( p.defaultDscp, p.defaultDscp.isValid() ) },
-                  { "shapeRate", text( p.shapeRate ) },
+                  { "shapeRate", textOf( p.shapeRate ) },
                   { "dscpRewriteMap", p.dscpRewriteMap.charPtr() },
                   { "cosToTcProfile", p.cosToTcProfile.charPtr() } } );
    }
@@ -69,22 +64,22 @@ Json queuesOf( SimQosBasicHelper const& chip ) {
          thresholds[ std::to_string( dp ) ] = bytes;
       bool const guaranteed = q.guaranteedBw.rate != Qos::GuaranteedBw::invalidRate;
       out.push_back( Json{ { "queue", SimQosBasicHelper::queueName( key.intf, key.queue ) },
-                           { "priority", text( q.priority ) },
-                           { "shapeRate", text( q.shapeRate ) },
-                           { "guaranteedBw", guaranteed ? text( q.guaranteedBw ) : "none" },
+                           { "priority", textOf( q.priority ) },
+                           { "shapeRate", textOf( q.shapeRate ) },
+                           { "guaranteedBw", guaranteed ? textOf( q.guaranteedBw ) : "none" },
                            { "guaranteedRate", q.guaranteedRate },
                            { "unitMismatch", q.guaranteedBwUnitMismatch },
-                           { "ecn", text( q.ecn ) },
-                           { "nonEct", text( q.nonEct ) },
+                           { "ecn", textOf( q.ecn ) },
+                           { "nonEct", textOf( q.nonEct ) },
                            { "delayEcn", q.delayEcnEnabled },
-                           { "ecnDelayThreshold", text( q.ecnDelayThreshold ) },
-                           { "wred", text( q.wred ) },
+                           { "ecnDelayThreshold", textOf( q.ecnDelayThreshold ) },
+                           { "wred", textOf( q.wred ) },
                            { "dropThresholds", thresholds } } );
    }
    return out;
 }
 
-Json poolOf( ProfilePool const& pool ) {
+Json profilesOf( ProfilePool const& pool ) {
    Json profiles = Json::array();
    for( auto const& [ id, p ] : pool.profiles() ) {
       Json users = Json::array();
@@ -92,10 +87,9 @@ Json poolOf( ProfilePool const& pool ) {
          users.push_back( u );
       profiles.push_back( Json{ { "id", id }, { "settings", p.settings }, { "queues", users } } );
    }
-   return Json{ { "size", pool.size() },
-                { "used", pool.used() },
-                { "free", pool.size() - pool.used() },
-                { "profiles", profiles } };
+   Json out = poolOf( pool.size(), pool.used() );
+   out[ "profiles" ] = std::move( profiles );
+   return out;
 }
 
 }  // namespace
@@ -105,32 +99,29 @@ void addFeatures( Json& status, Qos::SliceHwStatus const& slice ) {
    for( auto it = slice.hwProgrammingVersionAndStatus().iter(); it; ++it ) {
       auto const& r = *it.value();
       features.push_back( Json{ { "feature", unsigned( it.key() ) },
-                                { "name", text( it.key() ) },
-                                { "status", text( r.hwProgrammingStatus() ) },
+                                { "name", textOf( it.key() ) },
+                                { "status", textOf( r.hwProgrammingStatus() ) },
                                 { "errMessage", r.errMessage().stdString() },
                                 { "version", r.version() } } );
    }
-   status[ "basicStatus" ] = text( slice.status() );
+   status[ "basicStatus" ] = textOf( slice.status() );
    status[ "features" ] = features;
 }
 
 Json basicOf( SimQosBasicHelper const& chip ) {
    Json counters = Json::array();
    for( auto const& [ intf, queue ] : chip.ecnCounters() )
-      counters.push_back( intf.stringValue().stdString() + " " + std::to_string( queue ) );
-   std::uint32_t const size = chip.config().ecnQueueCounters;
-   auto const used = static_cast< std::uint32_t >( chip.ecnCounters().size() );
+      counters.push_back( intfName( intf ) + " " + std::to_string( queue ) );
+   Json ecnCounters = poolOf( chip.config().ecnQueueCounters, chip.ecnCounters().size() );
+   ecnCounters[ "queues" ] = std::move( counters );
    return Json{ { "globalMaps", globalsOf( chip.globals() ) },
                 { "ports", portsOf( chip ) },
                 { "queues", queuesOf( chip ) },
                 { "profiles",
-                  Json{ { "ecn", poolOf( chip.ecnProfiles() ) },
-                        { "wred", poolOf( chip.wredProfiles() ) },
-                        { "dropThresholds", poolOf( chip.dropThresholdProfiles() ) } } },
-                { "ecnCounters", Json{ { "size", size },
-                                       { "used", used },
-                                       { "free", size - used },
-                                       { "queues", counters } } } };
+                  Json{ { "ecn", profilesOf( chip.ecnProfiles() ) },
+                        { "wred", profilesOf( chip.wredProfiles() ) },
+                        { "dropThresholds", profilesOf( chip.dropThresholdProfiles() ) } } },
+                { "ecnCounters", std::move( ecnCounters ) } };
 }
 
 void printFeatures( std::ostream& os, Json const& status ) {
@@ -174,12 +165,9 @@ void printBasic( std::ostream& os, Json const& basic ) {
          << "\n";
    }
    for( auto const& [ name, pool ] : basic[ "profiles" ].items() ) {
-      os << "  " << name << " profiles: " << pool[ "used" ] << " used, " << pool[ "free" ]
-         << " free of " << pool[ "size" ] << "\n";
+      os << "  " << name << " profiles: " << poolText( pool ) << "\n";
    }
-   Json const& c = basic[ "ecnCounters" ];
-   os << "  ECN counters: " << c[ "used" ] << " used, " << c[ "free" ] << " free of " << c[ "size" ]
-      << "\n";
+   os << "  ECN counters: " << poolText( basic[ "ecnCounters" ] ) << "\n";
 }
 
 }  // namespace Sim

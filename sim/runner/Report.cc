@@ -1,26 +1,19 @@
 #include "sim/runner/Report.h"
 
-#include "sim/runner/BasicReport.h"
-
 #include <cstdio>
 #include <map>
 #include <ostream>
-#include <sstream>
 #include <string>
 #include <utility>
+
+#include "sim/chip/ChipText.h"
+#include "sim/runner/BasicReport.h"
 
 namespace Sim {
 
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-template< class T >
-std::string text( T const& v ) {
-   std::ostringstream os;
-   os << v;
-   return os.str();
-}
 
 std::string name( Zub::Name const& n ) {
    return n.charPtr();
@@ -58,7 +51,7 @@ template< class Collection >
 Json actionsOf( Collection const& actions ) {
    std::map< std::string, bool > sorted;
    for( auto it = actions.iter(); it; ++it )
-      sorted[ text( it.key() ) ] = it.value();
+      sorted[ textOf( it.key() ) ] = it.value();
    Json out = Json::object();
    for( auto const& [ name, on ] : sorted )
       out[ name ] = on;
@@ -98,10 +91,10 @@ Json policyMapOf( Qos::MapType type, Qos::PolicyMapHwStatus const& p ) {
    std::map< std::string, Json > cmaps;
    for( auto it = p.cmap().iter(); it; ++it )
       cmaps[ name( it.key() ) ] = classMapOf( *it.value() );
-   Json out{ { "type", text( type ) },
-             { "direction", text( p.key().direction() ) },
+   Json out{ { "type", textOf( type ) },
+             { "direction", textOf( p.key().direction() ) },
              { "name", name( p.key().name() ) },
-             { "prgmStatus", text( p.prgmStatus() ) },
+             { "prgmStatus", textOf( p.prgmStatus() ) },
              { "errMessage", p.prgmStatusErrMessage().stdString() },
              { "version", p.version() },
              { "classMaps", Json::array() } };
@@ -118,13 +111,13 @@ Json namedPolicersOf( Qos::AclHwStatus const& hw ) {
                                          { "shared", n.shared() },
                                          { "paramChangeVersion", n.paramChangeVersion() },
                                          { "cir", n.cir() },
-                                         { "cirUnit", text( n.cirUnit() ) },
+                                         { "cirUnit", textOf( n.cirUnit() ) },
                                          { "bc", n.bc() },
-                                         { "bcUnit", text( n.bcUnit() ) },
+                                         { "bcUnit", textOf( n.bcUnit() ) },
                                          { "pir", n.pir() },
-                                         { "pirUnit", text( n.pirUnit() ) },
+                                         { "pirUnit", textOf( n.pirUnit() ) },
                                          { "be", n.be() },
-                                         { "beUnit", text( n.beUnit() ) } };
+                                         { "beUnit", textOf( n.beUnit() ) } };
    }
    Json out = Json::array();
    for( auto& [ name, n ] : sorted )
@@ -137,9 +130,9 @@ Json statusOf( SimSwitch const& sw ) {
    std::map< std::string, Json > pmaps;
    for( auto t = slice.pmapType().iter(); t; ++t ) {
       for( auto p = t.value()->pmap().iter(); p; ++p )
-         pmaps[ text( t.key() ) + " " + text( p.key() ) ] = policyMapOf( t.key(), *p.value() );
+         pmaps[ textOf( t.key() ) + " " + textOf( p.key() ) ] = policyMapOf( t.key(), *p.value() );
    }
-   Json out{ { "status", text( slice.status() ) },
+   Json out{ { "status", textOf( slice.status() ) },
              { "configVersionUpdateTime", slice.configVersionUpdateTime() },
              { "pmapCounterUpdateTime", slice.pmapCounterUpdateTime() },
              { "policyMaps", Json::array() },
@@ -164,10 +157,9 @@ Json tcamOf( SimQosAclHelper const& chip ) {
    Tcam const& tcam = chip.tcam();
    Json slices = Json::array();
    for( auto const& [ name, s ] : tcam.slices() ) {
-      slices.push_back( Json{ { "name", name },
-                              { "size", s.size },
-                              { "used", s.used },
-                              { "free", s.size - s.used } } );
+      Json slice{ { "name", name } };
+      slice.update( poolOf( s.size, s.used ) );
+      slices.push_back( std::move( slice ) );
    }
    Json acls = Json::array();
    for( auto const& [ id, acl ] : tcam.acls() ) {
@@ -192,22 +184,15 @@ Json tcamOf( SimQosAclHelper const& chip ) {
                             { "entries", std::move( entries ) } } );
    }
    return Json{ { "slices", std::move( slices ) },
-                { "rangeCheckers",
-                  Json{ { "size", tcam.rangeCheckers() },
-                        { "used", tcam.rangeCheckersUsed() },
-                        { "free", tcam.rangeCheckers() - tcam.rangeCheckersUsed() } } },
+                { "rangeCheckers", poolOf( tcam.rangeCheckers(), tcam.rangeCheckersUsed() ) },
                 { "acls", std::move( acls ) } };
-}
-
-Json pool( std::uint32_t size, std::uint32_t used ) {
-   return Json{ { "size", size }, { "used", used }, { "free", size - used } };
 }
 
 Json resourcesOf( SimQosAclHelper const& chip ) {
    ChipConfig const& c = chip.config();
-   return Json{ { "policers", pool( c.policers, chip.policersUsed() ) },
-                { "counters", pool( c.counters, chip.countersUsed() ) },
-                { "cpuQueues", pool( c.cpuQueues, chip.cpuQueuesUsed() ) },
+   return Json{ { "policers", poolOf( c.policers, chip.policersUsed() ) },
+                { "counters", poolOf( c.counters, chip.countersUsed() ) },
+                { "cpuQueues", poolOf( c.cpuQueues, chip.cpuQueuesUsed() ) },
                 { "pendingOperations", chip.pendingOperations() } };
 }
 
@@ -308,12 +293,9 @@ void printStatus( std::ostream& os, Json const& status ) {
 void printTcam( std::ostream& os, Json const& tcam, Json const& resources, std::size_t limit ) {
    os << "\nTCAM:\n";
    for( Json const& s : tcam[ "slices" ] ) {
-      os << "  slice " << s[ "name" ].get< std::string >() << ": " << s[ "used" ] << " used, "
-         << s[ "free" ] << " free of " << s[ "size" ] << "\n";
+      os << "  slice " << s[ "name" ].get< std::string >() << ": " << poolText( s ) << "\n";
    }
-   Json const& rc = tcam[ "rangeCheckers" ];
-   os << "  range checkers: " << rc[ "used" ] << " used, " << rc[ "free" ] << " free of "
-      << rc[ "size" ] << "\n";
+   os << "  range checkers: " << poolText( tcam[ "rangeCheckers" ] ) << "\n";
    for( Json const& a : tcam[ "acls" ] ) {
       os << "  ACL " << a[ "id" ].get< std::string >() << " (" << a[ "slice" ].get< std::string >()
          << ( a[ "committed" ].get< bool >() ? ", committed" : ", not committed" ) << ") on";
@@ -343,6 +325,15 @@ void printTcam( std::ostream& os, Json const& tcam, Json const& resources, std::
 }
 
 }  // namespace
+
+Json poolOf( std::uint64_t size, std::uint64_t used ) {
+   return Json{ { "size", size }, { "used", used }, { "free", size - used } };
+}
+
+std::string poolText( Json const& pool ) {
+   return pool[ "used" ].dump() + " used, " + pool[ "free" ].dump() + " free of " +
+          pool[ "size" ].dump();
+}
 
 Json reportOf( Scenario const& scenario, SimSwitch const& sw ) {
    return Json{ { "scenario",

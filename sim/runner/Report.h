@@ -4,7 +4,9 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <iosfwd>
+#include <string>
 
 #include <nlohmann/json.hpp>
 
@@ -14,6 +16,10 @@
 namespace Sim {
 
 nlohmann::ordered_json reportOf( Scenario const& scenario, SimSwitch const& sw );
+
+// A finite pool of the chip: { size, used, free }, and its text "U used, F free of S".
+nlohmann::ordered_json poolOf( std::uint64_t size, std::uint64_t used );
+std::string poolText( nlohmann::ordered_json const& pool );
 
 // Lists at most `limit` helper calls (then a count per operation instead) and `limit` entries
 // per ACL; 0 lists everything.

@@ -9,6 +9,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "entities/QosTypes.h"
@@ -27,6 +28,29 @@ struct GlobalMapsDef {
    std::optional< Qos::EcnStatus > globalEcn;
    std::optional< Qos::EcnDelayThreshold > ecnDelayThreshold;
    bool operator==( GlobalMapsDef const& ) const = default;
+};
+
+// The global maps: scenario key, highest number mapped from, highest number mapped to (the
+// sentinel, which gives the slot back to the chip's default).
+struct GlobalMap {
+   std::string_view key;
+   std::map< unsigned, unsigned > GlobalMapsDef::*member;
+   unsigned keyMax;
+   unsigned valueMax;
+   // Values are DSCPs, which may go by name.
+   bool dscpValues = false;
+};
+
+inline constexpr GlobalMap globalMapFields[] = {
+   { "cosToTc", &GlobalMapsDef::cosToTc, 7, 16 },
+   { "dscpToTc", &GlobalMapsDef::dscpToTc, 63, 16 },
+   { "dscpToDp", &GlobalMapsDef::dscpToDp, 63, 4 },
+   { "expToTc", &GlobalMapsDef::expToTc, 7, 16 },
+   { "tcToCos", &GlobalMapsDef::tcToCos, 15, 8 },
+   { "tcToDscp", &GlobalMapsDef::tcToDscp, 15, 64, true },
+   { "tcToExp", &GlobalMapsDef::tcToExp, 15, 8 },
+   { "tcToTxQueue", &GlobalMapsDef::tcToTxQueue, 15, 16 },
+   { "tcToMcTxQueue", &GlobalMapsDef::tcToMcTxQueue, 15, 16 },
 };
 
 // A named DSCP rewrite map: the DSCP written for each traffic class.

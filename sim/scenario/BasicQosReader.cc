@@ -35,32 +35,12 @@ constexpr std::pair< std::string_view, Qos::GuaranteedBwUnit > bandwidthUnits[] 
    { "percent", Qos::guaranteedBwUnitPercent_ },
 };
 
-// The global maps: key, highest number mapped from, highest number mapped to (the sentinel,
-// which gives the slot back to the chip's default).
-struct GlobalMap {
-   std::string_view key;
-   std::map< unsigned, unsigned > GlobalMapsDef::*member;
-   unsigned keyMax;
-   unsigned valueMax;
-};
-
-constexpr GlobalMap globalMapFields[] = {
-   { "cosToTc", &GlobalMapsDef::cosToTc, 7, 16 },
-   { "dscpToTc", &GlobalMapsDef::dscpToTc, 63, 16 },
-   { "dscpToDp", &GlobalMapsDef::dscpToDp, 63, 4 },
-   { "expToTc", &GlobalMapsDef::expToTc, 7, 16 },
-   { "tcToCos", &GlobalMapsDef::tcToCos, 15, 8 },
-   { "tcToDscp", &GlobalMapsDef::tcToDscp, 15, 64 },
-   { "tcToExp", &GlobalMapsDef::tcToExp, 15, 8 },
-   { "tcToTxQueue", &GlobalMapsDef::tcToTxQueue, 15, 16 },
-   { "tcToMcTxQueue", &GlobalMapsDef::tcToMcTxQueue, 15, 16 },
-};
-
 }  // namespace
 
 std::map< unsigned, unsigned > BasicQosReader::numberMap( YAML::Node const& node,
                                                           std::string const& what, unsigned keyMax,
-                                                          unsigned valueMax ) const {
+                                                          unsigned valueMax,
+                                                          bool dscpValues ) const {
    if( !node.IsMap() ) yaml_.fail( node, what + ": expected a mapping, found " + kindOf( node ) );
    std::map< unsigned, unsigned > out;
    for( auto const& entry : node ) {
@@ -68,8 +48,8 @@ std::map< unsigned, unsigned > BasicQosReader::numberMap( YAML::Node const& node
       if( out.contains( key ) ) {
          yaml_.fail( entry.first, what + ": " + std::to_string( key ) + " given twice" );
       }
-      // DSCPs may go by name; 64, the sentinel, gives a global slot back to the chip.
-      bool const dscpValued = what == "tcToDscp" && entry.second.IsScalar() &&
+      // The sentinel 64 is no DSCP: it gives a global slot back to the chip.
+      bool const dscpValued = dscpValues && entry.second.IsScalar() &&
                               entry.second.Scalar() != std::to_string( valueMax );
       out[ key ] = dscpValued ? yaml_.dscp( entry.second, what )
                               : unsigned( yaml_.integer( entry.second, what, 0, valueMax ) );
@@ -86,7 +66,8 @@ GlobalMapsDef BasicQosReader::globalMaps( YAML::Node const& node ) const {
    GlobalMapsDef maps;
    for( auto const& f : globalMapFields ) {
       std::string const key( f.key );
-      if( auto const m = node[ key ] ) maps.*f.member = numberMap( m, key, f.keyMax, f.valueMax );
+      if( auto const m = node[ key ] )
+         maps.*f.member = numberMap( m, key, f.keyMax, f.valueMax, f.dscpValues );
    }
    if( auto const c = node[ "cosRewrite" ] ) maps.cosRewrite = yaml_.flag( c, "cosRewrite" );
    if( auto const d = node[ "dscpRewrite" ] ) maps.dscpRewrite = yaml_.flag( d, "dscpRewrite" );
@@ -102,7 +83,7 @@ DscpRewriteMapDef BasicQosReader::dscpRewriteMap( YAML::Node const& node ) const
    yaml_.checkMapping( node, "DSCP rewrite map", { "name", "tcToDscp" } );
    DscpRewriteMapDef map;
    map.name = yaml_.text( yaml_.required( node, "name" ), "name" );
-   if( auto const m = node[ "tcToDscp" ] ) map.tcToDscp = numberMap( m, "tcToDscp", 15, 63 );
+   if( auto const m = node[ "tcToDscp" ] ) map.tcToDscp = numberMap( m, "tcToDscp", 15, 63, true );
    return map;
 }
 

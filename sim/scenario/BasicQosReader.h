@@ -21,9 +21,11 @@ class BasicQosReader {
    LinkDef link( YAML::Node const& node ) const;
 
  private:
-   // A mapping of numbers `0..keyMax` to numbers `0..valueMax`.
+   // A mapping of numbers `0..keyMax` to numbers `0..valueMax`; with `dscpValues` a value may
+   // also be a DSCP name.
    std::map< unsigned, unsigned > numberMap( YAML::Node const& node, std::string const& what,
-                                             unsigned keyMax, unsigned valueMax ) const;
+                                             unsigned keyMax, unsigned valueMax,
+                                             bool dscpValues = false ) const;
    QueueDef queue( YAML::Node const& node ) const;
    Qos::ShapeRate shapeRate( YAML::Node const& node, std::string const& what ) const;
    Qos::GuaranteedBw guaranteedBw( YAML::Node const& node ) const;

@@ -49,6 +49,7 @@ struct CountField {
    std::string_view key;
    std::uint32_t ChipConfig::*member;
    std::uint32_t min;
+   std::uint32_t max = UINT32_MAX;
 };
 
 constexpr CountField countFields[] = {
@@ -58,6 +59,10 @@ constexpr CountField countFields[] = {
    { "counters", &ChipConfig::counters, 0 },
    { "cpuQueues", &ChipConfig::cpuQueues, 0 },
    { "maxClassesPerPolicyMap", &ChipConfig::maxClassesPerPolicyMap, 1 },
+   // Traffic classes and queues number up to 16.
+   { "numTcSupported", &ChipConfig::numTcSupported, 0, 16 },
+   { "numTxQueueSupported", &ChipConfig::numTxQueueSupported, 0, 16 },
+   { "numMulticastQueueSupported", &ChipConfig::numMulticastQueueSupported, 0, 16 },
    { "ecnProfiles", &ChipConfig::ecnProfiles, 0 },
    { "wredProfiles", &ChipConfig::wredProfiles, 0 },
    { "dropThresholdProfiles", &ChipConfig::dropThresholdProfiles, 0 },
@@ -186,8 +191,7 @@ void ChipReader::chip( YAML::Node const& node, ChipConfig& chip,
    }
    for( auto const& f : countFields ) {
       if( auto const v = node[ std::string( f.key ) ] ) {
-         chip.*f.member =
-               std::uint32_t( yaml_.integer( v, std::string( f.key ), f.min, UINT32_MAX ) );
+         chip.*f.member = std::uint32_t( yaml_.integer( v, std::string( f.key ), f.min, f.max ) );
       }
    }
    for( auto const& limit : limitPairs ) {
@@ -195,13 +199,6 @@ void ChipReader::chip( YAML::Node const& node, ChipConfig& chip,
          yaml_.fail( node, "chip: " + std::string( limit.least ) + " is above " +
                                  std::string( limit.most ) );
       }
-   }
-   for( auto const& [ key, member ] :
-        { std::pair{ "numTcSupported", &ChipConfig::numTcSupported },
-          std::pair{ "numTxQueueSupported", &ChipConfig::numTxQueueSupported },
-          std::pair{ "numMulticastQueueSupported", &ChipConfig::numMulticastQueueSupported } } ) {
-      if( auto const v = node[ key ] )
-         chip.*member = std::uint32_t( yaml_.integer( v, key, 0, 16 ) );
    }
    if( auto const f = node[ "supportedTcpFlags" ] ) {
       chip.supportedTcpFlags = std::uint16_t( yaml_.integer( f, "supportedTcpFlags", 0, 0x1ff ) );

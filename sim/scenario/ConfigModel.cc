@@ -316,7 +316,7 @@ void ConfigModel::put( InterfacePresence const& presence ) {
    if( hasRepeats( presence.interfaces ) ) refuse( "an interface is named twice" );
    for( Mirel::IntfId intf : presence.interfaces ) {
       if( interfaces_.contains( intf ) != presence.present ) continue;
-      refuse( "interface " + intf.stringValue().stdString() +
+      refuse( "interface " + intfName( intf ) +
               ( presence.present ? " is already present" : " is not present" ) );
    }
    for( Mirel::IntfId intf : presence.interfaces ) {

@@ -2,6 +2,7 @@
 // one still named is not removed.
 #include <string>
 
+#include "sim/chip/ChipText.h"
 #include "sim/scenario/ConfigModel.h"
 
 namespace Sim {
@@ -10,10 +11,6 @@ namespace {
 
 [[noreturn]] void refuse( std::string const& problem ) {
    throw ConfigModel::Refusal( problem );
-}
-
-std::string intfName( Mirel::IntfId intf ) {
-   return intf.stringValue().stdString();
 }
 
 template< class Map >
@@ -25,12 +22,8 @@ void merge( Map& into, Map const& from ) {
 }  // namespace
 
 void ConfigModel::put( GlobalMapsDef const& maps ) {
-   for( auto member :
-        { &GlobalMapsDef::cosToTc, &GlobalMapsDef::dscpToTc, &GlobalMapsDef::dscpToDp,
-          &GlobalMapsDef::expToTc, &GlobalMapsDef::tcToCos, &GlobalMapsDef::tcToDscp,
-          &GlobalMapsDef::tcToExp, &GlobalMapsDef::tcToTxQueue, &GlobalMapsDef::tcToMcTxQueue } ) {
-      merge( globalMaps_.*member, maps.*member );
-   }
+   for( GlobalMap const& map : globalMapFields )
+      merge( globalMaps_.*map.member, maps.*map.member );
    if( maps.cosRewrite ) globalMaps_.cosRewrite = maps.cosRewrite;
    if( maps.dscpRewrite ) globalMaps_.dscpRewrite = maps.dscpRewrite;
    if( maps.globalEcn ) globalMaps_.globalEcn = maps.globalEcn;

@@ -58,7 +58,6 @@ void readInitialBasicQos( YAML::Node const& doc, YamlReader const& yaml,
    if( auto const maps = doc[ "globalMaps" ] ) {
       out.push_back( { YamlReader::whereOf( maps ), reader.globalMaps( maps ) } );
    }
-   auto const intfName = []( Mirel::IntfId intf ) { return intf.stringValue().stdString(); };
    initialList(
          doc, "dscpRewriteMaps", yaml,
          [ & ]( auto const& n ) { return reader.dscpRewriteMap( n ); },

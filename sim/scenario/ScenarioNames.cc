@@ -100,11 +100,4 @@ std::string secondsText( Zub::Seconds seconds ) {
    return os.str();
 }
 
-std::string intfText( Qos::IntfPairKey const& intf ) {
-   std::ostringstream os;
-   os << intf.intfId().stringValue();
-   if( !intf.lagIntfId().empty() ) os << '@' << intf.lagIntfId().stringValue();
-   return os.str();
-}
-
 }  // namespace Sim

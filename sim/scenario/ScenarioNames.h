@@ -9,6 +9,7 @@
 
 #include "entities/AclRuleConfig.h"
 #include "entities/QosTypes.h"
+#include "sim/chip/ChipText.h"
 #include "sim/scenario/Scenario.h"
 
 namespace Sim {
@@ -41,7 +42,5 @@ std::string namedPolicerText( std::string const& name );
 std::string servicePolicyText( Qos::ServicePolicyKey const& key );
 // Seconds as messages quote them: "1", "0.25".
 std::string secondsText( Zub::Seconds seconds );
-// "Ethernet1", or "Ethernet1@Port-Channel10" for a LAG member.
-std::string intfText( Qos::IntfPairKey const& intf );
 
 }  // namespace Sim

@@ -1,0 +1,37 @@
+// How the reference chip, the scenario reader and the runner's report write values as text:
+// anything with an operator<<, masks in hexadecimal, interfaces by name with a LAG member as
+// "Ethernet4@Port-Channel10".
+#pragma once
+
+#include <sstream>
+#include <string>
+
+#include "entities/QosTypes.h"
+#include "mirel/IntfId.h"
+
+namespace Sim {
+
+template< class T >
+std::string textOf( T const& v ) {
+   std::ostringstream os;
+   os << v;
+   return os.str();
+}
+
+inline std::string hexText( unsigned v ) {
+   std::ostringstream os;
+   os << "0x" << std::hex << v;
+   return os.str();
+}
+
+inline std::string intfName( Mirel::IntfId intf ) {
+   return intf.stringValue().stdString();
+}
+
+inline std::string intfText( Qos::IntfPairKey const& intf ) {
+   std::string out = intfName( intf.intfId() );
+   if( !intf.lagIntfId().empty() ) out += "@" + intfName( intf.lagIntfId() );
+   return out;
+}
+
+}  // namespace Sim
