@@ -18,20 +18,8 @@ std::string textOf( T const& v ) {
    return os.str();
 }
 
-inline std::string hexText( unsigned v ) {
-   std::ostringstream os;
-   os << "0x" << std::hex << v;
-   return os.str();
-}
-
-inline std::string intfName( Mirel::IntfId intf ) {
-   return intf.stringValue().stdString();
-}
-
-inline std::string intfText( Qos::IntfPairKey const& intf ) {
-   std::string out = intfName( intf.intfId() );
-   if( !intf.lagIntfId().empty() ) out += "@" + intfName( intf.lagIntfId() );
-   return out;
-}
+std::string hexText( unsigned v );
+std::string intfName( Mirel::IntfId intf );
+std::string intfText( Qos::IntfPairKey const& intf );
 
 }  // namespace Sim
