@@ -3,8 +3,10 @@
 
 #include "NevQos/basic/QosBasicSm.h"
 #include "NevQos/classes/QosClassData.h"
+#include "NevQos/copp/DynamicPerPortCoppSm.h"
 #include "NevQos/helpers/QosAclHelper.h"
 #include "NevQos/helpers/QosBasicHelper.h"
+#include "NevQos/kernel/QosKernelStatusSm.h"
 #include "NevQos/log/QosLogHandles.h"
 #include "NevQos/log/TraceHandles.h"
 #include "NevQos/policy/QosAclSm.h"
@@ -15,6 +17,7 @@
 #include "nev/AsyncOperation.h"
 #include "nev/NevAssert.h"
 #include "nev/NevBaseHelper.h"
+#include "nev/PktDrvInterface.h"
 #include "zub/ActivityManager.h"
 #include "zub/Attribute.h"
 #include "zub/Entity.h"
