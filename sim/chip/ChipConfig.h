@@ -64,6 +64,9 @@ struct ChipConfig {
    std::uint32_t policers = 1024;
    std::uint32_t counters = 1024;
    std::uint32_t cpuQueues = 32;
+   // Control-plane policers the kernel's reports put on one CPU queue of one port while it is
+   // saturated.
+   std::uint32_t portCpuQueuePolicers = 16;
    // Classes a QoS policy map may have, class-default included.
    std::uint32_t maxClassesPerPolicyMap = 256;
 
@@ -83,6 +86,9 @@ struct ChipConfig {
    // number 0 up to 16; the chip's default maps are fixed (COS n and EXP n to traffic class n,
    // DSCP d to d / 8, traffic class t to COS and EXP t (7 above 7), to DSCP 8 t (56 above 7) and
    // to queue t).
+   // Whether the chip's driver has finished its start-up when the switch starts; until then
+   // nothing is mirrored to the kernel's packet driver. A step may set it later.
+   bool hwInitialized = true;
    std::uint32_t numTcSupported = 8;
    std::uint32_t numTxQueueSupported = 8;
    std::uint32_t numMulticastQueueSupported = 0;

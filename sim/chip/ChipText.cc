@@ -20,4 +20,10 @@ std::string intfText( Qos::IntfPairKey const& intf ) {
    return os.str();
 }
 
+std::string portQueueText( Nev::ModIdPortQueueKey const& key ) {
+   std::ostringstream os;
+   os << key.modId() << "/" << key.port() << "/" << key.queue();
+   return os.str();
+}
+
 }  // namespace Sim

@@ -8,6 +8,7 @@
 
 #include "entities/QosTypes.h"
 #include "mirel/IntfId.h"
+#include "nev/ModIdPortQueueKey.h"
 
 namespace Sim {
 
@@ -21,5 +22,7 @@ std::string textOf( T const& v ) {
 std::string hexText( unsigned v );
 std::string intfName( Mirel::IntfId intf );
 std::string intfText( Qos::IntfPairKey const& intf );
+// A CPU queue of a port as "modId/port/queue".
+std::string portQueueText( Nev::ModIdPortQueueKey const& key );
 
 }  // namespace Sim

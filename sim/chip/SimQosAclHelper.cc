@@ -653,8 +653,32 @@ Nev::QosClassCounterData SimQosAclHelper::counterUpdateRequest( Nev::QosClassDat
 // ---- Control plane and start-up
 
 bool SimQosAclHelper::checkUserCoppEntryExists( Nev::ModIdPortQueueKey const& key ) {
-   record( "checkUserCoppEntryExists", nullptr, nullptr ).args.emplace_back( "key", textOf( key ) );
+   record( "checkUserCoppEntryExists", nullptr, nullptr )
+         .args.emplace_back( "key", portQueueText( key ) );
    return false;
+}
+
+bool SimQosAclHelper::checkKernelCoppEntryExists( Nev::ModIdPortQueueKey const& key ) {
+   record( "checkKernelCoppEntryExists", nullptr, nullptr )
+         .args.emplace_back( "key", portQueueText( key ) );
+   return portCpuQueuePolicers_.contains( key );
+}
+
+// A queue reported saturated again keeps its one policer.
+bool SimQosAclHelper::createCoppPolicerByPortQueue( Nev::ModIdPortQueueKey const& key ) {
+   record( "createCoppPolicerByPortQueue", nullptr, nullptr )
+         .args.emplace_back( "key", portQueueText( key ) );
+   if( portCpuQueuePolicers_.contains( key ) ) return true;
+   if( portCpuQueuePolicers_.size() >= config_.portCpuQueuePolicers ) return false;
+   portCpuQueuePolicers_.insert( key );
+   return true;
+}
+
+// Also called for a queue that never got its policer; there is nothing to free then.
+void SimQosAclHelper::destroyCoppPolicerByPortQueue( Nev::ModIdPortQueueKey const& key ) {
+   record( "destroyCoppPolicerByPortQueue", nullptr, nullptr )
+         .args.emplace_back( "key", portQueueText( key ) );
+   portCpuQueuePolicers_.erase( key );
 }
 
 void SimQosAclHelper::createDefaultCoppRates() {
@@ -675,16 +699,25 @@ void SimQosAclHelper::verifyPolicer( Nev::QosClassData const& classData ) {
 }
 
 Zub::String SimQosAclHelper::cpuQIdToClassMapName( std::uint32_t cpuQId ) {
-   for( auto const& [ key, q ] : cpuQueues_ ) {
-      if( q == static_cast< int >( cpuQId ) ) return Zub::String( key );
-   }
-   return Zub::String( "cpu-queue-" + textOf( cpuQId ) );
+   return Zub::String( cpuQueueClassName( cpuQId ) );
 }
 
 Zub::String SimQosAclHelper::portToIntfName( std::uint32_t modId, std::uint32_t port ) {
-   // One module of front-panel ports, numbered from 1.
-   return Zub::String( modId == 0 ? "Ethernet" + textOf( port )
-                                  : "Ethernet" + textOf( modId ) + "/" + textOf( port ) );
+   return Zub::String( portName( modId, port ) );
+}
+
+// The class a control-plane policy map allocated the queue to, or a name of the queue's own.
+std::string SimQosAclHelper::cpuQueueClassName( std::uint32_t cpuQId ) const {
+   for( auto const& [ key, q ] : cpuQueues_ ) {
+      if( q == static_cast< int >( cpuQId ) ) return key;
+   }
+   return "cpu-queue-" + textOf( cpuQId );
+}
+
+// One module of front-panel ports, numbered from 1.
+std::string SimQosAclHelper::portName( std::uint32_t modId, std::uint32_t port ) const {
+   return modId == 0 ? "Ethernet" + textOf( port )
+                     : "Ethernet" + textOf( modId ) + "/" + textOf( port );
 }
 
 }  // namespace Sim

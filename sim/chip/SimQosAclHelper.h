@@ -54,6 +54,13 @@ class SimQosAclHelper : public NevHelper::QosAclHelper {
    std::uint32_t policersUsed() const { return static_cast< std::uint32_t >( policers_.size() ); }
    std::uint32_t countersUsed() const { return static_cast< std::uint32_t >( counters_.size() ); }
    std::uint32_t cpuQueuesUsed() const { return static_cast< std::uint32_t >( cpuQueues_.size() ); }
+   // The control-plane policers on single CPU queues of ports, put there for the kernel.
+   std::set< Nev::ModIdPortQueueKey > const& portCpuQueuePolicers() const {
+      return portCpuQueuePolicers_;
+   }
+   // The names the chip gives a port and a CPU queue's class.
+   std::string portName( std::uint32_t modId, std::uint32_t port ) const;
+   std::string cpuQueueClassName( std::uint32_t cpuQId ) const;
    // The interfaces each installed ACL is bound to, by ACL id: those of its class when it was
    // committed, and then those the engine adds and removes.
    using Ports = std::map< std::string, std::set< std::string > >;
@@ -156,6 +163,9 @@ class SimQosAclHelper : public NevHelper::QosAclHelper {
                                                   Nev::AclKey const& aclKey ) override;
 
    bool checkUserCoppEntryExists( Nev::ModIdPortQueueKey const& key ) override;
+   bool checkKernelCoppEntryExists( Nev::ModIdPortQueueKey const& key ) override;
+   bool createCoppPolicerByPortQueue( Nev::ModIdPortQueueKey const& key ) override;
+   void destroyCoppPolicerByPortQueue( Nev::ModIdPortQueueKey const& key ) override;
    void createDefaultCoppRates() override;
    void destroyCoppPolicer( Nev::QosClassData const& classData ) override;
    void hwInit() override;
@@ -216,6 +226,7 @@ class SimQosAclHelper : public NevHelper::QosAclHelper {
    std::set< std::string > policers_;
    std::set< std::string > counters_;
    std::map< std::string, int > cpuQueues_;
+   std::set< Nev::ModIdPortQueueKey > portCpuQueuePolicers_;
    std::vector< ChipTraffic > traffic_;
    Ports aclPorts_;
 };

@@ -8,6 +8,7 @@
 
 #include "sim/chip/ChipText.h"
 #include "sim/runner/BasicReport.h"
+#include "sim/runner/ControlPlaneReport.h"
 
 namespace Sim {
 
@@ -343,6 +344,7 @@ Json reportOf( Scenario const& scenario, SimSwitch const& sw ) {
                 { "logs", logsOf( sw.logs() ) },
                 { "status", statusOf( sw ) },
                 { "basic", basicOf( sw.basicChip() ) },
+                { "controlPlane", controlPlaneOf( sw ) },
                 { "tcam", tcamOf( sw.chip() ) },
                 { "resources", resourcesOf( sw.chip() ) } };
 }
@@ -360,6 +362,7 @@ void printTextReport( std::ostream& os, Json const& report, std::size_t limit ) 
    printTcam( os, report[ "tcam" ], report[ "resources" ], limit );
    printFeatures( os, report[ "status" ] );
    printBasic( os, report[ "basic" ] );
+   printControlPlane( os, report[ "controlPlane" ] );
 }
 
 }  // namespace Sim

@@ -44,7 +44,7 @@ SimSwitch::SimSwitch( Scenario const& scenario ) {
    entitiesIs( scenario.chip );
    publisher_ = std::make_unique< ConfigPublisher >(
          EngineInputs{ qosStatus_, aclConfig_, aclHwStatus_, hwStatus_, counterConfigDir_, ncsd_,
-                       cliCounterConfig_, ethPhyIntfStatusDir_ },
+                       cliCounterConfig_, ethPhyIntfStatusDir_, kernelCoppStatus_ },
          scenario.file );
    publisher_->chipIs( scenario.chip );
    publisher_->initialIs( scenario.initial );
@@ -56,6 +56,10 @@ SimSwitch::~SimSwitch() {
    engine_ = nullptr;
    if( basicEngine_ ) basicEngine_->zubDoZombieReactors( true );
    basicEngine_ = nullptr;
+   if( coppEngine_ ) coppEngine_->zubDoZombieReactors( true );
+   coppEngine_ = nullptr;
+   if( kernelEngine_ ) kernelEngine_->zubDoZombieReactors( true );
+   kernelEngine_ = nullptr;
    Zub::logSinkIs( nullptr );
    Zub::activityManagerIs( nullptr );
 }
@@ -84,6 +88,8 @@ void SimSwitch::entitiesIs( ChipConfig const& chip ) {
    basicChip_ = Zub::make< SimQosBasicHelper >( chip, qosStatus_, hwStatus_, sliceHwStatus_,
                                                 ethPhyIntfStatusDir_, clock_ );
    basicChip_->callLogIs( &calls_ );
+   kernelCoppStatus_ = Zub::make< Nev::KernelCoPPStatus >( Zub::Name( "kernelCopp" ) );
+   pktDrv_ = Zub::make< SimPktDrv >();
 }
 
 void SimSwitch::engineIs() {
@@ -99,7 +105,11 @@ void SimSwitch::engineIs() {
    } );
    basicEngine_ = Nev::qosBasicSmFactory( ncsd_, qosStatus_, hwStatus_, sliceHwStatus_, basicChip_,
                                           ethPhyIntfStatusDir_, cliCounterConfig_, clock_ );
-   loop_->runOnce();
+   // The per-port CoPP machine shares the policy engine's helper.
+   coppEngine_ = Nev::dynamicPerPortCoppSmFactory( clock_, kernelCoppStatus_,
+                                                   Zub::Ptr< NevHelper::QosAclHelper >( chip_ ) );
+   kernelEngine_ = Nev::qosKernelStatusSmFactory( pktDrv_, qosStatus_, hwStatus_ );
+   loop_->runUntil( loop_->now() );
 }
 
 void SimSwitch::stepIs( Step const& step ) {
@@ -108,7 +118,7 @@ void SimSwitch::stepIs( Step const& step ) {
    // every step against the configuration, so the publisher does not refuse it after this.
    chipChangesIs( step.changes );
    publisher_->stepIs( step );
-   loop_->runOnce();
+   loop_->runUntil( loop_->now() );
 }
 
 void SimSwitch::runUntil( Zub::Seconds t ) {

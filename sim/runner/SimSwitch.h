@@ -1,6 +1,8 @@
 // A switch in miniature for one scenario: every input and status entity the engines need, the
-// reference chip as their helpers, the policy engine and the basic QoS engine, and the publisher
-// that plays the configuration agents, all on one event loop in virtual time. It keeps the system
+// reference chip as their helpers and as the kernel's packet driver, the policy engine, the basic
+// QoS engine and the two control-plane machines (per-port CoPP and the kernel mirror), and the
+// publisher that plays the configuration agents and the kernel, all on one event loop in
+// virtual time. It keeps the system
 // log with the time of each line. One at a time per thread: it installs its loop and log sink while
 // it lives.
 #pragma once
@@ -10,9 +12,12 @@
 #include <vector>
 
 #include "NevQos/basic/QosBasicSm.h"
+#include "NevQos/copp/DynamicPerPortCoppSm.h"
+#include "NevQos/kernel/QosKernelStatusSm.h"
 #include "NevQos/policy/QosAclSm.h"
 #include "entities/AclHwStatus.h"
 #include "entities/AclSliceHwStatus.h"
+#include "sim/chip/SimPktDrv.h"
 #include "sim/chip/SimQosAclHelper.h"
 #include "sim/chip/SimQosBasicHelper.h"
 #include "sim/scenario/ConfigPublisher.h"
@@ -31,15 +36,17 @@ struct LogLine {
 
 class SimSwitch {
  public:
-   // Publishes the chip's capabilities and the starting configuration, then starts the engine
-   // and runs its first turn. Throws ScenarioError for a configuration the publisher refuses.
+   // Publishes the chip's capabilities and the starting configuration, then starts the engines
+   // and runs every turn due at the start, without moving time on. Throws ScenarioError for a
+   // configuration the publisher refuses.
    explicit SimSwitch( Scenario const& scenario );
    ~SimSwitch();
    SimSwitch( SimSwitch const& ) = delete;
    SimSwitch& operator=( SimSwitch const& ) = delete;
 
    // Runs the loop to the step's time, gives the step's traffic and fault switches to the chip,
-   // publishes the step, and runs the turn that follows. Throws ScenarioError for a step the
+   // publishes the step, and runs every turn due at that moment; a timer due later waits for
+   // the next step or the settling time. Throws ScenarioError for a step the
    // publisher refuses; a step of a loaded scenario has been checked already.
    void stepIs( Step const& step );
    // Runs the loop until virtual time `t`.
@@ -50,6 +57,9 @@ class SimSwitch {
    SimQosBasicHelper const& basicChip() const { return *basicChip_; }
    // Every call of both engines on the chip, in order.
    std::vector< ChipCall > const& calls() const { return calls_; }
+   SimPktDrv const& pktDrv() const { return *pktDrv_; }
+   Nev::DynamicPerPortCoppSm const& coppEngine() const { return *coppEngine_; }
+   Qos::HwStatus const& hwStatus() const { return *hwStatus_; }
    Qos::SliceHwStatus const& sliceHwStatus() const { return *sliceHwStatus_; }
    Qos::AclSliceHwStatus const& aclSliceHwStatus() const { return *aclSliceHwStatus_; }
    Qos::AclHwStatus const& aclHwStatus() const { return *aclHwStatus_; }
@@ -82,6 +92,10 @@ class SimSwitch {
    Zub::Ptr< Nev::QosAclSm > engine_;
    Zub::Ptr< SimQosBasicHelper > basicChip_;
    Zub::Ptr< Nev::QosBasicSm > basicEngine_;
+   Zub::Ptr< Nev::KernelCoPPStatus > kernelCoppStatus_;
+   Zub::Ptr< Nev::DynamicPerPortCoppSm > coppEngine_;
+   Zub::Ptr< SimPktDrv > pktDrv_;
+   Zub::Ptr< Nev::QosKernelStatusSm > kernelEngine_;
    std::unique_ptr< ConfigPublisher > publisher_;
    std::vector< LogLine > logs_;
 };

@@ -28,6 +28,7 @@ constexpr FlagField flagFields[] = {
    { "dscpEcnClassMatchSupported", &ChipConfig::dscpEcnClassMatchSupported },
    { "multipleActionsSupported", &ChipConfig::multipleActionsSupported },
    { "errorOnPolicerExhaustion", &ChipConfig::errorOnPolicerExhaustion },
+   { "hwInitialized", &ChipConfig::hwInitialized },
    { "mcTxQueueMapSupported", &ChipConfig::mcTxQueueMapSupported },
    { "dscpRewriteSupported", &ChipConfig::dscpRewriteSupported },
    { "dscpToDpMapSupported", &ChipConfig::dscpToDpMapSupported },
@@ -58,6 +59,7 @@ constexpr CountField countFields[] = {
    { "policers", &ChipConfig::policers, 0 },
    { "counters", &ChipConfig::counters, 0 },
    { "cpuQueues", &ChipConfig::cpuQueues, 0 },
+   { "portCpuQueuePolicers", &ChipConfig::portCpuQueuePolicers, 0 },
    { "maxClassesPerPolicyMap", &ChipConfig::maxClassesPerPolicyMap, 1 },
    // Traffic classes and queues number up to 16.
    { "numTcSupported", &ChipConfig::numTcSupported, 0, 16 },

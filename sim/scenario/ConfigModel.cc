@@ -356,4 +356,15 @@ void ConfigModel::put( FaultSwitch const& fault ) {
    }
 }
 
+// ---- Control plane
+
+// A queue the kernel stops reporting on leaves its entry.
+void ConfigModel::put( KernelCoppReport const& report ) {
+   if( report.state == Nev::kernelCoppQueueNoReport ) {
+      kernelCopp_.erase( report.key );
+   } else {
+      kernelCopp_[ report.key ] = report.state;
+   }
+}
+
 }  // namespace Sim

@@ -34,6 +34,8 @@ class ConfigModel {
    // `faults` is the number of the chip's faults a fault switch may name.
    explicit ConfigModel( std::size_t faults = 0 ) : faults_( faults ) {}
    void faultsIs( std::size_t faults ) { faults_ = faults; }
+   // Whether the chip's driver has finished its start-up, as the chip starts.
+   void hwInitializedIs( bool initialized ) { hwInitialized_ = initialized; }
 
    // Applies one change, or throws Refusal and leaves the model as it was.
    void apply( ChangeValue const& change );
@@ -58,6 +60,13 @@ class ConfigModel {
    std::map< Mirel::IntfId, IntfQosDef > const& intfQos() const { return intfQos_; }
    std::map< Mirel::IntfId, EcnCountersDef > const& ecnCounters() const { return ecnCounters_; }
    std::map< Mirel::IntfId, LinkDef > const& links() const { return links_; }
+
+   // The control plane: what the kernel reports of each CPU queue it has reported on, and
+   // whether the chip's driver has finished its start-up.
+   std::map< Nev::ModIdPortQueueKey, Nev::KernelCoppQueueState > const& kernelCopp() const {
+      return kernelCopp_;
+   }
+   bool hwInitialized() const { return hwInitialized_; }
 
    // Who uses what, in key order.
    std::vector< MapKey > classMapsUsing( AclKey const& acl ) const;
@@ -92,6 +101,10 @@ class ConfigModel {
    void put( EcnCountersDef const& counters );
    void put( EcnCountersRemoval const& removal );
    void put( LinkDef const& link );
+   void put( KernelCoppReport const& report );
+   void put( HwInitialization const& initialization ) {
+      hwInitialized_ = initialization.initialized;
+   }
 
    void checkMatch( ClassMapDef const& cmap, MatchDef const& match ) const;
    void checkClass( PolicyMapDef const& pmap, ClassDef const& cls ) const;
@@ -110,6 +123,8 @@ class ConfigModel {
    std::map< Mirel::IntfId, IntfQosDef > intfQos_;
    std::map< Mirel::IntfId, EcnCountersDef > ecnCounters_;
    std::map< Mirel::IntfId, LinkDef > links_;
+   std::map< Nev::ModIdPortQueueKey, Nev::KernelCoppQueueState > kernelCopp_;
+   bool hwInitialized_ = true;
 };
 
 }  // namespace Sim

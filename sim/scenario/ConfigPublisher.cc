@@ -46,6 +46,7 @@ ConfigPublisher::ConfigPublisher( EngineInputs inputs, std::string file )
 void ConfigPublisher::chipIs( ChipConfig const& chip ) {
    capabilitiesIs( *in_.aclHwStatus, *in_.hwStatus, chip );
    model_.faultsIs( chip.faults.size() );
+   model_.hwInitializedIs( chip.hwInitialized );
 }
 
 void ConfigPublisher::initialIs( std::vector< Change > const& changes ) {
@@ -111,6 +112,7 @@ void ConfigPublisher::publish( ConfigModel after ) {
    removalsIs( diff );
    for( Mirel::IntfId intf : diff.interfacesRemoved )
       in_.ncsd->intfDel( intf );
+   controlPlaneIs( before );
 }
 
 // Access lists, class maps, named policers and policy maps that are new or changed; each policy
@@ -204,6 +206,17 @@ void ConfigPublisher::removalsIs( ConfigDiff const& diff ) {
       classMapDel( *in_.qosStatus, type, name );
    for( auto const& [ family, name ] : diff.aclsRemoved )
       aclDel( *in_.aclConfig, family, name );
+}
+
+void ConfigPublisher::controlPlaneIs( ConfigModel const& before ) {
+   in_.hwStatus->hwInitializedIs( model_.hwInitialized() );
+   auto const status = in_.kernelCoppStatus;
+   if( !status ) return;
+   for( auto const& [ key, state ] : before.kernelCopp() ) {
+      if( !model_.kernelCopp().contains( key ) ) status->stateDel( key );
+   }
+   for( auto const& [ key, state ] : model_.kernelCopp() )
+      status->stateIs( key, state );
 }
 
 void ConfigPublisher::requestsIs( std::vector< Change > const& changes, Zub::Seconds time ) {

@@ -6,7 +6,8 @@
 // class maps, named policers, policy maps, service policies, removals, interfaces that vanish,
 // counter and clear requests, and last configVersionUpdateTime. Basic QoS (global maps, named
 // maps and profiles, interface and queue settings, ECN counters, links) is written after the
-// interfaces that appear.
+// interfaces that appear; the kernel's reports on CPU queues and the chip driver's start-up come
+// last.
 //
 // A policy map whose configuration changed (itself, a class map it uses, an access list one of
 // those uses, or the sharing of a named policer it uses) gets a new version, and so does every
@@ -24,6 +25,7 @@
 #include "entities/EthPhyIntfStatus.h"
 #include "entities/HwStatus.h"
 #include "entities/QosStatus.h"
+#include "nev/KernelCoPPStatus.h"
 #include "nev/NevCommonSmData.h"
 #include "sim/scenario/ConfigModel.h"
 #include "zub/Entity.h"
@@ -46,6 +48,8 @@ struct EngineInputs {
    // ports' links. Either may be null when nothing reads it.
    Zub::Ptr< Qos::CounterConfig > ecnCounterConfig = {};
    Zub::Ptr< Interface::AllEthPhyIntfStatusDir > ethPhyIntfStatusDir = {};
+   // The kernel's reports on the CPU queues of ports; may be null when nothing reads it.
+   Zub::Ptr< Nev::KernelCoPPStatus > kernelCoppStatus = {};
 };
 
 class ConfigPublisher {
@@ -78,6 +82,8 @@ class ConfigPublisher {
    // Basic QoS, made to match the model: maps and profiles before the interfaces that name
    // them, removals the other way round.
    void basicQosIs( ConfigModel const& before );
+   // The kernel's reports and the driver's start-up, made to match the model.
+   void controlPlaneIs( ConfigModel const& before );
    void requestsIs( std::vector< Change > const& changes, Zub::Seconds time );
 
    EngineInputs in_;

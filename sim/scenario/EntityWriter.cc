@@ -178,6 +178,7 @@ void basicCapabilitiesIs( Qos::HwStatus& hw, ChipConfig const& chip ) {
    hw.numTxQueueSupportedIs( chip.numTxQueueSupported );
    hw.numMulticastQueueSupportedIs( chip.numMulticastQueueSupported );
    hw.mcTxQueueMapSupportedIs( chip.mcTxQueueMapSupported );
+   hw.hwInitializedIs( chip.hwInitialized );
    hw.dscpRewriteSupportedIs( chip.dscpRewriteSupported );
    hw.dscpToDpMapSupportedIs( chip.dscpToDpMapSupported );
    hw.dscpRewritePerInterfaceSupportedIs( chip.dscpRewritePerInterfaceSupported );

@@ -16,6 +16,8 @@
 #include "entities/ClassMapStatus.h"
 #include "entities/QosTypes.h"
 #include "mirel/IntfId.h"
+#include "nev/KernelCoPPStatus.h"
+#include "nev/ModIdPortQueueKey.h"
 #include "sim/chip/ChipConfig.h"
 #include "sim/scenario/BasicQosDefs.h"
 #include "zub/Entity.h"
@@ -216,6 +218,18 @@ struct FaultSwitch {
    bool on = true;
 };
 
+// What the kernel reports of one CPU queue of one port: saturated, no longer saturated, or
+// nothing (its entry goes).
+struct KernelCoppReport {
+   Nev::ModIdPortQueueKey key;
+   Nev::KernelCoppQueueState state = Nev::kernelCoppQueueNoReport;
+   bool operator==( KernelCoppReport const& ) const = default;
+};
+// The chip's driver says whether it has finished its start-up.
+struct HwInitialization {
+   bool initialized = true;
+};
+
 // A definition adds what it names or replaces it; a removal removes it.
 using ChangeValue =
       std::variant< AclDef, AclRemoval, ClassMapDef, ClassMapRemoval, NamedPolicerDef,
@@ -223,7 +237,8 @@ using ChangeValue =
                     ServicePolicyRemoval, Attachment, InterfacePresence, CounterRequest,
                     TrafficInjection, ClearRequest, FaultSwitch, GlobalMapsDef, DscpRewriteMapDef,
                     DscpRewriteMapRemoval, CosToTcProfileDef, CosToTcProfileRemoval, IntfQosDef,
-                    IntfQosRemoval, EcnCountersDef, EcnCountersRemoval, LinkDef >;
+                    IntfQosRemoval, EcnCountersDef, EcnCountersRemoval, LinkDef, KernelCoppReport,
+                    HwInitialization >;
 
 struct Change {
    Where where;

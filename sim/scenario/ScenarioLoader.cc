@@ -17,7 +17,8 @@ namespace {
 std::vector< std::string_view > const topKeys = {
    "description",     "chip",         "interfaces",      "acls",       "classMaps",
    "namedPolicers",   "policyMaps",   "servicePolicies", "globalMaps", "dscpRewriteMaps",
-   "cosToTcProfiles", "interfaceQos", "ecnCounters",     "links",      "steps",
+   "cosToTcProfiles", "interfaceQos", "ecnCounters",     "links",      "kernelCopp",
+   "steps",
 };
 
 // The one document of the text.
@@ -104,6 +105,10 @@ void readInitial( YAML::Node const& doc, YamlReader const& yaml, StepReader cons
          [ & ]( auto const& n ) { return reader.servicePolicies().servicePolicy( n ); },
          []( ServicePolicyDef const& s ) { return servicePolicyText( s.key ); }, out );
    readInitialBasicQos( doc, yaml, reader.basicQos(), out );
+   // Reports the kernel made before the switch's agent started.
+   initialList(
+         doc, "kernelCopp", yaml, [ & ]( auto const& n ) { return reader.kernelCoppReport( n ); },
+         []( KernelCoppReport const& r ) { return "queue " + portQueueText( r.key ); }, out );
 }
 
 void readSteps( YAML::Node const& doc, YamlReader const& yaml, StepReader const& reader,

@@ -48,6 +48,12 @@ constexpr std::pair< std::string_view, Qos::ClassMapCpType > cpTypes[] = {
    { "dynamic", Qos::cmapCpDynamic_ },
 };
 
+constexpr std::pair< std::string_view, Nev::KernelCoppQueueState > kernelCoppStates[] = {
+   { "saturated", Nev::kernelCoppQueueSaturated },
+   { "unsaturated", Nev::kernelCoppQueueUnsaturated },
+   { "none", Nev::kernelCoppQueueNoReport },
+};
+
 }  // namespace
 
 NameTable< AclFamily > aclFamilyNames() {
@@ -67,6 +73,9 @@ NameTable< Qos::RateUnit > rateUnitNames() {
 }
 NameTable< Qos::BurstUnit > burstUnitNames() {
    return burstUnits;
+}
+NameTable< Nev::KernelCoppQueueState > kernelCoppStateNames() {
+   return kernelCoppStates;
 }
 NameTable< Qos::ClassMapCpType > cpTypeNames() {
    return cpTypes;

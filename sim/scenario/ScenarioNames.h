@@ -24,6 +24,8 @@ NameTable< Acl::Ecn > ecnNames();                // dontCare, ectCe, nonEct, ce,
 NameTable< Qos::RateUnit > rateUnitNames();      // pps, bps, kbps, mbps
 NameTable< Qos::BurstUnit > burstUnitNames();    // bytes, kbytes, mbytes, packets
 NameTable< Qos::ClassMapCpType > cpTypeNames();  // static, dynamic
+// saturated, unsaturated, none
+NameTable< Nev::KernelCoppQueueState > kernelCoppStateNames();
 
 // The name of a member; "?" for one outside the table.
 template< class E >

@@ -36,6 +36,8 @@ std::vector< std::string_view > const changeKinds = {
    "ecnCounters",
    "removeEcnCounters",
    "link",
+   "kernelCopp",
+   "hwInitialized",
 };
 
 }  // namespace
@@ -94,6 +96,8 @@ ChangeValue StepReader::value( std::string const& kind, YAML::Node const& node )
       return ClearRequest{};
    }
    if( kind == "fault" ) return faultSwitch( node );
+   if( kind == "kernelCopp" ) return kernelCoppReport( node );
+   if( kind == "hwInitialized" ) return HwInitialization{ yaml_.flag( node, kind ) };
    if( auto basic = basicQosValue( kind, node ) ) return std::move( *basic );
    return removal( kind, node );
 }
@@ -186,6 +190,18 @@ FaultSwitch StepReader::faultSwitch( YAML::Node const& node ) const {
    if( it == faultNames_.end() ) yaml_.fail( name, "name: the chip has no fault '" + text + "'" );
    f.fault = std::size_t( it - faultNames_.begin() );
    return f;
+}
+
+KernelCoppReport StepReader::kernelCoppReport( YAML::Node const& node ) const {
+   yaml_.checkMapping( node, "kernelCopp", { "modId", "port", "queue", "state" } );
+   auto const number = [ & ]( char const* key ) {
+      return std::uint32_t( yaml_.integer( yaml_.required( node, key ), key, 0, UINT32_MAX ) );
+   };
+   KernelCoppReport report;
+   std::uint32_t const modId = node[ "modId" ] ? number( "modId" ) : 0;
+   report.key = Nev::ModIdPortQueueKey( modId, number( "port" ), number( "queue" ) );
+   report.state = yaml_.choice( yaml_.required( node, "state" ), "state", kernelCoppStateNames() );
+   return report;
 }
 
 }  // namespace Sim

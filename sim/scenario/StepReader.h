@@ -30,6 +30,8 @@ class StepReader {
    PolicyReader const& policies() const { return policies_; }
    ServicePolicyReader const& servicePolicies() const { return servicePolicies_; }
    BasicQosReader const& basicQos() const { return basicQos_; }
+   // { modId, port, queue, state }; modId 0 when left out.
+   KernelCoppReport kernelCoppReport( YAML::Node const& node ) const;
 
  private:
    ChangeValue value( std::string const& kind, YAML::Node const& node ) const;

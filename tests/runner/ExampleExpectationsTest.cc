@@ -42,7 +42,8 @@ Json expectedPartOf( Json const& report ) {
                                 { "rangeCheckers", report[ "tcam" ][ "rangeCheckers" ] },
                                 { "acls", acls } } },
                 { "resources", report[ "resources" ] },
-                { "basic", report[ "basic" ] } };
+                { "basic", report[ "basic" ] },
+                { "controlPlane", report[ "controlPlane" ] } };
 }
 
 class ExampleExpectationsTest : public ::testing::TestWithParam< char const* > {};
@@ -69,7 +70,7 @@ TEST_P( ExampleExpectationsTest, TheReportIsAsExpected ) {
 INSTANTIATE_TEST_SUITE_P( Examples, ExampleExpectationsTest,
                           ::testing::Values( "edge-policy", "tcam-exhaustion", "range-checkers",
                                              "async-timeout", "counters", "classbench-10k",
-                                             "ecn-profiles" ) );
+                                             "ecn-profiles", "copp-exhaustion" ) );
 
 }  // namespace
 }  // namespace NevQosTest

@@ -189,6 +189,52 @@ TEST( NevqosSimTest, EcnProfilesRunOutAndTheSliceStaysDownUntilCleared ) {
    EXPECT_EQ( uncleared.report()[ "status" ][ "basicStatus" ], "hwProgrammingFailed" );
 }
 
+TEST( NevqosSimTest, PerPortCoppRunsOutIsRetriedEachMinuteAndRecovers ) {
+   Json const r = reportOf( "copp-exhaustion.yaml" );
+   Lines copp;
+   for( Json const& c : r[ "calls" ] ) {
+      std::string const op = c[ "op" ];
+      if( op.find( "CoppPolicerByPortQueue" ) == std::string::npos ) continue;
+      std::ostringstream os;
+      os << c[ "t" ].get< double >() << " " << op.substr( 0, 7 ) << " "
+         << c[ "args" ][ "key" ].get< std::string >();
+      copp.push_back( os.str() );
+   }
+   EXPECT_EQ( copp, ( Lines{ "0.001 createC 0/1/4", "5 createC 0/2/4", "5 createC 0/3/4",
+                             "30 createC 0/3/7", "40 destroy 0/1/4", "65 createC 0/3/4",
+                             "65 createC 0/3/7", "100 destroy 0/2/4", "125 createC 0/3/7" } ) );
+   std::string const policer = "control plane policer for class cpu-queue-";
+   EXPECT_EQ( logsOf( r ),
+              ( Lines{ "5 QOS_COPP_HW_RESOURCE_FULL: Insufficient egress TCAM resources to "
+                       "program the " +
+                             policer + "4 on Ethernet3.",
+                       "30 QOS_COPP_HW_RESOURCE_FULL: Insufficient egress TCAM resources to "
+                       "program the " +
+                             policer + "7 on Ethernet3.",
+                       "65 QOS_COPP_HW_RESOURCE_NORMAL: C" + policer.substr( 1 ) +
+                             "4 on Ethernet3 is programmed in egress TCAM.",
+                       "125 QOS_COPP_HW_RESOURCE_NORMAL: C" + policer.substr( 1 ) +
+                             "7 on Ethernet3 is programmed in egress TCAM." } ) );
+   Json const& cp = r[ "controlPlane" ];
+   EXPECT_EQ( cp[ "copp" ][ "pending" ], Json::array() );
+   EXPECT_EQ( cp[ "copp" ][ "retryAt" ], 245.0 )
+         << "still firing each minute after the queue emptied";
+   // The COS change made before the hardware was initialised reached the driver all the same,
+   // and multicast follows the unicast queue.
+   Json const& kernel = cp[ "kernel" ];
+   EXPECT_EQ( kernel[ "cosToTc" ][ "5" ], 4 );
+   EXPECT_EQ( kernel[ "tcToTxQueue" ][ "4" ], 6 );
+   EXPECT_EQ( kernel[ "tcToMcTxQueue" ][ "4" ], 6 );
+
+   // Until the driver has started, the kernel is told nothing.
+   std::ifstream in( example( "copp-exhaustion.yaml" ) );
+   std::string text( ( std::istreambuf_iterator< char >( in ) ), {} );
+   text = text.substr( 0, text.find( "  - at: 2" ) );
+   SimRun const starting = runSim( { scenarioFile( "starting.yaml", text ), "--json" } );
+   ASSERT_EQ( starting.exitCode, 0 ) << starting.err;
+   EXPECT_EQ( starting.report()[ "controlPlane" ][ "kernel" ][ "operations" ], 0 );
+}
+
 // The outcome of a scenario does not depend on the road: same status, same lists on the same
 // interfaces with as many entries, same log.
 class BothTcamModesTest : public ::testing::TestWithParam< char const* > {};

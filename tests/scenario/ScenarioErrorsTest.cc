@@ -33,7 +33,7 @@ void expectErrors( std::initializer_list< Case > cases ) {
 std::string const topKeys =
       "description, chip, interfaces, acls, classMaps, namedPolicers, policyMaps, "
       "servicePolicies, globalMaps, dscpRewriteMaps, cosToTcProfiles, interfaceQos, ecnCounters, "
-      "links, steps";
+      "links, kernelCopp, steps";
 
 TEST( ScenarioErrorsTest, TextThatIsNotOneYamlMapping ) {
    expectErrors( {
@@ -78,7 +78,7 @@ TEST( ScenarioErrorsTest, UnknownAndRepeatedKeys ) {
            "removeInterfaces, requestCounters, traffic, clearErrors, fault, globalMaps, "
            "dscpRewriteMap, "
            "removeDscpRewriteMap, cosToTcProfile, removeCosToTcProfile, interfaceQos, "
-           "removeInterfaceQos, ecnCounters, removeEcnCounters, link)" },
+           "removeInterfaceQos, ecnCounters, removeEcnCounters, link, kernelCopp, hwInitialized)" },
          { "steps: [ { at: 1, changes: [ { clearErrors: true, requestCounters: a } ] } ]\n",
            "bad.yaml:1:30: change: one kind of change per list item" },
    } );
@@ -114,6 +114,10 @@ TEST( ScenarioErrorsTest, ValuesOfTheWrongTypeOrOutOfRange ) {
            "bad.yaml:1:27: at: steps come in increasing time after the start at 0.001 s; this "
            "one is not after 1" },
          { "steps: [ { at: -1 } ]\n", "bad.yaml:1:16: at: -1 is below 0" },
+         { "kernelCopp: [ { port: 3, queue: 4, state: boiling } ]\n",
+           "bad.yaml:1:43: state: 'boiling' is not one of saturated, unsaturated, none" },
+         { "steps: [ { at: 1, changes: [ { kernelCopp: { port: 3, state: none } } ] } ]\n",
+           "bad.yaml:1:44: missing key 'queue'" },
          { "steps: [ { at: 0 } ]\n",
            "bad.yaml:1:16: at: steps come in increasing time after the start at 0.001 s; this "
            "one is not after 0.001" },
@@ -192,6 +196,9 @@ TEST( ScenarioErrorsTest, NamesGivenTwiceOrNamingNothing ) {
            "bad.yaml:1:20: service policy qos input p: policy map qos p does not exist" },
          { "classMaps: [ { name: class-default } ]\n",
            "bad.yaml:1:14: class map qos class-default: the name class-default is the system's" },
+         { "kernelCopp:\n  - { port: 3, queue: 4, state: none }\n  - { modId: 0, port: 3, "
+           "queue: 4, state: saturated }\n",
+           "bad.yaml:3:5: kernelCopp: queue 0/3/4 given twice" },
          { "policyMaps: [ { name: p } ]\nservicePolicies: [ { policyMap: p, interfaces: [ "
            "Ethernet1, Ethernet1 ] } ]\n",
            "bad.yaml:2:20: service policy qos input p names an interface twice" },
