@@ -1,0 +1,113 @@
+// Class-based forwarding overrides: the routing side asks that traffic of one address family
+// and DSCP that would use one FEC use another (FecOverrideConfig), and the QoS agent tells how
+// each request fared in hardware (FecOverrideStatus). Both are shared tables of plain records.
+#pragma once
+
+#include <compare>
+#include <cstddef>
+#include <cstdint>
+#include <ostream>
+#include <tuple>
+
+#include "entities/QosTypes.h"
+#include "glarn/FecId.h"
+#include "glarn/GlarnMap.h"
+#include "mirel/AddressFamily.h"
+
+namespace Qos::Hardware {
+
+// The driver's handle of an override rule; all ones for none.
+using FecOverrideRuleId = std::uint32_t;
+inline constexpr FecOverrideRuleId invalidFecOverrideRuleId = 0xffffffffu;
+
+}  // namespace Qos::Hardware
+
+namespace Qos::Glarn {
+
+// Traffic of `af` marked `dscp` that would use FEC `fecId`. 16 bytes.
+struct OverrideKey {
+   Mirel::AddressFamily af = Mirel::ipv4;
+   Qos::Dscp dscp;
+   ::Glarn::Fib::FecId fecId = 0;
+
+   std::uint32_t hash() const;
+   bool operator==( OverrideKey const& o ) const {
+      return af == o.af && dscp.value() == o.dscp.value() && fecId == o.fecId;
+   }
+   bool operator<( OverrideKey const& o ) const {
+      return std::tuple( unsigned( af ), dscp.value(), fecId ) <
+             std::tuple( unsigned( o.af ), o.dscp.value(), o.fecId );
+   }
+};
+static_assert( sizeof( OverrideKey ) == 16 && offsetof( OverrideKey, dscp ) == 4 &&
+               offsetof( OverrideKey, fecId ) == 8 );
+std::ostream& operator<<( std::ostream& os, OverrideKey const& key );
+
+// One override the routing side wants: `overridingFecId` takes over from the key's FEC.
+struct FecOverrideEntry {
+   OverrideKey key;
+   ::Glarn::Fib::FecId overridingFecId = 0;
+   bool operator==( FecOverrideEntry const& ) const = default;
+};
+static_assert( offsetof( FecOverrideEntry, overridingFecId ) == 16 );
+
+// How an override fared.
+enum FecOverrideProgramStatus : std::uint32_t {
+   fecOverrideProgrammed = 1,
+   fecOverrideOutOfResource = 2,
+   fecOverrideWaitingForHwFecId = 3,
+   fecOverrideHwNotReady = 4,
+};
+
+struct FecOverrideStatusEntry {
+   OverrideKey key;
+   std::uint32_t status = 0;
+   Qos::Hardware::FecOverrideRuleId hwRuleId = Qos::Hardware::invalidFecOverrideRuleId;
+   bool operator==( FecOverrideStatusEntry const& ) const = default;
+};
+static_assert( offsetof( FecOverrideStatusEntry, status ) == 16 &&
+               offsetof( FecOverrideStatusEntry, hwRuleId ) == 20 );
+
+// The overrides wanted, by key: written by the routing side.
+class FecOverrideConfig : public ::Glarn::GlarnMap< FecOverrideEntry > {
+ public:
+   using Store = ::Glarn::GlarnStore< FecOverrideEntry >;
+   class Notifiee : public ::Glarn::GlarnMap< FecOverrideEntry >::Notifiee {
+    public:
+      Zub::Ptr< FecOverrideConfig const > notifier() const {
+         return static_cast< FecOverrideConfig const* >( this->zubNotifier() );
+      }
+      virtual void onOverride( OverrideKey const& ) {}
+      virtual void onOverridezubImmediate() {}
+
+    private:
+      void onRecord( OverrideKey const& key ) final { onOverride( key ); }
+      void onRecordzubImmediate() final { onOverridezubImmediate(); }
+   };
+   using GlarnMap::GlarnMap;
+   void overrideIs( FecOverrideEntry const& entry ) { write( entry ); }
+   void overrideDel( OverrideKey const& key ) { remove( key ); }
+};
+
+// The outcome of each override, by key: written by the QoS agent.
+class FecOverrideStatus : public ::Glarn::GlarnMap< FecOverrideStatusEntry > {
+ public:
+   using Store = ::Glarn::GlarnStore< FecOverrideStatusEntry >;
+   class Notifiee : public ::Glarn::GlarnMap< FecOverrideStatusEntry >::Notifiee {
+    public:
+      Zub::Ptr< FecOverrideStatus const > notifier() const {
+         return static_cast< FecOverrideStatus const* >( this->zubNotifier() );
+      }
+      virtual void onOverride( OverrideKey const& ) {}
+      virtual void onOverridezubImmediate() {}
+
+    private:
+      void onRecord( OverrideKey const& key ) final { onOverride( key ); }
+      void onRecordzubImmediate() final { onOverridezubImmediate(); }
+   };
+   using GlarnMap::GlarnMap;
+   void overrideIs( FecOverrideStatusEntry const& entry ) { write( entry ); }
+   void overrideDel( OverrideKey const& key ) { remove( key ); }
+};
+
+}  // namespace Qos::Glarn
