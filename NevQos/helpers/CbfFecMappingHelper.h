@@ -1,0 +1,41 @@
+// What a chip driver implements so that class-based-forwarding overrides reach its hardware:
+// install or update a rule, bind one that a restart left in hardware, remove one, and name the
+// handle of an installed one. A bare interface: the default bodies stop the process, except on
+// an agent without hardware (NEV_NOOP_AGENT), where programming counts as failed.
+//
+// What the machine expects of a driver:
+// - createOrUpdateMapping is idempotent for an unchanged rule: it comes again whenever a FEC of
+//   the key changes and on every retry;
+// - cbfMapUpdateNotReady for a state that passes by itself (retried soon), cbfMapUpdateFailed
+//   only for lack of room (retried slowly, and logged);
+// - after cbfMapUpdateSuccess, hwFecOverrideRuleId( key ) gives the rule's handle;
+// - deleteMapping comes only for a key whose status says programmed.
+#pragma once
+
+#include "NevQos/cbf/CbfFecMap.h"
+#include "NevQos/types/CbfFecMappingUpdateStatus.h"
+#include "entities/FecOverride.h"
+#include "nev/NevBaseHelper.h"
+
+namespace NevHelper {
+
+class CbfFecMappingHelper : public Nev::NevBaseHelper {
+ public:
+   explicit CbfFecMappingHelper( Zub::Name const& name ) : Nev::NevBaseHelper( name ) {}
+   // No backup of the rules is kept.
+   virtual bool hasBackupSupport() const { return false; }
+
+   virtual CbfFecMappingUpdateStatus createOrUpdateMapping( Nev::CbfFecMapRule const& rule );
+   // Binds a rule to a handle that already exists in hardware; the machine never calls it.
+   virtual CbfFecMappingUpdateStatus syncMapping( Nev::CbfFecMapRule const& rule,
+                                                  Qos::Hardware::FecOverrideRuleId hwRuleId );
+   virtual void deleteMapping( Qos::Glarn::OverrideKey const& ruleKey );
+   virtual Qos::Hardware::FecOverrideRuleId hwFecOverrideRuleId(
+         Qos::Glarn::OverrideKey const& ruleKey );
+
+ private:
+   // Stops the process, unless the agent runs without hardware.
+   void unimplemented() const;
+};
+
+}  // namespace NevHelper
