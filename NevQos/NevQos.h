@@ -2,8 +2,10 @@
 #pragma once
 
 #include "NevQos/basic/QosBasicSm.h"
+#include "NevQos/cbf/CbfFecMappingSm.h"
 #include "NevQos/classes/QosClassData.h"
 #include "NevQos/copp/DynamicPerPortCoppSm.h"
+#include "NevQos/helpers/CbfFecMappingHelper.h"
 #include "NevQos/helpers/QosAclHelper.h"
 #include "NevQos/helpers/QosBasicHelper.h"
 #include "NevQos/kernel/QosKernelStatusSm.h"

@@ -1,0 +1,339 @@
+#include "NevQos/cbf/CbfFecMappingSm.h"
+
+#include "NevQos/log/QosLogHandles.h"
+#include "NevQos/log/TraceHandles.h"
+#include "zub/Assert.h"
+#include "zub/Fleelog.h"
+#include "zub/Log.h"
+
+namespace Nev {
+
+namespace {
+
+using Qos::Glarn::FecOverrideEntry;
+using Qos::Glarn::FecOverrideStatusEntry;
+using Qos::Glarn::OverrideKey;
+
+unsigned afOf( OverrideKey const& key ) {
+   return unsigned( key.af );
+}
+
+unsigned dscpOf( OverrideKey const& key ) {
+   return key.dscp.value();
+}
+
+}  // namespace
+
+CbfFecMappingSm::CbfFecMappingSm(
+      VrfId vrfId, Zub::Ptr< Qos::Glarn::FecOverrideConfig const > const& policyFecOverrideConfig,
+      Zub::Ptr< Qos::Glarn::FecOverrideStatus > const& policyFecOverrideStatus,
+      Zub::Ptr< FecIdToHwFecIdRequest > const& hwFecIdRequest,
+      Zub::Ptr< FecIdToHwFecIdResponse const > const& hwFecIdResponse,
+      Zub::Ptr< Kesh::TaskScheduler > const& scheduler,
+      Zub::Ptr< NevHelper::CbfFecMappingHelper > const& mappingHelper )
+    : vrfId_( vrfId )
+    , policyFecOverrideStatus_( policyFecOverrideStatus )
+    , hwFecIdRequest_( hwFecIdRequest )
+    , scheduler_( scheduler )
+    , mappingHelper_( mappingHelper ) {
+   // handleInitialized() walks the configuration itself.
+   constexpr bool catchUp = false;
+   policyFecOverrideConfig_.is( policyFecOverrideConfig, this, catchUp );
+   hwFecIdResponse_.is( hwFecIdResponse, this, catchUp );
+   handleInitialized();
+}
+
+CbfFecMappingSm::~CbfFecMappingSm() {
+   handleDeletion();
+   zubDoZombieReactors( true );
+}
+
+// ---- lifecycle ----
+
+void CbfFecMappingSm::handleInitialized() {
+   ZUB_TRACE( nevCbfFecMappingSmTrace, 0, "handleInitialized vrf " << vrfId() );
+   policyOverrideTaskIs( scheduler(), Kesh::TaskPriority::high, "policyOverrideTask" );
+   initialized_ = true;
+   handlePolicyOverrideConfig();
+}
+
+void CbfFecMappingSm::handleDeletion() {
+   ZUB_TRACE( nevCbfFecMappingSmTrace, 0, "handleDeletion vrf " << vrfId() );
+   initialized_ = false;
+   // The FEC service stops tracking ids for a VRF that went away. Status and rules stay.
+   if( hwFecIdRequest() ) hwFecIdRequest()->hwFecIdRequestDelAll();
+}
+
+void CbfFecMappingSm::zubDoZombieReactors( bool zombie ) {
+   if( this->zombie() == zombie ) return;
+   zombieIs( zombie );
+   policyFecOverrideConfig_.zombieIs( zombie );
+   hwFecIdResponse_.zombieIs( zombie );
+   if( policyOverrideTaskReactor_ ) policyOverrideTaskReactor_->zombieIs( zombie );
+}
+
+// ---- interest tracking ----
+
+void CbfFecMappingSm::handlePolicyOverrideConfig() {
+   ZUB_TRACE( nevCbfFecMappingSmTrace, 0, "handlePolicyOverrideConfig" );
+   for( auto it = policyFecOverrideConfig()->iter( Glarn::IterHint::sequential ); it; ++it )
+      handlePolicyOverrideConfig( it.key() );
+}
+
+void CbfFecMappingSm::handlePolicyOverrideConfig( OverrideKey const& key ) {
+   if( !initialized() ) return;
+   PAIRLOG( nevCbfFecMappingSmTrace, 0, "handlePolicyOverrideConfig", " af: ", afOf( key ),
+            " dscp: ", dscpOf( key ), " fecId: ", key.fecId );
+   bool found = false;
+   FecOverrideEntry entry;
+   policyFecOverrideConfig()->safeLookup( key, found, entry );
+   bool const isDelete = !found;
+   if( isDelete ) {
+      // Without a cached copy the default entry stands in: its FECs are not the key's, so
+      // no FEC's interest changes, and the key is still reviewed.
+      FecOverrideEntry const* cached = configCache().find( key );
+      entry = cached ? *cached : FecOverrideEntry{};
+   }
+   updateInternalMappingAndFecRequest( entry, isDelete );
+   policyOverrideReviewQueueIs( key, true );
+}
+
+void CbfFecMappingSm::updateInternalMappingAndFecRequest( FecOverrideEntry const& entry,
+                                                          bool isDelete ) {
+   OverrideKey const& key = entry.key;
+   PAIRLOG( nevCbfFecMappingSmTrace, 0, "af: ", afOf( key ), " dscp: ", dscpOf( key ),
+            " fecId: ", key.fecId, " overriding fecId: ", entry.overridingFecId,
+            " isDelete: ", isDelete );
+   if( isDelete ) {
+      configCacheDel( key );
+      cbfFecMapRuleCacheDel( key );
+   } else {
+      // The FEC that took over until now loses the key.
+      FecOverrideEntry const* cached = configCache().find( key );
+      if( cached && cached->overridingFecId != entry.overridingFecId ) {
+         Glarn::Fib::FecId const oldOverridingFecId = cached->overridingFecId;
+         updateFecIdToOverrideKey( oldOverridingFecId, key, true );
+         maybeUpdateFecRequest( oldOverridingFecId );
+      }
+      configCacheIs( entry );
+      cbfFecMapRuleCacheIs( key );
+   }
+   updateFecIdToOverrideKey( key.fecId, key, isDelete );
+   updateFecIdToOverrideKey( entry.overridingFecId, key, isDelete );
+   maybeUpdateFecRequest( key.fecId );
+   maybeUpdateFecRequest( entry.overridingFecId );
+}
+
+void CbfFecMappingSm::updateFecIdToOverrideKey( Glarn::Fib::FecId fecId, OverrideKey const& key,
+                                                bool isDelete ) {
+   if( !isDelete ) {
+      Zub::Ptr< FecIdToOverrideKey > users;
+      if( auto const* found = fecIdToOverrideKey_.find( fecId ) ) {
+         users = *found;
+      } else {
+         users = Zub::make< FecIdToOverrideKey >( fecId );
+         fecIdToOverrideKey_.set( fecId, users );
+      }
+      users->mappingIs( key, true );
+      return;
+   }
+   auto const* found = fecIdToOverrideKey_.find( fecId );
+   if( !found ) return;
+   Zub::Ptr< FecIdToOverrideKey > const users = *found;
+   users->mappingDel( key );
+   if( users->mapping().empty() ) fecIdToOverrideKey_.erase( fecId );
+}
+
+void CbfFecMappingSm::maybeUpdateFecRequest( Glarn::Fib::FecId fecId ) {
+   ZUB_TRACE( nevCbfFecMappingSmTrace, 0, "maybeUpdateFecRequest fecId " << fecId );
+   if( fecIdToOverrideKey().has( fecId ) ) {
+      if( hwFecIdRequest()->has( fecId ) ) return;
+      PAIRLOG( nevCbfFecMappingSmTrace, 0, " Adding request for fecId ", fecId );
+      hwFecIdRequest()->hwFecIdRequestIs( HwFecIdRequest{ fecId } );
+      return;
+   }
+   PAIRLOG( nevCbfFecMappingSmTrace, 0, " Removing request for fecId ", fecId );
+   hwFecIdRequest()->hwFecIdRequestDel( fecId );
+}
+
+void CbfFecMappingSm::handleHwFecIdResponse() {
+   ZUB_TRACE( nevCbfFecMappingSmTrace, 0, "handleHwFecIdResponse" );
+   for( auto it = hwFecIdResponse()->iter( Glarn::IterHint::sequential ); it; ++it )
+      handleHwFecIdResponse( it.key() );
+}
+
+// A FEC that appears, changes its hardware id or vanishes: every key that uses it is reviewed.
+void CbfFecMappingSm::handleHwFecIdResponse( Glarn::Fib::FecId fecId ) {
+   ZUB_TRACE( nevCbfFecMappingSmTrace, 0, " fecId: " << fecId );
+   if( !initialized() ) return;
+   auto const* users = fecIdToOverrideKey().find( fecId );
+   if( !users ) return;
+   // A copy: reviews do not change the set, but the walk must not depend on that.
+   Zub::Ptr< FecIdToOverrideKey > const keep = *users;
+   for( auto it = keep->mapping().iter(); it; ++it )
+      policyOverrideReviewQueueIs( it.key(), true );
+}
+
+void CbfFecMappingSm::cbfFecMapRuleCacheIs( OverrideKey const& key ) {
+   if( !cbfFecMapRuleCache_.has( key ) ) {
+      cbfFecMapRuleCache_.set( key, Zub::make< CbfFecMapRule >( key ) );
+   }
+}
+
+// ---- review ----
+
+void CbfFecMappingSm::policyOverrideTaskIs( Zub::Ptr< Kesh::TaskScheduler > const& scheduler,
+                                            Kesh::TaskPriority priority, Zub::String const& name ) {
+   policyOverrideTask_ = Zub::make< Kesh::TimerTask >( scheduler, priority, name );
+   policyOverrideTaskReactor_ = Zub::make< ZubPolicyOverrideTask >( this );
+   policyOverrideTaskReactor_->notifierIsWithoutCatchUp( policyOverrideTask_ );
+}
+
+void CbfFecMappingSm::policyOverrideReviewQueueIs( OverrideKey const& key, bool ) {
+   if( policyOverrideReviewQueue_.has( key ) ) return;
+   policyOverrideReviewQueue_.set( key, true );
+   policyOverrideTask()->scheduleTask();
+}
+
+void CbfFecMappingSm::policyOverrideReviewQueueDel( OverrideKey const& key ) {
+   policyOverrideReviewQueue_.erase( key );
+}
+
+void CbfFecMappingSm::doReviewPolicyOverride() {
+   ZUB_TRACE( nevCbfFecMappingSmTrace, 0,
+              "doReviewPolicyOverride, " << policyOverrideReviewQueue().size() << " queued" );
+   if( !initialized() ) return;
+   Kesh::TimerTask& task = *policyOverrideTask();
+   bool lastSettled = true;
+   for( auto it = policyOverrideReviewQueue().iter(); it; ) {
+      OverrideKey const key = it.key();
+      lastSettled = processPolicyOverride( key );
+      if( lastSettled ) policyOverrideReviewQueueDel( key );
+      task.taskWorkCountInc( 1 );
+      ++it;
+      // The next run starts the walk over.
+      if( it && task.taskShouldYield() ) {
+         task.scheduleTask();
+         return;
+      }
+   }
+   if( policyOverrideReviewQueue().empty() ) {
+      // The shortage is over only once every key is settled.
+      updateResourceFullAndSyslog( false );
+      return;
+   }
+   // Only the last key of the walk decides how soon the next review comes.
+   Zub::Seconds delay = defaultDelay();
+   if( !lastSettled && resourceFull() ) {
+      delay = longDelay();
+      PAIRLOG( nevCbfFecMappingSmTrace, 2,
+               "Entry remaining in review queue, reschedule review after ", delay, " seconds" );
+   }
+   task.scheduleTaskDelay( delay );
+}
+
+bool CbfFecMappingSm::processPolicyOverride( OverrideKey const& overrideKey ) {
+   ZUB_ASSERT( initialized() );
+   PAIRLOG( nevCbfFecMappingSmTrace, 0, "processPolicyOverride", " af: ", afOf( overrideKey ),
+            " dscp: ", dscpOf( overrideKey ), " fecId: ", overrideKey.fecId );
+   bool configured = false;
+   FecOverrideEntry entry;
+   policyFecOverrideConfig()->safeLookup( overrideKey, configured, entry );
+   if( configured ) {
+      std::uint64_t hwFecId = 0;
+      std::uint64_t overridingHwFecId = 0;
+      bool const fecKnown = hwFecIdOf( overrideKey.fecId, hwFecId );
+      if( !fecKnown ) {
+         ZUB_TRACE( nevCbfFecMappingSmTrace, 1,
+                    " Fec not found for fecId to override: " << overrideKey.fecId );
+         FLEELOG( " Fec not found for fecId to override" );
+      }
+      if( !hwFecIdOf( entry.overridingFecId, overridingHwFecId ) ) {
+         PAIRLOG( nevCbfFecMappingSmTrace, 1,
+                  " Fec not found for overriding fecId: ", entry.overridingFecId );
+      } else if( fecKnown ) {
+         return programRule( overrideKey, hwFecId, overridingHwFecId );
+      }
+   }
+   // Not programmable, or not wanted any more: a rule in hardware must go.
+   bool found = false;
+   FecOverrideStatusEntry status;
+   policyFecOverrideStatus()->safeLookup( overrideKey, found, status );
+   if( found && status.status == Qos::Glarn::fecOverrideProgrammed ) {
+      mappingHelper()->deleteMapping( overrideKey );
+      PAIRLOG( nevCbfFecMappingSmTrace, 1, " mapping not programmed in hardware" );
+   }
+   if( configured ) {
+      statusIs( overrideKey, Qos::Glarn::fecOverrideWaitingForHwFecId,
+                Qos::Hardware::invalidFecOverrideRuleId );
+   } else {
+      policyFecOverrideStatus()->overrideDel( overrideKey );
+   }
+   // Settled: an answer for its FEC brings a waiting key back.
+   return true;
+}
+
+bool CbfFecMappingSm::programRule( OverrideKey const& key, std::uint64_t hwFecId,
+                                   std::uint64_t overridingHwFecId ) {
+   cbfFecMapRuleCacheIs( key );
+   Zub::Ptr< CbfFecMapRule > const rule = *cbfFecMapRuleCache().find( key );
+   rule->hwFecIdIs( hwFecId );
+   rule->overridingHwFecIdIs( overridingHwFecId );
+   switch( mappingHelper()->createOrUpdateMapping( *rule ) ) {
+      case NevHelper::cbfMapUpdateSuccess:
+         PAIRLOG( nevCbfFecMappingSmTrace, 1, " Programming success" );
+         statusIs( key, Qos::Glarn::fecOverrideProgrammed,
+                   mappingHelper()->hwFecOverrideRuleId( key ) );
+         return true;
+      case NevHelper::cbfMapUpdateNotReady:
+         PAIRLOG( nevCbfFecMappingSmTrace, 1, " Hardware not ready, retry later" );
+         statusIs( key, Qos::Glarn::fecOverrideHwNotReady,
+                   Qos::Hardware::invalidFecOverrideRuleId );
+         return false;
+      case NevHelper::cbfMapUpdateFailed:
+         PAIRLOG( nevCbfFecMappingSmTrace, 1, " Programming failed, out of resource in hardware" );
+         updateResourceFullAndSyslog( true );
+         statusIs( key, Qos::Glarn::fecOverrideOutOfResource,
+                   Qos::Hardware::invalidFecOverrideRuleId );
+         return false;
+   }
+   ZUB_ASSERT_TEXT( false, "false" );
+   return false;
+}
+
+void CbfFecMappingSm::statusIs( OverrideKey const& key, Qos::Glarn::FecOverrideProgramStatus status,
+                                Qos::Hardware::FecOverrideRuleId hwRuleId ) {
+   policyFecOverrideStatus()->overrideIs( FecOverrideStatusEntry{ key, status, hwRuleId } );
+}
+
+bool CbfFecMappingSm::hwFecIdOf( Glarn::Fib::FecId fecId, std::uint64_t& hwFecId ) const {
+   bool found = false;
+   FecToHwFecId response;
+   hwFecIdResponse()->safeLookup( fecId, found, response );
+   hwFecId = response.hwFecId;
+   return found;
+}
+
+void CbfFecMappingSm::updateResourceFullAndSyslog( bool resourceFullState ) {
+   ZUB_TRACE( nevCbfFecMappingSmTrace, 0, "updateResourceFullAndSyslog " << resourceFullState );
+   if( resourceFullState == resourceFull() ) return;
+   resourceFull_ = resourceFullState;
+   if( resourceFullState ) {
+      Zub::log( ROUTING_CBF_HW_RESOURCE_FULL );
+   } else {
+      Zub::log( ROUTING_CBF_HW_RESOURCE_NORMAL );
+   }
+}
+
+Zub::Ptr< CbfFecMappingSm > cbfFecMappingSmFactory(
+      VrfId vrfId, Zub::Ptr< Qos::Glarn::FecOverrideConfig const > const& policyFecOverrideConfig,
+      Zub::Ptr< Qos::Glarn::FecOverrideStatus > const& policyFecOverrideStatus,
+      Zub::Ptr< FecIdToHwFecIdRequest > const& hwFecIdRequest,
+      Zub::Ptr< FecIdToHwFecIdResponse const > const& hwFecIdResponse,
+      Zub::Ptr< Kesh::TaskScheduler > const& scheduler,
+      Zub::Ptr< NevHelper::CbfFecMappingHelper > const& mappingHelper ) {
+   return Zub::make< CbfFecMappingSm >( vrfId, policyFecOverrideConfig, policyFecOverrideStatus,
+                                        hwFecIdRequest, hwFecIdResponse, scheduler, mappingHelper );
+}
+
+}  // namespace Nev
