@@ -18,6 +18,8 @@ TARGETS = {
 ITEMS = {
     "BM_EngineCompile": "rules",
     "BM_EngineCompileBaseline": "rules",
+    "BM_CbfReview": "keys",
+    "BM_CbfReviewBaseline": "keys",
 }
 
 RATE_SUFFIX = "_per_second"

@@ -35,6 +35,9 @@ namespace Glarn {
 // interface's sake.
 enum class IterHint : std::uint8_t { none = 0, sequential = 1 };
 
+// How a view is opened.
+enum class Access : std::uint8_t { readOnly, writer };
+
 // The library's own diagnostics.
 extern Zub::TraceHandle glarnTrace;
 
@@ -168,7 +171,7 @@ template< class Record >
 class GlarnMap : public Zub::Notifier {
  public:
    using Key = typename GlarnStore< Record >::Key;
-   enum class Access { readOnly, writer };
+   using Access = Glarn::Access;
 
    class Notifiee : public Zub::NotifieeBase {
     public:
