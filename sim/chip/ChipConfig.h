@@ -36,6 +36,8 @@ struct FaultConfig {
       // The `nth` asynchronous operation (1 = first) never completes: the chip reports it
       // pending, and the engine times it out.
       asyncPending,
+      // The class-based-forwarding rule table answers "not ready" to every rule.
+      cbfNotReady,
    };
    Kind kind = Kind::operationError;
    std::string family;  // "ipv4", "ipv6", "mac"; empty for any
@@ -67,6 +69,8 @@ struct ChipConfig {
    // Control-plane policers the kernel's reports put on one CPU queue of one port while it is
    // saturated.
    std::uint32_t portCpuQueuePolicers = 16;
+   // Class-based-forwarding override rules.
+   std::uint32_t cbfRules = 64;
    // Classes a QoS policy map may have, class-default included.
    std::uint32_t maxClassesPerPolicyMap = 256;
 

@@ -74,6 +74,8 @@ class SimQosAclHelper : public NevHelper::QosAclHelper {
    // Switches fault `index` of the configuration off or on; it still holds only in its time
    // window.
    void faultIs( std::size_t index, bool on );
+   // Whether a fault of `kind` holds now; the chip's other helpers ask it too.
+   bool faultOn( FaultConfig::Kind kind ) const;
    // Called when the chip reports an operation pending that it will never complete (the
    // asyncPending fault); the agent marks the engine's operation pending so that it times out.
    void operationLeftPendingHandlerIs( std::function< void() > handler ) {
@@ -185,7 +187,6 @@ class SimQosAclHelper : public NevHelper::QosAclHelper {
    // The answer a scripted fault gives to this call of `op`, if any.
    std::optional< Nev::AclCreateError > faultFor( std::string const& op );
    bool active( FaultConfig const& fault ) const;
-   bool faultOn( FaultConfig::Kind kind ) const;
    // Writes one entry; a refusal is answered now, or kept for the asynchronous result.
    Nev::AclCreateError install( std::string const& aclId, TcamEntry entry );
    // A rule operation after its call is recorded: a scripted fault, or the entry written into

@@ -8,6 +8,7 @@
 
 #include "sim/chip/ChipText.h"
 #include "sim/runner/BasicReport.h"
+#include "sim/runner/CbfReport.h"
 #include "sim/runner/ControlPlaneReport.h"
 
 namespace Sim {
@@ -345,6 +346,7 @@ Json reportOf( Scenario const& scenario, SimSwitch const& sw ) {
                 { "status", statusOf( sw ) },
                 { "basic", basicOf( sw.basicChip() ) },
                 { "controlPlane", controlPlaneOf( sw ) },
+                { "cbf", cbfOf( sw ) },
                 { "tcam", tcamOf( sw.chip() ) },
                 { "resources", resourcesOf( sw.chip() ) } };
 }
@@ -363,6 +365,7 @@ void printTextReport( std::ostream& os, Json const& report, std::size_t limit ) 
    printFeatures( os, report[ "status" ] );
    printBasic( os, report[ "basic" ] );
    printControlPlane( os, report[ "controlPlane" ] );
+   printCbf( os, report[ "cbf" ] );
 }
 
 }  // namespace Sim

@@ -44,7 +44,8 @@ SimSwitch::SimSwitch( Scenario const& scenario ) {
    entitiesIs( scenario.chip );
    publisher_ = std::make_unique< ConfigPublisher >(
          EngineInputs{ qosStatus_, aclConfig_, aclHwStatus_, hwStatus_, counterConfigDir_, ncsd_,
-                       cliCounterConfig_, ethPhyIntfStatusDir_, kernelCoppStatus_ },
+                       cliCounterConfig_, ethPhyIntfStatusDir_, kernelCoppStatus_,
+                       fecOverrideConfig_, fecService_ },
          scenario.file );
    publisher_->chipIs( scenario.chip );
    publisher_->initialIs( scenario.initial );
@@ -60,6 +61,7 @@ SimSwitch::~SimSwitch() {
    coppEngine_ = nullptr;
    if( kernelEngine_ ) kernelEngine_->zubDoZombieReactors( true );
    kernelEngine_ = nullptr;
+   cbfEngine_ = nullptr;
    Zub::logSinkIs( nullptr );
    Zub::activityManagerIs( nullptr );
 }
@@ -90,6 +92,32 @@ void SimSwitch::entitiesIs( ChipConfig const& chip ) {
    basicChip_->callLogIs( &calls_ );
    kernelCoppStatus_ = Zub::make< Nev::KernelCoPPStatus >( Zub::Name( "kernelCopp" ) );
    pktDrv_ = Zub::make< SimPktDrv >();
+   cbfTablesIs( chip );
+}
+
+void SimSwitch::cbfTablesIs( ChipConfig const& chip ) {
+   using Access = Glarn::Access;
+   auto const configStore = Zub::make< Qos::Glarn::FecOverrideConfig::Store >(
+         Zub::String( "cbf/fecOverrideConfig" ) );
+   fecOverrideConfig_ = Zub::make< Qos::Glarn::FecOverrideConfig >( configStore, Access::writer );
+   fecOverrideConfigView_ =
+         Zub::make< Qos::Glarn::FecOverrideConfig >( configStore, Access::readOnly );
+   fecOverrideStatus_ = Zub::make< Qos::Glarn::FecOverrideStatus >(
+         Zub::make< Qos::Glarn::FecOverrideStatus::Store >(
+               Zub::String( "cbf/fecOverrideStatus" ) ),
+         Access::writer );
+   hwFecIdRequest_ = Zub::make< Nev::FecIdToHwFecIdRequest >(
+         Zub::make< Nev::FecIdToHwFecIdRequest::Store >( Zub::String( "fec/hwFecIdRequest" ) ),
+         Access::writer );
+   auto const serviceStore =
+         Zub::make< Nev::FecIdToHwFecIdResponse::Store >( Zub::String( "fec/hwFecIdResponse" ) );
+   fecService_ = Zub::make< Nev::FecIdToHwFecIdResponse >( serviceStore, Access::writer );
+   fecServiceView_ = Zub::make< Nev::FecIdToHwFecIdResponse >( serviceStore, Access::readOnly );
+   taskScheduler_ = Zub::make< Kesh::TaskScheduler >();
+   cbfChip_ = Zub::make< SimCbfFecMappingHelper >(
+         chip.cbfRules,
+         [ acl = chip_.ptr() ] { return acl->faultOn( FaultConfig::Kind::cbfNotReady ); }, clock_,
+         &calls_ );
 }
 
 void SimSwitch::engineIs() {
@@ -109,6 +137,10 @@ void SimSwitch::engineIs() {
    coppEngine_ = Nev::dynamicPerPortCoppSmFactory( clock_, kernelCoppStatus_,
                                                    Zub::Ptr< NevHelper::QosAclHelper >( chip_ ) );
    kernelEngine_ = Nev::qosKernelStatusSmFactory( pktDrv_, qosStatus_, hwStatus_ );
+   // One VRF; the machine starts at once, over the overrides published so far.
+   cbfEngine_ =
+         Nev::cbfFecMappingSmFactory( 1, fecOverrideConfigView_, fecOverrideStatus_,
+                                      hwFecIdRequest_, fecServiceView_, taskScheduler_, cbfChip_ );
    loop_->runUntil( loop_->now() );
 }
 

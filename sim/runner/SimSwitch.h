@@ -1,6 +1,7 @@
 // A switch in miniature for one scenario: every input and status entity the engines need, the
 // reference chip as their helpers and as the kernel's packet driver, the policy engine, the basic
-// QoS engine and the two control-plane machines (per-port CoPP and the kernel mirror), and the
+// QoS engine, the two control-plane machines (per-port CoPP and the kernel mirror) and the FEC
+// override machine of one VRF, and the
 // publisher that plays the configuration agents and the kernel, all on one event loop in
 // virtual time. It keeps the system
 // log with the time of each line. One at a time per thread: it installs its loop and log sink while
@@ -12,11 +13,13 @@
 #include <vector>
 
 #include "NevQos/basic/QosBasicSm.h"
+#include "NevQos/cbf/CbfFecMappingSm.h"
 #include "NevQos/copp/DynamicPerPortCoppSm.h"
 #include "NevQos/kernel/QosKernelStatusSm.h"
 #include "NevQos/policy/QosAclSm.h"
 #include "entities/AclHwStatus.h"
 #include "entities/AclSliceHwStatus.h"
+#include "sim/chip/SimCbfFecMappingHelper.h"
 #include "sim/chip/SimPktDrv.h"
 #include "sim/chip/SimQosAclHelper.h"
 #include "sim/chip/SimQosBasicHelper.h"
@@ -60,6 +63,10 @@ class SimSwitch {
    SimPktDrv const& pktDrv() const { return *pktDrv_; }
    Nev::DynamicPerPortCoppSm const& coppEngine() const { return *coppEngine_; }
    Qos::HwStatus const& hwStatus() const { return *hwStatus_; }
+   SimCbfFecMappingHelper const& cbfChip() const { return *cbfChip_; }
+   Nev::CbfFecMappingSm const& cbfEngine() const { return *cbfEngine_; }
+   Qos::Glarn::FecOverrideStatus const& fecOverrideStatus() const { return *fecOverrideStatus_; }
+   Nev::FecIdToHwFecIdRequest const& hwFecIdRequest() const { return *hwFecIdRequest_; }
    Qos::SliceHwStatus const& sliceHwStatus() const { return *sliceHwStatus_; }
    Qos::AclSliceHwStatus const& aclSliceHwStatus() const { return *aclSliceHwStatus_; }
    Qos::AclHwStatus const& aclHwStatus() const { return *aclHwStatus_; }
@@ -70,6 +77,7 @@ class SimSwitch {
    void entitiesIs( ChipConfig const& chip );
    void engineIs();
    void chipChangesIs( std::vector< Change > const& changes );
+   void cbfTablesIs( ChipConfig const& chip );
 
    std::vector< ChipCall > calls_;
    Zub::Ptr< Zub::ActivityManager > loop_;
@@ -96,6 +104,17 @@ class SimSwitch {
    Zub::Ptr< Nev::DynamicPerPortCoppSm > coppEngine_;
    Zub::Ptr< SimPktDrv > pktDrv_;
    Zub::Ptr< Nev::QosKernelStatusSm > kernelEngine_;
+   // Class-based forwarding: the routing side's and the FEC service's writer views, the engine's
+   // views and tables, and the rule table.
+   Zub::Ptr< Qos::Glarn::FecOverrideConfig > fecOverrideConfig_;
+   Zub::Ptr< Qos::Glarn::FecOverrideConfig > fecOverrideConfigView_;
+   Zub::Ptr< Qos::Glarn::FecOverrideStatus > fecOverrideStatus_;
+   Zub::Ptr< Nev::FecIdToHwFecIdRequest > hwFecIdRequest_;
+   Zub::Ptr< Nev::FecIdToHwFecIdResponse > fecService_;
+   Zub::Ptr< Nev::FecIdToHwFecIdResponse > fecServiceView_;
+   Zub::Ptr< Kesh::TaskScheduler > taskScheduler_;
+   Zub::Ptr< SimCbfFecMappingHelper > cbfChip_;
+   Zub::Ptr< Nev::CbfFecMappingSm > cbfEngine_;
    std::unique_ptr< ConfigPublisher > publisher_;
    std::vector< LogLine > logs_;
 };

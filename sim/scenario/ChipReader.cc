@@ -59,6 +59,7 @@ constexpr CountField countFields[] = {
    { "policers", &ChipConfig::policers, 0 },
    { "counters", &ChipConfig::counters, 0 },
    { "cpuQueues", &ChipConfig::cpuQueues, 0 },
+   { "cbfRules", &ChipConfig::cbfRules, 0 },
    { "portCpuQueuePolicers", &ChipConfig::portCpuQueuePolicers, 0 },
    { "maxClassesPerPolicyMap", &ChipConfig::maxClassesPerPolicyMap, 1 },
    // Traffic classes and queues number up to 16.
@@ -117,6 +118,7 @@ constexpr std::pair< std::string_view, FaultConfig::Kind > faultKinds[] = {
    { "policerExhaustion", FaultConfig::Kind::policerExhaustion },
    { "operationError", FaultConfig::Kind::operationError },
    { "asyncPending", FaultConfig::Kind::asyncPending },
+   { "cbfNotReady", FaultConfig::Kind::cbfNotReady },
 };
 
 constexpr std::pair< std::string_view, std::string_view > tcamFamilies[] = {
@@ -164,6 +166,7 @@ std::vector< std::string_view > faultKeys( FaultConfig::Kind kind ) {
          break;
       case FaultConfig::Kind::outOfRangeCheckers:
       case FaultConfig::Kind::policerExhaustion:
+      case FaultConfig::Kind::cbfNotReady:
          break;
    }
    return keys;

@@ -367,4 +367,19 @@ void ConfigModel::put( KernelCoppReport const& report ) {
    }
 }
 
+// ---- Class-based forwarding
+
+void ConfigModel::put( FecOverrideRemoval const& removal ) {
+   if( !fecOverrides_.erase( removal.key ) ) {
+      refuse( "there is no FEC override " + textOf( removal.key ) + " to remove" );
+   }
+}
+
+void ConfigModel::put( FecServiceRemoval const& removal ) {
+   if( !fecService_.erase( removal.fec ) ) {
+      refuse( "the FEC service has no answer for FEC " + std::to_string( removal.fec ) +
+              " to take back" );
+   }
+}
+
 }  // namespace Sim

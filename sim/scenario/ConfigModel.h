@@ -68,6 +68,12 @@ class ConfigModel {
    }
    bool hwInitialized() const { return hwInitialized_; }
 
+   // Class-based forwarding: the overrides wanted, and the FEC service's answers.
+   std::map< Qos::Glarn::OverrideKey, FecOverrideDef > const& fecOverrides() const {
+      return fecOverrides_;
+   }
+   std::map< Glarn::Fib::FecId, FecServiceDef > const& fecService() const { return fecService_; }
+
    // Who uses what, in key order.
    std::vector< MapKey > classMapsUsing( AclKey const& acl ) const;
    std::vector< MapKey > policyMapsUsingClassMap( MapKey const& cmap ) const;
@@ -102,6 +108,10 @@ class ConfigModel {
    void put( EcnCountersRemoval const& removal );
    void put( LinkDef const& link );
    void put( KernelCoppReport const& report );
+   void put( FecOverrideDef const& def ) { fecOverrides_[ def.key ] = def; }
+   void put( FecOverrideRemoval const& removal );
+   void put( FecServiceDef const& def ) { fecService_[ def.fec ] = def; }
+   void put( FecServiceRemoval const& removal );
    void put( HwInitialization const& initialization ) {
       hwInitialized_ = initialization.initialized;
    }
@@ -125,6 +135,8 @@ class ConfigModel {
    std::map< Mirel::IntfId, LinkDef > links_;
    std::map< Nev::ModIdPortQueueKey, Nev::KernelCoppQueueState > kernelCopp_;
    bool hwInitialized_ = true;
+   std::map< Qos::Glarn::OverrideKey, FecOverrideDef > fecOverrides_;
+   std::map< Glarn::Fib::FecId, FecServiceDef > fecService_;
 };
 
 }  // namespace Sim

@@ -113,6 +113,7 @@ void ConfigPublisher::publish( ConfigModel after ) {
    for( Mirel::IntfId intf : diff.interfacesRemoved )
       in_.ncsd->intfDel( intf );
    controlPlaneIs( before );
+   cbfIs( before );
 }
 
 // Access lists, class maps, named policers and policy maps that are new or changed; each policy
@@ -217,6 +218,23 @@ void ConfigPublisher::controlPlaneIs( ConfigModel const& before ) {
    }
    for( auto const& [ key, state ] : model_.kernelCopp() )
       status->stateIs( key, state );
+}
+
+void ConfigPublisher::cbfIs( ConfigModel const& before ) {
+   if( auto const config = in_.fecOverrideConfig ) {
+      for( auto const& [ key, def ] : before.fecOverrides() ) {
+         if( !model_.fecOverrides().contains( key ) ) config->overrideDel( key );
+      }
+      for( auto const& [ key, def ] : model_.fecOverrides() )
+         config->overrideIs( Qos::Glarn::FecOverrideEntry{ key, def.overridingFec } );
+   }
+   if( auto const service = in_.fecService ) {
+      for( auto const& [ fec, def ] : before.fecService() ) {
+         if( !model_.fecService().contains( fec ) ) service->hwFecIdDel( fec );
+      }
+      for( auto const& [ fec, def ] : model_.fecService() )
+         service->hwFecIdIs( Nev::FecToHwFecId{ fec, def.hwFecId } );
+   }
 }
 
 void ConfigPublisher::requestsIs( std::vector< Change > const& changes, Zub::Seconds time ) {

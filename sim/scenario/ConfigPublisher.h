@@ -6,8 +6,8 @@
 // class maps, named policers, policy maps, service policies, removals, interfaces that vanish,
 // counter and clear requests, and last configVersionUpdateTime. Basic QoS (global maps, named
 // maps and profiles, interface and queue settings, ECN counters, links) is written after the
-// interfaces that appear; the kernel's reports on CPU queues and the chip driver's start-up come
-// last.
+// interfaces that appear; the kernel's reports on CPU queues and the chip driver's start-up, then
+// the FEC overrides and the FEC service's answers, come last.
 //
 // A policy map whose configuration changed (itself, a class map it uses, an access list one of
 // those uses, or the sharing of a named policer it uses) gets a new version, and so does every
@@ -23,8 +23,10 @@
 #include "entities/AclHwStatus.h"
 #include "entities/CounterConfig.h"
 #include "entities/EthPhyIntfStatus.h"
+#include "entities/FecOverride.h"
 #include "entities/HwStatus.h"
 #include "entities/QosStatus.h"
+#include "nev/FecIdToHwFecId.h"
 #include "nev/KernelCoPPStatus.h"
 #include "nev/NevCommonSmData.h"
 #include "sim/scenario/ConfigModel.h"
@@ -50,6 +52,10 @@ struct EngineInputs {
    Zub::Ptr< Interface::AllEthPhyIntfStatusDir > ethPhyIntfStatusDir = {};
    // The kernel's reports on the CPU queues of ports; may be null when nothing reads it.
    Zub::Ptr< Nev::KernelCoPPStatus > kernelCoppStatus = {};
+   // Class-based forwarding, as the routing side and the FEC service write them: the override
+   // configuration and the service's answers. Writer views; either may be null.
+   Zub::Ptr< Qos::Glarn::FecOverrideConfig > fecOverrideConfig = {};
+   Zub::Ptr< Nev::FecIdToHwFecIdResponse > fecService = {};
 };
 
 class ConfigPublisher {
@@ -84,6 +90,8 @@ class ConfigPublisher {
    void basicQosIs( ConfigModel const& before );
    // The kernel's reports and the driver's start-up, made to match the model.
    void controlPlaneIs( ConfigModel const& before );
+   // The FEC overrides and the FEC service's answers, made to match the model.
+   void cbfIs( ConfigModel const& before );
    void requestsIs( std::vector< Change > const& changes, Zub::Seconds time );
 
    EngineInputs in_;

@@ -14,6 +14,7 @@
 
 #include "entities/AclRuleConfig.h"
 #include "entities/ClassMapStatus.h"
+#include "entities/FecOverride.h"
 #include "entities/QosTypes.h"
 #include "mirel/IntfId.h"
 #include "nev/KernelCoPPStatus.h"
@@ -230,15 +231,32 @@ struct HwInitialization {
    bool initialized = true;
 };
 
+// Class-based forwarding: an override the routing side wants (traffic of the key's address
+// family and DSCP that would use the key's FEC uses `overridingFec` instead), and the FEC
+// service's answer for one FEC, its hardware id.
+struct FecOverrideDef {
+   Qos::Glarn::OverrideKey key;
+   Glarn::Fib::FecId overridingFec = 0;
+};
+struct FecOverrideRemoval {
+   Qos::Glarn::OverrideKey key;
+};
+struct FecServiceDef {
+   Glarn::Fib::FecId fec = 0;
+   std::uint64_t hwFecId = 0;
+};
+struct FecServiceRemoval {
+   Glarn::Fib::FecId fec = 0;
+};
+
 // A definition adds what it names or replaces it; a removal removes it.
-using ChangeValue =
-      std::variant< AclDef, AclRemoval, ClassMapDef, ClassMapRemoval, NamedPolicerDef,
-                    NamedPolicerRemoval, PolicyMapDef, PolicyMapRemoval, ServicePolicyDef,
-                    ServicePolicyRemoval, Attachment, InterfacePresence, CounterRequest,
-                    TrafficInjection, ClearRequest, FaultSwitch, GlobalMapsDef, DscpRewriteMapDef,
-                    DscpRewriteMapRemoval, CosToTcProfileDef, CosToTcProfileRemoval, IntfQosDef,
-                    IntfQosRemoval, EcnCountersDef, EcnCountersRemoval, LinkDef, KernelCoppReport,
-                    HwInitialization >;
+using ChangeValue = std::variant<
+      AclDef, AclRemoval, ClassMapDef, ClassMapRemoval, NamedPolicerDef, NamedPolicerRemoval,
+      PolicyMapDef, PolicyMapRemoval, ServicePolicyDef, ServicePolicyRemoval, Attachment,
+      InterfacePresence, CounterRequest, TrafficInjection, ClearRequest, FaultSwitch, GlobalMapsDef,
+      DscpRewriteMapDef, DscpRewriteMapRemoval, CosToTcProfileDef, CosToTcProfileRemoval,
+      IntfQosDef, IntfQosRemoval, EcnCountersDef, EcnCountersRemoval, LinkDef, KernelCoppReport,
+      HwInitialization, FecOverrideDef, FecOverrideRemoval, FecServiceDef, FecServiceRemoval >;
 
 struct Change {
    Where where;

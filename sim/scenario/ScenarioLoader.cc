@@ -18,7 +18,7 @@ std::vector< std::string_view > const topKeys = {
    "description",     "chip",         "interfaces",      "acls",       "classMaps",
    "namedPolicers",   "policyMaps",   "servicePolicies", "globalMaps", "dscpRewriteMaps",
    "cosToTcProfiles", "interfaceQos", "ecnCounters",     "links",      "kernelCopp",
-   "steps",
+   "fecOverrides",    "fecService",   "steps",
 };
 
 // The one document of the text.
@@ -109,6 +109,12 @@ void readInitial( YAML::Node const& doc, YamlReader const& yaml, StepReader cons
    initialList(
          doc, "kernelCopp", yaml, [ & ]( auto const& n ) { return reader.kernelCoppReport( n ); },
          []( KernelCoppReport const& r ) { return "queue " + portQueueText( r.key ); }, out );
+   initialList(
+         doc, "fecOverrides", yaml, [ & ]( auto const& n ) { return reader.fecOverride( n ); },
+         []( FecOverrideDef const& o ) { return "override " + textOf( o.key ); }, out );
+   initialList(
+         doc, "fecService", yaml, [ & ]( auto const& n ) { return reader.fecService( n ); },
+         []( FecServiceDef const& f ) { return "FEC " + std::to_string( f.fec ); }, out );
 }
 
 void readSteps( YAML::Node const& doc, YamlReader const& yaml, StepReader const& reader,

@@ -38,6 +38,15 @@ std::vector< std::string_view > const changeKinds = {
    "link",
    "kernelCopp",
    "hwInitialized",
+   "fecOverride",
+   "removeFecOverride",
+   "fecService",
+   "removeFecService",
+};
+
+constexpr std::pair< std::string_view, Mirel::AddressFamily > overrideFamilies[] = {
+   { "ipv4", Mirel::ipv4 },
+   { "ipv6", Mirel::ipv6 },
 };
 
 }  // namespace
@@ -98,6 +107,14 @@ ChangeValue StepReader::value( std::string const& kind, YAML::Node const& node )
    if( kind == "fault" ) return faultSwitch( node );
    if( kind == "kernelCopp" ) return kernelCoppReport( node );
    if( kind == "hwInitialized" ) return HwInitialization{ yaml_.flag( node, kind ) };
+   if( kind == "fecOverride" ) return fecOverride( node );
+   if( kind == "removeFecOverride" ) {
+      return FecOverrideRemoval{ overrideKey( node, kind, { "af", "dscp", "fec" } ) };
+   }
+   if( kind == "fecService" ) return fecService( node );
+   if( kind == "removeFecService" ) {
+      return FecServiceRemoval{ yaml_.unsignedInteger( node, kind, UINT64_MAX ) };
+   }
    if( auto basic = basicQosValue( kind, node ) ) return std::move( *basic );
    return removal( kind, node );
 }
@@ -202,6 +219,35 @@ KernelCoppReport StepReader::kernelCoppReport( YAML::Node const& node ) const {
    report.key = Nev::ModIdPortQueueKey( modId, number( "port" ), number( "queue" ) );
    report.state = yaml_.choice( yaml_.required( node, "state" ), "state", kernelCoppStateNames() );
    return report;
+}
+
+Qos::Glarn::OverrideKey StepReader::overrideKey(
+      YAML::Node const& node, std::string const& what,
+      std::vector< std::string_view > const& keys ) const {
+   yaml_.checkMapping( node, what, keys );
+   Qos::Glarn::OverrideKey key;
+   if( auto const af = node[ "af" ] ) {
+      key.af = yaml_.choice( af, "af", NameTable< Mirel::AddressFamily >( overrideFamilies ) );
+   }
+   key.dscp = Qos::Dscp( yaml_.dscp( yaml_.required( node, "dscp" ), "dscp" ) );
+   key.fecId = yaml_.unsignedInteger( yaml_.required( node, "fec" ), "fec", UINT64_MAX );
+   return key;
+}
+
+FecOverrideDef StepReader::fecOverride( YAML::Node const& node ) const {
+   FecOverrideDef def;
+   def.key = overrideKey( node, "fecOverride", { "af", "dscp", "fec", "overridingFec" } );
+   def.overridingFec = yaml_.unsignedInteger( yaml_.required( node, "overridingFec" ),
+                                              "overridingFec", UINT64_MAX );
+   return def;
+}
+
+FecServiceDef StepReader::fecService( YAML::Node const& node ) const {
+   yaml_.checkMapping( node, "fecService", { "fec", "hwFecId" } );
+   FecServiceDef def;
+   def.fec = yaml_.unsignedInteger( yaml_.required( node, "fec" ), "fec", UINT64_MAX );
+   def.hwFecId = yaml_.unsignedInteger( yaml_.required( node, "hwFecId" ), "hwFecId", UINT64_MAX );
+   return def;
 }
 
 }  // namespace Sim

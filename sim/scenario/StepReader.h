@@ -32,6 +32,9 @@ class StepReader {
    BasicQosReader const& basicQos() const { return basicQos_; }
    // { modId, port, queue, state }; modId 0 when left out.
    KernelCoppReport kernelCoppReport( YAML::Node const& node ) const;
+   // Class-based forwarding: { af, dscp, fec, overridingFec } and { fec, hwFecId }.
+   FecOverrideDef fecOverride( YAML::Node const& node ) const;
+   FecServiceDef fecService( YAML::Node const& node ) const;
 
  private:
    ChangeValue value( std::string const& kind, YAML::Node const& node ) const;
@@ -42,6 +45,9 @@ class StepReader {
    Attachment attachment( YAML::Node const& node, bool attach ) const;
    TrafficInjection traffic( YAML::Node const& node ) const;
    FaultSwitch faultSwitch( YAML::Node const& node ) const;
+   // The key of an override: { af, dscp, fec }, af ipv4 when left out.
+   Qos::Glarn::OverrideKey overrideKey( YAML::Node const& node, std::string const& what,
+                                        std::vector< std::string_view > const& keys ) const;
 
    YamlReader const& yaml_;
    AclReader acls_;

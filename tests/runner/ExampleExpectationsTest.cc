@@ -43,7 +43,8 @@ Json expectedPartOf( Json const& report ) {
                                 { "acls", acls } } },
                 { "resources", report[ "resources" ] },
                 { "basic", report[ "basic" ] },
-                { "controlPlane", report[ "controlPlane" ] } };
+                { "controlPlane", report[ "controlPlane" ] },
+                { "cbf", report[ "cbf" ] } };
 }
 
 class ExampleExpectationsTest : public ::testing::TestWithParam< char const* > {};
@@ -70,7 +71,8 @@ TEST_P( ExampleExpectationsTest, TheReportIsAsExpected ) {
 INSTANTIATE_TEST_SUITE_P( Examples, ExampleExpectationsTest,
                           ::testing::Values( "edge-policy", "tcam-exhaustion", "range-checkers",
                                              "async-timeout", "counters", "classbench-10k",
-                                             "ecn-profiles", "copp-exhaustion" ) );
+                                             "ecn-profiles", "copp-exhaustion",
+                                             "cbf-overrides" ) );
 
 }  // namespace
 }  // namespace NevQosTest

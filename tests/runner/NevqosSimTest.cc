@@ -235,6 +235,45 @@ TEST( NevqosSimTest, PerPortCoppRunsOutIsRetriedEachMinuteAndRecovers ) {
    EXPECT_EQ( starting.report()[ "controlPlane" ][ "kernel" ][ "operations" ], 0 );
 }
 
+TEST( NevqosSimTest, FecOverridesWaitAreProgrammedRunOutAndRecover ) {
+   Json const r = reportOf( "cbf-overrides.yaml" );
+   Lines cbf;
+   for( Json const& c : r[ "calls" ] ) {
+      if( c[ "helper" ] != "cbf" ) continue;
+      std::ostringstream os;
+      os << c[ "t" ].get< double >() << " " << c[ "op" ].get< std::string >() << " "
+         << c[ "args" ][ "key" ].get< std::string >();
+      if( c[ "args" ].contains( "overridingHwFecId" ) ) {
+         os << " " << c[ "args" ][ "overridingHwFecId" ].get< std::string >();
+      }
+      cbf.push_back( os.str() );
+   }
+   // Each override is programmed once both FECs are known; the third is retried each second
+   // while the table is full, and programmed once a rule is freed.
+   EXPECT_EQ(
+         cbf,
+         ( Lines{
+               "2 createOrUpdateMapping ipv4/46/10 5020", "3 createOrUpdateMapping ipv4/34/10 5021",
+               "4 createOrUpdateMapping ipv6/46/11 5020", "5 createOrUpdateMapping ipv6/46/11 5020",
+               "6 createOrUpdateMapping ipv6/46/11 5020", "6 deleteMapping ipv4/34/10",
+               "6 createOrUpdateMapping ipv6/46/11 5020", "8 createOrUpdateMapping ipv4/46/10 6020",
+               "8 createOrUpdateMapping ipv6/46/11 6020", "9 deleteMapping ipv4/46/10",
+               "9 deleteMapping ipv6/46/11" } ) );
+   EXPECT_EQ( logsOf( r ),
+              ( Lines{ "4 ROUTING_CBF_HW_RESOURCE_FULL: Hardware resources are insufficient to "
+                       "program all class based forwarding FEC override mappings.",
+                       "6 ROUTING_CBF_HW_RESOURCE_NORMAL: All class based forwarding FEC "
+                       "override mappings are programmed in hardware." } ) );
+   Json const& c = r[ "cbf" ];
+   EXPECT_EQ( c[ "ruleTable" ][ "used" ], 0 );
+   EXPECT_EQ( c[ "status" ], Json::parse( R"([ { "key": "ipv4/46/10", "status": "waitingForHwFecId",
+                                  "hwRuleId": null },
+                                { "key": "ipv6/46/11", "status": "waitingForHwFecId",
+                                  "hwRuleId": null } ])" ) );
+   EXPECT_EQ( c[ "requests" ], Json::array( { 10, 11, 20 } ) ) << "FEC 21 no longer asked for";
+   EXPECT_EQ( c[ "resourceFull" ], false );
+}
+
 // The outcome of a scenario does not depend on the road: same status, same lists on the same
 // interfaces with as many entries, same log.
 class BothTcamModesTest : public ::testing::TestWithParam< char const* > {};

@@ -33,7 +33,7 @@ void expectErrors( std::initializer_list< Case > cases ) {
 std::string const topKeys =
       "description, chip, interfaces, acls, classMaps, namedPolicers, policyMaps, "
       "servicePolicies, globalMaps, dscpRewriteMaps, cosToTcProfiles, interfaceQos, ecnCounters, "
-      "links, kernelCopp, steps";
+      "links, kernelCopp, fecOverrides, fecService, steps";
 
 TEST( ScenarioErrorsTest, TextThatIsNotOneYamlMapping ) {
    expectErrors( {
@@ -78,7 +78,8 @@ TEST( ScenarioErrorsTest, UnknownAndRepeatedKeys ) {
            "removeInterfaces, requestCounters, traffic, clearErrors, fault, globalMaps, "
            "dscpRewriteMap, "
            "removeDscpRewriteMap, cosToTcProfile, removeCosToTcProfile, interfaceQos, "
-           "removeInterfaceQos, ecnCounters, removeEcnCounters, link, kernelCopp, hwInitialized)" },
+           "removeInterfaceQos, ecnCounters, removeEcnCounters, link, kernelCopp, hwInitialized, "
+           "fecOverride, removeFecOverride, fecService, removeFecService)" },
          { "steps: [ { at: 1, changes: [ { clearErrors: true, requestCounters: a } ] } ]\n",
            "bad.yaml:1:30: change: one kind of change per list item" },
    } );
@@ -114,6 +115,9 @@ TEST( ScenarioErrorsTest, ValuesOfTheWrongTypeOrOutOfRange ) {
            "bad.yaml:1:27: at: steps come in increasing time after the start at 0.001 s; this "
            "one is not after 1" },
          { "steps: [ { at: -1 } ]\n", "bad.yaml:1:16: at: -1 is below 0" },
+         { "fecOverrides: [ { af: mpls, dscp: ef, fec: 1, overridingFec: 2 } ]\n",
+           "bad.yaml:1:23: af: 'mpls' is not one of ipv4, ipv6" },
+         { "fecService: [ { fec: 1 } ]\n", "bad.yaml:1:15: missing key 'hwFecId'" },
          { "kernelCopp: [ { port: 3, queue: 4, state: boiling } ]\n",
            "bad.yaml:1:43: state: 'boiling' is not one of saturated, unsaturated, none" },
          { "steps: [ { at: 1, changes: [ { kernelCopp: { port: 3, state: none } } ] } ]\n",
@@ -250,6 +254,10 @@ steps:
            "bad.yaml:11:24: name: the chip has no fault 'off'" },
          { ( base + "      - addInterfaces: [ Ethernet1 ]\n" ),
            "bad.yaml:11:9: interface Ethernet1 is already present" },
+         { ( base + "      - removeFecOverride: { af: ipv6, dscp: 46, fec: 3 }\n" ),
+           "bad.yaml:11:9: there is no FEC override ipv6/46/3 to remove" },
+         { ( base + "      - removeFecService: 3\n" ),
+           "bad.yaml:11:9: the FEC service has no answer for FEC 3 to take back" },
    } );
    // Valid at step 1, broken by what step 1 removed when step 2 uses it.
    EXPECT_EQ( errorOf( base + "      - removeServicePolicy: p\n      - removePolicyMap: p\n"

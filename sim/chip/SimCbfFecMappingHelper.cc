@@ -1,0 +1,76 @@
+#include "sim/chip/SimCbfFecMappingHelper.h"
+
+#include <set>
+#include <utility>
+
+#include "sim/chip/ChipText.h"
+
+namespace Sim {
+
+SimCbfFecMappingHelper::SimCbfFecMappingHelper( std::uint32_t slots, NotReady notReady,
+                                                Zub::Ptr< Kesh::TimerWheel > clock,
+                                                std::vector< ChipCall >* callLog )
+    : CbfFecMappingHelper( Zub::Name( "cbfFecMappingHelper" ) )
+    , slots_( slots )
+    , notReady_( std::move( notReady ) )
+    , clock_( std::move( clock ) )
+    , callLog_( callLog ) {}
+
+ChipCall& SimCbfFecMappingHelper::record( char const* op, Qos::Glarn::OverrideKey const& key ) {
+   ChipCall call;
+   call.t = clock_->now();
+   call.op = op;
+   call.helper = "cbf";
+   call.args.emplace_back( "key", textOf( key ) );
+   callLog_->push_back( std::move( call ) );
+   return callLog_->back();
+}
+
+bool SimCbfFecMappingHelper::freeSlot( Qos::Hardware::FecOverrideRuleId& id ) const {
+   std::set< Qos::Hardware::FecOverrideRuleId > used;
+   for( auto const& [ key, rule ] : rules_ )
+      used.insert( rule.id );
+   for( id = 0; id < slots_; ++id ) {
+      if( !used.contains( id ) ) return true;
+   }
+   return false;
+}
+
+// An unchanged rule is accepted again; a changed one is rewritten in its slot.
+NevHelper::CbfFecMappingUpdateStatus SimCbfFecMappingHelper::createOrUpdateMapping(
+      Nev::CbfFecMapRule const& rule ) {
+   ChipCall& call = record( "createOrUpdateMapping", rule.key() );
+   call.args.emplace_back( "hwFecId", textOf( rule.hwFecId() ) );
+   call.args.emplace_back( "overridingHwFecId", textOf( rule.overridingHwFecId() ) );
+   if( notReady_ && notReady_() ) return NevHelper::cbfMapUpdateNotReady;
+   auto it = rules_.find( rule.key() );
+   if( it == rules_.end() ) {
+      Qos::Hardware::FecOverrideRuleId id = 0;
+      if( !freeSlot( id ) ) return NevHelper::cbfMapUpdateFailed;
+      it = rules_.emplace( rule.key(), CbfRule{ id, 0, 0 } ).first;
+   }
+   it->second.hwFecId = rule.hwFecId();
+   it->second.overridingHwFecId = rule.overridingHwFecId();
+   return NevHelper::cbfMapUpdateSuccess;
+}
+
+NevHelper::CbfFecMappingUpdateStatus SimCbfFecMappingHelper::syncMapping(
+      Nev::CbfFecMapRule const& rule, Qos::Hardware::FecOverrideRuleId hwRuleId ) {
+   record( "syncMapping", rule.key() ).args.emplace_back( "hwRuleId", textOf( hwRuleId ) );
+   if( hwRuleId >= slots_ ) return NevHelper::cbfMapUpdateFailed;
+   rules_[ rule.key() ] = CbfRule{ hwRuleId, rule.hwFecId(), rule.overridingHwFecId() };
+   return NevHelper::cbfMapUpdateSuccess;
+}
+
+void SimCbfFecMappingHelper::deleteMapping( Qos::Glarn::OverrideKey const& ruleKey ) {
+   record( "deleteMapping", ruleKey );
+   rules_.erase( ruleKey );
+}
+
+Qos::Hardware::FecOverrideRuleId SimCbfFecMappingHelper::hwFecOverrideRuleId(
+      Qos::Glarn::OverrideKey const& ruleKey ) {
+   auto const it = rules_.find( ruleKey );
+   return it == rules_.end() ? Qos::Hardware::invalidFecOverrideRuleId : it->second.id;
+}
+
+}  // namespace Sim

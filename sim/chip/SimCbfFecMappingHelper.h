@@ -1,0 +1,54 @@
+// The reference chip's class-based-forwarding rule table: a finite number of rule slots, each
+// rule keyed by its override and holding the two hardware FEC ids; its handle is the slot. It
+// answers "not ready" while a cbfNotReady fault holds, and "failed" when no slot is free.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <vector>
+
+#include "NevQos/helpers/CbfFecMappingHelper.h"
+#include "sim/chip/ChipConfig.h"
+#include "sim/chip/SimQosAclHelper.h"
+
+namespace Sim {
+
+struct CbfRule {
+   Qos::Hardware::FecOverrideRuleId id = 0;
+   std::uint64_t hwFecId = 0;
+   std::uint64_t overridingHwFecId = 0;
+};
+
+class SimCbfFecMappingHelper : public NevHelper::CbfFecMappingHelper {
+ public:
+   using NotReady = std::function< bool() >;
+   // `notReady` tells whether the table is not ready now; `clock` stamps the calls recorded into
+   // `callLog`.
+   SimCbfFecMappingHelper( std::uint32_t slots, NotReady notReady,
+                           Zub::Ptr< Kesh::TimerWheel > clock, std::vector< ChipCall >* callLog );
+
+   std::uint32_t slots() const { return slots_; }
+   std::map< Qos::Glarn::OverrideKey, CbfRule > const& rules() const { return rules_; }
+
+   NevHelper::CbfFecMappingUpdateStatus createOrUpdateMapping(
+         Nev::CbfFecMapRule const& rule ) override;
+   NevHelper::CbfFecMappingUpdateStatus syncMapping(
+         Nev::CbfFecMapRule const& rule, Qos::Hardware::FecOverrideRuleId hwRuleId ) override;
+   void deleteMapping( Qos::Glarn::OverrideKey const& ruleKey ) override;
+   Qos::Hardware::FecOverrideRuleId hwFecOverrideRuleId(
+         Qos::Glarn::OverrideKey const& ruleKey ) override;
+
+ private:
+   ChipCall& record( char const* op, Qos::Glarn::OverrideKey const& key );
+   // The lowest free slot, or none.
+   bool freeSlot( Qos::Hardware::FecOverrideRuleId& id ) const;
+
+   std::uint32_t slots_;
+   NotReady notReady_;
+   Zub::Ptr< Kesh::TimerWheel > clock_;
+   std::vector< ChipCall >* callLog_;
+   std::map< Qos::Glarn::OverrideKey, CbfRule > rules_;
+};
+
+}  // namespace Sim
