@@ -174,10 +174,11 @@ void CbfFecMappingSm::handleHwFecIdResponse( Glarn::Fib::FecId fecId ) {
       policyOverrideReviewQueueIs( it.key(), true );
 }
 
-void CbfFecMappingSm::cbfFecMapRuleCacheIs( OverrideKey const& key ) {
-   if( !cbfFecMapRuleCache_.has( key ) ) {
-      cbfFecMapRuleCache_.set( key, Zub::make< CbfFecMapRule >( key ) );
-   }
+Zub::Ptr< CbfFecMapRule > CbfFecMappingSm::cbfFecMapRuleCacheIs( OverrideKey const& key ) {
+   if( auto const* rule = cbfFecMapRuleCache_.find( key ) ) return *rule;
+   auto const rule = Zub::make< CbfFecMapRule >( key );
+   cbfFecMapRuleCache_.set( key, rule );
+   return rule;
 }
 
 // ---- review ----
@@ -275,8 +276,7 @@ bool CbfFecMappingSm::processPolicyOverride( OverrideKey const& overrideKey ) {
 
 bool CbfFecMappingSm::programRule( OverrideKey const& key, std::uint64_t hwFecId,
                                    std::uint64_t overridingHwFecId ) {
-   cbfFecMapRuleCacheIs( key );
-   Zub::Ptr< CbfFecMapRule > const rule = *cbfFecMapRuleCache().find( key );
+   Zub::Ptr< CbfFecMapRule > const rule = cbfFecMapRuleCacheIs( key );
    rule->hwFecIdIs( hwFecId );
    rule->overridingHwFecIdIs( overridingHwFecId );
    switch( mappingHelper()->createOrUpdateMapping( *rule ) ) {

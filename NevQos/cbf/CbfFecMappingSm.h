@@ -148,7 +148,8 @@ class CbfFecMappingSm : public Zub::PtrInterface {
       configCache_.set( entry.key, entry );
    }
    void configCacheDel( OverrideKey const& key ) { configCache_.erase( key ); }
-   void cbfFecMapRuleCacheIs( OverrideKey const& key );
+   // The key's rule, made when missing.
+   Zub::Ptr< CbfFecMapRule > cbfFecMapRuleCacheIs( OverrideKey const& key );
    void cbfFecMapRuleCacheDel( OverrideKey const& key ) { cbfFecMapRuleCache_.erase( key ); }
    // The status written for a key that is programmed, refused or waiting.
    void statusIs( OverrideKey const& key, Qos::Glarn::FecOverrideProgramStatus status,

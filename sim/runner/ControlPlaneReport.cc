@@ -1,6 +1,7 @@
 #include "sim/runner/ControlPlaneReport.h"
 
 #include <ostream>
+#include <sstream>
 #include <string>
 
 #include "sim/chip/ChipText.h"
@@ -61,18 +62,22 @@ Json kernelOf( SimSwitch const& sw ) {
 }
 
 std::string queueText( Json const& q ) {
-   return q[ "interface" ].get< std::string >() + " class " + q[ "class" ].get< std::string >() +
-          " (" + q[ "queue" ].get< std::string >() + ")";
+   std::ostringstream os;
+   os << q[ "interface" ].get< std::string >() << " class " << q[ "class" ].get< std::string >()
+      << " (" << q[ "queue" ].get< std::string >() << ")";
+   return os.str();
 }
 
 // A map's slots as "from:to", with neighbouring slots that map alike as one range: "0-7:0".
+// Written through a stream: the optimiser misreads string appends here.
 std::string slotsText( Json const& map ) {
-   std::string out;
+   std::ostringstream os;
+   bool any = false;
    auto const flush = [ & ]( int first, int last, Json const& to ) {
-      out += out.empty() ? "" : " ";
-      out += std::to_string( first );
-      if( last != first ) out += "-" + std::to_string( last );
-      out += ":" + to.dump();
+      os << ( any ? " " : "" ) << first;
+      if( last != first ) os << "-" << last;
+      os << ":" << to.dump();
+      any = true;
    };
    int first = -1, last = -1;
    Json value;
@@ -87,7 +92,7 @@ std::string slotsText( Json const& map ) {
       value = to;
    }
    if( first >= 0 ) flush( first, last, value );
-   return out.empty() ? "nothing" : out;
+   return any ? os.str() : "nothing";
 }
 
 }  // namespace
