@@ -7,15 +7,7 @@
 
 namespace NevHelper {
 
-namespace {
-
-// The configured value, or the chip's default where the configuration holds the sentinel.
-template< class Value, class Default >
-Value orDefault( Value configured, Default byDefault ) {
-   return configured.isValid() ? configured : byDefault();
-}
-
-}  // namespace
+using Qos::orDefault;
 
 QosBasicHelper::QosBasicHelper( Zub::Ptr< Qos::Status const > qosStatus,
                                 Zub::Ptr< Qos::HwStatus > qosHwStatus,

@@ -5,16 +5,8 @@
 
 namespace Nev {
 
-namespace {
-
-// The configured value, or the chip's default where the map holds the sentinel. The key types
-// hold nothing beyond the sentinel's slot, so every key is inside the arrays.
-template< class Value, class Default >
-Value orDefault( Value configured, Default byDefault ) {
-   return configured.isValid() ? configured : byDefault();
-}
-
-}  // namespace
+// The key types hold nothing beyond the sentinel's slot, so every key is inside the arrays.
+using Qos::orDefault;
 
 QosKernelStatusSm::QosKernelStatusSm( Zub::Ptr< PktDrvInterface > const& pktDrv,
                                       Zub::Ptr< Qos::Status const > const& qosStatus,

@@ -68,46 +68,31 @@ struct FecOverrideStatusEntry {
 static_assert( offsetof( FecOverrideStatusEntry, status ) == 16 &&
                offsetof( FecOverrideStatusEntry, hwRuleId ) == 20 );
 
+// A table of records by override key; its reactors hear onOverride( key ).
+template< class Record >
+class OverrideTable : public ::Glarn::GlarnMap< Record > {
+ public:
+   using Store = ::Glarn::GlarnStore< Record >;
+   class Notifiee : public ::Glarn::GlarnMap< Record >::Notifiee {
+    public:
+      Zub::Ptr< OverrideTable const > notifier() const {
+         return static_cast< OverrideTable const* >( this->zubNotifier() );
+      }
+      virtual void onOverride( OverrideKey const& ) {}
+      virtual void onOverridezubImmediate() {}
+
+    private:
+      void onRecord( OverrideKey const& key ) final { onOverride( key ); }
+      void onRecordzubImmediate() final { onOverridezubImmediate(); }
+   };
+   using ::Glarn::GlarnMap< Record >::GlarnMap;
+   void overrideIs( Record const& record ) { this->write( record ); }
+   void overrideDel( OverrideKey const& key ) { this->remove( key ); }
+};
+
 // The overrides wanted, by key: written by the routing side.
-class FecOverrideConfig : public ::Glarn::GlarnMap< FecOverrideEntry > {
- public:
-   using Store = ::Glarn::GlarnStore< FecOverrideEntry >;
-   class Notifiee : public ::Glarn::GlarnMap< FecOverrideEntry >::Notifiee {
-    public:
-      Zub::Ptr< FecOverrideConfig const > notifier() const {
-         return static_cast< FecOverrideConfig const* >( this->zubNotifier() );
-      }
-      virtual void onOverride( OverrideKey const& ) {}
-      virtual void onOverridezubImmediate() {}
-
-    private:
-      void onRecord( OverrideKey const& key ) final { onOverride( key ); }
-      void onRecordzubImmediate() final { onOverridezubImmediate(); }
-   };
-   using GlarnMap::GlarnMap;
-   void overrideIs( FecOverrideEntry const& entry ) { write( entry ); }
-   void overrideDel( OverrideKey const& key ) { remove( key ); }
-};
-
+using FecOverrideConfig = OverrideTable< FecOverrideEntry >;
 // The outcome of each override, by key: written by the QoS agent.
-class FecOverrideStatus : public ::Glarn::GlarnMap< FecOverrideStatusEntry > {
- public:
-   using Store = ::Glarn::GlarnStore< FecOverrideStatusEntry >;
-   class Notifiee : public ::Glarn::GlarnMap< FecOverrideStatusEntry >::Notifiee {
-    public:
-      Zub::Ptr< FecOverrideStatus const > notifier() const {
-         return static_cast< FecOverrideStatus const* >( this->zubNotifier() );
-      }
-      virtual void onOverride( OverrideKey const& ) {}
-      virtual void onOverridezubImmediate() {}
-
-    private:
-      void onRecord( OverrideKey const& key ) final { onOverride( key ); }
-      void onRecordzubImmediate() final { onOverridezubImmediate(); }
-   };
-   using GlarnMap::GlarnMap;
-   void overrideIs( FecOverrideStatusEntry const& entry ) { write( entry ); }
-   void overrideDel( OverrideKey const& key ) { remove( key ); }
-};
+using FecOverrideStatus = OverrideTable< FecOverrideStatusEntry >;
 
 }  // namespace Qos::Glarn

@@ -193,6 +193,13 @@ using TrafficClass = SentinelNumber< TrafficClassTraits >;
 using DropPrecedence = SentinelNumber< DropPrecedenceTraits >;
 using TxQueueId = SentinelNumber< TxQueueIdTraits >;
 
+// The configured value of a map slot, or the chip's default where the slot holds the sentinel.
+// `byDefault` is asked only then.
+template< class Traits, class Default >
+SentinelNumber< Traits > orDefault( SentinelNumber< Traits > configured, Default byDefault ) {
+   return configured.isValid() ? configured : byDefault();
+}
+
 // ---- Keys
 
 // An interface and, for a member of a port-channel, the port-channel it belongs to.

@@ -58,13 +58,13 @@ class GlarnStore : public Zub::PtrInterface {
    // The record of `key`, or null. Throws CorruptionDetectedException for a torn record.
    Record const* read( Key const& key ) const {
       Record const* r = records_.find( key );
-      if( r && torn_.has( key ) ) throwCorrupt( key );
+      if( r && torn_.has( key ) ) throw corruption();
       return r;
    }
    Zub::Collection< Key, Record > const& records() const { return records_; }
    bool torn( Key const& key ) const { return torn_.has( key ); }
-   void throwCorrupt( Key const& ) const {
-      throw Pelto::CorruptionDetectedException( "inconsistent record in " + path_.stdString() );
+   Pelto::CorruptionDetectedException corruption() const {
+      return Pelto::CorruptionDetectedException( "inconsistent record in " + path_.stdString() );
    }
 
    void write( Record const& record ) {
@@ -269,11 +269,7 @@ class GlarnMap : public Zub::Notifier {
       }
       void check() {
          if( !it_ || !map_->store_ || !map_->store_->torn( it_.key() ) ) return;
-         try {
-            map_->store_->throwCorrupt( it_.key() );
-         } catch( Pelto::CorruptionDetectedException const& e ) {
-            const_cast< GlarnMap* >( map_ )->corruptionDetected( e );
-         }
+         const_cast< GlarnMap* >( map_ )->corruptionDetected( map_->store_->corruption() );
       }
       GlarnMap const* map_;
       typename Zub::Collection< Key, Record >::Iterator it_;

@@ -181,6 +181,10 @@ ChipCall& SimQosAclHelper::record( char const* op, Nev::QosClassData const* clas
    return callLog_->back();
 }
 
+void SimQosAclHelper::recordPortQueue( char const* op, Nev::ModIdPortQueueKey const& key ) {
+   record( op, nullptr, nullptr ).args.emplace_back( "key", portQueueText( key ) );
+}
+
 void SimQosAclHelper::faultIs( std::size_t index, bool on ) {
    ZUB_ASSERT_TEXT( index < faultSwitchedOff_.size(), "the chip has no such fault" );
    faultSwitchedOff_[ index ] = !on;
@@ -653,21 +657,18 @@ Nev::QosClassCounterData SimQosAclHelper::counterUpdateRequest( Nev::QosClassDat
 // ---- Control plane and start-up
 
 bool SimQosAclHelper::checkUserCoppEntryExists( Nev::ModIdPortQueueKey const& key ) {
-   record( "checkUserCoppEntryExists", nullptr, nullptr )
-         .args.emplace_back( "key", portQueueText( key ) );
+   recordPortQueue( "checkUserCoppEntryExists", key );
    return false;
 }
 
 bool SimQosAclHelper::checkKernelCoppEntryExists( Nev::ModIdPortQueueKey const& key ) {
-   record( "checkKernelCoppEntryExists", nullptr, nullptr )
-         .args.emplace_back( "key", portQueueText( key ) );
+   recordPortQueue( "checkKernelCoppEntryExists", key );
    return portCpuQueuePolicers_.contains( key );
 }
 
 // A queue reported saturated again keeps its one policer.
 bool SimQosAclHelper::createCoppPolicerByPortQueue( Nev::ModIdPortQueueKey const& key ) {
-   record( "createCoppPolicerByPortQueue", nullptr, nullptr )
-         .args.emplace_back( "key", portQueueText( key ) );
+   recordPortQueue( "createCoppPolicerByPortQueue", key );
    if( portCpuQueuePolicers_.contains( key ) ) return true;
    if( portCpuQueuePolicers_.size() >= config_.portCpuQueuePolicers ) return false;
    portCpuQueuePolicers_.insert( key );
@@ -676,8 +677,7 @@ bool SimQosAclHelper::createCoppPolicerByPortQueue( Nev::ModIdPortQueueKey const
 
 // Also called for a queue that never got its policer; there is nothing to free then.
 void SimQosAclHelper::destroyCoppPolicerByPortQueue( Nev::ModIdPortQueueKey const& key ) {
-   record( "destroyCoppPolicerByPortQueue", nullptr, nullptr )
-         .args.emplace_back( "key", portQueueText( key ) );
+   recordPortQueue( "destroyCoppPolicerByPortQueue", key );
    portCpuQueuePolicers_.erase( key );
 }
 

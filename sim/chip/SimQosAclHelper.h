@@ -184,6 +184,8 @@ class SimQosAclHelper : public NevHelper::QosAclHelper {
    bool async() const { return config_.tcamMode == TcamMode::asynchronous; }
    ChipCall& record( char const* op, Nev::QosClassData const* classData,
                      Nev::AclKey const* aclKey );
+   // A call about one CPU queue of a port.
+   void recordPortQueue( char const* op, Nev::ModIdPortQueueKey const& key );
    // The answer a scripted fault gives to this call of `op`, if any.
    std::optional< Nev::AclCreateError > faultFor( std::string const& op );
    bool active( FaultConfig const& fault ) const;

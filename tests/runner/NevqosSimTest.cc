@@ -34,6 +34,13 @@ std::string scenarioFile( std::string const& name, std::string const& text ) {
    return path;
 }
 
+// An example cut off before the line `marker`, written to a file of its own.
+std::string exampleUpTo( std::string const& name, std::string const& marker ) {
+   std::ifstream in( example( name ) );
+   std::string const text( ( std::istreambuf_iterator< char >( in ) ), {} );
+   return scenarioFile( "upto-" + name, text.substr( 0, text.find( marker ) ) );
+}
+
 Json const& policyMap( Json const& report, std::string const& name ) {
    for( Json const& p : report[ "status" ][ "policyMaps" ] ) {
       if( p[ "name" ] == name ) return p;
@@ -181,10 +188,7 @@ TEST( NevqosSimTest, EcnProfilesRunOutAndTheSliceStaysDownUntilCleared ) {
          << "20 percent of the 25000 Mbps link, in kbps";
 
    // Without the clear request the slice stays down.
-   std::ifstream in( example( "ecn-profiles.yaml" ) );
-   std::string text( ( std::istreambuf_iterator< char >( in ) ), {} );
-   text = text.substr( 0, text.find( "  - at: 7" ) );
-   SimRun const uncleared = runSim( { scenarioFile( "uncleared.yaml", text ), "--json" } );
+   SimRun const uncleared = runSim( { exampleUpTo( "ecn-profiles.yaml", "  - at: 7" ), "--json" } );
    ASSERT_EQ( uncleared.exitCode, 0 ) << uncleared.err;
    EXPECT_EQ( uncleared.report()[ "status" ][ "basicStatus" ], "hwProgrammingFailed" );
 }
@@ -227,10 +231,8 @@ TEST( NevqosSimTest, PerPortCoppRunsOutIsRetriedEachMinuteAndRecovers ) {
    EXPECT_EQ( kernel[ "tcToMcTxQueue" ][ "4" ], 6 );
 
    // Until the driver has started, the kernel is told nothing.
-   std::ifstream in( example( "copp-exhaustion.yaml" ) );
-   std::string text( ( std::istreambuf_iterator< char >( in ) ), {} );
-   text = text.substr( 0, text.find( "  - at: 2" ) );
-   SimRun const starting = runSim( { scenarioFile( "starting.yaml", text ), "--json" } );
+   SimRun const starting =
+         runSim( { exampleUpTo( "copp-exhaustion.yaml", "  - at: 2" ), "--json" } );
    ASSERT_EQ( starting.exitCode, 0 ) << starting.err;
    EXPECT_EQ( starting.report()[ "controlPlane" ][ "kernel" ][ "operations" ], 0 );
 }
