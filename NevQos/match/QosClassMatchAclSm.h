@@ -28,12 +28,47 @@ class QosClassMatchAclSm final : public QosClassMatchChildSm {
    AclCreateError checkIpFragRule( Acl::IpRuleConfig const& rule, Acl::UniqueId const& aclId,
                                    std::uint32_t ruleNum, std::uint32_t subRuleNum, bool l4Rule );
 
+   void showAcl( std::uint32_t socket, std::uint32_t unit, bool detail ) override;
+   void handleVerify() override;
+   // Replays the compile of one rule and asks the helper what stands at each subrule.
+   void verifyIpRule( std::uint32_t ruleNum, Acl::UniqueId const& aclId, std::uint32_t sequence );
+
  protected:
    bool cleanupAfterDestroy() const override { return true; }
    // An access group keeps its number across a teardown.
    void aclNumberAfterDestroy( AclData& aclData ) const override;
 
  private:
+   // The subrule checks shared by both families; each fetches its own fields from `filter`.
+   struct RuleCheck {
+      Acl::UniqueId aclId;
+      std::uint32_t ruleNum;
+      std::uint32_t sequence;
+      Acl::Action action;
+      bool l4Rule;
+   };
+   template< class Rule >
+   void verifyRuleSubrules( Rule const& rule, RuleCheck check );
+   void verifyIpRuleCommon( Acl::IpRuleConfig const& rule, RuleCheck const& check,
+                            std::uint32_t subruleNum, std::uint8_t tcpFlag, std::uint8_t ecnData,
+                            std::uint8_t ecnMask );
+   void verifyIp6RuleCommon( Acl::Ip6RuleConfig const& rule, RuleCheck const& check,
+                             std::uint32_t subruleNum, std::uint8_t tcpFlag, std::uint8_t ecnData,
+                             std::uint8_t ecnMask );
+   // The checks after the ECN one, which both families make alike.
+   void verifyRuleFieldsTail( Acl::IpFilterBase const& filter, RuleCheck const& check,
+                              std::uint32_t subruleNum, std::uint8_t tcpFlag );
+   // The layer-4 checks of a fragment entry, the action and the ports.
+   void verifyFragEntryTail( Acl::IpFilterBase const& filter, RuleCheck const& check,
+                             std::uint32_t subruleNum );
+   void verifyIpFragRule( Acl::IpRuleConfig const& rule, std::uint32_t ruleNum, bool l4Rule );
+   void verifyIpFragEntry( Acl::IpRuleConfig const& rule, RuleCheck const& check,
+                           std::uint32_t subruleNum );
+   void verifyIpFragEntry( Acl::Ip6RuleConfig const& rule, RuleCheck const& check,
+                           std::uint32_t subruleNum );
+   // A per-port control-plane policy whose port is absent has nothing in hardware.
+   bool ownerPortAbsent() const;
+
    Zub::Ptr< Acl::AclConfig const > aclConfig_;
    // The ACL's record while its rules are walked: found once, not once per rule.
    Zub::Ptr< AclData > walking_;

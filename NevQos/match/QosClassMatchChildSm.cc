@@ -6,6 +6,7 @@
 #include "NevQos/policy/QosAclSm.h"
 #include "NevQos/policy/QosPolicyMapSm.h"
 #include "zub/Assert.h"
+#include "zub/Format.h"
 
 namespace Nev {
 
@@ -83,9 +84,14 @@ void QosClassMatchChildSm::showAcl( std::uint32_t socket, std::uint32_t unit, bo
    helper().showAclHeader( socket, unit, detail, *classData(), matchOption(), key() );
 }
 
-void QosClassMatchChildSm::handleVerify() {
-   // The rule-by-rule comparison with the hardware joins here.
-   ZUB_TRACE( nevQosTrace, 5, "handleVerify " << key() );
+VerifyData* QosClassMatchChildSm::verifyReport() const {
+   return qosAclSm()->verifyReport();
+}
+
+void QosClassMatchChildSm::reportIfDestroying() const {
+   if( !destroying() ) return;
+   NEV_VERIFY_FAILURE( verifyReport(), Zub::format( "ACL %s set to destroying but still exists",
+                                                    aclName().charPtr() ) );
 }
 
 void QosClassMatchChildSm::destroyAcl() {

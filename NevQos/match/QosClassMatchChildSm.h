@@ -11,6 +11,7 @@
 #include "entities/QosTypes.h"
 #include "nev/AclData.h"
 #include "nev/AclKey.h"
+#include "nev/VerifyData.h"
 #include "zub/Ptr.h"
 
 namespace NevHelper {
@@ -47,8 +48,10 @@ class QosClassMatchChildSm : public Zub::PtrInterface {
    virtual bool createAcl() = 0;
    virtual void intfUpdated( Qos::IntfPairKey const& intfPair, bool add );
    virtual QosClassCounterData counterUpdateRequest();
+   // The ACL's header; with `detail`, each child adds its rules.
    virtual void showAcl( std::uint32_t socket, std::uint32_t unit, bool detail );
-   virtual void handleVerify();
+   // Compares the ACL with what the helper reads back from the hardware.
+   virtual void handleVerify() = 0;
    void destroyAcl();
    void commitAcl();
    void doPrepareToDie();
@@ -65,6 +68,10 @@ class QosClassMatchChildSm : public Zub::PtrInterface {
    std::int32_t optionAclNumber() const;
    // (classData.priority << 23) | (matchData.priority << 20): the number of an access group.
    std::int32_t accessGroupAclNumber() const;
+   // Where mismatches with the hardware are reported; null without a report.
+   VerifyData* verifyReport() const;
+   // A child found in the walk after its teardown began is itself a mismatch.
+   void reportIfDestroying() const;
    // A hook for the road-specific start of a child, before the ACL data is made.
    virtual void prepareInitialized() {}
    // Whether destroyAcl goes on to the helper's cleanupAcl.

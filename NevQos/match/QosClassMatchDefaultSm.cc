@@ -50,4 +50,20 @@ bool QosClassMatchDefaultSm::cleanupAfterDestroy() const {
    return classMatchSm()->allClassDefaultSmDestroying();
 }
 
+void QosClassMatchDefaultSm::showAcl( std::uint32_t socket, std::uint32_t unit, bool detail ) {
+   QosClassMatchChildSm::showAcl( socket, unit, detail );
+   if( detail ) {
+      helper().showDefaultRule( socket, unit, pmapState(), *classData(), matchOption(), key() );
+   }
+}
+
+void QosClassMatchDefaultSm::handleVerify() {
+   if( helper().asyncTcamOperationsSupported() ) {
+      helper().verifyTcamData( *classData(), matchOption(), key() );
+      return;
+   }
+   reportIfDestroying();
+   helper().verifyDefaultRule( pmapState(), *classData(), matchOption(), key() );
+}
+
 }  // namespace Nev

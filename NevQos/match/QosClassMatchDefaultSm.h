@@ -16,6 +16,8 @@ class QosClassMatchDefaultSm final : public QosClassMatchChildSm {
    QosPMapAclTypes pmapAclTypes() const { return pmapAclTypes_; }
 
    bool createAcl() override;
+   void showAcl( std::uint32_t socket, std::uint32_t unit, bool detail ) override;
+   void handleVerify() override;
 
  protected:
    void prepareInitialized() override;

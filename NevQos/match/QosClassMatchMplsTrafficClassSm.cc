@@ -41,4 +41,20 @@ bool QosClassMatchMplsTrafficClassSm::cleanupAfterDestroy() const {
    return classMatchSm()->allMplsTrafficClassSmDestroying();
 }
 
+// Kept for a caller that wants it: the class match leaves traffic-class children out of its show.
+void QosClassMatchMplsTrafficClassSm::showAcl( std::uint32_t socket, std::uint32_t unit,
+                                               bool detail ) {
+   QosClassMatchChildSm::showAcl( socket, unit, detail );
+   if( detail ) {
+      helper().showMplsTrafficClassRule( socket, unit, pmapState(), *classData(), matchOption(),
+                                         key() );
+   }
+}
+
+// The deferred road does not change the check here: there is no summary form of it.
+void QosClassMatchMplsTrafficClassSm::handleVerify() {
+   reportIfDestroying();
+   helper().verifyMplsTrafficClassRule( pmapState(), *classData(), matchOption(), key() );
+}
+
 }  // namespace Nev

@@ -20,6 +20,8 @@ class QosClassMatchMplsTrafficClassSm final : public QosClassMatchChildSm {
                                      std::uint32_t matchPrio );
 
    bool createAcl() override;
+   void showAcl( std::uint32_t socket, std::uint32_t unit, bool detail ) override;
+   void handleVerify() override;
 
  protected:
    bool cleanupAfterDestroy() const override;

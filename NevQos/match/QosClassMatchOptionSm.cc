@@ -64,4 +64,47 @@ bool QosClassMatchOptionSm::cleanupAfterDestroy() const {
    return classMatchSm()->allMatchOptionSmDestroying();
 }
 
+void QosClassMatchOptionSm::showAcl( std::uint32_t socket, std::uint32_t unit, bool detail ) {
+   QosClassMatchChildSm::showAcl( socket, unit, detail );
+   if( !detail ) return;
+   switch( matchOption() ) {
+      case Qos::matchOptionVlan:
+      case Qos::matchOptionCos:
+      case Qos::matchOptionVlanCos:
+         helper().showL2ParamsRule( socket, unit, pmapState(), *classData(), matchOption(), key() );
+         break;
+      case Qos::matchOptionDscpEcn:
+         helper().showDscpEcnRule( socket, unit, pmapState(), *classData(), matchOption(), key() );
+         break;
+      case Qos::matchOptionMac:
+         helper().showMacAclRule( socket, unit, pmapState(), *classData(), matchOption(), key() );
+         break;
+      default:
+         break;  // a built-in class has its header only
+   }
+}
+
+void QosClassMatchOptionSm::handleVerify() {
+   if( helper().asyncTcamOperationsSupported() ) {
+      helper().verifyTcamData( *classData(), matchOption(), key() );
+      return;
+   }
+   reportIfDestroying();
+   switch( matchOption() ) {
+      case Qos::matchOptionVlan:
+      case Qos::matchOptionCos:
+      case Qos::matchOptionVlanCos:
+         helper().verifyL2ParamsRule( pmapState(), *classData(), matchOption(), key() );
+         break;
+      case Qos::matchOptionDscpEcn:
+         helper().verifyDscpEcnRule( pmapState(), *classData(), matchOption(), key() );
+         break;
+      case Qos::matchOptionMac:
+         helper().verifyMacAclRule( pmapState(), *classData(), matchOption(), key() );
+         break;
+      default:
+         break;  // a built-in class has no rule of its own to compare
+   }
+}
+
 }  // namespace Nev

@@ -21,6 +21,8 @@ class QosClassMatchOptionSm final : public QosClassMatchChildSm {
                                      Qos::ClassMapMatchOption matchOpt, std::uint32_t matchPrio );
 
    bool createAcl() override;
+   void showAcl( std::uint32_t socket, std::uint32_t unit, bool detail ) override;
+   void handleVerify() override;
 
  protected:
    bool cleanupAfterDestroy() const override;

@@ -236,14 +236,78 @@ void QosClassMatchSm::showAcl( std::uint32_t socket, std::uint32_t unit, bool de
 }
 
 void QosClassMatchSm::handleVerify() {
-   for( auto it = aclSm().iter(); it; ++it )
-      it.value()->handleVerify();
-   for( auto it = matchOptionSm().iter(); it; ++it )
-      it.value()->handleVerify();
-   for( auto it = mplsTrafficClassSm().iter(); it; ++it )
-      it.value()->handleVerify();
-   for( auto it = classDefaultSm().iter(); it; ++it )
-      it.value()->handleVerify();
+   auto const& h = *qosAclSm()->qosHelper();
+   QosPMapAclTypes const types = pmapSm()->pmapState()->pmapAclTypes();
+   if( classData()->classDefault() ) {
+      if( types != ipv4Only ) {
+         auto const sm = classDefaultSm( AclKey( h.defaultIpv6AclName(), Acl::ipv6() ) );
+         ZUB_ASSERT_TEXT( sm, "classDefaultSm( AclKey( h->defaultIpv6AclName(), Acl::ipv6() ) )" );
+         sm->handleVerify();
+      }
+      if( types != ipv6Only ) {
+         auto const sm = classDefaultSm( AclKey( h.defaultAclName(), Acl::ip() ) );
+         ZUB_ASSERT_TEXT( sm, "classDefaultSm( AclKey( h->defaultAclName(), Acl::ip() ) )" );
+         sm->handleVerify();
+      }
+      return;
+   }
+   switch( matchOption() ) {
+      case Qos::matchOptionNone:
+         return;
+      case Qos::matchOptionIpAcl:
+      case Qos::matchOptionIpv6Acl:
+         verifyAccessGroup();
+         return;
+      case Qos::matchOptionMplsTrafficClass:
+         for( Acl::AclType const type : familiesOf( types ) ) {
+            AclKey const aclKey( Zub::Name( QosClassMatchMplsTrafficClassSm::createAclName(
+                                       h, type, matchPrio() ) ),
+                                 type );
+            auto const sm = mplsTrafficClassSm( aclKey );
+            ZUB_ASSERT_TEXT( sm, type == Acl::ip()
+                                       ? "mplsTrafficClassSm( AclKey( aclName, Acl::ip() ) )"
+                                       : "mplsTrafficClassSm( AclKey( aclName, Acl::ipv6() ) )" );
+            sm->handleVerify();
+         }
+         return;
+      default:
+         for( Acl::AclType const type : familiesOf( types ) ) {
+            AclKey const aclKey( Zub::Name( QosClassMatchOptionSm::createAclName(
+                                       h, type, matchOption(), matchPrio() ) ),
+                                 type );
+            auto const sm = matchOptionSm( aclKey );
+            ZUB_ASSERT_TEXT( sm, type == Acl::ip()
+                                       ? "matchOptionSm( AclKey( aclName, Acl::ip() ) )"
+                                       : "matchOptionSm( AclKey( aclName, Acl::ipv6() ) )" );
+            sm->handleVerify();
+         }
+         return;
+   }
+}
+
+std::vector< Acl::AclType > QosClassMatchSm::familiesOf( QosPMapAclTypes types ) {
+   std::vector< Acl::AclType > families;
+   if( types != ipv4Only ) families.push_back( Acl::ipv6() );
+   if( types != ipv6Only ) families.push_back( Acl::ip() );
+   return families;
+}
+
+void QosClassMatchSm::verifyAccessGroup() {
+   bool const v4 = matchOption() == Qos::matchOptionIpAcl;
+   Acl::AclType const type = v4 ? Acl::ip() : Acl::ipv6();
+   AclKey const aclKey( Zub::Name( classMatch()->strValue() ), type );
+   auto const acls = qosAclSm()->mainAclConfig();
+   auto const typeConfig = acls ? acls->config( type ) : nullptr;
+   if( !typeConfig || !typeConfig->acl( aclKey.aclName() ) ) {
+      ZUB_ASSERT_TEXT( !aclSmHas( aclKey ),
+                       v4 ? "!aclSmHas( AclKey( classMatch()->strValue(), Acl::ip() ) )"
+                          : "!aclSmHas( AclKey( classMatch()->strValue(), Acl::ipv6() ) )" );
+      return;
+   }
+   ZUB_ASSERT_TEXT( aclSmHas( aclKey ),
+                    v4 ? "aclSmHas( AclKey( classMatch()->strValue(), Acl::ip() ) )"
+                       : "aclSmHas( AclKey( classMatch()->strValue(), Acl::ipv6() ) )" );
+   aclSm( aclKey )->handleVerify();
 }
 
 void QosClassMatchSm::doPrepareToDie() {

@@ -379,6 +379,36 @@ void QosAclSm::handleCliPMapCounterUpdateRequest() {
 
 void QosAclSm::handleVerify() {
    ZUB_TRACE( nevQosTrace, 3, "handleVerify" );
+   if( verifyPolicy() ) handlePolicyVerify();
+}
+
+void QosAclSm::handlePolicyVerify() {
+   if( !verifyPolicy() ) return;
+   ZUB_TRACE( nevQosTrace, 3, "handlePolicyVerify" );
+   for( Acl::AclType const type : { Acl::ip(), Acl::ipv6() } ) {
+      if( auto const sm = aclTypeConfigSm( type ) ) sm->handleVerify();
+   }
+   for( auto i = qosStatus()->pmapType().iter(); i; ++i ) {
+      ZUB_ASSERT_TEXT( pmapTypeSmHas( i.key() ), "pmapTypeSmHas( i.key() )" );
+      pmapTypeSm( i.key() )->handleVerify();
+   }
+   for( auto i = qosStatus()->servicePolicyStatus().iter(); i; ++i ) {
+      if( !policyMapSupported( i.key().type(), i.key().pmapName() ) ) continue;
+      ZUB_ASSERT_TEXT( servicePolicySmHas( i.key() ), "servicePolicySmHas( i.key() )" );
+      servicePolicySm( i.key() )->handleVerify();
+   }
+   verifyPolicyIs( false );
+}
+
+VerifyData* QosAclSm::verifyReport() const {
+   return ncsd() ? ncsd()->verifyData().ptr() : nullptr;
+}
+
+void QosAclSm::showAcls( std::uint32_t socket, std::uint32_t unit, bool detail,
+                         Qos::MapType mapType ) {
+   auto const sm = pmapTypeSm( mapType );
+   ZUB_ASSERT( sm );
+   sm->showAcls( socket, unit, detail );
 }
 
 void QosAclSm::zubDoZombieReactors( bool zombie ) {

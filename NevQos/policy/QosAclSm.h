@@ -243,6 +243,13 @@ class QosAclSm : public NevAsyncBaseSm {
    void handleCounterConfig( Zub::Name const& name );
    void handleCliPMapCounterUpdateRequest();
    void handleVerify();
+   // Compares every policy map with the hardware, top down, when a change has armed it.
+   void handlePolicyVerify();
+   // Where the verification chain reports mismatches with the hardware; null without one.
+   VerifyData* verifyReport() const;
+   // Prints what is programmed for one map type to the descriptor `socket`; the caller names a
+   // type that exists.
+   void showAcls( std::uint32_t socket, std::uint32_t unit, bool detail, Qos::MapType mapType );
 
    // ---- update pipeline ----
    void handleEnqueueRequest();

@@ -21,4 +21,8 @@ void QosAclTypeConfigSm::doPrepareToDie() {
    initialized_ = true;
 }
 
+void QosAclTypeConfigSm::handleVerify() {
+   ZUB_TRACE( nevQosTrace, 5, "QosAclTypeConfigSm::handleVerify " << type() );
+}
+
 }  // namespace Nev

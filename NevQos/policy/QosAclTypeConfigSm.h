@@ -26,6 +26,8 @@ class QosAclTypeConfigSm : public Zub::PtrInterface {
 
    void handleInitialized();
    void doPrepareToDie();
+   // The type has no hardware of its own to compare: it only marks its place in the walk.
+   void handleVerify();
 
  private:
    Acl::AclType type_;

@@ -1,5 +1,7 @@
 #include "NevQos/policy/QosPolicyMapSm.h"
 
+#include <cstdio>
+
 #include "NevQos/log/QosLogHandles.h"
 #include "NevQos/log/TraceHandles.h"
 #include "NevQos/policy/QosAclSm.h"
@@ -109,8 +111,7 @@ void QosPolicyMapSm::createSm() {
          pmapState()->doVersionUpdateIs( true );
       }
    }
-   bool const intfCopp = qosAclSm()->qosAclHwStatus()->intfCoppSupported();
-   if( pmapName() == coppPolicyMapName() || ( intfCopp && pmapType() == Qos::mapControlPlane_ ) ) {
+   if( staticCoppClassesCompiled() ) {
       for( auto it = pmapStatus->coppStaticClassPrio().iter(); it; ++it ) {
          Zub::Name const cmapName = it.value().cmapName();
          auto cmap = classMap( cmapName );
@@ -119,9 +120,7 @@ void QosPolicyMapSm::createSm() {
          createPolicyClassSm( cmapName, cmap, caction, cmapPrio, false );
       }
    }
-   bool const systemCopp =
-         pmapType() == Qos::mapControlPlane_ && ( pmapName() == coppPolicyMapName() || !intfCopp );
-   if( !systemCopp ) {
+   if( classDefaultCompiled() ) {
       ZUB_TRACE( nevQosTrace, 3, " program defaultClass" );
       if( pmapStatus->classDefault() && pmapStatus->classActionDefault() ) {
          createPolicyClassSm( pmapStatus->classDefault()->key(), pmapStatus->classDefault(),
@@ -145,6 +144,18 @@ void QosPolicyMapSm::createPolicyClassSm( Zub::Name const& cmapName,
    if( !cmap ) return;  // a class whose map is not published yet has nothing to match
    policyClassSmIs( QosClassMapKey( cmapName, pmapType() ), qosAclSm(), this, cmap, cmapPrio,
                     caction, classDefault );
+}
+
+bool QosPolicyMapSm::staticCoppClassesCompiled() const {
+   bool const intfCopp = qosAclSm()->qosAclHwStatus()->intfCoppSupported();
+   return pmapName() == coppPolicyMapName() || ( intfCopp && pmapType() == Qos::mapControlPlane_ );
+}
+
+// The system-wide control-plane policy has no class-default of its own.
+bool QosPolicyMapSm::classDefaultCompiled() const {
+   bool const intfCopp = qosAclSm()->qosAclHwStatus()->intfCoppSupported();
+   return !( pmapType() == Qos::mapControlPlane_ &&
+             ( pmapName() == coppPolicyMapName() || !intfCopp ) );
 }
 
 Zub::Ptr< Qos::ClassMapStatus const > QosPolicyMapSm::classMap( Zub::Name const& cmapName ) const {
@@ -315,6 +326,61 @@ void QosPolicyMapSm::doPrepareToDie() {
 void QosPolicyMapSm::counterUpdateRequest() {
    for( auto it = policyClassSm().iter(); it; ++it )
       it.value()->counterUpdateRequest();
+}
+
+void QosPolicyMapSm::handleVerify() {
+   auto const typeStatus = qosAclSm()->qosStatus()->pmapType( pmapType() );
+   auto const pmapStatus = typeStatus ? typeStatus->pmap( pmapName() ) : nullptr;
+   ZUB_ASSERT_TEXT( pmapStatus, "pmapStatus" );
+   auto const pmapSliceHwStatusType = qosAclSm()->qosAclSliceHwStatus()->pmapType( pmapType() );
+   ZUB_ASSERT_TEXT( pmapSliceHwStatusType, "pmapSliceHwStatusType" );
+   auto const pmapSliceHwStatus = pmapSliceHwStatusType->pmap( hwKey() );
+   ZUB_ASSERT_TEXT( pmapSliceHwStatus, "pmapSliceHwStatusType->pmap( pmapHwStatusKey )" );
+   ZUB_TRACE( nevQosTrace, 5, "QosPolicyMapSm::handleVerify " << key() );
+   // A map still being compiled, or waiting to be torn down after a failure, is not stable.
+   if( !pmapState()->readyToVerify() ) return;
+   if( !verifyNumOfClasses() || pmapState()->dirty() ) {
+      // A map that did not fit has nothing in hardware.
+      ZUB_ASSERT_TEXT( policyClassSmSize() == 0, "policyClassSms() == 0" );
+      ZUB_ASSERT_TEXT( pmapSliceHwStatus->prgmStatus() == Qos::hwPrgmStatusFail_,
+                       "pmapSliceHwStatus->prgmStatus() == Qos::hwPrgmStatusFail_" );
+      ZUB_ASSERT_TEXT(
+            pmapSliceHwStatus->prgmStatusErrMessage() == "Insufficient hardware resources",
+            "pmapSliceHwStatus->prgmStatusErrMessage() == \"Insufficient hardware resources\"" );
+      return;
+   }
+   for( auto it = pmapStatus->classPrio().iter(); it; ++it )
+      verifyClass( it.value().cmapName(), true );
+   for( auto it = pmapStatus->coppStaticClassPrio().iter(); it; ++it ) {
+      Zub::Name const cmapName = it.value().cmapName();
+      verifyClass( cmapName, staticCoppClassesCompiled() && classMap( cmapName ) &&
+                                   pmapStatus->classAction( cmapName ) );
+   }
+   if( auto const classDefault = pmapStatus->classDefault() ) {
+      verifyClass( classDefault->key(),
+                   classDefaultCompiled() && pmapStatus->classActionDefault() );
+   }
+}
+
+void QosPolicyMapSm::verifyClass( Zub::Name const& cmapName, bool present ) {
+   QosClassMapKey const cmapKey( cmapName, pmapType() );
+   if( !present ) {
+      ZUB_ASSERT_TEXT( !policyClassSmHas( cmapKey ), "!policyClassSmHas( cmapKey )" );
+      return;
+   }
+   ZUB_ASSERT_TEXT( classMap( cmapName ), "cmap" );
+   auto const sm = policyClassSm( cmapKey );
+   ZUB_ASSERT_TEXT( sm, "policyClassSm( cmapKey )" );
+   sm->handleVerify();
+}
+
+void QosPolicyMapSm::showAcls( std::uint32_t socket, std::uint32_t unit, bool detail ) {
+   auto const helper = qosAclSm()->qosHelper();
+   helper->showAclPolicyHeader( socket, unit, *pmapState(), key() );
+   for( auto it = policyClassSm().iter(); it; ++it ) {
+      it.value()->showAcl( socket, unit, detail );
+      dprintf( static_cast< int >( socket ), "\n" );
+   }
 }
 
 void QosPolicyMapSm::zubDoZombieReactors( bool zombie ) {

@@ -98,6 +98,10 @@ class QosPolicyMapSm : public Zub::PtrInterface {
    void doRecordLatency( Zub::Seconds startTime );
    void doPrepareToDie();
    void counterUpdateRequest();
+   // Asserts that the class machines mirror the map's status, and verifies each class.
+   void handleVerify();
+   // The map's header, then each class followed by an empty line.
+   void showAcls( std::uint32_t socket, std::uint32_t unit, bool detail );
    // The hardware status of this map in its ACL group; it must exist.
    Zub::Ptr< Qos::PolicyMapHwStatus > pmapSliceHwStatus() const;
 
@@ -108,6 +112,11 @@ class QosPolicyMapSm : public Zub::PtrInterface {
                              Zub::Ptr< Qos::ClassAction const > const& caction,
                              std::uint16_t cmapPrio, bool classDefault );
    Zub::Ptr< Qos::ClassMapStatus const > classMap( Zub::Name const& cmapName ) const;
+   // Whether the static control-plane classes and the class-default get a machine here.
+   bool staticCoppClassesCompiled() const;
+   bool classDefaultCompiled() const;
+   // Verifies the class `cmapName` when it must have a machine, else asserts it has none.
+   void verifyClass( Zub::Name const& cmapName, bool present );
 
    QosPolicyMapKey key_;
    Zub::Name coppPolicyMapName_{ "copp-system-policy" };

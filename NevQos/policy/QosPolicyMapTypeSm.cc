@@ -2,6 +2,9 @@
 
 #include "NevQos/log/TraceHandles.h"
 #include "NevQos/policy/QosAclSm.h"
+#include "NevQos/policy/QosPolicyMapSm.h"
+#include "NevQos/policy/QosServicePolicySm.h"
+#include "zub/Assert.h"
 
 namespace Nev {
 
@@ -21,6 +24,20 @@ void QosPolicyMapTypeSm::handleInitialized() {
 
 void QosPolicyMapTypeSm::doPrepareToDie() {
    ZUB_TRACE( nevQosTrace, 3, "QosPolicyMapTypeSm::doPrepareToDie " << pmapType() );
+}
+
+void QosPolicyMapTypeSm::handleVerify() {
+   ZUB_TRACE( nevQosTrace, 5, "QosPolicyMapTypeSm::handleVerify " << pmapType() );
+   ZUB_ASSERT_TEXT( qosAclSm()->qosAclSliceHwStatus()->pmapType( pmapType() ),
+                    "pmapSliceHwStatusType" );
+}
+
+void QosPolicyMapTypeSm::showAcls( std::uint32_t socket, std::uint32_t unit, bool detail ) {
+   for( auto sp = qosAclSm()->servicePolicySm().iter(); sp; ++sp ) {
+      if( sp.key().type() != pmapType() ) continue;
+      for( auto pmap = sp.value()->pmapSm().iter(); pmap; ++pmap )
+         pmap.value()->showAcls( socket, unit, detail );
+   }
 }
 
 }  // namespace Nev

@@ -1,6 +1,8 @@
 // One map type (control plane, QoS, PDP): creates the hardware status level of the type.
 #pragma once
 
+#include <cstdint>
+
 #include <tuple>
 
 #include "entities/PolicyMapStatus.h"
@@ -32,6 +34,10 @@ class QosPolicyMapTypeSm : public Zub::PtrInterface {
 
    void handleInitialized();
    void doPrepareToDie();
+   // The hardware status level of the type stands.
+   void handleVerify();
+   // Prints every policy map of every service policy of this type.
+   void showAcls( std::uint32_t socket, std::uint32_t unit, bool detail );
 
  private:
    Qos::MapType type_;

@@ -253,6 +253,23 @@ void QosServicePolicySm::deleteAllSm() {
       deleteSm( it.key() );
 }
 
+void QosServicePolicySm::handleVerify() {
+   auto const pmapSliceHwStatusType = qosAclSm()->qosAclSliceHwStatus()->pmapType( type() );
+   ZUB_ASSERT_TEXT( pmapSliceHwStatusType, "pmapSliceHwStatusType" );
+   ZUB_ASSERT_TEXT( pmapSliceHwStatusType->pmap( hwKey() ),
+                    "pmapSliceHwStatusType->pmap( pmapHwStatusKey )" );
+   auto const helper = qosAclSm()->qosHelper();
+   for( auto pmapState = helper->pmapState().iter(); pmapState; ++pmapState ) {
+      QosPolicyMapKey const& k = pmapState.key();
+      if( k.pmapName() != name() || k.pmapType() != type() || k.direction() != direction() ) {
+         continue;
+      }
+      ZUB_ASSERT_TEXT( pmapSm( pmapState.key() ), "pmapSm( pmapState.key() )" );
+      pmapSm( k )->handleVerify();
+   }
+   // A map machine without its state is on its way out and is not compared.
+}
+
 void QosServicePolicySm::doPrepareToDie() {
    deleteAllSm();
    // A machine that goes takes its parked SVIs with it.

@@ -68,6 +68,8 @@ class QosServicePolicySm : public Zub::PtrInterface {
    void clearPMapCounters();
    void counterUpdateRequest();
    void doPrepareToDie();
+   // Asserts that every ACL group of this policy has its map machine, and verifies each.
+   void handleVerify();
 
  private:
    Qos::PolicyMapHwStatusKey hwKey() const {

@@ -1,6 +1,10 @@
 #include "nev/VerifyData.h"
 
+#include <cstdlib>
 #include <ostream>
+#include <sstream>
+
+#include "zub/Assert.h"
 
 namespace Nev {
 
@@ -25,6 +29,20 @@ std::vector< Zub::String > VerifyData::cliVerifyOutputTexts() const {
    for( auto const& line : cliVerifyOutput() )
       texts.push_back( line.text() );
    return texts;
+}
+
+void reportVerifyFailure( VerifyData* verifyData, Zub::String const& text, char const* file,
+                          std::uint32_t line, char const* function ) {
+   std::ostringstream report;
+   report << text;
+   if( std::getenv( "SIMULATION_VMID" ) ) {
+      if( verifyData ) {
+         verifyData->verifyOutputIs( VerifyOutput( Zub::String( report.str() ), Zub::String( file ),
+                                                   line, Zub::String( function ) ) );
+      }
+      ::Zub::assertFail( "0", file, static_cast< int >( line ), function );
+   }
+   if( verifyData ) verifyData->updateCliVerifyOutput( Zub::String( function ), text );
 }
 
 }  // namespace Nev

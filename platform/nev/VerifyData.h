@@ -75,4 +75,14 @@ class VerifyData : public Zub::Entity {
    std::uint32_t nextLine_ = 0;
 };
 
+// Reports one mismatch between the hardware and what was expected of it: the text becomes the next
+// line of the report. Where the environment variable SIMULATION_VMID is set (a simulated switch)
+// any mismatch is fatal: the finding is kept in verifyOutput and the process stops. Without
+// `verifyData` only the stop applies.
+void reportVerifyFailure( VerifyData* verifyData, Zub::String const& text, char const* file,
+                          std::uint32_t line, char const* function );
+
 }  // namespace Nev
+
+#define NEV_VERIFY_FAILURE( verifyData, text ) \
+   ::Nev::reportVerifyFailure( verifyData, text, __FILE__, __LINE__, __func__ )
