@@ -34,10 +34,6 @@ std::string pmapText( Nev::QosPolicyMapKey const& k ) {
           textOf( k.direction() ) + ")";
 }
 
-std::string aclIdOf( Nev::QosClassData const& classData, Nev::AclKey const& aclKey ) {
-   return SimQosAclHelper::classKeyOf( classData ) + " " + aclKeyText( aclKey );
-}
-
 std::string sliceOf( Nev::AclKey const& aclKey ) {
    if( aclKey.aclType() == Acl::ipv6() ) return "ipv6";
    if( aclKey.aclType() == Acl::mac() ) return "mac";
@@ -68,6 +64,7 @@ void addL3Fields( TcamEntry& entry, Filter const& filter ) {
    if( filter.icmpCodeValid ) {
       entry.fields.emplace_back( "icmpCode", textOf( unsigned( filter.icmpCode ) ) );
    }
+   if( filter.fragments ) entry.fields.emplace_back( "fragments", "non-first" );
 }
 
 // A range as the value/mask blocks that cover it.
@@ -168,6 +165,11 @@ SimQosAclHelper::~SimQosAclHelper() = default;
 std::string SimQosAclHelper::classKeyOf( Nev::QosClassData const& classData ) {
    Nev::QosClassDataKey const& k = classData.key();
    return pmapText( k.pmapKey() ) + "/" + textOf( k.cmapName() ) + "/" + textOf( k.policerName() );
+}
+
+std::string SimQosAclHelper::aclIdOf( Nev::QosClassData const& classData,
+                                      Nev::AclKey const& aclKey ) {
+   return classKeyOf( classData ) + " " + aclKeyText( aclKey );
 }
 
 ChipCall& SimQosAclHelper::record( char const* op, Nev::QosClassData const* classData,
@@ -280,7 +282,7 @@ Nev::AclCreateError SimQosAclHelper::precreateAcl( Nev::QosPolicyMapState const&
 }
 
 Nev::AclCreateError SimQosAclHelper::createIpAclSubrule(
-      Acl::AclType aclType, Acl::RuleConfig const& rule, Acl::UniqueId const&,
+      Acl::AclType aclType, Acl::RuleConfig const& rule, Acl::UniqueId const& aclId,
       Nev::QosPolicyMapState const&, Nev::QosClassData const& classData, Nev::AclKey const& aclKey,
       std::uint32_t ruleNum, std::uint32_t subruleNum, std::uint16_t srcL4Port,
       std::uint16_t srcL4PortMask, std::uint16_t dstL4Port, std::uint16_t dstL4PortMask,
@@ -309,6 +311,8 @@ Nev::AclCreateError SimQosAclHelper::createIpAclSubrule(
                                         { "ecnData", textOf( unsigned( ecnData ) ) },
                                         { "ecnMask", hexText( ecnMask ) } } );
    if( auto const fault = faultFor( "createIpAclSubrule" ) ) return answer( *fault, classData );
+   // Only permit rules take entries: a packet no permit rule matches is not in the class.
+   if( rule.action != Acl::actionPermit ) return Nev::aclCreateErrorNone;
    std::string const id = aclIdOf( classData, aclKey );
    if( !tcam_.has( id ) ) tcam_.open( id, sliceOf( aclKey ) );
    std::vector< RangeNeed > needs;
@@ -337,7 +341,7 @@ Nev::AclCreateError SimQosAclHelper::createIpAclSubrule(
          texts = blockTexts( n.low, n.high );
       }
    }
-   TcamEntry entry{ "ip", ruleNum, subruleNum, {} };
+   TcamEntry entry{ "ip", ruleNum, subruleNum, {}, aclId.value() };
    entry.fields.emplace_back( "action", textOf( rule.action ) );
    if( aclType == Acl::ipv6() ) {
       addL3Fields( entry, static_cast< Acl::Ip6RuleConfig const& >( rule ).filter );
@@ -365,10 +369,11 @@ Nev::AclCreateError SimQosAclHelper::createIpAclSubrule(
 
 Nev::AclCreateError SimQosAclHelper::createIpFragRule(
       Nev::QosPolicyMapState const&, Nev::QosClassData const& classData, Nev::AclKey const& aclKey,
-      Acl::IpRuleConfig const& rule, Acl::UniqueId const&, std::uint32_t ruleNum,
+      Acl::IpRuleConfig const& rule, Acl::UniqueId const& aclId, std::uint32_t ruleNum,
       std::uint32_t subRuleNum, std::uint8_t ecnData, std::uint8_t ecnMask ) {
    record( "createIpFragRule", &classData, &aclKey );
-   TcamEntry entry{ "ipFrag", ruleNum, subRuleNum, {} };
+   if( rule.action != Acl::actionPermit ) return Nev::aclCreateErrorNone;
+   TcamEntry entry{ "ipFrag", ruleNum, subRuleNum, {}, aclId.value() };
    entry.fields.emplace_back( "action", textOf( rule.action ) );
    addL3Fields( entry, rule.filter );
    entry.fields.emplace_back( "fragments", "non-first" );
@@ -382,9 +387,8 @@ Nev::AclCreateError SimQosAclHelper::createDefaultRule( Nev::QosPolicyMapState c
                                                         Qos::ClassMapMatchOption,
                                                         Nev::AclKey const& aclKey ) {
    record( "createDefaultRule", &classData, &aclKey );
-   TcamEntry entry{ "default", 0, 0, { { "match", "any" } } };
    return createRule( "createDefaultRule", aclIdOf( classData, aclKey ), sliceOf( aclKey ),
-                      classData, std::move( entry ) );
+                      classData, defaultEntry() );
 }
 
 Nev::AclCreateError SimQosAclHelper::createL2ParamsRule( Nev::QosPolicyMapState const&,
@@ -394,6 +398,11 @@ Nev::AclCreateError SimQosAclHelper::createL2ParamsRule( Nev::QosPolicyMapState 
                                                          std::uint32_t ruleNum ) {
    record( "createL2ParamsRule", &classData, &aclKey )
          .args.emplace_back( "ruleNum", textOf( ruleNum ) );
+   return createRule( "createL2ParamsRule", aclIdOf( classData, aclKey ), sliceOf( aclKey ),
+                      classData, l2EntryOf( classData, ruleNum ) );
+}
+
+TcamEntry SimQosAclHelper::l2EntryOf( Nev::QosClassData const& classData, std::uint32_t ruleNum ) {
    TcamEntry entry{ "l2", ruleNum, 0, {} };
    if( auto const l2 = classData.l2ParamsValue() ) {
       if( auto const vlan = l2->vlanValue() ) {
@@ -405,8 +414,7 @@ Nev::AclCreateError SimQosAclHelper::createL2ParamsRule( Nev::QosPolicyMapState 
                "cos", textOf( unsigned( cos->cos() ) ) + "/" + hexText( cos->cosMask() ) );
       }
    }
-   return createRule( "createL2ParamsRule", aclIdOf( classData, aclKey ), sliceOf( aclKey ),
-                      classData, std::move( entry ) );
+   return entry;
 }
 
 Nev::AclCreateError SimQosAclHelper::createMplsTrafficClassRule( Nev::QosPolicyMapState const&,
@@ -416,13 +424,18 @@ Nev::AclCreateError SimQosAclHelper::createMplsTrafficClassRule( Nev::QosPolicyM
                                                                  std::uint32_t ruleNum ) {
    record( "createMplsTrafficClassRule", &classData, &aclKey )
          .args.emplace_back( "ruleNum", textOf( ruleNum ) );
+   return createRule( "createMplsTrafficClassRule", aclIdOf( classData, aclKey ), sliceOf( aclKey ),
+                      classData, mplsEntryOf( classData, ruleNum ) );
+}
+
+TcamEntry SimQosAclHelper::mplsEntryOf( Nev::QosClassData const& classData,
+                                        std::uint32_t ruleNum ) {
    TcamEntry entry{ "mpls", ruleNum, 0, {} };
    if( auto const tuple = classData.mplsTrafficClassTuple() ) {
       entry.fields.emplace_back( "trafficClass", textOf( tuple->mplsTrafficClassVal() ) + "/" +
                                                        textOf( tuple->mplsTrafficClassMask() ) );
    }
-   return createRule( "createMplsTrafficClassRule", aclIdOf( classData, aclKey ), sliceOf( aclKey ),
-                      classData, std::move( entry ) );
+   return entry;
 }
 
 Nev::AclCreateError SimQosAclHelper::createDscpEcnRule( Nev::QosPolicyMapState const&,
@@ -432,13 +445,18 @@ Nev::AclCreateError SimQosAclHelper::createDscpEcnRule( Nev::QosPolicyMapState c
                                                         std::uint32_t ruleNum ) {
    record( "createDscpEcnRule", &classData, &aclKey )
          .args.emplace_back( "ruleNum", textOf( ruleNum ) );
+   return createRule( "createDscpEcnRule", aclIdOf( classData, aclKey ), sliceOf( aclKey ),
+                      classData, dscpEcnEntryOf( classData, ruleNum ) );
+}
+
+TcamEntry SimQosAclHelper::dscpEcnEntryOf( Nev::QosClassData const& classData,
+                                           std::uint32_t ruleNum ) {
    TcamEntry entry{ "dscpEcn", ruleNum, 0, {} };
    if( auto const value = classData.dscpEcnValue() ) {
       entry.fields.emplace_back(
             "tos", textOf( unsigned( value->tosId() ) ) + "/" + hexText( value->tosMask() ) );
    }
-   return createRule( "createDscpEcnRule", aclIdOf( classData, aclKey ), sliceOf( aclKey ),
-                      classData, std::move( entry ) );
+   return entry;
 }
 
 bool SimQosAclHelper::isSupportedMacAclRule( Acl::MacRuleConfig const& ) {
@@ -456,12 +474,16 @@ Nev::AclCreateError SimQosAclHelper::createMacAclRule( Nev::QosPolicyMapState co
                                                        std::uint32_t ruleNum ) {
    record( "createMacAclRule", &classData, &aclKey )
          .args.emplace_back( "ruleNum", textOf( ruleNum ) );
+   return createRule( "createMacAclRule", aclIdOf( classData, aclKey ), sliceOf( aclKey ),
+                      classData, macEntryOf( classData, ruleNum ) );
+}
+
+TcamEntry SimQosAclHelper::macEntryOf( Nev::QosClassData const& classData, std::uint32_t ruleNum ) {
    TcamEntry entry{ "mac", ruleNum, 0, {} };
    if( auto const mac = classData.macValue() ) {
       entry.fields.emplace_back( "etherType", hexText( mac->etherType() ) );
    }
-   return createRule( "createMacAclRule", aclIdOf( classData, aclKey ), sliceOf( aclKey ),
-                      classData, std::move( entry ) );
+   return entry;
 }
 
 Nev::AclCreateError SimQosAclHelper::createBuiltInClassMatchRule(
@@ -692,10 +714,6 @@ void SimQosAclHelper::destroyCoppPolicer( Nev::QosClassData const& classData ) {
 
 void SimQosAclHelper::hwInit() {
    record( "hwInit", nullptr, nullptr );
-}
-
-void SimQosAclHelper::verifyPolicer( Nev::QosClassData const& classData ) {
-   record( "verifyPolicer", &classData, nullptr );
 }
 
 Zub::String SimQosAclHelper::cpuQIdToClassMapName( std::uint32_t cpuQId ) {

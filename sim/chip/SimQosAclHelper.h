@@ -15,6 +15,7 @@
 
 #include "NevQos/helpers/QosAclHelper.h"
 #include "kesh/TimerWheel.h"
+#include "nev/VerifyData.h"
 #include "sim/chip/ChipConfig.h"
 #include "sim/chip/Tcam.h"
 
@@ -83,6 +84,15 @@ class SimQosAclHelper : public NevHelper::QosAclHelper {
    }
    // The chip's name for a class data: its key as text.
    static std::string classKeyOf( Nev::QosClassData const& classData );
+   // The chip's name for one ACL of a class: the TCAM's id of it.
+   static std::string aclIdOf( Nev::QosClassData const& classData, Nev::AclKey const& aclKey );
+   // Where the chip reports what it finds wrong when the engine asks it to verify.
+   void verifyDataIs( Zub::Ptr< Nev::VerifyData > const& verifyData ) { verifyData_ = verifyData; }
+   // Damages entry (ruleNum, subruleNum) of every installed ACL named `aclName`, as a fault of
+   // the hardware would: see Tcam::corrupt. The number of entries damaged.
+   std::size_t corruptEntry( std::string const& aclName, std::uint32_t ruleNum,
+                             std::uint32_t subruleNum, std::string const& field,
+                             std::string const& value );
 
    // ---- The helper contract
    Nev::AclCreateError precreateAcl( Nev::QosPolicyMapState const& pmapState,
@@ -171,7 +181,149 @@ class SimQosAclHelper : public NevHelper::QosAclHelper {
    void createDefaultCoppRates() override;
    void destroyCoppPolicer( Nev::QosClassData const& classData ) override;
    void hwInit() override;
+
+   // ---- Verification: each answer comes from the TCAM as it stands
+   bool ipSubruleExists( Nev::QosClassData const& classData, Nev::AclKey const& aclKey,
+                         Acl::UniqueId const& aclId, std::uint32_t ruleNum,
+                         std::uint32_t subruleNum ) override;
+   bool ipPortRangeSubruleExists( Nev::QosClassData const& classData, Nev::AclKey const& aclKey,
+                                  Acl::UniqueId const& aclId, std::uint32_t ruleNum,
+                                  std::uint32_t subruleNum, std::uint16_t srcLow,
+                                  std::uint16_t srcHigh, bool srcValid, std::uint16_t dstLow,
+                                  std::uint16_t dstHigh, bool dstValid ) override;
+   void verifyTcamData( Nev::QosClassData const& classData, Qos::ClassMapMatchOption matchOption,
+                        Nev::AclKey const& aclKey ) override;
+   void verifyAclGeneral( Nev::QosClassData const& classData, Qos::ClassMapMatchOption matchOption,
+                          Nev::AclKey const& aclKey ) override;
+   void verifyIpRuleGeneral( Nev::QosClassData const& classData, Nev::AclKey const& aclKey,
+                             Acl::UniqueId const& aclId, std::uint32_t ruleNum,
+                             std::uint32_t subruleNum, std::uint32_t sequence ) override;
+   void verifyIpRuleAction( Nev::QosClassData const& classData, Nev::AclKey const& aclKey,
+                            Acl::UniqueId const& aclId, std::uint32_t ruleNum,
+                            std::uint32_t subruleNum, std::uint32_t sequence,
+                            Acl::Action action ) override;
+   void verifyIpRuleIpProto( Nev::QosClassData const& classData, Nev::AclKey const& aclKey,
+                             Acl::UniqueId const& aclId, std::uint32_t ruleNum,
+                             std::uint32_t subruleNum, std::uint32_t sequence,
+                             std::uint8_t expectedProto, bool valid ) override;
+   void verifyIpRuleSrcIp( Nev::QosClassData const& classData, Nev::AclKey const& aclKey,
+                           Acl::UniqueId const& aclId, std::uint32_t ruleNum,
+                           std::uint32_t subruleNum, std::uint32_t sequence,
+                           std::uint32_t expectedAddr, std::uint32_t expectedMask,
+                           bool valid ) override;
+   void verifyIpRuleDstIp( Nev::QosClassData const& classData, Nev::AclKey const& aclKey,
+                           Acl::UniqueId const& aclId, std::uint32_t ruleNum,
+                           std::uint32_t subruleNum, std::uint32_t sequence,
+                           std::uint32_t expectedAddr, std::uint32_t expectedMask,
+                           bool valid ) override;
+   void verifyIpRuleDscp( Nev::QosClassData const& classData, Nev::AclKey const& aclKey,
+                          Acl::UniqueId const& aclId, std::uint32_t ruleNum,
+                          std::uint32_t subruleNum, std::uint32_t sequence,
+                          std::uint8_t expectedDscp, bool valid ) override;
+   void verifyIpRuleTcIp6( Nev::QosClassData const& classData, Nev::AclKey const& aclKey,
+                           Acl::UniqueId const& aclId, std::uint32_t ruleNum,
+                           std::uint32_t subruleNum, std::uint32_t sequence,
+                           std::uint8_t expectedDscp, bool valid ) override;
+   void verifyIpRuleEcn( Nev::QosClassData const& classData, Nev::AclKey const& aclKey,
+                         Acl::UniqueId const& aclId, std::uint32_t ruleNum,
+                         std::uint32_t subruleNum, std::uint32_t sequence, std::uint8_t ecnData,
+                         std::uint8_t ecnMask ) override;
+   void verifyIpRuleEcnIp6( Nev::QosClassData const& classData, Nev::AclKey const& aclKey,
+                            Acl::UniqueId const& aclId, std::uint32_t ruleNum,
+                            std::uint32_t subruleNum, std::uint32_t sequence, std::uint8_t ecnData,
+                            std::uint8_t ecnMask ) override;
+   void verifyIpRuleSrcIp6( Nev::QosClassData const& classData, Nev::AclKey const& aclKey,
+                            Acl::UniqueId const& aclId, std::uint32_t ruleNum,
+                            std::uint32_t subruleNum, std::uint32_t sequence,
+                            Mirel::Ip6AddrWithMask const& expected, bool valid ) override;
+   void verifyIpRuleDstIp6( Nev::QosClassData const& classData, Nev::AclKey const& aclKey,
+                            Acl::UniqueId const& aclId, std::uint32_t ruleNum,
+                            std::uint32_t subruleNum, std::uint32_t sequence,
+                            Mirel::Ip6AddrWithMask const& expected, bool valid ) override;
+   void verifyIpRuleFragments( Nev::QosClassData const& classData, Nev::AclKey const& aclKey,
+                               Acl::UniqueId const& aclId, std::uint32_t ruleNum,
+                               std::uint32_t subruleNum, std::uint32_t sequence, bool matchHeadOnly,
+                               bool matchFragmentsOnly ) override;
+   void verifyIpRuleTcpFlags( Nev::QosClassData const& classData, Nev::AclKey const& aclKey,
+                              Acl::UniqueId const& aclId, std::uint32_t ruleNum,
+                              std::uint32_t subruleNum, std::uint32_t sequence,
+                              std::uint8_t expectedTcpFlags, bool valid ) override;
+   void verifyIpRuleIcmp( Nev::QosClassData const& classData, Nev::AclKey const& aclKey,
+                          Acl::UniqueId const& aclId, std::uint32_t ruleNum,
+                          std::uint32_t subruleNum, std::uint32_t sequence,
+                          std::uint8_t expectedType, std::uint8_t expectedCode, bool typeValid,
+                          bool codeValid ) override;
+   void verifyIpRuleSrcPort( Nev::QosClassData const& classData, Nev::AclKey const& aclKey,
+                             Acl::UniqueId const& aclId, std::uint32_t ruleNum,
+                             std::uint32_t subruleNum, std::uint32_t sequence,
+                             std::uint16_t expectedLow, std::uint16_t expectedHigh,
+                             bool valid ) override;
+   void verifyIpRuleDstPort( Nev::QosClassData const& classData, Nev::AclKey const& aclKey,
+                             Acl::UniqueId const& aclId, std::uint32_t ruleNum,
+                             std::uint32_t subruleNum, std::uint32_t sequence,
+                             std::uint16_t expectedLow, std::uint16_t expectedHigh,
+                             bool valid ) override;
+   void verifyIpRuleVlanMatch( Nev::QosClassData const& classData, Nev::AclKey const& aclKey,
+                               Acl::UniqueId const& aclId, std::uint32_t ruleNum,
+                               std::uint32_t subruleNum, std::uint16_t expectedVlanId,
+                               std::uint16_t expectedVlanIdMask, bool valid ) override;
+   void verifyRulePorts( Nev::QosPolicyMapState const& pmapState,
+                         Nev::QosClassData const& classData, Qos::ClassMapMatchOption matchOption,
+                         Nev::AclKey const& aclKey, Acl::UniqueId const& aclId,
+                         std::uint32_t ruleNum, std::uint32_t subruleNum, std::uint32_t sequence,
+                         Acl::Action action ) override;
+   void verifyDefaultRule( Nev::QosPolicyMapState const& pmapState,
+                           Nev::QosClassData const& classData, Qos::ClassMapMatchOption matchOption,
+                           Nev::AclKey const& aclKey ) override;
+   void verifyL2ParamsRule( Nev::QosPolicyMapState const& pmapState,
+                            Nev::QosClassData const& classData,
+                            Qos::ClassMapMatchOption matchOption,
+                            Nev::AclKey const& aclKey ) override;
+   void verifyMplsTrafficClassRule( Nev::QosPolicyMapState const& pmapState,
+                                    Nev::QosClassData const& classData,
+                                    Qos::ClassMapMatchOption matchOption,
+                                    Nev::AclKey const& aclKey ) override;
+   void verifyDscpEcnRule( Nev::QosPolicyMapState const& pmapState,
+                           Nev::QosClassData const& classData, Qos::ClassMapMatchOption matchOption,
+                           Nev::AclKey const& aclKey ) override;
+   void verifyMacAclRule( Nev::QosPolicyMapState const& pmapState,
+                          Nev::QosClassData const& classData, Qos::ClassMapMatchOption matchOption,
+                          Nev::AclKey const& aclKey ) override;
    void verifyPolicer( Nev::QosClassData const& classData ) override;
+   void verifyCounter( Nev::QosClassData const& classData ) override;
+
+   // ---- Show: the TCAM as tables, to the descriptor the engine passes
+   void showAclPolicyHeader( std::uint32_t socket, std::uint32_t unit,
+                             Nev::QosPolicyMapState const& pmapState,
+                             Nev::QosPolicyMapKey const& pmapKey ) override;
+   void showAclClassHeader( std::uint32_t socket, std::uint32_t unit,
+                            Nev::QosClassMapKey const& cmapKey ) override;
+   void showAclHeader( std::uint32_t socket, std::uint32_t unit, bool detail,
+                       Nev::QosClassData const& classData, Qos::ClassMapMatchOption matchOption,
+                       Nev::AclKey const& aclKey ) override;
+   void showIpAclRule( std::uint32_t socket, std::uint32_t unit, Nev::QosClassData const& classData,
+                       Nev::AclKey const& aclKey, std::uint32_t sequence,
+                       Acl::UniqueId const& id ) override;
+   void showDefaultRule( std::uint32_t socket, std::uint32_t unit,
+                         Nev::QosPolicyMapState const& pmapState,
+                         Nev::QosClassData const& classData, Qos::ClassMapMatchOption matchOption,
+                         Nev::AclKey const& aclKey ) override;
+   void showL2ParamsRule( std::uint32_t socket, std::uint32_t unit,
+                          Nev::QosPolicyMapState const& pmapState,
+                          Nev::QosClassData const& classData, Qos::ClassMapMatchOption matchOption,
+                          Nev::AclKey const& aclKey ) override;
+   void showMplsTrafficClassRule( std::uint32_t socket, std::uint32_t unit,
+                                  Nev::QosPolicyMapState const& pmapState,
+                                  Nev::QosClassData const& classData,
+                                  Qos::ClassMapMatchOption matchOption,
+                                  Nev::AclKey const& aclKey ) override;
+   void showDscpEcnRule( std::uint32_t socket, std::uint32_t unit,
+                         Nev::QosPolicyMapState const& pmapState,
+                         Nev::QosClassData const& classData, Qos::ClassMapMatchOption matchOption,
+                         Nev::AclKey const& aclKey ) override;
+   void showMacAclRule( std::uint32_t socket, std::uint32_t unit,
+                        Nev::QosPolicyMapState const& pmapState, Nev::QosClassData const& classData,
+                        Qos::ClassMapMatchOption matchOption, Nev::AclKey const& aclKey ) override;
    Zub::String cpuQIdToClassMapName( std::uint32_t cpuQId ) override;
    Zub::String portToIntfName( std::uint32_t modId, std::uint32_t port ) override;
 
@@ -200,6 +352,43 @@ class SimQosAclHelper : public NevHelper::QosAclHelper {
    void startOperation();
    bool takePolicer( Nev::QosClassData const& classData );
    static void bind( std::set< std::string >& ports, Qos::IntfPairKey const& intfPair, bool add );
+   // The expected fields of the non-IP rules, as the create operations write them.
+   static TcamEntry l2EntryOf( Nev::QosClassData const& classData, std::uint32_t ruleNum );
+   static TcamEntry mplsEntryOf( Nev::QosClassData const& classData, std::uint32_t ruleNum );
+   static TcamEntry dscpEcnEntryOf( Nev::QosClassData const& classData, std::uint32_t ruleNum );
+   static TcamEntry macEntryOf( Nev::QosClassData const& classData, std::uint32_t ruleNum );
+
+   // ---- Verification (SimQosAclHelperVerify.cc)
+   // The IP entry a field check is about: null when there is none, which the engine reports.
+   TcamEntry const* ipEntry( Nev::QosClassData const& classData, Nev::AclKey const& aclKey,
+                             std::uint32_t ruleNum, std::uint32_t subruleNum ) const;
+   // One field compared; `absent` is what a missing field stands for.
+   struct FieldCheck {
+      Nev::QosClassData const& classData;
+      Nev::AclKey const& aclKey;
+      std::uint32_t ruleNum;
+      std::uint32_t subruleNum;
+      std::uint32_t sequence;
+   };
+   void checkField( FieldCheck const& at, std::string const& name, std::string const& expected,
+                    std::string const& absent = "" );
+   void checkPorts( FieldCheck const& at, std::string const& name, std::uint16_t low,
+                    std::uint16_t high, bool valid );
+   // An entry of `kind` with the fields of `expected` must stand in the ACL.
+   void checkRuleEntry( Nev::QosClassData const& classData, Nev::AclKey const& aclKey,
+                        TcamEntry const& expected );
+   void reportMismatch( std::string const& text );
+   FieldCheck recordCheck( char const* op, Nev::QosClassData const& classData,
+                           Nev::AclKey const& aclKey, std::uint32_t ruleNum,
+                           std::uint32_t subruleNum, std::uint32_t sequence );
+   // False, after reporting it, when the ACL is not installed and committed.
+   bool checkInstalled( Nev::QosClassData const& classData, Nev::AclKey const& aclKey );
+   // The ACL serves exactly the interfaces of its class.
+   void checkPortsBound( Nev::QosClassData const& classData, Nev::AclKey const& aclKey );
+   static TcamEntry defaultEntry() { return TcamEntry{ "default", 0, 0, { { "match", "any" } } }; }
+   // ---- Show (SimQosAclHelperShow.cc)
+   void showEntries( std::uint32_t socket, Nev::QosClassData const& classData,
+                     Nev::AclKey const& aclKey, std::string const& kind );
 
    ChipConfig config_;
    Tcam tcam_;
@@ -232,6 +421,7 @@ class SimQosAclHelper : public NevHelper::QosAclHelper {
    std::set< Nev::ModIdPortQueueKey > portCpuQueuePolicers_;
    std::vector< ChipTraffic > traffic_;
    Ports aclPorts_;
+   Zub::Ptr< Nev::VerifyData > verifyData_;
 };
 
 }  // namespace Sim

@@ -70,4 +70,45 @@ std::vector< RangeNeed > Tcam::acquire( AclId const& id, std::vector< RangeNeed 
    return {};
 }
 
+std::string const* TcamEntry::field( std::string const& name ) const {
+   for( TcamField const& f : fields ) {
+      if( f.first == name ) return &f.second;
+   }
+   return nullptr;
+}
+
+TcamEntry const* Tcam::entry( AclId const& id, std::uint32_t ruleNum,
+                              std::uint32_t subruleNum ) const {
+   auto const acl = acls_.find( id );
+   if( acl == acls_.end() ) return nullptr;
+   for( TcamEntry const& e : acl->second.entries ) {
+      if( e.ruleNum == ruleNum && e.subruleNum == subruleNum ) return &e;
+   }
+   return nullptr;
+}
+
+bool Tcam::corrupt( AclId const& id, std::uint32_t ruleNum, std::uint32_t subruleNum,
+                    std::string const& name, std::string const& value ) {
+   auto const acl = acls_.find( id );
+   if( acl == acls_.end() ) return false;
+   auto& entries = acl->second.entries;
+   auto const e = std::find_if( entries.begin(), entries.end(), [ & ]( TcamEntry const& x ) {
+      return x.ruleNum == ruleNum && x.subruleNum == subruleNum;
+   } );
+   if( e == entries.end() ) return false;
+   if( name.empty() ) {
+      // The slot stays taken: the hardware lost the entry, not the ACL its place.
+      entries.erase( e );
+      return true;
+   }
+   for( TcamField& f : e->fields ) {
+      if( f.first == name ) {
+         f.second = value;
+         return true;
+      }
+   }
+   e->fields.emplace_back( name, value );
+   return true;
+}
+
 }  // namespace Sim

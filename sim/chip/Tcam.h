@@ -24,6 +24,11 @@ struct TcamEntry {
    std::uint32_t ruleNum = 0;
    std::uint32_t subruleNum = 0;
    std::vector< TcamField > fields;
+   // The configured rule an IP entry comes from (its unique id); 0 for the others.
+   std::uint64_t ruleId = 0;
+
+   // The text of field `name`, null when the entry has no such field.
+   std::string const* field( std::string const& name ) const;
 };
 
 // A port or length range that needs a checker: the dimension and its bounds.
@@ -59,6 +64,12 @@ class Tcam {
    void commit( AclId const& id );
    // Frees the ACL's entries and checkers; nothing for an ACL not open.
    void destroy( AclId const& id );
+   // The first entry of the ACL with these numbers, or null.
+   TcamEntry const* entry( AclId const& id, std::uint32_t ruleNum, std::uint32_t subruleNum ) const;
+   // Damages an entry behind its owner's back: field `name` takes `value` (a field the entry
+   // lacks is added), or, without a name, the entry is lost. False when there is no such entry.
+   bool corrupt( AclId const& id, std::uint32_t ruleNum, std::uint32_t subruleNum,
+                 std::string const& name, std::string const& value );
 
    // Takes a checker for each need the ACL does not hold yet, sharing a checker with any ACL
    // holding the same range. Nothing is taken unless all fit: the needs without a checker are

@@ -351,6 +351,23 @@ Json reportOf( Scenario const& scenario, SimSwitch const& sw ) {
                 { "resources", resourcesOf( sw.chip() ) } };
 }
 
+namespace {
+
+// The findings of --verify, or that there were none.
+void printVerify( std::ostream& os, Json const& verify ) {
+   Json const& findings = verify[ "findings" ];
+   os << "\nVerification (" << verify[ "runs" ].get< std::size_t >() << " runs): ";
+   if( findings.empty() ) {
+      os << "the chip holds what the engine programmed.\n";
+      return;
+   }
+   os << findings.size() << " mismatches\n";
+   for( Json const& f : findings )
+      os << "  " << seconds( f[ "t" ] ) << " s  " << f[ "text" ].get< std::string >() << "\n";
+}
+
+}  // namespace
+
 void printTextReport( std::ostream& os, Json const& report, std::size_t limit ) {
    Json const& s = report[ "scenario" ];
    os << "Scenario " << s[ "file" ].get< std::string >();
@@ -366,6 +383,7 @@ void printTextReport( std::ostream& os, Json const& report, std::size_t limit ) 
    printBasic( os, report[ "basic" ] );
    printControlPlane( os, report[ "controlPlane" ] );
    printCbf( os, report[ "cbf" ] );
+   if( report.contains( "verify" ) ) printVerify( os, report[ "verify" ] );
 }
 
 }  // namespace Sim

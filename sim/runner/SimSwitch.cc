@@ -87,6 +87,7 @@ void SimSwitch::entitiesIs( ChipConfig const& chip ) {
    clock_ = Zub::make< Kesh::TimerWheel >();
    chip_ = Zub::make< SimQosAclHelper >( chip, qosStatus_, aclSliceHwStatus_, aclConfig_, clock_ );
    chip_->callLogIs( &calls_ );
+   chip_->verifyDataIs( ncsd_->verifyData() );
    basicChip_ = Zub::make< SimQosBasicHelper >( chip, qosStatus_, hwStatus_, sliceHwStatus_,
                                                 ethPhyIntfStatusDir_, clock_ );
    basicChip_->callLogIs( &calls_ );
@@ -155,6 +156,31 @@ void SimSwitch::stepIs( Step const& step ) {
 
 void SimSwitch::runUntil( Zub::Seconds t ) {
    if( t > loop_->now() ) loop_->runUntil( t );
+}
+
+std::vector< std::string > SimSwitch::verify() {
+   auto const data = ncsd_->verifyData();
+   data->cliVerifyOutputDelAll();
+   // A run compares everything, not only what changed since the last one.
+   engine_->schedulePolicyVerify();
+   basicEngine_->scheduleQosVerify();
+   data->doVerify();
+   loop_->runUntil( loop_->now() );
+   std::vector< std::string > findings;
+   for( Zub::String const& text : data->cliVerifyOutputTexts() )
+      findings.push_back( text.stdString() );
+   return findings;
+}
+
+void SimSwitch::show( int fd, Qos::MapType type, bool detail ) {
+   engine_->showAcls( static_cast< std::uint32_t >( fd ), 0, detail, type );
+}
+
+std::vector< Qos::MapType > SimSwitch::mapTypes() const {
+   std::vector< Qos::MapType > types;
+   for( auto it = engine_->pmapTypeSm().iter(); it; ++it )
+      types.push_back( it.key() );
+   return types;
 }
 
 void SimSwitch::chipChangesIs( std::vector< Change > const& changes ) {

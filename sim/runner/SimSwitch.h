@@ -54,6 +54,13 @@ class SimSwitch {
    void stepIs( Step const& step );
    // Runs the loop until virtual time `t`.
    void runUntil( Zub::Seconds t );
+   // Compares everything programmed with the chip's TCAM, as the platform's verify agent would
+   // ask: the findings of this run, in the order they were raised.
+   std::vector< std::string > verify();
+   // Prints what the chip holds for the policy maps of `type` to the descriptor `fd`.
+   void show( int fd, Qos::MapType type, bool detail );
+   // The map types the engine has a machine for, in order.
+   std::vector< Qos::MapType > mapTypes() const;
    Zub::Seconds now() const { return loop_->now(); }
 
    SimQosAclHelper const& chip() const { return *chip_; }

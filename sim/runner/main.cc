@@ -2,9 +2,13 @@
 // every helper call, the system log, the hardware status and the TCAM.
 #include <CLI/CLI.hpp>
 
+#include <unistd.h>
+
 #include <cstdio>
 #include <exception>
 #include <iostream>
+#include <map>
+#include <string>
 
 #include "sim/runner/Report.h"
 #include "sim/runner/SimSwitch.h"
@@ -14,8 +18,39 @@
 namespace {
 
 // Exit codes.
+constexpr int mismatch = 1;
 constexpr int badInput = 2;
 constexpr int failed = 3;
+
+// The map types --show takes, by the names scenarios use.
+std::map< std::string, Qos::MapType > const showTypes{ { "qos", Qos::mapQos_ },
+                                                       { "control-plane", Qos::mapControlPlane_ },
+                                                       { "pdp", Qos::mapPdp_ } };
+
+// With --verify: compares the switch with its chip now and keeps what was found.
+struct Verification {
+   bool on = false;
+   std::size_t runs = 0;
+   nlohmann::ordered_json findings = nlohmann::ordered_json::array();
+
+   void run( Sim::SimSwitch& sw ) {
+      if( !on ) return;
+      ++runs;
+      for( std::string const& text : sw.verify() )
+         findings.push_back( { { "t", sw.now() }, { "text", text } } );
+   }
+   nlohmann::ordered_json json() const { return { { "runs", runs }, { "findings", findings } }; }
+};
+
+// Prints the show output of `type`, or of every type the engine has when it is empty, after
+// what is already on standard output.
+void show( Sim::SimSwitch& sw, std::string const& type, bool detail ) {
+   std::cout.flush();
+   for( Qos::MapType const t : sw.mapTypes() ) {
+      if( !type.empty() && showTypes.at( type ) != t ) continue;
+      sw.show( STDOUT_FILENO, t, detail );
+   }
+}
 
 }  // namespace
 
@@ -29,6 +64,9 @@ int main( int argc, char** argv ) {
    double settle = 60.0;
    std::size_t limit = 200;
    std::string tcamMode;
+   Verification verification;
+   std::string showType;
+   bool brief = false;
    app.add_option( "scenario", path, "The scenario file (YAML)" )->required();
    app.add_flag( "--json", json, "Print the report as JSON" );
    app.add_option( "--settle", settle,
@@ -43,6 +81,16 @@ int main( int argc, char** argv ) {
    app.add_option( "--tcam-mode", tcamMode,
                    "Run on a chip of this TCAM mode, whatever the scenario says" )
          ->check( CLI::IsMember( { "synchronous", "asynchronous" } ) );
+   app.add_flag( "--verify", verification.on,
+                 "Compare the engine's view with the chip's TCAM at the start, after each step "
+                 "and at the end; exit with 1 if anything differs" );
+   auto* const showOption =
+         app.add_option( "--show", showType,
+                         "After the report, print what the chip holds for the policy maps of "
+                         "TYPE (qos, control-plane, pdp), or of every type without one" )
+               ->expected( 0, 1 )
+               ->check( CLI::IsMember( { "qos", "control-plane", "pdp" } ) );
+   app.add_flag( "--brief", brief, "With --show: the headers only, no rules" );
    try {
       app.parse( argc, argv );
    } catch( CLI::ParseError const& e ) {
@@ -55,15 +103,22 @@ int main( int argc, char** argv ) {
       if( tcamMode == "synchronous" ) scenario.chip.tcamMode = Sim::TcamMode::synchronous;
       if( tcamMode == "asynchronous" ) scenario.chip.tcamMode = Sim::TcamMode::asynchronous;
       Sim::SimSwitch sw( scenario );
-      for( Sim::Step const& step : scenario.steps )
+      verification.run( sw );
+      for( Sim::Step const& step : scenario.steps ) {
          sw.stepIs( step );
+         verification.run( sw );
+      }
       sw.runUntil( sw.now() + settle );
-      auto const report = Sim::reportOf( scenario, sw );
+      verification.run( sw );
+      auto report = Sim::reportOf( scenario, sw );
+      if( verification.on ) report[ "verify" ] = verification.json();
       if( json ) {
          std::cout << report.dump( 2 ) << "\n";
       } else {
          Sim::printTextReport( std::cout, report, limit );
       }
+      if( showOption->count() != 0 ) show( sw, showType, !brief );
+      if( !verification.findings.empty() ) return mismatch;
    } catch( Sim::ScenarioError const& e ) {
       std::cerr << "nevqos-sim: " << e.what() << "\n";
       return badInput;

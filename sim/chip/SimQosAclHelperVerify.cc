@@ -1,0 +1,427 @@
+// The reference chip's answers to the engine's verification: every answer is read from the TCAM
+// as it stands, so that an entry damaged or lost behind the engine's back is found. The engine
+// decides whether a subrule should exist; the chip compares the fields of the entries it has.
+#include <bit>
+#include <cstdio>
+#include <optional>
+#include <utility>
+
+#include "NevQos/classes/QosClassData.h"
+#include "mirel/IpAddrWithMask.h"
+#include "sim/chip/ChipText.h"
+#include "sim/chip/SimQosAclHelper.h"
+
+namespace Sim {
+
+namespace {
+
+using Range = std::pair< unsigned, unsigned >;
+
+constexpr Range fullRange{ 0, 0xffff };
+
+// The ports a stored field matches: "range 1000-2000", or value/mask ("80/0xffff"); a field the
+// entry lacks matches every port.
+Range rangeOfText( std::string const* text ) {
+   if( !text ) return fullRange;
+   unsigned a = 0, b = 0;
+   if( std::sscanf( text->c_str(), "range %u-%u", &a, &b ) == 2 ) return { a, b };
+   if( std::sscanf( text->c_str(), "%u/%x", &a, &b ) == 2 ) {
+      unsigned const low = a & b & 0xffff;
+      return { low, low | ( ~b & 0xffff ) };
+   }
+   return { 1, 0 };  // unreadable: matches nothing the engine can expect
+}
+
+std::string rangeText( Range r ) {
+   return textOf( r.first ) + "-" + textOf( r.second );
+}
+
+}  // namespace
+
+void SimQosAclHelper::reportMismatch( std::string const& text ) {
+   NEV_VERIFY_FAILURE( verifyData_.ptr(), Zub::String( text ) );
+}
+
+TcamEntry const* SimQosAclHelper::ipEntry( Nev::QosClassData const& classData,
+                                           Nev::AclKey const& aclKey, std::uint32_t ruleNum,
+                                           std::uint32_t subruleNum ) const {
+   return tcam_.entry( aclIdOf( classData, aclKey ), ruleNum, subruleNum );
+}
+
+void SimQosAclHelper::checkField( FieldCheck const& at, std::string const& name,
+                                  std::string const& expected, std::string const& absent ) {
+   TcamEntry const* const entry = ipEntry( at.classData, at.aclKey, at.ruleNum, at.subruleNum );
+   if( !entry ) return;
+   std::string const* const stored = entry->field( name );
+   std::string const actual = stored ? *stored : absent;
+   if( actual == expected ) return;
+   reportMismatch( "ACL " + textOf( at.aclKey.aclName() ) + " sequence " + textOf( at.sequence ) +
+                   " rule " + textOf( at.ruleNum ) + " subrule " + textOf( at.subruleNum ) + " " +
+                   name + " is " + ( actual.empty() ? "absent" : actual ) + ", expected " +
+                   ( expected.empty() ? "absent" : expected ) );
+}
+
+void SimQosAclHelper::checkPorts( FieldCheck const& at, std::string const& name, std::uint16_t low,
+                                  std::uint16_t high, bool valid ) {
+   TcamEntry const* const entry = ipEntry( at.classData, at.aclKey, at.ruleNum, at.subruleNum );
+   if( !entry ) return;
+   Range const expected = valid ? Range{ low, high } : fullRange;
+   Range const actual = rangeOfText( entry->field( name ) );
+   if( actual == expected ) return;
+   reportMismatch( "ACL " + textOf( at.aclKey.aclName() ) + " sequence " + textOf( at.sequence ) +
+                   " rule " + textOf( at.ruleNum ) + " subrule " + textOf( at.subruleNum ) + " " +
+                   name + " is " + rangeText( actual ) + ", expected " + rangeText( expected ) );
+}
+
+// A verification query about one subrule, as the call list shows it.
+SimQosAclHelper::FieldCheck SimQosAclHelper::recordCheck(
+      char const* op, Nev::QosClassData const& classData, Nev::AclKey const& aclKey,
+      std::uint32_t ruleNum, std::uint32_t subruleNum, std::uint32_t sequence ) {
+   ChipCall& call = record( op, &classData, &aclKey );
+   call.args.emplace_back( "ruleNum", textOf( ruleNum ) );
+   call.args.emplace_back( "subruleNum", textOf( subruleNum ) );
+   return FieldCheck{ classData, aclKey, ruleNum, subruleNum, sequence };
+}
+
+bool SimQosAclHelper::ipSubruleExists( Nev::QosClassData const& classData,
+                                       Nev::AclKey const& aclKey, Acl::UniqueId const&,
+                                       std::uint32_t ruleNum, std::uint32_t subruleNum ) {
+   recordCheck( "ipSubruleExists", classData, aclKey, ruleNum, subruleNum, 0 );
+   return ipEntry( classData, aclKey, ruleNum, subruleNum ) != nullptr;
+}
+
+// True when the subrule stands as one entry holding the two ranges whole: not expanded.
+bool SimQosAclHelper::ipPortRangeSubruleExists( Nev::QosClassData const& classData,
+                                                Nev::AclKey const& aclKey, Acl::UniqueId const&,
+                                                std::uint32_t ruleNum, std::uint32_t subruleNum,
+                                                std::uint16_t srcLow, std::uint16_t srcHigh,
+                                                bool srcValid, std::uint16_t dstLow,
+                                                std::uint16_t dstHigh, bool dstValid ) {
+   recordCheck( "ipPortRangeSubruleExists", classData, aclKey, ruleNum, subruleNum, 0 );
+   TcamEntry const* const entry = ipEntry( classData, aclKey, ruleNum, subruleNum );
+   if( !entry ) return false;
+   Range const src = srcValid ? Range{ srcLow, srcHigh } : fullRange;
+   Range const dst = dstValid ? Range{ dstLow, dstHigh } : fullRange;
+   return rangeOfText( entry->field( "srcPort" ) ) == src &&
+          rangeOfText( entry->field( "dstPort" ) ) == dst;
+}
+
+// ---- The ACL as a whole
+
+bool SimQosAclHelper::checkInstalled( Nev::QosClassData const& classData,
+                                      Nev::AclKey const& aclKey ) {
+   auto const acl = tcam_.acls().find( aclIdOf( classData, aclKey ) );
+   if( acl == tcam_.acls().end() ) {
+      reportMismatch( "ACL " + textOf( aclKey.aclName() ) + " of class " + classKeyOf( classData ) +
+                      " is not in the TCAM" );
+      return false;
+   }
+   if( !acl->second.committed ) {
+      reportMismatch( "ACL " + textOf( aclKey.aclName() ) + " of class " + classKeyOf( classData ) +
+                      " is not committed" );
+      return false;
+   }
+   return true;
+}
+
+void SimQosAclHelper::checkPortsBound( Nev::QosClassData const& classData,
+                                       Nev::AclKey const& aclKey ) {
+   std::set< std::string > expected;
+   for( auto it = classData.intfId().iter(); it; ++it )
+      expected.insert( intfText( it.key() ) );
+   auto const bound = aclPorts_.find( aclIdOf( classData, aclKey ) );
+   std::set< std::string > const actual =
+         bound == aclPorts_.end() ? std::set< std::string >() : bound->second;
+   if( actual == expected ) return;
+   auto const list = []( std::set< std::string > const& names ) {
+      std::string out;
+      for( std::string const& n : names )
+         out += ( out.empty() ? "" : " " ) + n;
+      return out.empty() ? std::string( "none" ) : out;
+   };
+   reportMismatch( "ACL " + textOf( aclKey.aclName() ) + " of class " + classKeyOf( classData ) +
+                   " is bound to " + list( actual ) + ", expected " + list( expected ) );
+}
+
+void SimQosAclHelper::verifyAclGeneral( Nev::QosClassData const& classData,
+                                        Qos::ClassMapMatchOption, Nev::AclKey const& aclKey ) {
+   record( "verifyAclGeneral", &classData, &aclKey );
+   if( checkInstalled( classData, aclKey ) ) checkPortsBound( classData, aclKey );
+}
+
+void SimQosAclHelper::verifyTcamData( Nev::QosClassData const& classData, Qos::ClassMapMatchOption,
+                                      Nev::AclKey const& aclKey ) {
+   record( "verifyTcamData", &classData, &aclKey );
+   checkInstalled( classData, aclKey );
+}
+
+void SimQosAclHelper::verifyRulePorts( Nev::QosPolicyMapState const&,
+                                       Nev::QosClassData const& classData, Qos::ClassMapMatchOption,
+                                       Nev::AclKey const& aclKey, Acl::UniqueId const&,
+                                       std::uint32_t ruleNum, std::uint32_t subruleNum,
+                                       std::uint32_t sequence, Acl::Action ) {
+   recordCheck( "verifyRulePorts", classData, aclKey, ruleNum, subruleNum, sequence );
+   checkPortsBound( classData, aclKey );
+}
+
+// ---- The fields of one IP entry
+
+void SimQosAclHelper::verifyIpRuleGeneral( Nev::QosClassData const& classData,
+                                           Nev::AclKey const& aclKey, Acl::UniqueId const&,
+                                           std::uint32_t ruleNum, std::uint32_t subruleNum,
+                                           std::uint32_t sequence ) {
+   recordCheck( "verifyIpRuleGeneral", classData, aclKey, ruleNum, subruleNum, sequence );
+}
+
+void SimQosAclHelper::verifyIpRuleAction( Nev::QosClassData const& classData,
+                                          Nev::AclKey const& aclKey, Acl::UniqueId const&,
+                                          std::uint32_t ruleNum, std::uint32_t subruleNum,
+                                          std::uint32_t sequence, Acl::Action action ) {
+   auto const at =
+         recordCheck( "verifyIpRuleAction", classData, aclKey, ruleNum, subruleNum, sequence );
+   checkField( at, "action", textOf( action ) );
+}
+
+void SimQosAclHelper::verifyIpRuleIpProto( Nev::QosClassData const& classData,
+                                           Nev::AclKey const& aclKey, Acl::UniqueId const&,
+                                           std::uint32_t ruleNum, std::uint32_t subruleNum,
+                                           std::uint32_t sequence, std::uint8_t expectedProto,
+                                           bool ) {
+   auto const at =
+         recordCheck( "verifyIpRuleIpProto", classData, aclKey, ruleNum, subruleNum, sequence );
+   checkField( at, "proto", textOf( unsigned( expectedProto ) ) );
+}
+
+void SimQosAclHelper::verifyIpRuleSrcIp( Nev::QosClassData const& classData,
+                                         Nev::AclKey const& aclKey, Acl::UniqueId const&,
+                                         std::uint32_t ruleNum, std::uint32_t subruleNum,
+                                         std::uint32_t sequence, std::uint32_t expectedAddr,
+                                         std::uint32_t expectedMask, bool ) {
+   auto const at =
+         recordCheck( "verifyIpRuleSrcIp", classData, aclKey, ruleNum, subruleNum, sequence );
+   auto const len = static_cast< unsigned >( std::popcount( expectedMask ) );
+   checkField( at, "src", textOf( Mirel::IpAddrWithMask( expectedAddr, len ) ) );
+}
+
+void SimQosAclHelper::verifyIpRuleDstIp( Nev::QosClassData const& classData,
+                                         Nev::AclKey const& aclKey, Acl::UniqueId const&,
+                                         std::uint32_t ruleNum, std::uint32_t subruleNum,
+                                         std::uint32_t sequence, std::uint32_t expectedAddr,
+                                         std::uint32_t expectedMask, bool ) {
+   auto const at =
+         recordCheck( "verifyIpRuleDstIp", classData, aclKey, ruleNum, subruleNum, sequence );
+   auto const len = static_cast< unsigned >( std::popcount( expectedMask ) );
+   checkField( at, "dst", textOf( Mirel::IpAddrWithMask( expectedAddr, len ) ) );
+}
+
+void SimQosAclHelper::verifyIpRuleSrcIp6( Nev::QosClassData const& classData,
+                                          Nev::AclKey const& aclKey, Acl::UniqueId const&,
+                                          std::uint32_t ruleNum, std::uint32_t subruleNum,
+                                          std::uint32_t sequence,
+                                          Mirel::Ip6AddrWithMask const& expected, bool ) {
+   auto const at =
+         recordCheck( "verifyIpRuleSrcIp6", classData, aclKey, ruleNum, subruleNum, sequence );
+   checkField( at, "src", textOf( expected ) );
+}
+
+void SimQosAclHelper::verifyIpRuleDstIp6( Nev::QosClassData const& classData,
+                                          Nev::AclKey const& aclKey, Acl::UniqueId const&,
+                                          std::uint32_t ruleNum, std::uint32_t subruleNum,
+                                          std::uint32_t sequence,
+                                          Mirel::Ip6AddrWithMask const& expected, bool ) {
+   auto const at =
+         recordCheck( "verifyIpRuleDstIp6", classData, aclKey, ruleNum, subruleNum, sequence );
+   checkField( at, "dst", textOf( expected ) );
+}
+
+void SimQosAclHelper::verifyIpRuleDscp( Nev::QosClassData const& classData,
+                                        Nev::AclKey const& aclKey, Acl::UniqueId const&,
+                                        std::uint32_t ruleNum, std::uint32_t subruleNum,
+                                        std::uint32_t sequence, std::uint8_t expectedDscp,
+                                        bool valid ) {
+   auto const at =
+         recordCheck( "verifyIpRuleDscp", classData, aclKey, ruleNum, subruleNum, sequence );
+   checkField( at, "dscp", valid ? textOf( unsigned( expectedDscp ) ) : "" );
+}
+
+void SimQosAclHelper::verifyIpRuleTcIp6( Nev::QosClassData const& classData,
+                                         Nev::AclKey const& aclKey, Acl::UniqueId const&,
+                                         std::uint32_t ruleNum, std::uint32_t subruleNum,
+                                         std::uint32_t sequence, std::uint8_t expectedDscp,
+                                         bool valid ) {
+   auto const at =
+         recordCheck( "verifyIpRuleTcIp6", classData, aclKey, ruleNum, subruleNum, sequence );
+   checkField( at, "dscp", valid ? textOf( unsigned( expectedDscp ) ) : "" );
+}
+
+void SimQosAclHelper::verifyIpRuleEcn( Nev::QosClassData const& classData,
+                                       Nev::AclKey const& aclKey, Acl::UniqueId const&,
+                                       std::uint32_t ruleNum, std::uint32_t subruleNum,
+                                       std::uint32_t sequence, std::uint8_t ecnData,
+                                       std::uint8_t ecnMask ) {
+   auto const at =
+         recordCheck( "verifyIpRuleEcn", classData, aclKey, ruleNum, subruleNum, sequence );
+   checkField( at, "ecn", textOf( unsigned( ecnData ) ) + "/" + hexText( ecnMask ) );
+}
+
+void SimQosAclHelper::verifyIpRuleEcnIp6( Nev::QosClassData const& classData,
+                                          Nev::AclKey const& aclKey, Acl::UniqueId const&,
+                                          std::uint32_t ruleNum, std::uint32_t subruleNum,
+                                          std::uint32_t sequence, std::uint8_t ecnData,
+                                          std::uint8_t ecnMask ) {
+   auto const at =
+         recordCheck( "verifyIpRuleEcnIp6", classData, aclKey, ruleNum, subruleNum, sequence );
+   checkField( at, "ecn", textOf( unsigned( ecnData ) ) + "/" + hexText( ecnMask ) );
+}
+
+void SimQosAclHelper::verifyIpRuleFragments( Nev::QosClassData const& classData,
+                                             Nev::AclKey const& aclKey, Acl::UniqueId const&,
+                                             std::uint32_t ruleNum, std::uint32_t subruleNum,
+                                             std::uint32_t sequence, bool matchHeadOnly,
+                                             bool matchFragmentsOnly ) {
+   auto const at =
+         recordCheck( "verifyIpRuleFragments", classData, aclKey, ruleNum, subruleNum, sequence );
+   checkField( at, "l4", matchHeadOnly ? "true" : "false", "false" );
+   checkField( at, "fragments", matchFragmentsOnly ? "non-first" : "" );
+}
+
+void SimQosAclHelper::verifyIpRuleTcpFlags( Nev::QosClassData const& classData,
+                                            Nev::AclKey const& aclKey, Acl::UniqueId const&,
+                                            std::uint32_t ruleNum, std::uint32_t subruleNum,
+                                            std::uint32_t sequence, std::uint8_t expectedTcpFlags,
+                                            bool ) {
+   auto const at =
+         recordCheck( "verifyIpRuleTcpFlags", classData, aclKey, ruleNum, subruleNum, sequence );
+   checkField( at, "tcpFlags", hexText( expectedTcpFlags ), hexText( 0 ) );
+}
+
+void SimQosAclHelper::verifyIpRuleIcmp( Nev::QosClassData const& classData,
+                                        Nev::AclKey const& aclKey, Acl::UniqueId const&,
+                                        std::uint32_t ruleNum, std::uint32_t subruleNum,
+                                        std::uint32_t sequence, std::uint8_t expectedType,
+                                        std::uint8_t expectedCode, bool typeValid,
+                                        bool codeValid ) {
+   auto const at =
+         recordCheck( "verifyIpRuleIcmp", classData, aclKey, ruleNum, subruleNum, sequence );
+   checkField( at, "icmpType", typeValid ? textOf( unsigned( expectedType ) ) : "" );
+   checkField( at, "icmpCode", codeValid ? textOf( unsigned( expectedCode ) ) : "" );
+}
+
+void SimQosAclHelper::verifyIpRuleSrcPort( Nev::QosClassData const& classData,
+                                           Nev::AclKey const& aclKey, Acl::UniqueId const&,
+                                           std::uint32_t ruleNum, std::uint32_t subruleNum,
+                                           std::uint32_t sequence, std::uint16_t expectedLow,
+                                           std::uint16_t expectedHigh, bool valid ) {
+   auto const at =
+         recordCheck( "verifyIpRuleSrcPort", classData, aclKey, ruleNum, subruleNum, sequence );
+   checkPorts( at, "srcPort", expectedLow, expectedHigh, valid );
+}
+
+void SimQosAclHelper::verifyIpRuleDstPort( Nev::QosClassData const& classData,
+                                           Nev::AclKey const& aclKey, Acl::UniqueId const&,
+                                           std::uint32_t ruleNum, std::uint32_t subruleNum,
+                                           std::uint32_t sequence, std::uint16_t expectedLow,
+                                           std::uint16_t expectedHigh, bool valid ) {
+   auto const at =
+         recordCheck( "verifyIpRuleDstPort", classData, aclKey, ruleNum, subruleNum, sequence );
+   checkPorts( at, "dstPort", expectedLow, expectedHigh, valid );
+}
+
+void SimQosAclHelper::verifyIpRuleVlanMatch( Nev::QosClassData const& classData,
+                                             Nev::AclKey const& aclKey, Acl::UniqueId const&,
+                                             std::uint32_t ruleNum, std::uint32_t subruleNum,
+                                             std::uint16_t expectedVlanId,
+                                             std::uint16_t expectedVlanIdMask, bool valid ) {
+   auto const at =
+         recordCheck( "verifyIpRuleVlanMatch", classData, aclKey, ruleNum, subruleNum, 0 );
+   checkField( at, "vlan",
+               valid ? textOf( expectedVlanId ) + "/" + hexText( expectedVlanIdMask ) : "" );
+}
+
+// ---- Rules of the other kinds
+
+void SimQosAclHelper::checkRuleEntry( Nev::QosClassData const& classData, Nev::AclKey const& aclKey,
+                                      TcamEntry const& expected ) {
+   auto const acl = tcam_.acls().find( aclIdOf( classData, aclKey ) );
+   if( acl != tcam_.acls().end() ) {
+      for( TcamEntry const& e : acl->second.entries ) {
+         if( e.kind == expected.kind && e.fields == expected.fields ) return;
+      }
+   }
+   std::string fields;
+   for( auto const& [ name, value ] : expected.fields )
+      fields += " " + name + "=" + value;
+   reportMismatch( "ACL " + textOf( aclKey.aclName() ) + " of class " + classKeyOf( classData ) +
+                   " has no " + expected.kind + " entry" + fields );
+}
+
+void SimQosAclHelper::verifyDefaultRule( Nev::QosPolicyMapState const&,
+                                         Nev::QosClassData const& classData,
+                                         Qos::ClassMapMatchOption, Nev::AclKey const& aclKey ) {
+   record( "verifyDefaultRule", &classData, &aclKey );
+   checkRuleEntry( classData, aclKey, defaultEntry() );
+}
+
+void SimQosAclHelper::verifyL2ParamsRule( Nev::QosPolicyMapState const&,
+                                          Nev::QosClassData const& classData,
+                                          Qos::ClassMapMatchOption, Nev::AclKey const& aclKey ) {
+   record( "verifyL2ParamsRule", &classData, &aclKey );
+   checkRuleEntry( classData, aclKey, l2EntryOf( classData, 0 ) );
+}
+
+void SimQosAclHelper::verifyMplsTrafficClassRule( Nev::QosPolicyMapState const&,
+                                                  Nev::QosClassData const& classData,
+                                                  Qos::ClassMapMatchOption,
+                                                  Nev::AclKey const& aclKey ) {
+   record( "verifyMplsTrafficClassRule", &classData, &aclKey );
+   checkRuleEntry( classData, aclKey, mplsEntryOf( classData, 0 ) );
+}
+
+void SimQosAclHelper::verifyDscpEcnRule( Nev::QosPolicyMapState const&,
+                                         Nev::QosClassData const& classData,
+                                         Qos::ClassMapMatchOption, Nev::AclKey const& aclKey ) {
+   record( "verifyDscpEcnRule", &classData, &aclKey );
+   checkRuleEntry( classData, aclKey, dscpEcnEntryOf( classData, 0 ) );
+}
+
+void SimQosAclHelper::verifyMacAclRule( Nev::QosPolicyMapState const&,
+                                        Nev::QosClassData const& classData,
+                                        Qos::ClassMapMatchOption, Nev::AclKey const& aclKey ) {
+   record( "verifyMacAclRule", &classData, &aclKey );
+   checkRuleEntry( classData, aclKey, macEntryOf( classData, 0 ) );
+}
+
+// ---- Policers and counters
+
+void SimQosAclHelper::verifyPolicer( Nev::QosClassData const& classData ) {
+   record( "verifyPolicer", &classData, nullptr );
+   if( !classData.policerData() || policers_.contains( classKeyOf( classData ) ) ) return;
+   reportMismatch( "policer of class " + classKeyOf( classData ) + " is not in hardware" );
+}
+
+void SimQosAclHelper::verifyCounter( Nev::QosClassData const& classData ) {
+   record( "verifyCounter", &classData, nullptr );
+   if( counters_.contains( classKeyOf( classData ) ) ) return;
+   reportMismatch( "counter of class " + classKeyOf( classData ) + " is not in hardware" );
+}
+
+// ---- Damage
+
+std::size_t SimQosAclHelper::corruptEntry( std::string const& aclName, std::uint32_t ruleNum,
+                                           std::uint32_t subruleNum, std::string const& field,
+                                           std::string const& value ) {
+   std::vector< std::string > ids;
+   for( auto const& [ id, acl ] : tcam_.acls() ) {
+      // An id is "<class> <name>(<family>)".
+      auto const space = id.rfind( ' ' );
+      auto const paren = id.rfind( '(' );
+      if( space == std::string::npos || paren == std::string::npos || paren < space ) continue;
+      if( id.substr( space + 1, paren - space - 1 ) == aclName ) ids.push_back( id );
+   }
+   std::size_t damaged = 0;
+   for( std::string const& id : ids )
+      damaged += tcam_.corrupt( id, ruleNum, subruleNum, field, value ) ? 1 : 0;
+   return damaged;
+}
+
+}  // namespace Sim
