@@ -372,7 +372,8 @@ Nev::AclCreateError SimQosAclHelper::createIpFragRule(
       Acl::IpRuleConfig const& rule, Acl::UniqueId const& aclId, std::uint32_t ruleNum,
       std::uint32_t subRuleNum, std::uint8_t ecnData, std::uint8_t ecnMask ) {
    record( "createIpFragRule", &classData, &aclKey );
-   if( rule.action != Acl::actionPermit ) return Nev::aclCreateErrorNone;
+   // A deny rule's fragment entry is written all the same: the engine counts its layer-3 match
+   // as served, so a later permit rule of that match makes none of its own.
    TcamEntry entry{ "ipFrag", ruleNum, subRuleNum, {}, aclId.value() };
    entry.fields.emplace_back( "action", textOf( rule.action ) );
    addL3Fields( entry, rule.filter );

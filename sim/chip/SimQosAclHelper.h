@@ -88,6 +88,9 @@ class SimQosAclHelper : public NevHelper::QosAclHelper {
    static std::string aclIdOf( Nev::QosClassData const& classData, Nev::AclKey const& aclKey );
    // Where the chip reports what it finds wrong when the engine asks it to verify.
    void verifyDataIs( Zub::Ptr< Nev::VerifyData > const& verifyData ) { verifyData_ = verifyData; }
+   // The verification queries about single subrules answered so far; unlike the other calls,
+   // they are not recorded one by one.
+   std::uint64_t subruleQueries() const { return subruleQueries_; }
    // Damages entry (ruleNum, subruleNum) of every installed ACL named `aclName`, as a fault of
    // the hardware would: see Tcam::corrupt. The number of entries damaged.
    std::size_t corruptEntry( std::string const& aclName, std::uint32_t ruleNum,
@@ -378,9 +381,9 @@ class SimQosAclHelper : public NevHelper::QosAclHelper {
    void checkRuleEntry( Nev::QosClassData const& classData, Nev::AclKey const& aclKey,
                         TcamEntry const& expected );
    void reportMismatch( std::string const& text );
-   FieldCheck recordCheck( char const* op, Nev::QosClassData const& classData,
-                           Nev::AclKey const& aclKey, std::uint32_t ruleNum,
-                           std::uint32_t subruleNum, std::uint32_t sequence );
+   FieldCheck subruleQuery( Nev::QosClassData const& classData, Nev::AclKey const& aclKey,
+                            std::uint32_t ruleNum, std::uint32_t subruleNum,
+                            std::uint32_t sequence );
    // False, after reporting it, when the ACL is not installed and committed.
    bool checkInstalled( Nev::QosClassData const& classData, Nev::AclKey const& aclKey );
    // The ACL serves exactly the interfaces of its class.
@@ -422,6 +425,7 @@ class SimQosAclHelper : public NevHelper::QosAclHelper {
    std::vector< ChipTraffic > traffic_;
    Ports aclPorts_;
    Zub::Ptr< Nev::VerifyData > verifyData_;
+   std::uint64_t subruleQueries_ = 0;
 };
 
 }  // namespace Sim

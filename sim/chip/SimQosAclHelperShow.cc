@@ -29,8 +29,9 @@ void SimQosAclHelper::showAclPolicyHeader( std::uint32_t socket, std::uint32_t u
    std::string intfs;
    for( auto it = pmapState.activeIntf().iter(); it; ++it )
       intfs += " " + intfText( it.key() );
-   print( socket, "Policy map " + textOf( pmapKey.pmapName() ) + " (" + textOf( pmapKey ) +
-                        ") unit " + textOf( unit ) +
+   print( socket, "Policy map " + textOf( pmapKey.pmapName() ) + ": " +
+                        textOf( pmapKey.pmapType() ) + " " + textOf( pmapKey.direction() ) +
+                        ", ACL group " + textOf( pmapKey.aclGroup() ) + ", unit " + textOf( unit ) +
                         ", interfaces:" + ( intfs.empty() ? std::string( " none" ) : intfs ) );
 }
 
@@ -43,8 +44,11 @@ void SimQosAclHelper::showAclHeader( std::uint32_t socket, std::uint32_t, bool,
                                      Nev::QosClassData const& classData,
                                      Qos::ClassMapMatchOption matchOption,
                                      Nev::AclKey const& aclKey ) {
-   std::string const head = "    ACL " + textOf( aclKey.aclName() ) + " (" +
-                            textOf( aclKey.aclType() ) + ", " + textOf( matchOption ) + ")";
+   std::string head = "    ACL " + textOf( aclKey.aclName() ) + " (" + textOf( aclKey.aclType() ) +
+                      ", " + textOf( matchOption ) + ")";
+   // A class copied per policer or interface shows which copy the ACL belongs to.
+   Zub::Name const& copy = classData.key().policerName();
+   if( copy != Zub::Name( "Default" ) ) head += " of copy " + textOf( copy );
    auto const acl = tcam_.acls().find( aclIdOf( classData, aclKey ) );
    if( acl == tcam_.acls().end() ) {
       print( socket, head + ": not in the TCAM" );

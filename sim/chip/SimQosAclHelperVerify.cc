@@ -73,20 +73,21 @@ void SimQosAclHelper::checkPorts( FieldCheck const& at, std::string const& name,
                    name + " is " + rangeText( actual ) + ", expected " + rangeText( expected ) );
 }
 
-// A verification query about one subrule, as the call list shows it.
-SimQosAclHelper::FieldCheck SimQosAclHelper::recordCheck(
-      char const* op, Nev::QosClassData const& classData, Nev::AclKey const& aclKey,
-      std::uint32_t ruleNum, std::uint32_t subruleNum, std::uint32_t sequence ) {
-   ChipCall& call = record( op, &classData, &aclKey );
-   call.args.emplace_back( "ruleNum", textOf( ruleNum ) );
-   call.args.emplace_back( "subruleNum", textOf( subruleNum ) );
+// A verification query about one subrule. These are counted rather than listed: a list of ten
+// thousand rules asks a million of them.
+SimQosAclHelper::FieldCheck SimQosAclHelper::subruleQuery( Nev::QosClassData const& classData,
+                                                           Nev::AclKey const& aclKey,
+                                                           std::uint32_t ruleNum,
+                                                           std::uint32_t subruleNum,
+                                                           std::uint32_t sequence ) {
+   ++subruleQueries_;
    return FieldCheck{ classData, aclKey, ruleNum, subruleNum, sequence };
 }
 
 bool SimQosAclHelper::ipSubruleExists( Nev::QosClassData const& classData,
                                        Nev::AclKey const& aclKey, Acl::UniqueId const&,
                                        std::uint32_t ruleNum, std::uint32_t subruleNum ) {
-   recordCheck( "ipSubruleExists", classData, aclKey, ruleNum, subruleNum, 0 );
+   subruleQuery( classData, aclKey, ruleNum, subruleNum, 0 );
    return ipEntry( classData, aclKey, ruleNum, subruleNum ) != nullptr;
 }
 
@@ -97,7 +98,7 @@ bool SimQosAclHelper::ipPortRangeSubruleExists( Nev::QosClassData const& classDa
                                                 std::uint16_t srcLow, std::uint16_t srcHigh,
                                                 bool srcValid, std::uint16_t dstLow,
                                                 std::uint16_t dstHigh, bool dstValid ) {
-   recordCheck( "ipPortRangeSubruleExists", classData, aclKey, ruleNum, subruleNum, 0 );
+   subruleQuery( classData, aclKey, ruleNum, subruleNum, 0 );
    TcamEntry const* const entry = ipEntry( classData, aclKey, ruleNum, subruleNum );
    if( !entry ) return false;
    Range const src = srcValid ? Range{ srcLow, srcHigh } : fullRange;
@@ -160,7 +161,7 @@ void SimQosAclHelper::verifyRulePorts( Nev::QosPolicyMapState const&,
                                        Nev::AclKey const& aclKey, Acl::UniqueId const&,
                                        std::uint32_t ruleNum, std::uint32_t subruleNum,
                                        std::uint32_t sequence, Acl::Action ) {
-   recordCheck( "verifyRulePorts", classData, aclKey, ruleNum, subruleNum, sequence );
+   subruleQuery( classData, aclKey, ruleNum, subruleNum, sequence );
    checkPortsBound( classData, aclKey );
 }
 
@@ -170,15 +171,14 @@ void SimQosAclHelper::verifyIpRuleGeneral( Nev::QosClassData const& classData,
                                            Nev::AclKey const& aclKey, Acl::UniqueId const&,
                                            std::uint32_t ruleNum, std::uint32_t subruleNum,
                                            std::uint32_t sequence ) {
-   recordCheck( "verifyIpRuleGeneral", classData, aclKey, ruleNum, subruleNum, sequence );
+   subruleQuery( classData, aclKey, ruleNum, subruleNum, sequence );
 }
 
 void SimQosAclHelper::verifyIpRuleAction( Nev::QosClassData const& classData,
                                           Nev::AclKey const& aclKey, Acl::UniqueId const&,
                                           std::uint32_t ruleNum, std::uint32_t subruleNum,
                                           std::uint32_t sequence, Acl::Action action ) {
-   auto const at =
-         recordCheck( "verifyIpRuleAction", classData, aclKey, ruleNum, subruleNum, sequence );
+   auto const at = subruleQuery( classData, aclKey, ruleNum, subruleNum, sequence );
    checkField( at, "action", textOf( action ) );
 }
 
@@ -187,8 +187,7 @@ void SimQosAclHelper::verifyIpRuleIpProto( Nev::QosClassData const& classData,
                                            std::uint32_t ruleNum, std::uint32_t subruleNum,
                                            std::uint32_t sequence, std::uint8_t expectedProto,
                                            bool ) {
-   auto const at =
-         recordCheck( "verifyIpRuleIpProto", classData, aclKey, ruleNum, subruleNum, sequence );
+   auto const at = subruleQuery( classData, aclKey, ruleNum, subruleNum, sequence );
    checkField( at, "proto", textOf( unsigned( expectedProto ) ) );
 }
 
@@ -197,8 +196,7 @@ void SimQosAclHelper::verifyIpRuleSrcIp( Nev::QosClassData const& classData,
                                          std::uint32_t ruleNum, std::uint32_t subruleNum,
                                          std::uint32_t sequence, std::uint32_t expectedAddr,
                                          std::uint32_t expectedMask, bool ) {
-   auto const at =
-         recordCheck( "verifyIpRuleSrcIp", classData, aclKey, ruleNum, subruleNum, sequence );
+   auto const at = subruleQuery( classData, aclKey, ruleNum, subruleNum, sequence );
    auto const len = static_cast< unsigned >( std::popcount( expectedMask ) );
    checkField( at, "src", textOf( Mirel::IpAddrWithMask( expectedAddr, len ) ) );
 }
@@ -208,8 +206,7 @@ void SimQosAclHelper::verifyIpRuleDstIp( Nev::QosClassData const& classData,
                                          std::uint32_t ruleNum, std::uint32_t subruleNum,
                                          std::uint32_t sequence, std::uint32_t expectedAddr,
                                          std::uint32_t expectedMask, bool ) {
-   auto const at =
-         recordCheck( "verifyIpRuleDstIp", classData, aclKey, ruleNum, subruleNum, sequence );
+   auto const at = subruleQuery( classData, aclKey, ruleNum, subruleNum, sequence );
    auto const len = static_cast< unsigned >( std::popcount( expectedMask ) );
    checkField( at, "dst", textOf( Mirel::IpAddrWithMask( expectedAddr, len ) ) );
 }
@@ -219,8 +216,7 @@ void SimQosAclHelper::verifyIpRuleSrcIp6( Nev::QosClassData const& classData,
                                           std::uint32_t ruleNum, std::uint32_t subruleNum,
                                           std::uint32_t sequence,
                                           Mirel::Ip6AddrWithMask const& expected, bool ) {
-   auto const at =
-         recordCheck( "verifyIpRuleSrcIp6", classData, aclKey, ruleNum, subruleNum, sequence );
+   auto const at = subruleQuery( classData, aclKey, ruleNum, subruleNum, sequence );
    checkField( at, "src", textOf( expected ) );
 }
 
@@ -229,8 +225,7 @@ void SimQosAclHelper::verifyIpRuleDstIp6( Nev::QosClassData const& classData,
                                           std::uint32_t ruleNum, std::uint32_t subruleNum,
                                           std::uint32_t sequence,
                                           Mirel::Ip6AddrWithMask const& expected, bool ) {
-   auto const at =
-         recordCheck( "verifyIpRuleDstIp6", classData, aclKey, ruleNum, subruleNum, sequence );
+   auto const at = subruleQuery( classData, aclKey, ruleNum, subruleNum, sequence );
    checkField( at, "dst", textOf( expected ) );
 }
 
@@ -239,8 +234,7 @@ void SimQosAclHelper::verifyIpRuleDscp( Nev::QosClassData const& classData,
                                         std::uint32_t ruleNum, std::uint32_t subruleNum,
                                         std::uint32_t sequence, std::uint8_t expectedDscp,
                                         bool valid ) {
-   auto const at =
-         recordCheck( "verifyIpRuleDscp", classData, aclKey, ruleNum, subruleNum, sequence );
+   auto const at = subruleQuery( classData, aclKey, ruleNum, subruleNum, sequence );
    checkField( at, "dscp", valid ? textOf( unsigned( expectedDscp ) ) : "" );
 }
 
@@ -249,8 +243,7 @@ void SimQosAclHelper::verifyIpRuleTcIp6( Nev::QosClassData const& classData,
                                          std::uint32_t ruleNum, std::uint32_t subruleNum,
                                          std::uint32_t sequence, std::uint8_t expectedDscp,
                                          bool valid ) {
-   auto const at =
-         recordCheck( "verifyIpRuleTcIp6", classData, aclKey, ruleNum, subruleNum, sequence );
+   auto const at = subruleQuery( classData, aclKey, ruleNum, subruleNum, sequence );
    checkField( at, "dscp", valid ? textOf( unsigned( expectedDscp ) ) : "" );
 }
 
@@ -259,8 +252,7 @@ void SimQosAclHelper::verifyIpRuleEcn( Nev::QosClassData const& classData,
                                        std::uint32_t ruleNum, std::uint32_t subruleNum,
                                        std::uint32_t sequence, std::uint8_t ecnData,
                                        std::uint8_t ecnMask ) {
-   auto const at =
-         recordCheck( "verifyIpRuleEcn", classData, aclKey, ruleNum, subruleNum, sequence );
+   auto const at = subruleQuery( classData, aclKey, ruleNum, subruleNum, sequence );
    checkField( at, "ecn", textOf( unsigned( ecnData ) ) + "/" + hexText( ecnMask ) );
 }
 
@@ -269,8 +261,7 @@ void SimQosAclHelper::verifyIpRuleEcnIp6( Nev::QosClassData const& classData,
                                           std::uint32_t ruleNum, std::uint32_t subruleNum,
                                           std::uint32_t sequence, std::uint8_t ecnData,
                                           std::uint8_t ecnMask ) {
-   auto const at =
-         recordCheck( "verifyIpRuleEcnIp6", classData, aclKey, ruleNum, subruleNum, sequence );
+   auto const at = subruleQuery( classData, aclKey, ruleNum, subruleNum, sequence );
    checkField( at, "ecn", textOf( unsigned( ecnData ) ) + "/" + hexText( ecnMask ) );
 }
 
@@ -279,8 +270,7 @@ void SimQosAclHelper::verifyIpRuleFragments( Nev::QosClassData const& classData,
                                              std::uint32_t ruleNum, std::uint32_t subruleNum,
                                              std::uint32_t sequence, bool matchHeadOnly,
                                              bool matchFragmentsOnly ) {
-   auto const at =
-         recordCheck( "verifyIpRuleFragments", classData, aclKey, ruleNum, subruleNum, sequence );
+   auto const at = subruleQuery( classData, aclKey, ruleNum, subruleNum, sequence );
    checkField( at, "l4", matchHeadOnly ? "true" : "false", "false" );
    checkField( at, "fragments", matchFragmentsOnly ? "non-first" : "" );
 }
@@ -290,8 +280,7 @@ void SimQosAclHelper::verifyIpRuleTcpFlags( Nev::QosClassData const& classData,
                                             std::uint32_t ruleNum, std::uint32_t subruleNum,
                                             std::uint32_t sequence, std::uint8_t expectedTcpFlags,
                                             bool ) {
-   auto const at =
-         recordCheck( "verifyIpRuleTcpFlags", classData, aclKey, ruleNum, subruleNum, sequence );
+   auto const at = subruleQuery( classData, aclKey, ruleNum, subruleNum, sequence );
    checkField( at, "tcpFlags", hexText( expectedTcpFlags ), hexText( 0 ) );
 }
 
@@ -301,8 +290,7 @@ void SimQosAclHelper::verifyIpRuleIcmp( Nev::QosClassData const& classData,
                                         std::uint32_t sequence, std::uint8_t expectedType,
                                         std::uint8_t expectedCode, bool typeValid,
                                         bool codeValid ) {
-   auto const at =
-         recordCheck( "verifyIpRuleIcmp", classData, aclKey, ruleNum, subruleNum, sequence );
+   auto const at = subruleQuery( classData, aclKey, ruleNum, subruleNum, sequence );
    checkField( at, "icmpType", typeValid ? textOf( unsigned( expectedType ) ) : "" );
    checkField( at, "icmpCode", codeValid ? textOf( unsigned( expectedCode ) ) : "" );
 }
@@ -312,8 +300,7 @@ void SimQosAclHelper::verifyIpRuleSrcPort( Nev::QosClassData const& classData,
                                            std::uint32_t ruleNum, std::uint32_t subruleNum,
                                            std::uint32_t sequence, std::uint16_t expectedLow,
                                            std::uint16_t expectedHigh, bool valid ) {
-   auto const at =
-         recordCheck( "verifyIpRuleSrcPort", classData, aclKey, ruleNum, subruleNum, sequence );
+   auto const at = subruleQuery( classData, aclKey, ruleNum, subruleNum, sequence );
    checkPorts( at, "srcPort", expectedLow, expectedHigh, valid );
 }
 
@@ -322,8 +309,7 @@ void SimQosAclHelper::verifyIpRuleDstPort( Nev::QosClassData const& classData,
                                            std::uint32_t ruleNum, std::uint32_t subruleNum,
                                            std::uint32_t sequence, std::uint16_t expectedLow,
                                            std::uint16_t expectedHigh, bool valid ) {
-   auto const at =
-         recordCheck( "verifyIpRuleDstPort", classData, aclKey, ruleNum, subruleNum, sequence );
+   auto const at = subruleQuery( classData, aclKey, ruleNum, subruleNum, sequence );
    checkPorts( at, "dstPort", expectedLow, expectedHigh, valid );
 }
 
@@ -332,8 +318,7 @@ void SimQosAclHelper::verifyIpRuleVlanMatch( Nev::QosClassData const& classData,
                                              std::uint32_t ruleNum, std::uint32_t subruleNum,
                                              std::uint16_t expectedVlanId,
                                              std::uint16_t expectedVlanIdMask, bool valid ) {
-   auto const at =
-         recordCheck( "verifyIpRuleVlanMatch", classData, aclKey, ruleNum, subruleNum, 0 );
+   auto const at = subruleQuery( classData, aclKey, ruleNum, subruleNum, 0 );
    checkField( at, "vlan",
                valid ? textOf( expectedVlanId ) + "/" + hexText( expectedVlanIdMask ) : "" );
 }

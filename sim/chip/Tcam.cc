@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <stdexcept>
+#include <tuple>
+#include <utility>
 
 namespace Sim {
 
@@ -24,7 +26,12 @@ bool Tcam::add( AclId const& id, TcamEntry entry, std::optional< std::uint32_t >
    if( slice.used >= slice.size ) return false;
    if( limit && slice.used >= *limit ) return false;
    ++slice.used;
-   it->second.entries.push_back( std::move( entry ) );
+   auto& entries = it->second.entries;
+   if( !entries.empty() && std::tie( entry.ruleNum, entry.subruleNum ) <
+                                 std::tie( entries.back().ruleNum, entries.back().subruleNum ) ) {
+      it->second.ordered = false;
+   }
+   entries.push_back( std::move( entry ) );
    return true;
 }
 
@@ -81,10 +88,20 @@ TcamEntry const* Tcam::entry( AclId const& id, std::uint32_t ruleNum,
                               std::uint32_t subruleNum ) const {
    auto const acl = acls_.find( id );
    if( acl == acls_.end() ) return nullptr;
-   for( TcamEntry const& e : acl->second.entries ) {
-      if( e.ruleNum == ruleNum && e.subruleNum == subruleNum ) return &e;
+   auto const& entries = acl->second.entries;
+   auto const matches = [ & ]( TcamEntry const& e ) {
+      return e.ruleNum == ruleNum && e.subruleNum == subruleNum;
+   };
+   if( !acl->second.ordered ) {
+      auto const e = std::find_if( entries.begin(), entries.end(), matches );
+      return e == entries.end() ? nullptr : &*e;
    }
-   return nullptr;
+   auto const e = std::lower_bound(
+         entries.begin(), entries.end(), std::make_pair( ruleNum, subruleNum ),
+         []( TcamEntry const& x, std::pair< std::uint32_t, std::uint32_t > k ) {
+            return std::tie( x.ruleNum, x.subruleNum ) < std::tie( k.first, k.second );
+         } );
+   return e != entries.end() && matches( *e ) ? &*e : nullptr;
 }
 
 bool Tcam::corrupt( AclId const& id, std::uint32_t ruleNum, std::uint32_t subruleNum,
@@ -97,8 +114,8 @@ bool Tcam::corrupt( AclId const& id, std::uint32_t ruleNum, std::uint32_t subrul
    } );
    if( e == entries.end() ) return false;
    if( name.empty() ) {
-      // The slot stays taken: the hardware lost the entry, not the ACL its place.
       entries.erase( e );
+      --slices_.at( acl->second.slice ).used;
       return true;
    }
    for( TcamField& f : e->fields ) {

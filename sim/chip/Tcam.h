@@ -48,6 +48,8 @@ class Tcam {
       std::vector< TcamEntry > entries;
       std::vector< RangeNeed > checkers;  // held, one reference each
       bool committed = false;
+      // Entries came in ascending (ruleNum, subruleNum), as compiles write them: lookups search.
+      bool ordered = true;
    };
    struct Slice {
       std::uint32_t size = 0;
@@ -67,7 +69,8 @@ class Tcam {
    // The first entry of the ACL with these numbers, or null.
    TcamEntry const* entry( AclId const& id, std::uint32_t ruleNum, std::uint32_t subruleNum ) const;
    // Damages an entry behind its owner's back: field `name` takes `value` (a field the entry
-   // lacks is added), or, without a name, the entry is lost. False when there is no such entry.
+   // lacks is added), or, without a name, the entry is lost with its slot. False when there is no
+   // such entry.
    bool corrupt( AclId const& id, std::uint32_t ruleNum, std::uint32_t subruleNum,
                  std::string const& name, std::string const& value );
 

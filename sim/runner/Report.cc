@@ -356,7 +356,8 @@ namespace {
 // The findings of --verify, or that there were none.
 void printVerify( std::ostream& os, Json const& verify ) {
    Json const& findings = verify[ "findings" ];
-   os << "\nVerification (" << verify[ "runs" ].get< std::size_t >() << " runs): ";
+   os << "\nVerification (" << verify[ "runs" ].get< std::size_t >() << " runs, "
+      << verify[ "subruleQueries" ].get< std::uint64_t >() << " subrule queries): ";
    if( findings.empty() ) {
       os << "the chip holds what the engine programmed.\n";
       return;

@@ -1,8 +1,10 @@
 #include "sim/runner/SimSwitch.h"
 
+#include <string>
 #include <type_traits>
 
 #include "entities/SliceHwStatus.h"
+#include "sim/scenario/ScenarioError.h"
 #include "zub/Log.h"
 
 namespace Sim {
@@ -33,7 +35,7 @@ char const* severityText( Zub::LogSeverity s ) {
 
 }  // namespace
 
-SimSwitch::SimSwitch( Scenario const& scenario ) {
+SimSwitch::SimSwitch( Scenario const& scenario ) : file_( scenario.file ) {
    loop_ = Zub::ActivityManager::create( Zub::ActivityManager::TimeSource::simulated,
                                          switchStartTime );
    Zub::activityManagerIs( loop_ );
@@ -193,6 +195,14 @@ void SimSwitch::chipChangesIs( std::vector< Change > const& changes ) {
                                         traffic->intf, hits } );
       } else if( auto const* fault = std::get_if< FaultSwitch >( &change.value ) ) {
          chip_->faultIs( fault->fault, fault->on );
+      } else if( auto const* damage = std::get_if< TcamCorruption >( &change.value ) ) {
+         if( chip_->corruptEntry( damage->acl, damage->rule, damage->subrule, damage->field,
+                                  damage->value ) == 0 ) {
+            throw ScenarioError( file_, change.where,
+                                 "corruptTcam: no installed ACL " + damage->acl + " has entry " +
+                                       std::to_string( damage->rule ) + "." +
+                                       std::to_string( damage->subrule ) + " now" );
+         }
       }
    }
 }

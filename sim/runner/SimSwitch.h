@@ -86,6 +86,8 @@ class SimSwitch {
    void chipChangesIs( std::vector< Change > const& changes );
    void cbfTablesIs( ChipConfig const& chip );
 
+   // The scenario file, for messages.
+   std::string file_;
    std::vector< ChipCall > calls_;
    Zub::Ptr< Zub::ActivityManager > loop_;
    Zub::Ptr< Nev::NevCommonSmData > ncsd_;

@@ -39,7 +39,11 @@ struct Verification {
       for( std::string const& text : sw.verify() )
          findings.push_back( { { "t", sw.now() }, { "text", text } } );
    }
-   nlohmann::ordered_json json() const { return { { "runs", runs }, { "findings", findings } }; }
+   nlohmann::ordered_json json( Sim::SimSwitch const& sw ) const {
+      return { { "runs", runs },
+               { "subruleQueries", sw.chip().subruleQueries() },
+               { "findings", findings } };
+   }
 };
 
 // Prints the show output of `type`, or of every type the engine has when it is empty, after
@@ -111,7 +115,7 @@ int main( int argc, char** argv ) {
       sw.runUntil( sw.now() + settle );
       verification.run( sw );
       auto report = Sim::reportOf( scenario, sw );
-      if( verification.on ) report[ "verify" ] = verification.json();
+      if( verification.on ) report[ "verify" ] = verification.json( sw );
       if( json ) {
          std::cout << report.dump( 2 ) << "\n";
       } else {

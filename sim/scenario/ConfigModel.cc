@@ -356,6 +356,13 @@ void ConfigModel::put( FaultSwitch const& fault ) {
    }
 }
 
+void ConfigModel::put( TcamCorruption const& corruption ) {
+   for( auto const& [ key, acl ] : acls_ ) {
+      if( key.second == corruption.acl ) return;
+   }
+   refuse( "corruptTcam: there is no access list " + corruption.acl );
+}
+
 // ---- Control plane
 
 // A queue the kernel stops reporting on leaves its entry.

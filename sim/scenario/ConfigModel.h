@@ -97,6 +97,7 @@ class ConfigModel {
    void put( TrafficInjection const& traffic );
    void put( ClearRequest const& ) {}
    void put( FaultSwitch const& fault );
+   void put( TcamCorruption const& corruption );
    void put( GlobalMapsDef const& maps );
    void put( DscpRewriteMapDef const& map );
    void put( DscpRewriteMapRemoval const& removal );

@@ -20,7 +20,8 @@ bool isRequest( ChangeValue const& value ) {
    return std::holds_alternative< CounterRequest >( value ) ||
           std::holds_alternative< TrafficInjection >( value ) ||
           std::holds_alternative< ClearRequest >( value ) ||
-          std::holds_alternative< FaultSwitch >( value );
+          std::holds_alternative< FaultSwitch >( value ) ||
+          std::holds_alternative< TcamCorruption >( value );
 }
 
 bool contains( std::vector< ConfigModel::MapKey > const& keys, ConfigModel::MapKey const& key ) {

@@ -219,6 +219,17 @@ struct FaultSwitch {
    bool on = true;
 };
 
+// The chip's TCAM damaged behind the engine's back, as a fault of the hardware would: entry
+// (rule, subrule) of every installed ACL named `acl` gets `field` = `value`, or is lost when no
+// field is named.
+struct TcamCorruption {
+   std::string acl;
+   std::uint32_t rule = 0;
+   std::uint32_t subrule = 0;
+   std::string field;
+   std::string value;
+};
+
 // What the kernel reports of one CPU queue of one port: saturated, no longer saturated, or
 // nothing (its entry goes).
 struct KernelCoppReport {
@@ -250,13 +261,15 @@ struct FecServiceRemoval {
 };
 
 // A definition adds what it names or replaces it; a removal removes it.
-using ChangeValue = std::variant<
-      AclDef, AclRemoval, ClassMapDef, ClassMapRemoval, NamedPolicerDef, NamedPolicerRemoval,
-      PolicyMapDef, PolicyMapRemoval, ServicePolicyDef, ServicePolicyRemoval, Attachment,
-      InterfacePresence, CounterRequest, TrafficInjection, ClearRequest, FaultSwitch, GlobalMapsDef,
-      DscpRewriteMapDef, DscpRewriteMapRemoval, CosToTcProfileDef, CosToTcProfileRemoval,
-      IntfQosDef, IntfQosRemoval, EcnCountersDef, EcnCountersRemoval, LinkDef, KernelCoppReport,
-      HwInitialization, FecOverrideDef, FecOverrideRemoval, FecServiceDef, FecServiceRemoval >;
+using ChangeValue =
+      std::variant< AclDef, AclRemoval, ClassMapDef, ClassMapRemoval, NamedPolicerDef,
+                    NamedPolicerRemoval, PolicyMapDef, PolicyMapRemoval, ServicePolicyDef,
+                    ServicePolicyRemoval, Attachment, InterfacePresence, CounterRequest,
+                    TrafficInjection, ClearRequest, FaultSwitch, GlobalMapsDef, DscpRewriteMapDef,
+                    DscpRewriteMapRemoval, CosToTcProfileDef, CosToTcProfileRemoval, IntfQosDef,
+                    IntfQosRemoval, EcnCountersDef, EcnCountersRemoval, LinkDef, KernelCoppReport,
+                    HwInitialization, FecOverrideDef, FecOverrideRemoval, FecServiceDef,
+                    FecServiceRemoval, TcamCorruption >;
 
 struct Change {
    Where where;

@@ -42,6 +42,7 @@ std::vector< std::string_view > const changeKinds = {
    "removeFecOverride",
    "fecService",
    "removeFecService",
+   "corruptTcam",
 };
 
 constexpr std::pair< std::string_view, Mirel::AddressFamily > overrideFamilies[] = {
@@ -105,6 +106,7 @@ ChangeValue StepReader::value( std::string const& kind, YAML::Node const& node )
       return ClearRequest{};
    }
    if( kind == "fault" ) return faultSwitch( node );
+   if( kind == "corruptTcam" ) return tcamCorruption( node );
    if( kind == "kernelCopp" ) return kernelCoppReport( node );
    if( kind == "hwInitialized" ) return HwInitialization{ yaml_.flag( node, kind ) };
    if( kind == "fecOverride" ) return fecOverride( node );
@@ -207,6 +209,29 @@ FaultSwitch StepReader::faultSwitch( YAML::Node const& node ) const {
    if( it == faultNames_.end() ) yaml_.fail( name, "name: the chip has no fault '" + text + "'" );
    f.fault = std::size_t( it - faultNames_.begin() );
    return f;
+}
+
+TcamCorruption StepReader::tcamCorruption( YAML::Node const& node ) const {
+   yaml_.checkMapping( node, "corruptTcam", { "acl", "rule", "subrule", "field", "value" } );
+   TcamCorruption c;
+   c.acl = yaml_.text( yaml_.required( node, "acl" ), "acl" );
+   auto const number = [ & ]( char const* key ) {
+      auto const n = node[ key ];
+      return n ? std::uint32_t( yaml_.integer( n, key, 0, UINT32_MAX ) ) : 0u;
+   };
+   c.rule = number( "rule" );
+   c.subrule = number( "subrule" );
+   auto const field = node[ "field" ];
+   auto const value = node[ "value" ];
+   if( bool( field ) != bool( value ) ) {
+      yaml_.fail( node,
+                  "corruptTcam: give field and value together, or neither to lose the entry" );
+   }
+   if( field ) {
+      c.field = yaml_.text( field, "field" );
+      c.value = yaml_.text( value, "value" );
+   }
+   return c;
 }
 
 KernelCoppReport StepReader::kernelCoppReport( YAML::Node const& node ) const {

@@ -45,6 +45,7 @@ class StepReader {
    Attachment attachment( YAML::Node const& node, bool attach ) const;
    TrafficInjection traffic( YAML::Node const& node ) const;
    FaultSwitch faultSwitch( YAML::Node const& node ) const;
+   TcamCorruption tcamCorruption( YAML::Node const& node ) const;
    // The key of an override: { af, dscp, fec }, af ipv4 when left out.
    Qos::Glarn::OverrideKey overrideKey( YAML::Node const& node, std::string const& what,
                                         std::vector< std::string_view > const& keys ) const;

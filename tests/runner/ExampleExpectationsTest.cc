@@ -71,8 +71,8 @@ TEST_P( ExampleExpectationsTest, TheReportIsAsExpected ) {
 INSTANTIATE_TEST_SUITE_P( Examples, ExampleExpectationsTest,
                           ::testing::Values( "edge-policy", "tcam-exhaustion", "range-checkers",
                                              "async-timeout", "counters", "classbench-10k",
-                                             "ecn-profiles", "copp-exhaustion",
-                                             "cbf-overrides" ) );
+                                             "ecn-profiles", "copp-exhaustion", "cbf-overrides",
+                                             "tcam-corruption" ) );
 
 }  // namespace
 }  // namespace NevQosTest

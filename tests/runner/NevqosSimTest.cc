@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <map>
@@ -391,6 +392,69 @@ TEST( NevqosSimTest, BadScenariosAreRefusedWithTheirPlace ) {
    SimRun const missing = runSim( { ::testing::TempDir() + "no-such.yaml" } );
    EXPECT_EQ( missing.exitCode, 2 );
    EXPECT_NE( missing.err.find( "no-such.yaml: cannot read" ), std::string::npos ) << missing.err;
+}
+
+// ---- Verification and show
+
+TEST( NevqosSimTest, EveryExampleButTheDamagedOneVerifiesClean ) {
+   namespace fs = std::filesystem;
+   std::vector< std::string > names;
+   for( auto const& f : fs::directory_iterator( fs::path( example( "x" ) ).parent_path() ) ) {
+      if( f.path().extension() == ".yaml" ) names.push_back( f.path().filename().string() );
+   }
+   ASSERT_GE( names.size(), 10u );
+   for( std::string const& name : names ) {
+      if( name == "tcam-corruption.yaml" ) continue;
+      SCOPED_TRACE( name );
+      SimRun const run = runSim( { example( name ), "--json", "--verify" } );
+      ASSERT_EQ( run.exitCode, 0 ) << run.err << run.out.substr( 0, 2000 );
+      Json const verify = run.report()[ "verify" ];
+      EXPECT_EQ( verify[ "findings" ], Json::array() );
+      EXPECT_GE( verify[ "runs" ].get< int >(), 2 ) << "at the start and at the end at least";
+   }
+}
+
+TEST( NevqosSimTest, DamagedEntriesAreFoundUntilTheMapIsProgrammedAgain ) {
+   SimRun const run = runSim( { example( "tcam-corruption.yaml" ), "--json", "--verify" } );
+   EXPECT_EQ( run.exitCode, 1 ) << run.err;
+   Json const report = run.report();
+   Lines findings;
+   for( Json const& f : report[ "verify" ][ "findings" ] ) {
+      findings.push_back( f[ "t" ].dump() + " " + f[ "text" ].get< std::string >() );
+   }
+   EXPECT_EQ( findings,
+              ( Lines{ "2.0 ACL MGMT sequence 30 rule 2 subrule 0 dstPort is 447-447, expected "
+                       "443-443",
+                       "3.0 ACL MGMT sequence 20 rule 1 subrule 0 doesn't exist",
+                       "3.0 ACL MGMT sequence 30 rule 2 subrule 0 dstPort is 447-447, expected "
+                       "443-443" } ) );
+   // Without --verify the run is a plain run.
+   EXPECT_EQ( runSim( { example( "tcam-corruption.yaml" ), "--json" } ).exitCode, 0 );
+   // An entry that isn't there cannot be damaged.
+   std::string const path = exampleUpTo( "tcam-corruption.yaml", "  - at: 3" );
+   std::ofstream( path, std::ios::app )
+         << "  - at: 3\n    changes:\n      - corruptTcam: { acl: MGMT, rule: 9 }\n";
+   SimRun const missing = runSim( { path } );
+   EXPECT_EQ( missing.exitCode, 2 );
+   EXPECT_NE( missing.err.find( ":43:9: corruptTcam: no installed ACL MGMT has entry 9.0 now" ),
+              std::string::npos )
+         << missing.err;
+}
+
+TEST( NevqosSimTest, ShowPrintsTheTcamOfEachAclAfterTheReport ) {
+   SimRun const brief = runSim( { example( "tcam-corruption.yaml" ), "--show", "--brief" } );
+   ASSERT_EQ( brief.exitCode, 0 ) << brief.err;
+   auto const shown = brief.out.substr( brief.out.rfind( "Policy map edge-in:" ) );
+   EXPECT_EQ( shown,
+              "Policy map edge-in: mapQos input, ACL group Default, unit 0, interfaces: Ethernet1 "
+              "Ethernet2\n"
+              "  Class mgmt\n"
+              "    ACL MGMT (ip, matchOptionIpAcl): slice ipv4, 4 entries, committed\n\n" );
+   SimRun const detail = runSim( { example( "tcam-corruption.yaml" ), "--show", "qos" } );
+   EXPECT_NE( detail.out.find( "      seq 20  1.0  ip  action=permit  proto=6" ),
+              std::string::npos )
+         << detail.out;
+   EXPECT_EQ( runSim( { example( "tcam-corruption.yaml" ), "--show", "bogus" } ).exitCode, 2 );
 }
 
 }  // namespace

@@ -79,7 +79,7 @@ TEST( ScenarioErrorsTest, UnknownAndRepeatedKeys ) {
            "dscpRewriteMap, "
            "removeDscpRewriteMap, cosToTcProfile, removeCosToTcProfile, interfaceQos, "
            "removeInterfaceQos, ecnCounters, removeEcnCounters, link, kernelCopp, hwInitialized, "
-           "fecOverride, removeFecOverride, fecService, removeFecService)" },
+           "fecOverride, removeFecOverride, fecService, removeFecService, corruptTcam)" },
          { "steps: [ { at: 1, changes: [ { clearErrors: true, requestCounters: a } ] } ]\n",
            "bad.yaml:1:30: change: one kind of change per list item" },
    } );
@@ -258,6 +258,11 @@ steps:
            "bad.yaml:11:9: there is no FEC override ipv6/46/3 to remove" },
          { ( base + "      - removeFecService: 3\n" ),
            "bad.yaml:11:9: the FEC service has no answer for FEC 3 to take back" },
+         { ( base + "      - corruptTcam: { acl: B }\n" ),
+           "bad.yaml:11:9: corruptTcam: there is no access list B" },
+         { ( base + "      - corruptTcam: { acl: A, field: proto }\n" ),
+           "bad.yaml:11:22: corruptTcam: give field and value together, or neither to lose the "
+           "entry" },
    } );
    // Valid at step 1, broken by what step 1 removed when step 2 uses it.
    EXPECT_EQ( errorOf( base + "      - removeServicePolicy: p\n      - removePolicyMap: p\n"
