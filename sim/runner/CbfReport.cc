@@ -81,6 +81,7 @@ void printCbf( std::ostream& os, Json const& cbf ) {
    os << "  FECs requested of the FEC service:";
    for( Json const& f : cbf[ "requests" ] )
       os << " " << f;
+   if( cbf[ "requests" ].empty() ) os << " none";
    os << "\n  waiting for review: " << cbf[ "reviewQueue" ].size()
       << ( cbf[ "resourceFull" ].get< bool >() ? ", hardware full" : "" ) << "\n";
 }
