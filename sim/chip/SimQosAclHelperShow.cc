@@ -1,6 +1,7 @@
 // The reference chip's show output: what its TCAM holds for each policy map, class and ACL, one
 // line per entry, written to the descriptor the engine passes.
 #include <cstdio>
+#include <sstream>
 
 #include "NevQos/classes/QosClassData.h"
 #include "sim/chip/ChipText.h"
@@ -15,10 +16,11 @@ void print( std::uint32_t socket, std::string const& line ) {
 }
 
 std::string entryLine( TcamEntry const& e, std::string const& lead ) {
-   std::string line = lead + textOf( e.ruleNum ) + "." + textOf( e.subruleNum ) + "  " + e.kind;
+   std::ostringstream line;
+   line << lead << e.ruleNum << "." << e.subruleNum << "  " << e.kind;
    for( auto const& [ name, value ] : e.fields )
-      line += "  " + name + "=" + value;
-   return line;
+      line << "  " << name << "=" << value;
+   return line.str();
 }
 
 }  // namespace
@@ -26,13 +28,14 @@ std::string entryLine( TcamEntry const& e, std::string const& lead ) {
 void SimQosAclHelper::showAclPolicyHeader( std::uint32_t socket, std::uint32_t unit,
                                            Nev::QosPolicyMapState const& pmapState,
                                            Nev::QosPolicyMapKey const& pmapKey ) {
-   std::string intfs;
+   std::ostringstream line;
+   line << "Policy map " << pmapKey.pmapName() << ": " << pmapKey.pmapType() << " "
+        << pmapKey.direction() << ", ACL group " << pmapKey.aclGroup() << ", unit " << unit
+        << ", interfaces:";
+   if( pmapState.activeIntfSize() == 0 ) line << " none";
    for( auto it = pmapState.activeIntf().iter(); it; ++it )
-      intfs += " " + intfText( it.key() );
-   print( socket, "Policy map " + textOf( pmapKey.pmapName() ) + ": " +
-                        textOf( pmapKey.pmapType() ) + " " + textOf( pmapKey.direction() ) +
-                        ", ACL group " + textOf( pmapKey.aclGroup() ) + ", unit " + textOf( unit ) +
-                        ", interfaces:" + ( intfs.empty() ? std::string( " none" ) : intfs ) );
+      line << " " << intfText( it.key() );
+   print( socket, line.str() );
 }
 
 void SimQosAclHelper::showAclClassHeader( std::uint32_t socket, std::uint32_t,
@@ -44,25 +47,27 @@ void SimQosAclHelper::showAclHeader( std::uint32_t socket, std::uint32_t, bool,
                                      Nev::QosClassData const& classData,
                                      Qos::ClassMapMatchOption matchOption,
                                      Nev::AclKey const& aclKey ) {
-   std::string head = "    ACL " + textOf( aclKey.aclName() ) + " (" + textOf( aclKey.aclType() ) +
-                      ", " + textOf( matchOption ) + ")";
+   std::ostringstream line;
+   line << "    ACL " << aclKey.aclName() << " (" << aclKey.aclType() << ", " << matchOption << ")";
    // A class copied per policer or interface shows which copy the ACL belongs to.
    Zub::Name const& copy = classData.key().policerName();
-   if( copy != Zub::Name( "Default" ) ) head += " of copy " + textOf( copy );
+   if( copy != Zub::Name( "Default" ) ) line << " of copy " << copy;
    auto const acl = tcam_.acls().find( aclIdOf( classData, aclKey ) );
    if( acl == tcam_.acls().end() ) {
-      print( socket, head + ": not in the TCAM" );
-      return;
+      line << ": not in the TCAM";
+   } else {
+      line << ": slice " << acl->second.slice << ", " << acl->second.entries.size() << " entries, "
+           << ( acl->second.committed ? "committed" : "not committed" );
    }
-   print( socket, head + ": slice " + acl->second.slice + ", " +
-                        textOf( acl->second.entries.size() ) + " entries, " +
-                        ( acl->second.committed ? "committed" : "not committed" ) );
+   print( socket, line.str() );
 }
 
 void SimQosAclHelper::showIpAclRule( std::uint32_t socket, std::uint32_t,
                                      Nev::QosClassData const& classData, Nev::AclKey const& aclKey,
                                      std::uint32_t sequence, Acl::UniqueId const& id ) {
-   std::string const lead = "      seq " + textOf( sequence ) + "  ";
+   std::ostringstream leadText;
+   leadText << "      seq " << sequence << "  ";
+   std::string const lead = leadText.str();
    auto const acl = tcam_.acls().find( aclIdOf( classData, aclKey ) );
    bool any = false;
    if( acl != tcam_.acls().end() ) {
@@ -73,7 +78,7 @@ void SimQosAclHelper::showIpAclRule( std::uint32_t socket, std::uint32_t,
       }
    }
    // A deny rule, or one left out, takes no entry.
-   if( !any ) print( socket, lead + "no entry" );
+   if( !any ) print( socket, leadText.str() + "no entry" );
 }
 
 void SimQosAclHelper::showEntries( std::uint32_t socket, Nev::QosClassData const& classData,
