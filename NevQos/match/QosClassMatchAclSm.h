@@ -39,7 +39,7 @@ class QosClassMatchAclSm final : public QosClassMatchChildSm {
    void aclNumberAfterDestroy( AclData& aclData ) const override;
 
  private:
-   // The subrule checks shared by both families; each fetches its own fields from `filter`.
+   // What every check of one rule's subrules shares.
    struct RuleCheck {
       Acl::UniqueId aclId;
       std::uint32_t ruleNum;
@@ -59,8 +59,7 @@ class QosClassMatchAclSm final : public QosClassMatchChildSm {
    void verifyRuleFieldsTail( Acl::IpFilterBase const& filter, RuleCheck const& check,
                               std::uint32_t subruleNum, std::uint8_t tcpFlag );
    // The layer-4 checks of a fragment entry, the action and the ports.
-   void verifyFragEntryTail( Acl::IpFilterBase const& filter, RuleCheck const& check,
-                             std::uint32_t subruleNum );
+   void verifyFragEntryTail( RuleCheck const& check, std::uint32_t subruleNum );
    void verifyIpFragRule( Acl::IpRuleConfig const& rule, std::uint32_t ruleNum, bool l4Rule );
    void verifyIpFragEntry( Acl::IpRuleConfig const& rule, RuleCheck const& check,
                            std::uint32_t subruleNum );

@@ -1,7 +1,7 @@
 // The comparison of an access group with the hardware: the compile of each rule is replayed, and
 // at each subrule number the helper is asked what it holds. The helper compares the fields; the
 // four findings about a subrule's presence are made here.
-#include <cstdio>
+#include <string_view>
 #include <type_traits>
 
 #include "NevQos/helpers/QosAclHelper.h"
@@ -283,7 +283,7 @@ void QosClassMatchAclSm::verifyIpFragEntry( Acl::IpRuleConfig const& rule, RuleC
                         f.destination.addr(), f.destination.mask(), f.destination.mask() != 0 );
    h.verifyIpRuleDscp( cd, key(), check.aclId, check.ruleNum, subruleNum, check.sequence, f.dscp,
                        f.dscpValid );
-   verifyFragEntryTail( f, check, subruleNum );
+   verifyFragEntryTail( check, subruleNum );
 }
 
 void QosClassMatchAclSm::verifyIpFragEntry( Acl::Ip6RuleConfig const& rule, RuleCheck const& check,
@@ -300,11 +300,10 @@ void QosClassMatchAclSm::verifyIpFragEntry( Acl::Ip6RuleConfig const& rule, Rule
                          f.destination, f.destination.len() != 0 );
    h.verifyIpRuleTcIp6( cd, key(), check.aclId, check.ruleNum, subruleNum, check.sequence, f.dscp,
                         f.dscpValid );
-   verifyFragEntryTail( f, check, subruleNum );
+   verifyFragEntryTail( check, subruleNum );
 }
 
-void QosClassMatchAclSm::verifyFragEntryTail( Acl::IpFilterBase const&, RuleCheck const& check,
-                                              std::uint32_t subruleNum ) {
+void QosClassMatchAclSm::verifyFragEntryTail( RuleCheck const& check, std::uint32_t subruleNum ) {
    auto& h = helper();
    auto const& cd = *classData();
    h.verifyIpRuleFragments( cd, key(), check.aclId, check.ruleNum, subruleNum, check.sequence,

@@ -365,7 +365,7 @@ class SimQosAclHelper : public NevHelper::QosAclHelper {
    // The IP entry a field check is about: null when there is none, which the engine reports.
    TcamEntry const* ipEntry( Nev::QosClassData const& classData, Nev::AclKey const& aclKey,
                              std::uint32_t ruleNum, std::uint32_t subruleNum ) const;
-   // One field compared; `absent` is what a missing field stands for.
+   // Where a field check looks: one subrule of one ACL, and its rule's sequence for messages.
    struct FieldCheck {
       Nev::QosClassData const& classData;
       Nev::AclKey const& aclKey;
@@ -373,6 +373,7 @@ class SimQosAclHelper : public NevHelper::QosAclHelper {
       std::uint32_t subruleNum;
       std::uint32_t sequence;
    };
+   // One field compared; `absent` is what a missing field stands for.
    void checkField( FieldCheck const& at, std::string const& name, std::string const& expected,
                     std::string const& absent = "" );
    void checkPorts( FieldCheck const& at, std::string const& name, std::uint16_t low,
