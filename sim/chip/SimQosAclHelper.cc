@@ -335,7 +335,9 @@ Nev::AclCreateError SimQosAclHelper::createIpAclSubrule(
    if( !needs.empty() ) {
       tcam_.rangeCheckersExhaustedIs( faultOn( FaultConfig::Kind::outOfRangeCheckers ) );
       auto const missing = tcam_.acquire( id, needs );
-      if( !missing.empty() && !async() ) return answer( expandCode( missing ), classData );
+      // Every range of the subrule is expanded, not only those left without a checker, so that
+      // the subrule stands either whole or as the product of its blocks, as verification reads it.
+      if( !missing.empty() && !async() ) return answer( expandCode( needs ), classData );
       for( RangeNeed const& n : missing ) {
          auto& texts = n.dimension == "src" ? srcTexts : n.dimension == "dst" ? dstTexts : lenTexts;
          texts = blockTexts( n.low, n.high );

@@ -414,6 +414,30 @@ TEST( NevqosSimTest, EveryExampleButTheDamagedOneVerifiesClean ) {
    }
 }
 
+// The second rule's destination range already has the ACL's only checker, its source range none:
+// the chip expands both, so the subrule stands as the product of its blocks, as verification
+// reads it back.
+TEST( NevqosSimTest, ARuleShortOfOneCheckerIsExpandedWholeAndVerifiesClean ) {
+   std::string const path = scenarioFile( "mixed-ranges.yaml", R"(
+chip: { rangeCheckers: 1 }
+interfaces: [ Ethernet1 ]
+acls:
+  - name: A
+    rules:
+      - { proto: tcp, dstPort: { range: [ 3000, 4000 ] } }
+      - { proto: tcp, srcPort: { range: [ 1000, 2000 ] }, dstPort: { range: [ 3000, 4000 ] } }
+classMaps: [ { name: c, match: { ipv4: A } } ]
+policyMaps: [ { name: p, classes: [ { class: c, set: { dscp: 10 } } ] } ]
+servicePolicies: [ { policyMap: p, interfaces: [ Ethernet1 ] } ]
+)" );
+   SimRun const run = runSim( { path, "--json", "--verify" } );
+   EXPECT_EQ( run.exitCode, 0 ) << run.err;
+   Json const report = run.report();
+   EXPECT_EQ( report[ "verify" ][ "findings" ], Json::array() );
+   EXPECT_EQ( callsOf( report, "createIpAclSubrule" ).size(), 1u + 1u + 8u * 7u )
+         << "rule 0 whole; rule 1 refused, then 8 source blocks by 7 destination blocks";
+}
+
 TEST( NevqosSimTest, DamagedEntriesAreFoundUntilTheMapIsProgrammedAgain ) {
    SimRun const run = runSim( { example( "tcam-corruption.yaml" ), "--json", "--verify" } );
    EXPECT_EQ( run.exitCode, 1 ) << run.err;
