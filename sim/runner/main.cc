@@ -72,7 +72,7 @@ int main( int argc, char** argv ) {
    std::string showType;
    bool brief = false;
    app.add_option( "scenario", path, "The scenario file (YAML)" )->required();
-   app.add_flag( "--json", json, "Print the report as JSON" );
+   auto* const jsonFlag = app.add_flag( "--json", json, "Print the report as JSON" );
    app.add_option( "--settle", settle,
                    "Virtual seconds to run after the last step, so that asynchronous operations "
                    "and time-outs finish" )
@@ -93,7 +93,8 @@ int main( int argc, char** argv ) {
                          "After the report, print what the chip holds for the policy maps of "
                          "TYPE (qos, control-plane, pdp), or of every type without one" )
                ->expected( 0, 1 )
-               ->check( CLI::IsMember( { "qos", "control-plane", "pdp" } ) );
+               ->check( CLI::IsMember( { "qos", "control-plane", "pdp" } ) )
+               ->excludes( jsonFlag );  // its lines would break the JSON document
    app.add_flag( "--brief", brief, "With --show: the headers only, no rules" );
    try {
       app.parse( argc, argv );

@@ -479,6 +479,8 @@ TEST( NevqosSimTest, ShowPrintsTheTcamOfEachAclAfterTheReport ) {
               std::string::npos )
          << detail.out;
    EXPECT_EQ( runSim( { example( "tcam-corruption.yaml" ), "--show", "bogus" } ).exitCode, 2 );
+   EXPECT_EQ( runSim( { example( "tcam-corruption.yaml" ), "--show", "--json" } ).exitCode, 2 )
+         << "show lines would break the JSON document";
 }
 
 }  // namespace
