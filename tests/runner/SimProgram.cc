@@ -2,10 +2,12 @@
 
 #include <gtest/gtest.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <fstream>
 #include <sstream>
+#include <string>
 
 namespace NevQosTest {
 
@@ -18,7 +20,10 @@ std::string quoted( std::string const& s ) {
 }  // namespace
 
 SimRun runSim( std::vector< std::string > const& args ) {
-   std::string const errFile = ::testing::TempDir() + "nevqos-sim.err";
+   // One file per run: ctest runs the tests in parallel processes, which share the directory.
+   static int runs = 0;
+   std::string const errFile = ::testing::TempDir() + "nevqos-sim-" + std::to_string( getpid() ) +
+                               "-" + std::to_string( ++runs ) + ".err";
    std::string command = quoted( NEVQOS_SIM_PROGRAM );
    for( std::string const& a : args )
       command += " " + quoted( a );
@@ -35,6 +40,7 @@ SimRun runSim( std::vector< std::string > const& args ) {
    std::ostringstream err;
    err << in.rdbuf();
    run.err = err.str();
+   std::remove( errFile.c_str() );
    return run;
 }
 
