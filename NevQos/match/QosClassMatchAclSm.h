@@ -4,10 +4,13 @@
 #pragma once
 
 #include <cstdint>
+#include <utility>
+#include <vector>
 
 #include "NevQos/match/QosClassMatchChildSm.h"
 #include "NevQos/types/AclCreateError.h"
 #include "entities/AclConfig.h"
+#include "mirel/RangeMaskGen.h"
 
 namespace Nev {
 
@@ -42,29 +45,51 @@ class QosClassMatchAclSm final : public QosClassMatchChildSm {
    // What every check of one rule's subrules shares.
    struct RuleCheck {
       Acl::UniqueId aclId;
-      std::uint32_t ruleNum;
-      std::uint32_t sequence;
-      Acl::Action action;
-      bool l4Rule;
+      std::uint32_t ruleNum = 0;
+      std::uint32_t sequence = 0;
+      Acl::Action action = Acl::actionPermit;
+      bool l4Rule = false;
+      bool leftOut = false;     // a VLAN rule the compile left out on an SVI
+      bool portAbsent = false;  // a per-port control-plane policy whose port is absent
+      bool permit() const { return action == Acl::actionPermit; }
+   };
+   using PortRange = std::pair< std::uint16_t, std::uint16_t >;
+   // One pass of the compile's loops, before any expansion.
+   struct SubrulePlan {
+      PortRange src;
+      PortRange dst;
+      std::vector< Mirel::RangeMaskGen< std::uint16_t >::Entry > const& srcMasks;
+      std::vector< Mirel::RangeMaskGen< std::uint16_t >::Entry > const& dstMasks;
+      std::uint8_t tcpFlag;
+      std::uint8_t ecnData;
+      std::uint8_t ecnMask;
    };
    template< class Rule >
    void verifyRuleSubrules( Rule const& rule, RuleCheck check );
+   // The findings and field checks of one pass; subruleNum moves past what it covered.
+   template< class Rule >
+   void verifySubrule( Rule const& rule, RuleCheck const& check, SubrulePlan const& plan,
+                       std::uint32_t& subruleNum );
    void verifyIpRuleCommon( Acl::IpRuleConfig const& rule, RuleCheck const& check,
                             std::uint32_t subruleNum, std::uint8_t tcpFlag, std::uint8_t ecnData,
                             std::uint8_t ecnMask );
    void verifyIp6RuleCommon( Acl::Ip6RuleConfig const& rule, RuleCheck const& check,
                              std::uint32_t subruleNum, std::uint8_t tcpFlag, std::uint8_t ecnData,
                              std::uint8_t ecnMask );
+   // From the general check to the DSCP or traffic class: a subrule's and a fragment entry's.
+   void verifyL3Fields( Acl::IpFilter const& filter, RuleCheck const& check,
+                        std::uint32_t subruleNum );
+   void verifyL3Fields( Acl::Ip6Filter const& filter, RuleCheck const& check,
+                        std::uint32_t subruleNum );
    // The checks after the ECN one, which both families make alike.
    void verifyRuleFieldsTail( Acl::IpFilterBase const& filter, RuleCheck const& check,
                               std::uint32_t subruleNum, std::uint8_t tcpFlag );
    // The layer-4 checks of a fragment entry, the action and the ports.
    void verifyFragEntryTail( RuleCheck const& check, std::uint32_t subruleNum );
+   void verifyPorts( RuleCheck const& check, std::uint32_t subruleNum, PortRange src,
+                     PortRange dst );
+   void verifyAction( RuleCheck const& check, std::uint32_t subruleNum );
    void verifyIpFragRule( Acl::IpRuleConfig const& rule, std::uint32_t ruleNum, bool l4Rule );
-   void verifyIpFragEntry( Acl::IpRuleConfig const& rule, RuleCheck const& check,
-                           std::uint32_t subruleNum );
-   void verifyIpFragEntry( Acl::Ip6RuleConfig const& rule, RuleCheck const& check,
-                           std::uint32_t subruleNum );
    // A per-port control-plane policy whose port is absent has nothing in hardware.
    bool ownerPortAbsent() const;
 

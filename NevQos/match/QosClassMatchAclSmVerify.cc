@@ -62,11 +62,11 @@ void QosClassMatchAclSm::verifyIpRule( std::uint32_t ruleNum, Acl::UniqueId cons
    if( aclType() == Acl::ip() ) {
       Acl::IpRuleConfig rule = rules->ipRuleById( aclId );
       detail::narrowTcpFlags( rule.filter, supported );
-      verifyRuleSubrules( rule, RuleCheck{ aclId, ruleNum, sequence, rule.action, false } );
+      verifyRuleSubrules( rule, RuleCheck{ aclId, ruleNum, sequence, rule.action } );
    } else if( aclType() == Acl::ipv6() ) {
       Acl::Ip6RuleConfig rule = rules->ip6RuleById( aclId );
       detail::narrowTcpFlags( rule.filter, supported );
-      verifyRuleSubrules( rule, RuleCheck{ aclId, ruleNum, sequence, rule.action, false } );
+      verifyRuleSubrules( rule, RuleCheck{ aclId, ruleNum, sequence, rule.action } );
    } else {
       detail::unknownAclType();
    }
@@ -74,122 +74,134 @@ void QosClassMatchAclSm::verifyIpRule( std::uint32_t ruleNum, Acl::UniqueId cons
 
 template< class Rule >
 void QosClassMatchAclSm::verifyRuleSubrules( Rule const& rule, RuleCheck check ) {
-   auto const& filter = rule.filter;
    AclIpRuleCreateData_ data;
-   createIpAclRuleData( filter, data, helper().qosEcnSupport(), helper().establishedSupported() );
+   createIpAclRuleData( rule.filter, data, helper().qosEcnSupport(),
+                        helper().establishedSupported() );
    check.l4Rule = data.l4Rule;
-   bool const permit = check.action == Acl::actionPermit;
-   char const* const name = aclName().charPtr();
-   auto const sequence = static_cast< int >( check.sequence );
-   auto const ruleNum = static_cast< int >( check.ruleNum );
    // The compile left the rule out: there is nothing to compare.
-   bool const vlanConflict =
-         permit && unsupportedIpRule( pmapState(), pmapSm()->pmapType(), filter );
-   bool const portAbsent = permit && ownerPortAbsent();
-   auto const common = [ & ]( std::uint32_t subrule, std::uint8_t tcpFlag, std::uint8_t ecnData,
-                              std::uint8_t ecnMask ) {
-      if constexpr( std::is_same_v< Rule, Acl::IpRuleConfig > ) {
-         verifyIpRuleCommon( rule, check, subrule, tcpFlag, ecnData, ecnMask );
-      } else {
-         verifyIp6RuleCommon( rule, check, subrule, tcpFlag, ecnData, ecnMask );
-      }
-   };
+   check.leftOut =
+         check.permit() && unsupportedIpRule( pmapState(), pmapSm()->pmapType(), rule.filter );
+   check.portAbsent = check.permit() && ownerPortAbsent();
    std::uint32_t subruleNum = 0;
    for( auto ecn = data.ecnRules.ecnRules().iter(); ecn; ++ecn ) {
       for( unsigned s = 1; s <= data.srcPortCount; ++s ) {
-         auto const [ srcLow, srcHigh ] = data.srcPortRange[ s ];
          for( unsigned d = 1; d <= data.dstPortCount; ++d ) {
-            auto const [ dstLow, dstHigh ] = data.dstPortRange[ d ];
             for( unsigned t = 1; t <= data.tcpFlagCount; ++t ) {
-               std::uint8_t const tcpFlag = data.tcpFlag[ t ];
-               for( unsigned l = 1; l <= data.ipLenCount; ++l ) {
-                  bool const exists = helper().ipSubruleExists( *classData(), key(), check.aclId,
-                                                                check.ruleNum, subruleNum );
-                  auto const subrule = static_cast< int >( subruleNum );
-                  if( !permit ) {
-                     if( exists ) {
-                        NEV_VERIFY_FAILURE(
-                              verifyReport(),
-                              Zub::format( "ACL %s sequence %d rule %d subrule %d exist for "
-                                           "action %d",
-                                           name, sequence, ruleNum, subrule,
-                                           static_cast< int >( check.action ) ) );
-                     }
-                     ++subruleNum;
-                     continue;
-                  }
-                  if( portAbsent ) {
-                     if( exists ) {
-                        NEV_VERIFY_FAILURE(
-                              verifyReport(),
-                              Zub::format( "ACL %s sequence %d rule %d subrule %d should not exist",
-                                           name, sequence, ruleNum, subrule ) );
-                     }
-                     continue;
-                  }
-                  if( vlanConflict ) {
-                     ++subruleNum;
-                     continue;
-                  }
-                  if( !exists ) {
-                     NEV_VERIFY_FAILURE(
-                           verifyReport(),
-                           Zub::format( "ACL %s sequence %d rule %d subrule %d doesn't exist", name,
-                                        sequence, ruleNum, subrule ) );
-                  }
-                  bool const ranged = helper().ipPortRangeSubruleExists(
-                        *classData(), key(), check.aclId, check.ruleNum, subruleNum, srcLow,
-                        srcHigh, !fullRange( srcLow, srcHigh ), dstLow, dstHigh,
-                        !fullRange( dstLow, dstHigh ) );
-                  if( !ranged ) {
-                     // Expanded into blocks: one entry per pair of blocks.
-                     for( auto const& src : data.srcPortMasks[ s ] ) {
-                        for( auto const& dst : data.dstPortMasks[ d ] ) {
-                           common( subruleNum, tcpFlag, ecn.key(), ecn.value() );
-                           helper().verifyIpRuleSrcPort( *classData(), key(), check.aclId,
-                                                         check.ruleNum, subruleNum, check.sequence,
-                                                         src.value, src.high,
-                                                         !fullRange( src.value, src.high ) );
-                           helper().verifyIpRuleDstPort( *classData(), key(), check.aclId,
-                                                         check.ruleNum, subruleNum, check.sequence,
-                                                         dst.value, dst.high,
-                                                         !fullRange( dst.value, dst.high ) );
-                           ++subruleNum;
-                        }
-                     }
-                     continue;
-                  }
-                  common( subruleNum, tcpFlag, ecn.key(), ecn.value() );
-                  if( filter.proto != 1 ) {
-                     helper().verifyIpRuleSrcPort( *classData(), key(), check.aclId, check.ruleNum,
-                                                   subruleNum, check.sequence, srcLow, srcHigh,
-                                                   !fullRange( srcLow, srcHigh ) );
-                     helper().verifyIpRuleDstPort( *classData(), key(), check.aclId, check.ruleNum,
-                                                   subruleNum, check.sequence, dstLow, dstHigh,
-                                                   !fullRange( dstLow, dstHigh ) );
-                  } else {
-                     helper().verifyIpRuleIcmp( *classData(), key(), check.aclId, check.ruleNum,
-                                                subruleNum, check.sequence, filter.icmpType,
-                                                filter.icmpCode, filter.icmpTypeValid,
-                                                filter.icmpCodeValid );
-                  }
-                  ++subruleNum;
-               }
+               SubrulePlan const plan{ data.srcPortRange[ s ],
+                                       data.dstPortRange[ d ],
+                                       data.srcPortMasks[ s ],
+                                       data.dstPortMasks[ d ],
+                                       data.tcpFlag[ t ],
+                                       ecn.key(),
+                                       ecn.value() };
+               for( unsigned l = 1; l <= data.ipLenCount; ++l )
+                  verifySubrule( rule, check, plan, subruleNum );
             }
          }
       }
    }
-   if( !check.l4Rule || !permit || vlanConflict || portAbsent ) return;
+   if( !check.l4Rule || !check.permit() || check.leftOut || check.portAbsent ) return;
    // The entry after the last subrule, if any, lets the rule's non-first fragments through.
    if( helper().ipSubruleExists( *classData(), key(), check.aclId, check.ruleNum, subruleNum ) ) {
-      verifyIpFragEntry( rule, check, subruleNum );
+      verifyL3Fields( rule.filter, check, subruleNum );
+      verifyFragEntryTail( check, subruleNum );
    }
+}
+
+template< class Rule >
+void QosClassMatchAclSm::verifySubrule( Rule const& rule, RuleCheck const& check,
+                                        SubrulePlan const& plan, std::uint32_t& subruleNum ) {
+   char const* const name = aclName().charPtr();
+   auto const sequence = static_cast< int >( check.sequence );
+   auto const ruleNum = static_cast< int >( check.ruleNum );
+   auto const subrule = static_cast< int >( subruleNum );
+   bool const exists =
+         helper().ipSubruleExists( *classData(), key(), check.aclId, check.ruleNum, subruleNum );
+   if( !check.permit() ) {
+      if( exists ) {
+         NEV_VERIFY_FAILURE(
+               verifyReport(),
+               Zub::format( "ACL %s sequence %d rule %d subrule %d exist for action %d", name,
+                            sequence, ruleNum, subrule, static_cast< int >( check.action ) ) );
+      }
+      ++subruleNum;
+      return;
+   }
+   if( check.portAbsent ) {
+      if( exists ) {
+         NEV_VERIFY_FAILURE( verifyReport(),
+                             Zub::format( "ACL %s sequence %d rule %d subrule %d should not exist",
+                                          name, sequence, ruleNum, subrule ) );
+      }
+      return;
+   }
+   if( check.leftOut ) {
+      ++subruleNum;
+      return;
+   }
+   if( !exists ) {
+      NEV_VERIFY_FAILURE( verifyReport(),
+                          Zub::format( "ACL %s sequence %d rule %d subrule %d doesn't exist", name,
+                                       sequence, ruleNum, subrule ) );
+   }
+   auto const common = [ & ]( std::uint32_t n ) {
+      if constexpr( std::is_same_v< Rule, Acl::IpRuleConfig > ) {
+         verifyIpRuleCommon( rule, check, n, plan.tcpFlag, plan.ecnData, plan.ecnMask );
+      } else {
+         verifyIp6RuleCommon( rule, check, n, plan.tcpFlag, plan.ecnData, plan.ecnMask );
+      }
+   };
+   bool const ranged = helper().ipPortRangeSubruleExists(
+         *classData(), key(), check.aclId, check.ruleNum, subruleNum, plan.src.first,
+         plan.src.second, !fullRange( plan.src.first, plan.src.second ), plan.dst.first,
+         plan.dst.second, !fullRange( plan.dst.first, plan.dst.second ) );
+   if( !ranged ) {
+      // Expanded into blocks: one entry per pair of blocks.
+      for( auto const& src : plan.srcMasks ) {
+         for( auto const& dst : plan.dstMasks ) {
+            common( subruleNum );
+            verifyPorts( check, subruleNum, { src.value, src.high }, { dst.value, dst.high } );
+            ++subruleNum;
+         }
+      }
+      return;
+   }
+   common( subruleNum );
+   auto const& filter = rule.filter;
+   if( filter.proto != 1 ) {
+      verifyPorts( check, subruleNum, plan.src, plan.dst );
+   } else {
+      helper().verifyIpRuleIcmp( *classData(), key(), check.aclId, check.ruleNum, subruleNum,
+                                 check.sequence, filter.icmpType, filter.icmpCode,
+                                 filter.icmpTypeValid, filter.icmpCodeValid );
+   }
+   ++subruleNum;
 }
 
 void QosClassMatchAclSm::verifyIpRuleCommon( Acl::IpRuleConfig const& rule, RuleCheck const& check,
                                              std::uint32_t subruleNum, std::uint8_t tcpFlag,
                                              std::uint8_t ecnData, std::uint8_t ecnMask ) {
-   auto const& f = rule.filter;
+   verifyL3Fields( rule.filter, check, subruleNum );
+   helper().verifyIpRuleEcn( *classData(), key(), check.aclId, check.ruleNum, subruleNum,
+                             check.sequence, ecnData, ecnMask );
+   verifyRuleFieldsTail( rule.filter, check, subruleNum, tcpFlag );
+   verifyIpFragRule( rule, check.ruleNum, check.l4Rule );
+   verifyAction( check, subruleNum );
+}
+
+void QosClassMatchAclSm::verifyIp6RuleCommon( Acl::Ip6RuleConfig const& rule,
+                                              RuleCheck const& check, std::uint32_t subruleNum,
+                                              std::uint8_t tcpFlag, std::uint8_t ecnData,
+                                              std::uint8_t ecnMask ) {
+   verifyL3Fields( rule.filter, check, subruleNum );
+   helper().verifyIpRuleEcnIp6( *classData(), key(), check.aclId, check.ruleNum, subruleNum,
+                                check.sequence, ecnData, ecnMask );
+   verifyRuleFieldsTail( rule.filter, check, subruleNum, tcpFlag );
+   verifyAction( check, subruleNum );
+}
+
+void QosClassMatchAclSm::verifyL3Fields( Acl::IpFilter const& f, RuleCheck const& check,
+                                         std::uint32_t subruleNum ) {
    auto& h = helper();
    auto const& cd = *classData();
    h.verifyIpRuleGeneral( cd, key(), check.aclId, check.ruleNum, subruleNum, check.sequence );
@@ -201,22 +213,10 @@ void QosClassMatchAclSm::verifyIpRuleCommon( Acl::IpRuleConfig const& rule, Rule
                         f.destination.addr(), f.destination.mask(), f.destination.mask() != 0 );
    h.verifyIpRuleDscp( cd, key(), check.aclId, check.ruleNum, subruleNum, check.sequence, f.dscp,
                        f.dscpValid );
-   h.verifyIpRuleEcn( cd, key(), check.aclId, check.ruleNum, subruleNum, check.sequence, ecnData,
-                      ecnMask );
-   verifyRuleFieldsTail( f, check, subruleNum, tcpFlag );
-   verifyIpFragRule( rule, check.ruleNum, check.l4Rule );
-   if( !cd.policerData() ) {
-      // With a policer, the action belongs to the policer.
-      h.verifyIpRuleAction( cd, key(), check.aclId, check.ruleNum, subruleNum, check.sequence,
-                            check.action );
-   }
 }
 
-void QosClassMatchAclSm::verifyIp6RuleCommon( Acl::Ip6RuleConfig const& rule,
-                                              RuleCheck const& check, std::uint32_t subruleNum,
-                                              std::uint8_t tcpFlag, std::uint8_t ecnData,
-                                              std::uint8_t ecnMask ) {
-   auto const& f = rule.filter;
+void QosClassMatchAclSm::verifyL3Fields( Acl::Ip6Filter const& f, RuleCheck const& check,
+                                         std::uint32_t subruleNum ) {
    auto& h = helper();
    auto const& cd = *classData();
    h.verifyIpRuleGeneral( cd, key(), check.aclId, check.ruleNum, subruleNum, check.sequence );
@@ -228,13 +228,25 @@ void QosClassMatchAclSm::verifyIp6RuleCommon( Acl::Ip6RuleConfig const& rule,
                          f.destination, f.destination.len() != 0 );
    h.verifyIpRuleTcIp6( cd, key(), check.aclId, check.ruleNum, subruleNum, check.sequence, f.dscp,
                         f.dscpValid );
-   h.verifyIpRuleEcnIp6( cd, key(), check.aclId, check.ruleNum, subruleNum, check.sequence, ecnData,
-                         ecnMask );
-   verifyRuleFieldsTail( f, check, subruleNum, tcpFlag );
-   if( !cd.policerData() ) {
-      h.verifyIpRuleAction( cd, key(), check.aclId, check.ruleNum, subruleNum, check.sequence,
-                            check.action );
-   }
+}
+
+// A range over every port is no condition.
+void QosClassMatchAclSm::verifyPorts( RuleCheck const& check, std::uint32_t subruleNum,
+                                      PortRange src, PortRange dst ) {
+   auto& h = helper();
+   h.verifyIpRuleSrcPort( *classData(), key(), check.aclId, check.ruleNum, subruleNum,
+                          check.sequence, src.first, src.second,
+                          !fullRange( src.first, src.second ) );
+   h.verifyIpRuleDstPort( *classData(), key(), check.aclId, check.ruleNum, subruleNum,
+                          check.sequence, dst.first, dst.second,
+                          !fullRange( dst.first, dst.second ) );
+}
+
+// With a policer, the action belongs to the policer.
+void QosClassMatchAclSm::verifyAction( RuleCheck const& check, std::uint32_t subruleNum ) {
+   if( classData()->policerData() ) return;
+   helper().verifyIpRuleAction( *classData(), key(), check.aclId, check.ruleNum, subruleNum,
+                                check.sequence, check.action );
 }
 
 void QosClassMatchAclSm::verifyRuleFieldsTail( Acl::IpFilterBase const& filter,
@@ -269,40 +281,6 @@ void QosClassMatchAclSm::verifyIpFragRule( Acl::IpRuleConfig const& rule, std::u
 }
 
 // A fragment entry has the rule's layer-3 match and nothing of layer 4.
-void QosClassMatchAclSm::verifyIpFragEntry( Acl::IpRuleConfig const& rule, RuleCheck const& check,
-                                            std::uint32_t subruleNum ) {
-   auto const& f = rule.filter;
-   auto& h = helper();
-   auto const& cd = *classData();
-   h.verifyIpRuleGeneral( cd, key(), check.aclId, check.ruleNum, subruleNum, check.sequence );
-   h.verifyIpRuleIpProto( cd, key(), check.aclId, check.ruleNum, subruleNum, check.sequence,
-                          f.proto, f.proto != 0 );
-   h.verifyIpRuleSrcIp( cd, key(), check.aclId, check.ruleNum, subruleNum, check.sequence,
-                        f.source.addr(), f.source.mask(), f.source.mask() != 0 );
-   h.verifyIpRuleDstIp( cd, key(), check.aclId, check.ruleNum, subruleNum, check.sequence,
-                        f.destination.addr(), f.destination.mask(), f.destination.mask() != 0 );
-   h.verifyIpRuleDscp( cd, key(), check.aclId, check.ruleNum, subruleNum, check.sequence, f.dscp,
-                       f.dscpValid );
-   verifyFragEntryTail( check, subruleNum );
-}
-
-void QosClassMatchAclSm::verifyIpFragEntry( Acl::Ip6RuleConfig const& rule, RuleCheck const& check,
-                                            std::uint32_t subruleNum ) {
-   auto const& f = rule.filter;
-   auto& h = helper();
-   auto const& cd = *classData();
-   h.verifyIpRuleGeneral( cd, key(), check.aclId, check.ruleNum, subruleNum, check.sequence );
-   h.verifyIpRuleIpProto( cd, key(), check.aclId, check.ruleNum, subruleNum, check.sequence,
-                          f.proto, f.proto != 0 );
-   h.verifyIpRuleSrcIp6( cd, key(), check.aclId, check.ruleNum, subruleNum, check.sequence,
-                         f.source, f.source.len() != 0 );
-   h.verifyIpRuleDstIp6( cd, key(), check.aclId, check.ruleNum, subruleNum, check.sequence,
-                         f.destination, f.destination.len() != 0 );
-   h.verifyIpRuleTcIp6( cd, key(), check.aclId, check.ruleNum, subruleNum, check.sequence, f.dscp,
-                        f.dscpValid );
-   verifyFragEntryTail( check, subruleNum );
-}
-
 void QosClassMatchAclSm::verifyFragEntryTail( RuleCheck const& check, std::uint32_t subruleNum ) {
    auto& h = helper();
    auto const& cd = *classData();
@@ -312,14 +290,8 @@ void QosClassMatchAclSm::verifyFragEntryTail( RuleCheck const& check, std::uint3
                            false );
    h.verifyIpRuleIcmp( cd, key(), check.aclId, check.ruleNum, subruleNum, check.sequence, 0, 0,
                        false, false );
-   h.verifyIpRuleSrcPort( cd, key(), check.aclId, check.ruleNum, subruleNum, check.sequence, 0,
-                          0xffff, false );
-   h.verifyIpRuleDstPort( cd, key(), check.aclId, check.ruleNum, subruleNum, check.sequence, 0,
-                          0xffff, false );
-   if( !cd.policerData() ) {
-      h.verifyIpRuleAction( cd, key(), check.aclId, check.ruleNum, subruleNum, check.sequence,
-                            check.action );
-   }
+   verifyPorts( check, subruleNum, { 0, 0xffff }, { 0, 0xffff } );
+   verifyAction( check, subruleNum );
    h.verifyRulePorts( pmapState(), cd, matchOption(), key(), check.aclId, check.ruleNum, subruleNum,
                       check.sequence, check.action );
 }

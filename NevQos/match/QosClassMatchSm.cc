@@ -235,20 +235,34 @@ void QosClassMatchSm::showAcl( std::uint32_t socket, std::uint32_t unit, bool de
       it.value()->showAcl( socket, unit, detail );
 }
 
+namespace {
+
+// Verifies the child of each family the policy map's matches cover, IPv6 first; a missing child
+// is a broken invariant, stated by `ipv6Text` or `ipText`.
+template< class Children, class NameOf >
+void verifyFamilies( Children const& children, QosPMapAclTypes types, NameOf const& nameOf,
+                     char const* ipv6Text, char const* ipText ) {
+   for( Acl::AclType const type : { Acl::ipv6(), Acl::ip() } ) {
+      if( type == Acl::ipv6() ? types == ipv4Only : types == ipv6Only ) continue;
+      auto const sm = children.get( AclKey( Zub::Name( nameOf( type ) ), type ) );
+      ZUB_ASSERT_TEXT( sm, type == Acl::ip() ? ipText : ipv6Text );
+      sm->handleVerify();
+   }
+}
+
+}  // namespace
+
 void QosClassMatchSm::handleVerify() {
    auto const& h = *qosAclSm()->qosHelper();
    QosPMapAclTypes const types = pmapSm()->pmapState()->pmapAclTypes();
    if( classData()->classDefault() ) {
-      if( types != ipv4Only ) {
-         auto const sm = classDefaultSm( AclKey( h.defaultIpv6AclName(), Acl::ipv6() ) );
-         ZUB_ASSERT_TEXT( sm, "classDefaultSm( AclKey( h->defaultIpv6AclName(), Acl::ipv6() ) )" );
-         sm->handleVerify();
-      }
-      if( types != ipv6Only ) {
-         auto const sm = classDefaultSm( AclKey( h.defaultAclName(), Acl::ip() ) );
-         ZUB_ASSERT_TEXT( sm, "classDefaultSm( AclKey( h->defaultAclName(), Acl::ip() ) )" );
-         sm->handleVerify();
-      }
+      verifyFamilies(
+            classDefaultSm(), types,
+            [ & ]( Acl::AclType type ) {
+               return type == Acl::ip() ? h.defaultAclName() : h.defaultIpv6AclName();
+            },
+            "classDefaultSm( AclKey( h->defaultIpv6AclName(), Acl::ipv6() ) )",
+            "classDefaultSm( AclKey( h->defaultAclName(), Acl::ip() ) )" );
       return;
    }
    switch( matchOption() ) {
@@ -259,37 +273,25 @@ void QosClassMatchSm::handleVerify() {
          verifyAccessGroup();
          return;
       case Qos::matchOptionMplsTrafficClass:
-         for( Acl::AclType const type : familiesOf( types ) ) {
-            AclKey const aclKey( Zub::Name( QosClassMatchMplsTrafficClassSm::createAclName(
-                                       h, type, matchPrio() ) ),
-                                 type );
-            auto const sm = mplsTrafficClassSm( aclKey );
-            ZUB_ASSERT_TEXT( sm, type == Acl::ip()
-                                       ? "mplsTrafficClassSm( AclKey( aclName, Acl::ip() ) )"
-                                       : "mplsTrafficClassSm( AclKey( aclName, Acl::ipv6() ) )" );
-            sm->handleVerify();
-         }
+         verifyFamilies(
+               mplsTrafficClassSm(), types,
+               [ & ]( Acl::AclType type ) {
+                  return QosClassMatchMplsTrafficClassSm::createAclName( h, type, matchPrio() );
+               },
+               "mplsTrafficClassSm( AclKey( aclName, Acl::ipv6() ) )",
+               "mplsTrafficClassSm( AclKey( aclName, Acl::ip() ) )" );
          return;
       default:
-         for( Acl::AclType const type : familiesOf( types ) ) {
-            AclKey const aclKey( Zub::Name( QosClassMatchOptionSm::createAclName(
-                                       h, type, matchOption(), matchPrio() ) ),
-                                 type );
-            auto const sm = matchOptionSm( aclKey );
-            ZUB_ASSERT_TEXT( sm, type == Acl::ip()
-                                       ? "matchOptionSm( AclKey( aclName, Acl::ip() ) )"
-                                       : "matchOptionSm( AclKey( aclName, Acl::ipv6() ) )" );
-            sm->handleVerify();
-         }
+         verifyFamilies(
+               matchOptionSm(), types,
+               [ & ]( Acl::AclType type ) {
+                  return QosClassMatchOptionSm::createAclName( h, type, matchOption(),
+                                                               matchPrio() );
+               },
+               "matchOptionSm( AclKey( aclName, Acl::ipv6() ) )",
+               "matchOptionSm( AclKey( aclName, Acl::ip() ) )" );
          return;
    }
-}
-
-std::vector< Acl::AclType > QosClassMatchSm::familiesOf( QosPMapAclTypes types ) {
-   std::vector< Acl::AclType > families;
-   if( types != ipv4Only ) families.push_back( Acl::ipv6() );
-   if( types != ipv6Only ) families.push_back( Acl::ip() );
-   return families;
 }
 
 void QosClassMatchSm::verifyAccessGroup() {

@@ -4,7 +4,6 @@
 #pragma once
 
 #include <cstdint>
-#include <vector>
 
 #include "NevQos/classes/QosClassData.h"
 #include "NevQos/match/QosClassMatchAclSm.h"
@@ -79,8 +78,6 @@ class QosClassMatchSm : public Zub::PtrInterface {
    Zub::Ptr< QosClassMatchData > createMatchData( Qos::ClassMapMatchOption option );
    // The families the policy map's non-ACL matches must cover, written to its state.
    QosPMapAclTypes updatePmapAclTypes();
-   // The families whose children a non-ACL match has, IPv6 first as the check walks them.
-   static std::vector< Acl::AclType > familiesOf( QosPMapAclTypes types );
    // The child of an access group exists exactly when its list is configured.
    void verifyAccessGroup();
    void deleteSm();

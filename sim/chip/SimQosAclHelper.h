@@ -382,6 +382,12 @@ class SimQosAclHelper : public NevHelper::QosAclHelper {
    void checkRuleEntry( Nev::QosClassData const& classData, Nev::AclKey const& aclKey,
                         TcamEntry const& expected );
    void reportMismatch( std::string const& text );
+   // "ACL <name> sequence <s> rule <r> subrule <n> <field> is <actual>, expected <expected>".
+   void reportFieldMismatch( FieldCheck const& at, std::string const& name,
+                             std::string const& actual, std::string const& expected );
+   // "ACL <name> of class <class> <what>".
+   void reportAclMismatch( Nev::QosClassData const& classData, Nev::AclKey const& aclKey,
+                           std::string const& what );
    FieldCheck subruleQuery( Nev::QosClassData const& classData, Nev::AclKey const& aclKey,
                             std::uint32_t ruleNum, std::uint32_t subruleNum,
                             std::uint32_t sequence );

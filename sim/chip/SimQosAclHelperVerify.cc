@@ -4,6 +4,7 @@
 #include <bit>
 #include <cstdio>
 #include <optional>
+#include <sstream>
 #include <utility>
 
 #include "NevQos/classes/QosClassData.h"
@@ -32,6 +33,11 @@ Range rangeOfText( std::string const* text ) {
    return { 1, 0 };  // unreadable: matches nothing the engine can expect
 }
 
+// An address and mask as a rule's filter writes them.
+std::string addressText( std::uint32_t addr, std::uint32_t mask ) {
+   return textOf( Mirel::IpAddrWithMask( addr, static_cast< unsigned >( std::popcount( mask ) ) ) );
+}
+
 std::string rangeText( Range r ) {
    return textOf( r.first ) + "-" + textOf( r.second );
 }
@@ -40,6 +46,23 @@ std::string rangeText( Range r ) {
 
 void SimQosAclHelper::reportMismatch( std::string const& text ) {
    NEV_VERIFY_FAILURE( verifyData_.ptr(), Zub::String( text ) );
+}
+
+void SimQosAclHelper::reportFieldMismatch( FieldCheck const& at, std::string const& name,
+                                           std::string const& actual,
+                                           std::string const& expected ) {
+   std::ostringstream text;
+   text << "ACL " << at.aclKey.aclName() << " sequence " << at.sequence << " rule " << at.ruleNum
+        << " subrule " << at.subruleNum << " " << name << " is " << actual << ", expected "
+        << expected;
+   reportMismatch( text.str() );
+}
+
+void SimQosAclHelper::reportAclMismatch( Nev::QosClassData const& classData,
+                                         Nev::AclKey const& aclKey, std::string const& what ) {
+   std::ostringstream text;
+   text << "ACL " << aclKey.aclName() << " of class " << classKeyOf( classData ) << " " << what;
+   reportMismatch( text.str() );
 }
 
 TcamEntry const* SimQosAclHelper::ipEntry( Nev::QosClassData const& classData,
@@ -55,10 +78,8 @@ void SimQosAclHelper::checkField( FieldCheck const& at, std::string const& name,
    std::string const* const stored = entry->field( name );
    std::string const actual = stored ? *stored : absent;
    if( actual == expected ) return;
-   reportMismatch( "ACL " + textOf( at.aclKey.aclName() ) + " sequence " + textOf( at.sequence ) +
-                   " rule " + textOf( at.ruleNum ) + " subrule " + textOf( at.subruleNum ) + " " +
-                   name + " is " + ( actual.empty() ? "absent" : actual ) + ", expected " +
-                   ( expected.empty() ? "absent" : expected ) );
+   reportFieldMismatch( at, name, actual.empty() ? "absent" : actual,
+                        expected.empty() ? "absent" : expected );
 }
 
 void SimQosAclHelper::checkPorts( FieldCheck const& at, std::string const& name, std::uint16_t low,
@@ -68,9 +89,7 @@ void SimQosAclHelper::checkPorts( FieldCheck const& at, std::string const& name,
    Range const expected = valid ? Range{ low, high } : fullRange;
    Range const actual = rangeOfText( entry->field( name ) );
    if( actual == expected ) return;
-   reportMismatch( "ACL " + textOf( at.aclKey.aclName() ) + " sequence " + textOf( at.sequence ) +
-                   " rule " + textOf( at.ruleNum ) + " subrule " + textOf( at.subruleNum ) + " " +
-                   name + " is " + rangeText( actual ) + ", expected " + rangeText( expected ) );
+   reportFieldMismatch( at, name, rangeText( actual ), rangeText( expected ) );
 }
 
 // A verification query about one subrule. These are counted rather than listed: a list of ten
@@ -113,13 +132,11 @@ bool SimQosAclHelper::checkInstalled( Nev::QosClassData const& classData,
                                       Nev::AclKey const& aclKey ) {
    auto const acl = tcam_.acls().find( aclIdOf( classData, aclKey ) );
    if( acl == tcam_.acls().end() ) {
-      reportMismatch( "ACL " + textOf( aclKey.aclName() ) + " of class " + classKeyOf( classData ) +
-                      " is not in the TCAM" );
+      reportAclMismatch( classData, aclKey, "is not in the TCAM" );
       return false;
    }
    if( !acl->second.committed ) {
-      reportMismatch( "ACL " + textOf( aclKey.aclName() ) + " of class " + classKeyOf( classData ) +
-                      " is not committed" );
+      reportAclMismatch( classData, aclKey, "is not committed" );
       return false;
    }
    return true;
@@ -140,8 +157,8 @@ void SimQosAclHelper::checkPortsBound( Nev::QosClassData const& classData,
          out += ( out.empty() ? "" : " " ) + n;
       return out.empty() ? std::string( "none" ) : out;
    };
-   reportMismatch( "ACL " + textOf( aclKey.aclName() ) + " of class " + classKeyOf( classData ) +
-                   " is bound to " + list( actual ) + ", expected " + list( expected ) );
+   reportAclMismatch( classData, aclKey,
+                      "is bound to " + list( actual ) + ", expected " + list( expected ) );
 }
 
 void SimQosAclHelper::verifyAclGeneral( Nev::QosClassData const& classData,
@@ -197,8 +214,7 @@ void SimQosAclHelper::verifyIpRuleSrcIp( Nev::QosClassData const& classData,
                                          std::uint32_t sequence, std::uint32_t expectedAddr,
                                          std::uint32_t expectedMask, bool ) {
    auto const at = subruleQuery( classData, aclKey, ruleNum, subruleNum, sequence );
-   auto const len = static_cast< unsigned >( std::popcount( expectedMask ) );
-   checkField( at, "src", textOf( Mirel::IpAddrWithMask( expectedAddr, len ) ) );
+   checkField( at, "src", addressText( expectedAddr, expectedMask ) );
 }
 
 void SimQosAclHelper::verifyIpRuleDstIp( Nev::QosClassData const& classData,
@@ -207,8 +223,7 @@ void SimQosAclHelper::verifyIpRuleDstIp( Nev::QosClassData const& classData,
                                          std::uint32_t sequence, std::uint32_t expectedAddr,
                                          std::uint32_t expectedMask, bool ) {
    auto const at = subruleQuery( classData, aclKey, ruleNum, subruleNum, sequence );
-   auto const len = static_cast< unsigned >( std::popcount( expectedMask ) );
-   checkField( at, "dst", textOf( Mirel::IpAddrWithMask( expectedAddr, len ) ) );
+   checkField( at, "dst", addressText( expectedAddr, expectedMask ) );
 }
 
 void SimQosAclHelper::verifyIpRuleSrcIp6( Nev::QosClassData const& classData,
@@ -333,11 +348,11 @@ void SimQosAclHelper::checkRuleEntry( Nev::QosClassData const& classData, Nev::A
          if( e.kind == expected.kind && e.fields == expected.fields ) return;
       }
    }
-   std::string fields;
+   std::ostringstream what;
+   what << "has no " << expected.kind << " entry";
    for( auto const& [ name, value ] : expected.fields )
-      fields += " " + name + "=" + value;
-   reportMismatch( "ACL " + textOf( aclKey.aclName() ) + " of class " + classKeyOf( classData ) +
-                   " has no " + expected.kind + " entry" + fields );
+      what << " " << name << "=" << value;
+   reportAclMismatch( classData, aclKey, what.str() );
 }
 
 void SimQosAclHelper::verifyDefaultRule( Nev::QosPolicyMapState const&,

@@ -93,7 +93,7 @@ int main( int argc, char** argv ) {
                          "After the report, print what the chip holds for the policy maps of "
                          "TYPE (qos, control-plane, pdp), or of every type without one" )
                ->expected( 0, 1 )
-               ->check( CLI::IsMember( { "qos", "control-plane", "pdp" } ) )
+               ->check( CLI::IsMember( showTypes ) )
                ->excludes( jsonFlag );  // its lines would break the JSON document
    app.add_flag( "--brief", brief, "With --show: the headers only, no rules" );
    try {
