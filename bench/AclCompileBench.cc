@@ -15,8 +15,6 @@
 
 #include <array>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <map>
 #include <set>
 #include <string>
@@ -24,31 +22,24 @@
 #include <vector>
 
 #include "NevQos/classes/QosClassData.h"
-#include "NevQos/helpers/QosAclHelper.h"
-#include "NevQos/policy/QosAclSm.h"
+#include "bench/support/BenchAgent.h"
 #include "nev/AclFragMap.h"
 #include "nev/AclIpRuleCreateData.h"
 #include "sim/classbench/ClassBench.h"
-#include "zub/ActivityManager.h"
-#include "zub/Log.h"
 
 namespace {
 
+using Bench::Agent;
+using Bench::AgentOptions;
+using Bench::CountingChip;
+using Bench::Counts;
+using Bench::fail;
+using Bench::Mode;
+using Bench::modeName;
 using Rules = std::vector< Acl::IpRuleConfig >;
 using std::uint16_t;
 using std::uint32_t;
 using std::uint8_t;
-
-enum class Mode { accept, expand };
-
-char const* modeName( Mode mode ) {
-   return mode == Mode::accept ? "accept" : "expand";
-}
-
-[[noreturn]] void fail( std::string const& what ) {
-   std::fprintf( stderr, "AclCompileBench: %s\n", what.c_str() );
-   std::abort();
-}
 
 // Parsed once per set: the reader is not what is measured.
 Rules const& rulesOf( std::string const& set ) {
@@ -59,94 +50,6 @@ Rules const& rulesOf( std::string const& set ) {
    }
    return it->second;
 }
-
-// A port field that only a range checker matches: no mask, and not the whole port space.
-bool needsChecker( uint16_t mask, uint16_t low, uint16_t high ) {
-   return mask == 0 && !( low == 0 && high == 0xffff );
-}
-
-struct Counts {
-   std::uint64_t accepted = 0;  // subrules the chip took
-   std::uint64_t refused = 0;   // first attempts refused for want of a range checker
-   std::uint64_t fragments = 0;
-};
-
-// The chip: each operation the engine calls on the synchronous road, as a counter or a fixed
-// answer, so that the figure is the engine's own work. The overrides are explicit so that the
-// program does not lean on NEV_NOOP_AGENT.
-class CountingChip : public NevHelper::QosAclHelper {
- public:
-   CountingChip( Zub::Ptr< Qos::Status const > qosStatus,
-                 Zub::Ptr< Qos::AclSliceHwStatus > sliceHwStatus,
-                 Zub::Ptr< Acl::Config const > aclConfig, Mode mode )
-       : QosAclHelper( std::move( qosStatus ), std::move( sliceHwStatus ), std::move( aclConfig ) )
-       , mode_( mode ) {}
-
-   Counts counts;
-
-   Nev::AclCreateError createIpAclSubrule( Acl::AclType, Acl::RuleConfig const&,
-                                           Acl::UniqueId const&, Nev::QosPolicyMapState const&,
-                                           Nev::QosClassData const&, Nev::AclKey const&, uint32_t,
-                                           uint32_t, uint16_t, uint16_t srcMask, uint16_t,
-                                           uint16_t dstMask, uint16_t srcLow, uint16_t srcHigh,
-                                           uint16_t dstLow, uint16_t dstHigh, uint16_t, uint16_t,
-                                           uint16_t, uint16_t, uint8_t, bool, uint8_t,
-                                           uint8_t ) override {
-      if( mode_ == Mode::expand && ( needsChecker( srcMask, srcLow, srcHigh ) ||
-                                     needsChecker( dstMask, dstLow, dstHigh ) ) ) {
-         ++counts.refused;
-         return Nev::aclCreateErrorTooManyL4PortRanges;
-      }
-      ++counts.accepted;
-      return Nev::aclCreateErrorNone;
-   }
-   Nev::AclCreateError createIpFragRule( Nev::QosPolicyMapState const&, Nev::QosClassData const&,
-                                         Nev::AclKey const&, Acl::IpRuleConfig const&,
-                                         Acl::UniqueId const&, uint32_t, uint32_t, uint8_t,
-                                         uint8_t ) override {
-      ++counts.fragments;
-      return Nev::aclCreateErrorNone;
-   }
-   Nev::AclCreateError createDefaultRule( Nev::QosPolicyMapState const&, Nev::QosClassData const&,
-                                          Qos::ClassMapMatchOption, Nev::AclKey const& ) override {
-      return Nev::aclCreateErrorNone;
-   }
-   Nev::AclCreateError precreateAcl( Nev::QosPolicyMapState const&, Nev::QosClassData const&,
-                                     Qos::ClassMapMatchOption, Nev::AclKey const& ) override {
-      return Nev::aclCreateErrorNone;
-   }
-   Nev::AclCreateError commitAcl( Nev::QosClassData const&, Qos::ClassMapMatchOption,
-                                  Nev::AclKey const& ) override {
-      return Nev::aclCreateErrorNone;
-   }
-   void updatePortForAcl( Nev::QosPolicyMapState const&, Nev::QosClassData const&,
-                          Qos::ClassMapMatchOption, Nev::AclKey const&, Qos::IntfPairKey const&,
-                          bool ) override {}
-   void destroyAcl( Nev::QosPolicyMapState const&, Nev::QosClassData const&,
-                    Qos::ClassMapMatchOption, Nev::AclKey const& ) override {}
-   void cleanupAcl( Nev::QosPolicyMapState const&, Nev::QosClassData const&,
-                    Qos::ClassMapMatchOption, Nev::AclKey const& ) override {}
-   void prepareToCommit() override {}
-   void batchCommitAcls( Nev::QosPolicyMapState const& ) override {}
-   void batchCommitAclsIntf( Nev::QosPolicyMapState const&, Qos::IntfPairKey const&,
-                             bool ) override {}
-   Zub::Name aclGroup( Qos::IntfPairKey const&, Qos::ServicePolicyKey const& ) override {
-      return defaultAclGroup();
-   }
-   bool createSmForPMap( Nev::QosPolicyMapState const& ) override { return true; }
-   bool managedPrioritySupported( Qos::MapType ) override { return false; }
-   bool isMacAclRuleSupportedPlatform() override { return false; }
-   bool delaySviPmapSmCreation() override { return false; }
-   void cleanupForPMap( Nev::QosPolicyMapKey const& ) override {}
-   void hwInit() override {}
-   void handleRoutedPortSubIntfAclSharing() override {}
-   void updatePolicer( Zub::Name const& ) override {}
-   void createAndAttachCounter( Nev::QosClassData const& ) override {}
-   void destroyCounter( Nev::QosClassData const& ) override {}
-
- private:
-   Mode const mode_;
-};
 
 // True when low..high is one aligned value/mask block: a size that is a power of two, and a low
 // end on a multiple of it.
@@ -183,10 +86,6 @@ Counts expectedCounts( Rules const& rules, Mode mode ) {
    return c;
 }
 
-bool operator==( Counts const& a, Counts const& b ) {
-   return a.accepted == b.accepted && a.refused == b.refused && a.fragments == b.fragments;
-}
-
 std::string textOf( Counts const& c ) {
    return std::to_string( c.accepted ) + " subrules accepted, " + std::to_string( c.refused ) +
           " refused, " + std::to_string( c.fragments ) + " fragment entries";
@@ -194,7 +93,10 @@ std::string textOf( Counts const& c ) {
 
 // Aborts unless a compile reached the expected entries.
 void checkCounts( char const* who, Counts const& got, Counts const& want, Mode mode ) {
-   if( got == want ) return;
+   if( got.accepted == want.accepted && got.refused == want.refused &&
+       got.fragments == want.fragments ) {
+      return;
+   }
    fail( std::string( who ) + " in " + modeName( mode ) + " mode: " + textOf( got ) +
          "; expected " + textOf( want ) );
 }
@@ -222,152 +124,71 @@ void countersIs( benchmark::State& state, std::size_t rules, Counts const& compi
 
 constexpr char const* aclName = "acl1";
 
-// An agent in miniature, built as the engine's own tests build theirs: every input entity, the
-// chip, a simulated-time loop, the engine started, and "gold" published without its service
-// policy.
-class Agent {
+// "gold": class c1 matching the whole list, and class-default; its service policy on Ethernet1
+// is what compiles it.
+class Gold {
  public:
-   Agent( Rules const& rules, Mode mode );
-   ~Agent();
-
+   Gold( Rules const& rules, Mode mode ) : agent_( AgentOptions{ .mode = mode } ) {
+      agent_.ipAclIs( aclName, rules );
+      agent_.classMapIs( "c1" )
+            ->matchIs( Qos::matchOptionIpAcl )
+            ->strValueIs( Zub::String( aclName ) );
+      agent_.classIs( "gold", "c1" );
+      agent_.classDefaultIs( "gold" );
+   }
    // The service policy of "gold" on Ethernet1: the engine compiles the map in the setters.
-   void apply() { qosStatus_->servicePolicyStatusIs( spKey() )->intfIdsIs( ethernet1(), true ); }
+   void apply() { agent_.intfIs( "gold", Agent::ethernet( 1 ), true ); }
    // Deletes the service policy, and the compile with it.
-   void unapply() { qosStatus_->servicePolicyStatusDel( spKey() ); }
-   // Lets the loop serve what the last step scheduled (status, verification).
-   void settle() { loop_->runUntil( loop_->now() + 10.0 ); }
-   CountingChip& chip() { return *chip_; }
-   // Aborts on any system log line, or unless "gold" is reported programmed: a clean compile
-   // writes no log and succeeds.
-   void checkClean() const;
+   void unapply() { agent_.servicePolicyDel( "gold" ); }
+   Agent& agent() { return agent_; }
 
  private:
-   static Qos::ServicePolicyKey spKey() {
-      return Qos::ServicePolicyKey( Qos::mapQos_, Qos::directionInput_, Zub::Name( "gold" ) );
-   }
-   static Qos::IntfPairKey ethernet1() {
-      return Qos::IntfPairKey( Mirel::IntfId( "Ethernet1" ), Mirel::IntfId() );
-   }
-   void inputsIs();
-   void goldIs( Rules const& rules );
-
-   Zub::Ptr< Zub::ActivityManager > loop_;
-   Zub::Ptr< Nev::NevCommonSmData > ncsd_;
-   Zub::Ptr< Qos::CounterConfig > cliCounterConfig_;
-   Zub::Ptr< Zub::Dir > counterConfigDir_;
-   Zub::Ptr< Qos::Status > qosStatus_;
-   Zub::Ptr< Qos::HwStatus > qosHwStatus_;
-   Zub::Ptr< Zub::Dir > qosSliceHwStatusDir_;
-   Zub::Ptr< Qos::AclHwStatus > qosAclHwStatus_;
-   Zub::Ptr< Qos::AclSliceHwStatus > qosAclSliceHwStatus_;
-   Zub::Ptr< Interface::SubIntfStatusDir > subIntfStatusDir_;
-   Zub::Ptr< Qos::Input::Config > pdpHwCfg_;
-   Zub::Ptr< HwEpoch::Status > hwEpochStatus_;
-   Zub::Ptr< Acl::Config > mainAclConfig_;
-   Zub::Ptr< CountingChip > chip_;
-   Zub::Ptr< Nev::QosAclSm > sm_;
-   std::vector< std::string > logs_;
+   Agent agent_;
 };
-
-Agent::Agent( Rules const& rules, Mode mode ) {
-   loop_ = Zub::ActivityManager::create( Zub::ActivityManager::TimeSource::simulated, 100.0 );
-   Zub::activityManagerIs( loop_ );
-   Zub::logSinkIs( [ this ]( Zub::LogRecord const& r ) {
-      logs_.push_back( r.handle->name().stdString() + ": " + r.text.stdString() );
-   } );
-   inputsIs();
-   chip_ = Zub::make< CountingChip >( qosStatus_, qosAclSliceHwStatus_, mainAclConfig_, mode );
-   chip_->asyncTcamOperationsSupportedIs( false );
-   sm_ = Nev::QosAclSmIs( ncsd_, cliCounterConfig_, counterConfigDir_, qosStatus_, qosHwStatus_,
-                          qosSliceHwStatusDir_, qosAclHwStatus_, qosAclSliceHwStatus_,
-                          subIntfStatusDir_, pdpHwCfg_, hwEpochStatus_, mainAclConfig_, chip_,
-                          Zub::make< Kesh::TimerWheel >(), nullptr, nullptr, nullptr );
-   loop_->runOnce();
-   if( !sm_->initialized() ) fail( "the engine did not start" );
-   goldIs( rules );
-}
-
-Agent::~Agent() {
-   sm_->zubDoZombieReactors( true );
-   sm_ = nullptr;
-   Zub::logSinkIs( nullptr );
-   Zub::activityManagerIs( nullptr );
-}
-
-void Agent::inputsIs() {
-   ncsd_ = Zub::make< Nev::NevCommonSmData >( Zub::Name( "ncsd" ) );
-   ncsd_->verifyDataIs( Zub::make< Nev::VerifyData >( Zub::Name( "verify" ) ) );
-   ncsd_->intfIs( Mirel::IntfId( "Ethernet1" ), true );
-   ncsd_->intfsReadyIs( true );
-   cliCounterConfig_ = Zub::make< Qos::CounterConfig >( Zub::Name( "cli" ) );
-   counterConfigDir_ = Zub::make< Zub::Dir >( Zub::Name( "counterConfig" ) );
-   qosStatus_ = Zub::make< Qos::Status >( Zub::Name( "qos" ) );
-   qosHwStatus_ = Zub::make< Qos::HwStatus >( Zub::Name( "hw" ) );
-   qosSliceHwStatusDir_ = Zub::make< Zub::Dir >( Zub::Name( "slice" ) );
-   auto slice = Zub::make< Qos::SliceHwStatus >( Zub::Name( "FixedSystem" ) );
-   slice->maxClassesPerPolicyMapIs( 16 );
-   qosSliceHwStatusDir_->entityPtrIs( Zub::Name( "FixedSystem" ), slice );
-   qosAclHwStatus_ = Zub::make< Qos::AclHwStatus >( Zub::Name( "aclHw" ) );
-   qosAclHwStatus_->policyQosSupportedIs( true );
-   qosAclHwStatus_->policyClassMaxPrioIs( 100 );
-   qosAclSliceHwStatus_ = Zub::make< Qos::AclSliceHwStatus >( Zub::Name( "aclSlice" ) );
-   subIntfStatusDir_ = Zub::make< Interface::SubIntfStatusDir >( Zub::Name( "subIntf" ) );
-   pdpHwCfg_ = Zub::make< Qos::Input::Config >( Zub::Name( "pdp" ) );
-   hwEpochStatus_ = Zub::make< HwEpoch::Status >( Zub::Name( "epoch" ) );
-   mainAclConfig_ = Zub::make< Acl::Config >( Zub::Name( "acl" ) );
-}
-
-// The list, class map c1 matching it, class c1 and class-default in "gold".
-void Agent::goldIs( Rules const& rules ) {
-   mainAclConfig_->configIs( Acl::ip() )
-         ->aclIs( Zub::Name( aclName ) )
-         ->currCfgIs( Sim::aclRuleSetOf( rules, 1 ) );
-   auto cmaps = qosStatus_->cmapTypeIs( Qos::mapQos_ );
-   cmaps->cmapIs( Zub::Name( "c1" ) )
-         ->matchIs( Qos::matchOptionIpAcl )
-         ->strValueIs( Zub::String( aclName ) );
-   auto pmap = qosStatus_->pmapTypeIs( Qos::mapQos_ )->pmapIs( Zub::Name( "gold" ) );
-   pmap->classPrioIs( 1, Qos::ClassPriority( Zub::Name( "c1" ) ) );
-   pmap->classActionIs( Zub::Name( "c1" ) );
-   // The default class has one match of no kind: it catches what c1 leaves.
-   auto classDefault = cmaps->cmapIs( Zub::Name( "class-default" ) );
-   classDefault->matchIs( Qos::matchOptionNone )->strValueIs( Zub::String( "" ) );
-   pmap->classDefaultIs( classDefault );
-   pmap->classActionDefaultIs( Zub::make< Qos::ClassAction >( Zub::Name( "class-default" ) ) );
-}
-
-void Agent::checkClean() const {
-   if( !logs_.empty() ) fail( "the compile logged: " + logs_.front() );
-   auto const type = qosAclSliceHwStatus_->pmapType( Qos::mapQos_ );
-   auto const gold =
-         type ? type->pmap( Qos::PolicyMapHwStatusKey( Qos::directionInput_, Zub::Name( "gold" ) ) )
-              : nullptr;
-   if( !gold || gold->prgmStatus() != Qos::hwPrgmStatusSuccess_ ) {
-      fail( "the engine did not report \"gold\" programmed" );
-   }
-}
 
 void engineCompile( benchmark::State& state, std::string const& set, Mode mode ) {
    Rules const& rules = rulesOf( set );
    Counts const want = expectedCounts( rules, mode );
-   Agent agent( rules, mode );
+   Gold gold( rules, mode );
+   Agent& agent = gold.agent();
    // One compile outside the timing shows that an iteration compiles every rule.
-   agent.apply();
+   gold.apply();
    agent.settle();
    checkCounts( "the engine", agent.chip().counts, want, mode );
-   agent.checkClean();
-   agent.unapply();
+   agent.checkProgrammed( "gold" );
+   gold.unapply();
    agent.settle();
    agent.chip().counts = Counts();
    for( auto _ : state ) {
-      agent.apply();
+      gold.apply();
       state.PauseTiming();
       agent.settle();
-      agent.unapply();
+      gold.unapply();
       agent.settle();
       state.ResumeTiming();
    }
    checkIterations( "the engine's timed iterations", state, agent.chip().counts, want, mode );
+   countersIs( state, rules.size(), want );
+}
+
+// A new version of "gold" while it is applied: the engine tears the compile down and makes it
+// again, inside the setters. Its baseline is the first compile of the same list.
+void engineRecompile( benchmark::State& state, std::string const& set, Mode mode ) {
+   Rules const& rules = rulesOf( set );
+   Counts const want = expectedCounts( rules, mode );
+   Gold gold( rules, mode );
+   Agent& agent = gold.agent();
+   gold.apply();
+   agent.settle();
+   agent.chip().counts = Counts();
+   for( auto _ : state ) {
+      agent.newVersionIs( "gold" );
+      state.PauseTiming();
+      agent.settle();
+      state.ResumeTiming();
+   }
+   checkIterations( "the engine's recompiles", state, agent.chip().counts, want, mode );
+   agent.checkProgrammed( "gold" );
    countersIs( state, rules.size(), want );
 }
 
@@ -519,9 +340,10 @@ void BareCompiler::fragments( Acl::IpRuleConfig const& rule, Acl::UniqueId id, u
 void engineCompileBaseline( benchmark::State& state, std::string const& set, Mode mode ) {
    Rules const& rules = rulesOf( set );
    Counts const want = expectedCounts( rules, mode );
-   auto chip = Zub::make< CountingChip >( Zub::make< Qos::Status >( Zub::Name( "qos" ) ),
-                                          Zub::make< Qos::AclSliceHwStatus >( Zub::Name( "s" ) ),
-                                          Zub::make< Acl::Config >( Zub::Name( "acl" ) ), mode );
+   auto chip =
+         Zub::make< CountingChip >( Zub::make< Qos::Status >( Zub::Name( "qos" ) ),
+                                    Zub::make< Qos::AclSliceHwStatus >( Zub::Name( "s" ) ),
+                                    Zub::make< Acl::Config >( Zub::Name( "acl" ) ), mode, false );
    Nev::QosPolicyMapKey const pmapKey( Zub::Name( "gold" ), Qos::mapQos_, Qos::directionInput_,
                                        NevHelper::QosAclHelper::defaultAclGroup() );
    auto const pmapState = chip->pmapStateIs( pmapKey );
@@ -557,6 +379,12 @@ bool const registered = [] {
                ->Unit( benchmark::kMillisecond );
       }
    }
+   benchmark::RegisterBenchmark( "BM_EngineRecompile/acl1_10k/accept", engineRecompile,
+                                 std::string( "acl1_10k" ), Mode::accept )
+         ->Unit( benchmark::kMillisecond );
+   benchmark::RegisterBenchmark( "BM_EngineRecompileBaseline/acl1_10k/accept", engineCompile,
+                                 std::string( "acl1_10k" ), Mode::accept )
+         ->Unit( benchmark::kMillisecond );
    return true;
 }();
 
