@@ -49,7 +49,7 @@ using BuiltInClassMatch = Qos::ClassMapMatchBuiltIn;
 class QosClassData : public Zub::Entity {
  public:
    using Key = QosClassDataKey;
-   explicit QosClassData( Key const& key ) : Zub::Entity( Zub::entityNameOf( key ) ), key_( key ) {}
+   explicit QosClassData( Key const& key ) : key_( key ), createdAs_( key ) {}
    Key const& key() const { return key_; }
    // The per-copy machines rename the policer in the key once they know their copy's name.
    void keyIs( Key const& key ) { key_ = key; }
@@ -63,8 +63,13 @@ class QosClassData : public Zub::Entity {
    void policerDataDel() { policerDataIs( Zub::Ptr< QosPolicerData >() ); }
    ZUB_ENTITY_BODY( QosClassData, Zub::Entity, NEV_QOS_CLASS_DATA_ATTRS )
 
+ protected:
+   // Named after the key it was created under, whatever keyIs did since.
+   Zub::String nameFromKey() const override { return Zub::entityNameOf( createdAs_ ); }
+
  private:
    Key key_;
+   Key const createdAs_;
 };
 
 }  // namespace Nev

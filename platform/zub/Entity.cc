@@ -3,8 +3,8 @@
 namespace Zub {
 
 String Entity::fullName() const {
-   if( !parent_ ) return name_;
-   return parent_->fullName() + "/" + parentAttrName_.str() + "/" + name_;
+   if( !parent_ ) return name();
+   return parent_->fullName() + "/" + parentAttrName_.str() + "/" + name();
 }
 
 }  // namespace Zub

@@ -51,10 +51,16 @@ class Entity : public Notifier {
       static constexpr std::uint8_t zubDepth = 0;
    };
 
-   explicit Entity( String const& name ) : name_( name ) {}
+   explicit Entity( String const& name ) : name_( name ), named_( true ) {}
    FwkType fwkType() const override { return FwkType::entity; }
 
-   String const& name() const { return name_; }
+   String const& name() const {
+      if( !named_ ) {
+         name_ = nameFromKey();
+         named_ = true;
+      }
+      return name_;
+   }
    // The path from the root: the parent's full name, "/", this name.
    String fullName() const;
    // A back pointer, valid while the parent lives; null for a root.
@@ -65,8 +71,15 @@ class Entity : public Notifier {
       parentAttrName_ = attrName;
    }
 
+ protected:
+   // An entity named after its key: the name is built when first asked for, since most
+   // entities are never asked and the text of a composite key is long.
+   Entity() = default;
+   virtual String nameFromKey() const { return String(); }
+
  private:
-   String name_;
+   mutable String name_;
+   mutable bool named_ = false;
    Entity const* parent_ = nullptr;
    Name parentAttrName_;
 };
@@ -238,17 +251,19 @@ String entityNameOf( K const& key ) {
                                                                              \
  public:
 
-#define ZUB_ENTITY( Class, KeyType, ATTRS )                                \
-   class Class : public ::Zub::Entity {                                    \
-    public:                                                                \
-      using Key = KeyType;                                                 \
-      explicit Class( Key const& key )                                     \
-          : ::Zub::Entity( ::Zub::entityNameOf( key ) ), zubKey_( key ) {} \
-      Key const& key() const { return zubKey_; }                           \
-                                                                           \
-    private:                                                               \
-      Key zubKey_;                                                         \
-      ZUB_ENTITY_BODY( Class, ::Zub::Entity, ATTRS )                       \
+#define ZUB_ENTITY( Class, KeyType, ATTRS )                                                 \
+   class Class : public ::Zub::Entity {                                                     \
+    public:                                                                                 \
+      using Key = KeyType;                                                                  \
+      explicit Class( Key const& key ) : zubKey_( key ) {}                                  \
+      Key const& key() const { return zubKey_; }                                            \
+                                                                                            \
+    protected:                                                                              \
+      ::Zub::String nameFromKey() const override { return ::Zub::entityNameOf( zubKey_ ); } \
+                                                                                            \
+    private:                                                                                \
+      Key zubKey_;                                                                          \
+      ZUB_ENTITY_BODY( Class, ::Zub::Entity, ATTRS )                                        \
    }
 
 namespace Zub {
