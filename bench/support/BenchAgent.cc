@@ -12,6 +12,35 @@ void fail( std::string const& what ) {
    std::abort();
 }
 
+void vlanMatchIs( Qos::ClassMapStatus& cmap, std::uint16_t vlan ) {
+   auto value = Zub::make< Qos::ClassMapMatchVlan >( 0, 0 );
+   value->vlanCollIs( Qos::VlanRange( vlan, vlan ), true );
+   cmap.matchIs( Qos::matchOptionVlan )->vlanValueIs( value );
+}
+
+void cosMatchIs( Qos::ClassMapStatus& cmap, std::uint8_t cos ) {
+   auto value = Zub::make< Qos::ClassMapMatchCos >( Zub::String( "cos" ) );
+   value->cosCollIs( Qos::CosRange( cos, cos ), true );
+   cmap.matchIs( Qos::matchOptionCos )->cosValueIs( value );
+}
+
+void dscpMatchIs( Qos::ClassMapStatus& cmap, unsigned dscp ) {
+   auto value = Zub::make< Qos::ClassMapMatchDscpEcn >( Qos::DscpVal( dscp ), Acl::ecnDontCare );
+   cmap.matchIs( Qos::matchOptionDscpEcn )->dscpEcnValueIs( value );
+}
+
+void aclMatchIs( Qos::ClassMapStatus& cmap, std::string const& acl ) {
+   cmap.matchIs( Qos::matchOptionIpAcl )->strValueIs( Zub::String( acl ) );
+}
+
+Zub::Ptr< Qos::PolicerConfig > policerOf( std::string const& name ) {
+   auto policer = Zub::make< Qos::PolicerConfig >( Zub::Name( name ) );
+   policer->cirIs( 1000 );
+   policer->bcIs( 10000 );
+   policer->redActionIs( Qos::actionDrop_ );
+   return policer;
+}
+
 Agent::Agent( AgentOptions const& options ) {
    using Source = Zub::ActivityManager::TimeSource;
    loop_ =
@@ -125,7 +154,11 @@ void Agent::newVersionIs( std::string const& pmap ) {
 }
 
 void Agent::counterRequestIs() {
-   cliCounterConfig_->pmapCounterUpdateRequestTimeIs( loop_->now() );
+   if( !counterClient_ ) {
+      counterClient_ = Zub::make< Qos::CounterConfig >( Zub::Name( "bench" ) );
+      counterConfigDir_->entityPtrIs( Zub::Name( "bench" ), counterClient_ );
+   }
+   counterClient_->pmapCounterUpdateRequestTimeIs( loop_->now() );
 }
 
 void Agent::checkNoLog() const {

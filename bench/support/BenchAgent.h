@@ -27,6 +27,14 @@ struct AgentOptions {
    unsigned maxClassesPerPolicyMap = 16;
 };
 
+// Matches of a class map on one VLAN, one COS, one DSCP, or an IP access list by name.
+void vlanMatchIs( Qos::ClassMapStatus& cmap, std::uint16_t vlan );
+void cosMatchIs( Qos::ClassMapStatus& cmap, std::uint8_t cos );
+void dscpMatchIs( Qos::ClassMapStatus& cmap, unsigned dscp );
+void aclMatchIs( Qos::ClassMapStatus& cmap, std::string const& acl );
+// A single-rate policer of 1000 kbps and 10000 bytes that drops what violates.
+Zub::Ptr< Qos::PolicerConfig > policerOf( std::string const& name );
+
 class Agent {
  public:
    explicit Agent( AgentOptions const& options );
@@ -52,7 +60,7 @@ class Agent {
    void servicePolicyDel( std::string const& pmap );
    // A new version of the policy map: the engine recompiles it.
    void newVersionIs( std::string const& pmap );
-   // A counter request from the command line, at the loop's time.
+   // A counter request of a client, at the loop's time.
    void counterRequestIs();
 
    // ---- Running
@@ -74,6 +82,7 @@ class Agent {
    Zub::Ptr< Nev::NevCommonSmData > ncsd_;
    Zub::Ptr< Qos::CounterConfig > cliCounterConfig_;
    Zub::Ptr< Zub::Dir > counterConfigDir_;
+   Zub::Ptr< Qos::CounterConfig > counterClient_;
    Zub::Ptr< Qos::Status > qosStatus_;
    Zub::Ptr< Qos::HwStatus > qosHwStatus_;
    Zub::Ptr< Zub::Dir > qosSliceHwStatusDir_;

@@ -1,0 +1,121 @@
+// Interface churn: one policy map of 64 classes (access lists, VLANs, DSCPs and class-default,
+// each class with a policer of its own on every interface) applied to N interfaces one at a
+// time, the loop settling after each, then removed from them one at a time. An item is one
+// interface joining or leaving; the report compares the cost of an item at 1024 interfaces with
+// its cost at 16, which shows a walk over the interfaces hidden in each step.
+//
+// The whole churn at 16 interfaces runs again and again over the same few megabytes, which stay
+// in the caches; at 1024 each pass touches hundreds. So the second benchmark takes the marginal
+// cost: with N - 1 interfaces applied, the Nth joins and leaves. A walk over the interfaces
+// would show there as well, and the caches play a smaller part.
+#include <benchmark/benchmark.h>
+
+#include <string>
+#include <vector>
+
+#include "bench/support/BenchAgent.h"
+#include "sim/classbench/ClassBench.h"
+
+namespace {
+
+using Bench::Agent;
+using Bench::AgentOptions;
+
+constexpr unsigned operatorClasses = 63;  // and class-default
+constexpr unsigned rulesPerAcl = 4;
+
+// "c7" and the like, built by appending: GCC's optimiser misreads `"c" + std::to_string( i )`.
+std::string named( char const* prefix, unsigned i ) {
+   std::string name( prefix );
+   name.append( std::to_string( i ) );
+   return name;
+}
+
+// Class i matches access list i, VLAN 100 + i or DSCP i mod 64 by turns, and polices.
+void churnMapIs( Agent& agent ) {
+   static std::vector< Acl::IpRuleConfig > const rules =
+         Sim::readClassBench( NEVQOS_CLASSBENCH_DIR "/acl1_10k" );
+   for( unsigned i = 0; i < operatorClasses; ++i ) {
+      std::string const name = named( "c", i );
+      auto cmap = agent.classMapIs( name );
+      switch( i % 3 ) {
+         case 0: {
+            std::string const acl = named( "acl", i );
+            auto const first = rules.begin() + i * rulesPerAcl;
+            agent.ipAclIs( acl, { first, first + rulesPerAcl } );
+            Bench::aclMatchIs( *cmap, acl );
+            break;
+         }
+         case 1:
+            Bench::vlanMatchIs( *cmap, static_cast< std::uint16_t >( 100 + i ) );
+            break;
+         default:
+            Bench::dscpMatchIs( *cmap, i % 64 );
+            break;
+      }
+      agent.classIs( "churn", name )->policerIs( Bench::policerOf( named( "p", i ) ) );
+   }
+   agent.classDefaultIs( "churn" );
+}
+
+void BM_InterfaceChurn( benchmark::State& state ) {
+   auto const n = static_cast< unsigned >( state.range( 0 ) );
+   Agent agent( AgentOptions{ .interfaces = n, .maxClassesPerPolicyMap = 128 } );
+   churnMapIs( agent );
+   std::uint64_t policersAtFull = 0;
+   for( auto _ : state ) {
+      for( unsigned i = 1; i <= n; ++i ) {
+         agent.intfIs( "churn", Agent::ethernet( i ), true );
+         agent.settle();
+      }
+      state.PauseTiming();
+      agent.checkProgrammed( "churn" );
+      policersAtFull = agent.chip().counts.policers;
+      state.ResumeTiming();
+      for( unsigned i = 1; i <= n; ++i ) {
+         agent.intfIs( "churn", Agent::ethernet( i ), false );
+         agent.settle();
+      }
+   }
+   agent.checkNoLog();
+   if( policersAtFull != n * operatorClasses ) {
+      Bench::fail( named( "churn: wrong policer count on interfaces: ", n ) );
+   }
+   if( agent.chip().counts.policers != 0 ) Bench::fail( "churn: policers left behind" );
+   state.SetItemsProcessed( static_cast< std::int64_t >( state.iterations() * 2 * n ) );
+   state.counters[ "interfaces" ] = n;
+}
+BENCHMARK( BM_InterfaceChurn )
+      ->Arg( 1 )
+      ->Arg( 16 )
+      ->Arg( 128 )
+      ->Arg( 1024 )
+      ->Unit( benchmark::kMillisecond );
+
+void BM_InterfaceChurnMarginal( benchmark::State& state ) {
+   auto const n = static_cast< unsigned >( state.range( 0 ) );
+   Agent agent( AgentOptions{ .interfaces = n, .maxClassesPerPolicyMap = 128 } );
+   churnMapIs( agent );
+   for( unsigned i = 1; i < n; ++i )
+      agent.intfIs( "churn", Agent::ethernet( i ), true );
+   agent.settle();
+   for( auto _ : state ) {
+      agent.intfIs( "churn", Agent::ethernet( n ), true );
+      agent.settle();
+      agent.intfIs( "churn", Agent::ethernet( n ), false );
+      agent.settle();
+   }
+   agent.checkProgrammed( "churn" );
+   if( agent.chip().counts.policers != ( n - 1 ) * operatorClasses ) {
+      Bench::fail( named( "churn: wrong policer count on interfaces: ", n - 1 ) );
+   }
+   state.SetItemsProcessed( static_cast< std::int64_t >( state.iterations() * 2 ) );
+}
+BENCHMARK( BM_InterfaceChurnMarginal )
+      ->Arg( 1 )
+      ->Arg( 16 )
+      ->Arg( 128 )
+      ->Arg( 1024 )
+      ->Unit( benchmark::kMicrosecond );
+
+}  // namespace
