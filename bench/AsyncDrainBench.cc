@@ -28,21 +28,15 @@ constexpr unsigned interfaces = 1000;
 constexpr unsigned rulesPerAcl = 4;
 constexpr double passBudget = 1.0;  // seconds
 
-std::string named( char const* prefix, unsigned i ) {
-   std::string name( prefix );
-   name.append( std::to_string( i ) );
-   return name;
-}
-
 void drainMapIs( Agent& agent ) {
    static std::vector< Acl::IpRuleConfig > const rules =
          Sim::readClassBench( NEVQOS_CLASSBENCH_DIR "/acl1_10k" );
    for( unsigned i = 0; i < classes; ++i ) {
-      std::string const acl = named( "acl", i );
+      std::string const acl = Bench::named( "acl", i );
       auto const first = rules.begin() + i * rulesPerAcl;
       agent.ipAclIs( acl, { first, first + rulesPerAcl } );
-      Bench::aclMatchIs( *agent.classMapIs( named( "c", i ) ), acl );
-      agent.classIs( "drain", named( "c", i ) );
+      Bench::aclMatchIs( *agent.classMapIs( Bench::named( "c", i ) ), acl );
+      agent.classIs( "drain", Bench::named( "c", i ) );
    }
    agent.classDefaultIs( "drain" );
 }

@@ -20,24 +20,18 @@ using Bench::AgentOptions;
 constexpr unsigned classes = 1024;
 constexpr unsigned matchesPerClass = 4;
 
-std::string named( char const* prefix, unsigned i ) {
-   std::string name( prefix );
-   name.append( std::to_string( i ) );
-   return name;
-}
-
 void countedMapIs( Agent& agent ) {
    static std::vector< Acl::IpRuleConfig > const rules =
          Sim::readClassBench( NEVQOS_CLASSBENCH_DIR "/acl1_10k" );
    for( unsigned i = 0; i < classes; ++i ) {
-      auto cmap = agent.classMapIs( named( "c", i ) );
-      std::string const acl = named( "acl", i );
+      auto cmap = agent.classMapIs( Bench::named( "c", i ) );
+      std::string const acl = Bench::named( "acl", i );
       agent.ipAclIs( acl, { rules[ i ] } );
       Bench::aclMatchIs( *cmap, acl );
       Bench::vlanMatchIs( *cmap, static_cast< std::uint16_t >( 1 + i ) );
       Bench::cosMatchIs( *cmap, static_cast< std::uint8_t >( i % 8 ) );
       Bench::dscpMatchIs( *cmap, i % 64 );
-      agent.classIs( "counted", named( "c", i ) )->countIs( true );
+      agent.classIs( "counted", Bench::named( "c", i ) )->countIs( true );
    }
 }
 
@@ -55,8 +49,8 @@ void BM_CounterRequest( benchmark::State& state ) {
    }
    auto const reads = agent.chip().counts.counterQueries;
    if( reads != static_cast< std::uint64_t >( state.iterations() ) * classes * matchesPerClass ) {
-      Bench::fail( named( "counters: chip reads per request were not 4 per class: ",
-                          static_cast< unsigned >( reads / state.iterations() ) ) );
+      Bench::fail( Bench::named( "counters: chip reads per request were not 4 per class: ",
+                                 static_cast< unsigned >( reads / state.iterations() ) ) );
    }
    agent.checkNoLog();
    state.counters[ "classes_per_second" ] = benchmark::Counter(
@@ -75,9 +69,10 @@ void BM_CounterRequestBaseline( benchmark::State& state ) {
    std::vector< Nev::AclKey > aclKeys;
    for( unsigned i = 0; i < classes; ++i ) {
       classData.push_back( Zub::make< Nev::QosClassData >(
-            Nev::QosClassDataKey( pmapKey, Zub::Name( named( "c", i ) ), Qos::mapQos_ ) ) );
+            Nev::QosClassDataKey( pmapKey, Zub::Name( Bench::named( "c", i ) ), Qos::mapQos_ ) ) );
       for( unsigned m = 0; m < matchesPerClass; ++m )
-         aclKeys.emplace_back( Zub::Name( named( "acl", i * matchesPerClass + m ) ), Acl::ip() );
+         aclKeys.emplace_back( Zub::Name( Bench::named( "acl", i * matchesPerClass + m ) ),
+                               Acl::ip() );
    }
    NevHelper::QosAclHelper* sink = chip.ptr();
    benchmark::DoNotOptimize( sink );

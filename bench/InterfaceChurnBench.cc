@@ -24,23 +24,16 @@ using Bench::AgentOptions;
 constexpr unsigned operatorClasses = 63;  // and class-default
 constexpr unsigned rulesPerAcl = 4;
 
-// "c7" and the like, built by appending: GCC's optimiser misreads `"c" + std::to_string( i )`.
-std::string named( char const* prefix, unsigned i ) {
-   std::string name( prefix );
-   name.append( std::to_string( i ) );
-   return name;
-}
-
 // Class i matches access list i, VLAN 100 + i or DSCP i mod 64 by turns, and polices.
 void churnMapIs( Agent& agent ) {
    static std::vector< Acl::IpRuleConfig > const rules =
          Sim::readClassBench( NEVQOS_CLASSBENCH_DIR "/acl1_10k" );
    for( unsigned i = 0; i < operatorClasses; ++i ) {
-      std::string const name = named( "c", i );
+      std::string const name = Bench::named( "c", i );
       auto cmap = agent.classMapIs( name );
       switch( i % 3 ) {
          case 0: {
-            std::string const acl = named( "acl", i );
+            std::string const acl = Bench::named( "acl", i );
             auto const first = rules.begin() + i * rulesPerAcl;
             agent.ipAclIs( acl, { first, first + rulesPerAcl } );
             Bench::aclMatchIs( *cmap, acl );
@@ -53,7 +46,7 @@ void churnMapIs( Agent& agent ) {
             Bench::dscpMatchIs( *cmap, i % 64 );
             break;
       }
-      agent.classIs( "churn", name )->policerIs( Bench::policerOf( named( "p", i ) ) );
+      agent.classIs( "churn", name )->policerIs( Bench::policerOf( Bench::named( "p", i ) ) );
    }
    agent.classDefaultIs( "churn" );
 }
@@ -85,7 +78,7 @@ void BM_InterfaceChurn( benchmark::State& state ) {
       churn( true );
    agent.checkNoLog();
    if( policersAtFull != n * operatorClasses ) {
-      Bench::fail( named( "churn: wrong policer count on interfaces: ", n ) );
+      Bench::fail( Bench::named( "churn: wrong policer count on interfaces: ", n ) );
    }
    if( agent.chip().counts.policers != 0 ) Bench::fail( "churn: policers left behind" );
    state.SetItemsProcessed( static_cast< std::int64_t >( state.iterations() * 2 * n ) );
@@ -113,7 +106,7 @@ void BM_InterfaceChurnMarginal( benchmark::State& state ) {
    }
    agent.checkProgrammed( "churn" );
    if( agent.chip().counts.policers != ( n - 1 ) * operatorClasses ) {
-      Bench::fail( named( "churn: wrong policer count on interfaces: ", n - 1 ) );
+      Bench::fail( Bench::named( "churn: wrong policer count on interfaces: ", n - 1 ) );
    }
    state.SetItemsProcessed( static_cast< std::int64_t >( state.iterations() * 2 ) );
 }

@@ -66,8 +66,7 @@ void BM_ClassMemory( benchmark::State& state ) {
    for( auto _ : state ) {
       Bench::Agent agent( Bench::AgentOptions{ .maxClassesPerPolicyMap = classes + 16 } );
       for( unsigned i = 0; i < classes; ++i ) {
-         std::string name( "c" );
-         name.append( std::to_string( i ) );
+         std::string const name = Bench::named( "c", i );
          Bench::dscpMatchIs( *agent.classMapIs( name ), i % 64 );
          agent.classIs( "wide", name );
       }

@@ -12,6 +12,12 @@ void fail( std::string const& what ) {
    std::abort();
 }
 
+std::string named( char const* prefix, unsigned i ) {
+   std::string name( prefix );
+   name.append( std::to_string( i ) );
+   return name;
+}
+
 void vlanMatchIs( Qos::ClassMapStatus& cmap, std::uint16_t vlan ) {
    auto value = Zub::make< Qos::ClassMapMatchVlan >( 0, 0 );
    value->vlanCollIs( Qos::VlanRange( vlan, vlan ), true );

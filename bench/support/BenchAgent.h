@@ -27,6 +27,9 @@ struct AgentOptions {
    unsigned maxClassesPerPolicyMap = 16;
 };
 
+// "c7" and the like. Built by appending: GCC's optimiser misreads `"c" + std::to_string( i )`.
+std::string named( char const* prefix, unsigned i );
+
 // Matches of a class map on one VLAN, one COS, one DSCP, or an IP access list by name.
 void vlanMatchIs( Qos::ClassMapStatus& cmap, std::uint16_t vlan );
 void cosMatchIs( Qos::ClassMapStatus& cmap, std::uint8_t cos );
