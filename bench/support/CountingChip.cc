@@ -55,6 +55,12 @@ CountingChip::CountingChip( Zub::Ptr< Qos::Status const > qosStatus,
 
 CountingChip::~CountingChip() = default;
 
+Zub::Ptr< CountingChip > CountingChip::detached( Mode mode ) {
+   return Zub::make< CountingChip >( Zub::make< Qos::Status >( Zub::Name( "qos" ) ),
+                                     Zub::make< Qos::AclSliceHwStatus >( Zub::Name( "s" ) ),
+                                     Zub::make< Acl::Config >( Zub::Name( "acl" ) ), mode, false );
+}
+
 void CountingChip::startOperation() {
    if( !completer_ ) return;
    ++counts.asyncOperations;

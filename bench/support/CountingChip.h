@@ -39,6 +39,8 @@ class CountingChip : public NevHelper::QosAclHelper {
                  Zub::Ptr< Qos::AclSliceHwStatus > sliceHwStatus,
                  Zub::Ptr< Acl::Config const > aclConfig, Mode mode, bool async );
    ~CountingChip() override;
+   // A synchronous chip over entities of its own, for a baseline that calls it directly.
+   static Zub::Ptr< CountingChip > detached( Mode mode );
 
    Counts counts;
 

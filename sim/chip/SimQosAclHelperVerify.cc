@@ -253,13 +253,13 @@ void SimQosAclHelper::verifyIpRuleDscp( Nev::QosClassData const& classData,
    checkField( at, "dscp", valid ? textOf( unsigned( expectedDscp ) ) : "" );
 }
 
+// The chip keeps an IPv6 rule's traffic class and ECN in the fields of the IPv4 DSCP and ECN.
 void SimQosAclHelper::verifyIpRuleTcIp6( Nev::QosClassData const& classData,
-                                         Nev::AclKey const& aclKey, Acl::UniqueId const&,
+                                         Nev::AclKey const& aclKey, Acl::UniqueId const& aclId,
                                          std::uint32_t ruleNum, std::uint32_t subruleNum,
                                          std::uint32_t sequence, std::uint8_t expectedDscp,
                                          bool valid ) {
-   auto const at = subruleQuery( classData, aclKey, ruleNum, subruleNum, sequence );
-   checkField( at, "dscp", valid ? textOf( unsigned( expectedDscp ) ) : "" );
+   verifyIpRuleDscp( classData, aclKey, aclId, ruleNum, subruleNum, sequence, expectedDscp, valid );
 }
 
 void SimQosAclHelper::verifyIpRuleEcn( Nev::QosClassData const& classData,
@@ -272,12 +272,11 @@ void SimQosAclHelper::verifyIpRuleEcn( Nev::QosClassData const& classData,
 }
 
 void SimQosAclHelper::verifyIpRuleEcnIp6( Nev::QosClassData const& classData,
-                                          Nev::AclKey const& aclKey, Acl::UniqueId const&,
+                                          Nev::AclKey const& aclKey, Acl::UniqueId const& aclId,
                                           std::uint32_t ruleNum, std::uint32_t subruleNum,
                                           std::uint32_t sequence, std::uint8_t ecnData,
                                           std::uint8_t ecnMask ) {
-   auto const at = subruleQuery( classData, aclKey, ruleNum, subruleNum, sequence );
-   checkField( at, "ecn", textOf( unsigned( ecnData ) ) + "/" + hexText( ecnMask ) );
+   verifyIpRuleEcn( classData, aclKey, aclId, ruleNum, subruleNum, sequence, ecnData, ecnMask );
 }
 
 void SimQosAclHelper::verifyIpRuleFragments( Nev::QosClassData const& classData,
