@@ -63,7 +63,7 @@ void QosClassMatchChildSm::handleInitialized() {
       createAcl();
       commitAcl();
    } else {
-      classMatchSm()->enqueueRequest( key(), updateReasonAclChange, Qos::IntfPairKey(), false );
+      enqueueRequest( updateReasonAclChange, Qos::IntfPairKey(), false );
    }
    initialized_ = true;
 }
@@ -72,7 +72,7 @@ void QosClassMatchChildSm::intfUpdated( Qos::IntfPairKey const& intfPair, bool a
    if( !helper().asyncTcamOperationsSupported() ) {
       helper().updatePortForAcl( pmapState(), *classData(), matchOption(), key(), intfPair, add );
    } else {
-      classMatchSm()->enqueueRequest( key(), updateReasonIntfChange, intfPair, !add );
+      enqueueRequest( updateReasonIntfChange, intfPair, !add );
    }
 }
 
@@ -119,12 +119,20 @@ void QosClassMatchChildSm::commitAcl() {
    data->installedIs( true );
 }
 
+void QosClassMatchChildSm::enqueueRequest( QosPolicyUpdateReason reasonType,
+                                           Qos::IntfPairKey const& intfPair, bool remove ) {
+   // A default child's data lives under its own option, not the parent's: the request is made
+   // for this child's option, whatever the shared slot held before.
+   classMatchSm()->policyData()->matchOptionIs( matchOption() );
+   classMatchSm()->enqueueRequest( key(), reasonType, intfPair, remove );
+}
+
 void QosClassMatchChildSm::doPrepareToDie() {
    if( !helper().asyncTcamOperationsSupported() ) {
       destroyAcl();
       if( auto const md = matchData() ) md->aclDataDel( key() );
    } else {
-      classMatchSm()->enqueueRequest( key(), updateReasonAclChange, Qos::IntfPairKey(), true );
+      enqueueRequest( updateReasonAclChange, Qos::IntfPairKey(), true );
    }
 }
 

@@ -8,6 +8,7 @@
 
 #include "NevQos/classes/QosClassData.h"
 #include "NevQos/types/QosClassCounterData.h"
+#include "NevQos/types/QosPolicyUpdateRequest.h"
 #include "entities/QosTypes.h"
 #include "nev/AclData.h"
 #include "nev/AclKey.h"
@@ -74,6 +75,9 @@ class QosClassMatchChildSm : public Zub::PtrInterface {
    void reportIfDestroying() const;
    // A hook for the road-specific start of a child, before the ACL data is made.
    virtual void prepareInitialized() {}
+   // Deferred mode: queues this child's ACL with the parent.
+   void enqueueRequest( QosPolicyUpdateReason reasonType, Qos::IntfPairKey const& intfPair,
+                        bool remove );
    // Whether destroyAcl goes on to the helper's cleanupAcl.
    virtual bool cleanupAfterDestroy() const = 0;
    // What destroyAcl leaves in aclNumber.

@@ -149,11 +149,12 @@ void QosClassMatchSm::createClassDefaultSm() {
 
 void QosClassMatchSm::enqueueRequest( AclKey const& aclKey, QosPolicyUpdateReason reasonType,
                                       Qos::IntfPairKey const& intfPair, bool remove ) {
-   // One slot for both families of the match: the request is served with the latest key.
    policyData_->aclKeyIs( aclKey );
    QosPolicyUpdateRequest request( reasonType, aclKey.aclName().str(), remove );
    request.policyDataIs( policyData_ );
    request.intfPairIs( intfPair );
+   request.aclKeyIs( aclKey );
+   request.matchOptionIs( policyData_->matchOption() );
    qosAclSm()->enqueueRequestIs( request );
 }
 

@@ -259,6 +259,7 @@ class QosAclSm : public NevAsyncBaseSm {
    void handleAsyncOperationResult() override;
    void handlePendingOperationTimeout() override;
    void finishOperation( QosPolicyUpdateRequest const& request );
+   static void restoreMatchSlot( QosPolicyUpdateRequest const& request );
 
    // ---- deferred compile of one class match ----
    bool updateClassData( Zub::Ptr< QosPolicyMapClassData > const& policyData );

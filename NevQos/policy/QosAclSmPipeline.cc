@@ -56,6 +56,14 @@ void QosAclSm::processTcamRequestQueue() {
    }
 }
 
+// The match's slot may hold the key and option of a later request of the other family: the
+// request is served with its own. A request made without a key is served with the slot's.
+void QosAclSm::restoreMatchSlot( QosPolicyUpdateRequest const& request ) {
+   if( !request.aclKey() ) return;
+   request.policyData()->aclKeyIs( request.aclKey() );
+   request.policyData()->matchOptionIs( request.matchOption() );
+}
+
 void QosAclSm::processPolicyUpdate() {
    ZUB_ASSERT( asyncState() == asyncNone );
    if( pendingPolicyUpdate_.empty() ) return;
@@ -94,6 +102,7 @@ void QosAclSm::processPolicyUpdate() {
    }
 
    Zub::Ptr< QosPolicyMapClassData > const policyData = request.policyData();
+   restoreMatchSlot( request );
    Zub::Ptr< QosClassData > const classData = policyData->curClassData();
    Qos::ClassMapMatchOption const matchOption = policyData->matchOption();
    Zub::Ptr< QosClassMatchData > const matchData = classData->matchData( matchOption );
@@ -173,6 +182,7 @@ void QosAclSm::finishOperation( QosPolicyUpdateRequest const& request ) {
       setPolicyMapHwPrgmStatus( request.policyData()->pmapSm()->key() );
    } else if( request.reasonType() == updateReasonAclChange ) {
       Zub::Ptr< QosPolicyMapClassData > const policyData = request.policyData();
+      restoreMatchSlot( request );
       AclKey const aclKey = policyData->aclKey();
       Zub::Ptr< QosClassData > const classData = policyData->curClassData();
       Qos::ClassMapMatchOption const matchOption = policyData->matchOption();
@@ -184,7 +194,10 @@ void QosAclSm::finishOperation( QosPolicyUpdateRequest const& request ) {
       aclData->dirtyIs( true );
       aclData->installedIs( false );
       matchData->aclDataDel( aclKey );
-      classData->matchDataDel( matchOption );
+      // A match of both families (class-default, DSCP/ECN) holds an IPv4 and an IPv6 list, each
+      // removed by a request of its own: the match goes with its last list, or the second
+      // removal would find its list gone.
+      if( matchData->aclData().empty() ) classData->matchDataDel( matchOption );
    }
    schedulePolicyUpdate();
 }

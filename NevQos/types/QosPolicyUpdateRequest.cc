@@ -31,7 +31,9 @@ std::strong_ordering QosPolicyUpdateRequest::operator<=>(
    if( auto c = remove_ <=> o.remove_; c != 0 ) return c;
    if( auto c = policyData_ <=> o.policyData_; c != 0 ) return c;
    if( auto c = pmapKey_ <=> o.pmapKey_; c != 0 ) return c;
-   return intfPair_ <=> o.intfPair_;
+   if( auto c = intfPair_ <=> o.intfPair_; c != 0 ) return c;
+   if( auto c = aclKey_ <=> o.aclKey_; c != 0 ) return c;
+   return ValueText::compareEnum( matchOption_, o.matchOption_ );
 }
 
 Zub::String valueToStrep( QosPolicyUpdateRequest const& r ) {

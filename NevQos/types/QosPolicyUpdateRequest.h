@@ -10,6 +10,7 @@
 #include "NevQos/types/QosPolicyMapKey.h"
 #include "entities/QosTypes.h"
 #include "entities/ValueText.h"
+#include "nev/AclKey.h"
 #include "zub/Ptr.h"
 #include "zub/Strep.h"
 #include "zub/String.h"
@@ -46,6 +47,14 @@ class QosPolicyUpdateRequest {
    // Which interface, for interface changes.
    Qos::IntfPairKey const& intfPair() const noexcept { return intfPair_; }
    void intfPairIs( Qos::IntfPairKey k ) { intfPair_ = k; }
+   // Which ACL, for ACL and interface changes. policyData's own key (and option) is one slot for
+   // both families of a match, overwritten by every request; the request keeps the key it was made
+   // for, and the slot is set back to it when the request is served.
+   AclKey const& aclKey() const noexcept { return aclKey_; }
+   void aclKeyIs( AclKey k ) { aclKey_ = std::move( k ); }
+   // The same for the match option the ACL's data lives under.
+   Qos::ClassMapMatchOption matchOption() const noexcept { return matchOption_; }
+   void matchOptionIs( Qos::ClassMapMatchOption o ) { matchOption_ = o; }
 
    // policyData compares by identity.
    bool operator==( QosPolicyUpdateRequest const& ) const noexcept = default;
@@ -59,6 +68,8 @@ class QosPolicyUpdateRequest {
    Zub::Ptr< QosPolicyMapClassData > policyData_;
    QosPolicyMapKey pmapKey_;
    Qos::IntfPairKey intfPair_;
+   AclKey aclKey_;
+   Qos::ClassMapMatchOption matchOption_ = Qos::matchOptionNone;
 };
 
 Zub::String valueToStrep( QosPolicyUpdateRequest const& r );
