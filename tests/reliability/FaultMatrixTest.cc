@@ -1,0 +1,229 @@
+// Every helper call of a compile fails in turn, on both TCAM modes: the map is reported failed
+// with one log line, nothing of it stays in the chip after the deferred deletion, and the next
+// change programs it exactly as a run without the fault does, verifies clean and logs the
+// recovery once.
+#include <gtest/gtest.h>
+
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "reliability/SwitchImage.h"
+
+namespace NevQosTest {
+namespace {
+
+using Lines = std::vector< std::string >;
+
+// A policy map with IPv4 and IPv6 lists (port ranges, fragments), a DSCP match, per-interface
+// policers and counters, on two ports; at 2 s a rule is added to the IPv4 list, which gives the
+// map a new version.
+constexpr char const* edgePolicy = R"(
+chip:
+  tcamSliceEntries: 256
+  rangeCheckers: 4
+  policers: 16
+  counters: 16
+  asyncTimeout: 0.5
+interfaces: [ Ethernet1, Ethernet2, Ethernet3 ]
+acls:
+  - name: WEB
+    rules:
+      - { proto: tcp, dst: 10.1.0.0/16, dstPort: { range: [ 8000, 8099 ] } }
+      - { proto: udp, dstPort: { eq: 53 } }
+      - { src: 192.168.0.0/16 }
+  - name: WEB6
+    type: ipv6
+    rules:
+      - { proto: tcp, dstPort: { eq: 443 } }
+classMaps:
+  - { name: web, match: { ipv4: WEB } }
+  - { name: web6, match: { ipv6: WEB6 } }
+  - { name: marked, match: { dscp: [ 10, 12 ] } }
+policyMaps:
+  - name: edge-in
+    classes:
+      - class: web
+        set: { dscp: 18 }
+        police: { cir: 1000, bc: 10000 }
+        count: true
+      - { class: web6, set: { trafficClass: 3 } }
+      - { class: marked, set: { cos: 3 }, count: true }
+      - { class: class-default, set: { dscp: 0 } }
+servicePolicies:
+  - { policyMap: edge-in, interfaces: [ Ethernet1, Ethernet2 ] }
+steps:
+  - at: 2
+    changes:
+      - acl:
+          name: WEB
+          rules:
+            - { proto: tcp, dst: 10.1.0.0/16, dstPort: { range: [ 8000, 8099 ] } }
+            - { proto: udp, dstPort: { eq: 53 } }
+            - { src: 192.168.0.0/16 }
+            - { proto: tcp, dstPort: { eq: 22 } }
+)";
+
+constexpr Zub::Seconds faultEnds = 1.0;
+constexpr Zub::Seconds settled = 3.0;
+
+Lines const failedLog{
+   "QOS_POLICY_HW_RESOURCE_FULL: Insufficient hardware resources to program the input "
+   "policy-map edge-in."
+};
+Lines const recoveredLog{
+   "QOS_POLICY_HW_RESOURCE_NORMAL: Programmed input policy-map edge-in in hardware."
+};
+Lines const failedStatus{ "input/edge-in: hwPrgmStatusFail (Insufficient hardware resources)" };
+Lines const recoveredStatus{
+   "input/edge-in: hwPrgmStatusSuccess (Insufficient hardware resources)"
+};
+
+// The operations of a compile that can fail, in the order a compile first calls them.
+Lines const failingOps{ "precreateAcl",      "createIpAclSubrule", "createIpFragRule",
+                        "createDscpEcnRule", "createDefaultRule",  "commitAcl" };
+
+std::map< std::string, std::uint64_t > nothingInUse( Sim::SimSwitch const& sw ) {
+   auto used = resourcesInUse( sw );
+   for( auto& [ name, n ] : used )
+      n = 0;
+   return used;
+}
+
+class FaultMatrixTest : public ::testing::TestWithParam< Sim::TcamMode > {
+ protected:
+   // The scenario on this mode, with `faults` holding from the start to faultEnds.
+   Sim::Scenario scenario( std::vector< Sim::FaultConfig > faults = {} ) const {
+      Sim::Scenario s = scenarioOf( edgePolicy );
+      s.chip.tcamMode = GetParam();
+      if( GetParam() == Sim::TcamMode::asynchronous ) s.chip.asyncDelay = 0.01;
+      for( Sim::FaultConfig& f : faults ) {
+         f.until = faultEnds;
+         s.chip.faults.push_back( f );
+         s.faultNames.emplace_back();
+      }
+      return s;
+   }
+
+   // The switch of `s` run through the fault window.
+   static std::unique_ptr< Sim::SimSwitch > started( Sim::Scenario const& s ) {
+      auto sw = std::make_unique< Sim::SimSwitch >( s );
+      sw->runUntil( faultEnds );
+      return sw;
+   }
+
+   // The switch of `s` after the change that follows the fault.
+   static void recover( Sim::SimSwitch& sw, Sim::Scenario const& s ) {
+      sw.stepIs( s.steps.at( 0 ) );
+      sw.runUntil( settled );
+   }
+
+   // How often the fault-free compile calls each operation before the fault window ends.
+   std::map< std::string, unsigned > callsOfFirstCompile() const {
+      Sim::SimSwitch sw( scenario() );
+      sw.runUntil( faultEnds );
+      std::map< std::string, unsigned > out;
+      for( Sim::ChipCall const& c : sw.calls() )
+         ++out[ c.op ];
+      return out;
+   }
+
+   // The chip after the recovery change in a run without faults.
+   struct Reference {
+      TcamImage tcam;
+      std::map< std::string, std::uint64_t > resources;
+   };
+   Reference const& reference() {
+      if( !reference_ ) {
+         Sim::Scenario const s = scenario();
+         auto sw = started( s );
+         EXPECT_EQ( logLinesOf( *sw ), Lines{} );
+         recover( *sw, s );
+         reference_ = Reference{ tcamImageOf( *sw ), resourcesInUse( *sw ) };
+      }
+      return *reference_;
+   }
+
+   // A failed compile: one log line, the map failed, and nothing of it left in the chip.
+   static void expectFailedWhole( Sim::SimSwitch const& sw, std::string const& what ) {
+      EXPECT_EQ( logLinesOf( sw ), failedLog ) << what;
+      EXPECT_EQ( policyMapStatusOf( sw ), failedStatus ) << what;
+      EXPECT_EQ( resourcesInUse( sw ), nothingInUse( sw ) ) << what << "\n"
+                                                            << textOf( tcamImageOf( sw ) );
+   }
+
+   // The change after the fault programs what a run without it programs.
+   void expectRecovered( Sim::SimSwitch& sw, std::size_t logsBefore, std::string const& what ) {
+      EXPECT_EQ( logLinesOf( sw, logsBefore ), recoveredLog ) << what;
+      EXPECT_EQ( policyMapStatusOf( sw ), recoveredStatus ) << what;
+      EXPECT_EQ( sw.verify(), Lines{} ) << what;
+      TcamImage const tcam = tcamImageOf( sw );
+      EXPECT_EQ( tcam, reference().tcam ) << what << "\n"
+                                          << textOf( tcam ) << "expected\n"
+                                          << textOf( reference().tcam );
+      EXPECT_EQ( resourcesInUse( sw ), reference().resources ) << what;
+   }
+
+   std::optional< Reference > reference_;
+};
+
+TEST_P( FaultMatrixTest, EachFailingCallOfACompileFailsTheMapWholeAndTheNextChangeRecovers ) {
+   auto const calls = callsOfFirstCompile();
+   unsigned points = 0;
+   for( std::string const& op : failingOps ) {
+      ASSERT_GT( calls.count( op ), 0u ) << op << " is not called: the scenario lost its reach";
+      for( unsigned k = 1; k <= calls.at( op ); ++k ) {
+         std::string const what = op + " call " + std::to_string( k ) + " fails";
+         Sim::FaultConfig fault;
+         fault.kind = Sim::FaultConfig::Kind::operationError;
+         fault.op = op;
+         fault.nth = k;
+         Sim::Scenario const s = scenario( { fault } );
+         auto sw = started( s );
+         expectFailedWhole( *sw, what );
+         std::size_t const before = sw->logs().size();
+         recover( *sw, s );
+         expectRecovered( *sw, before, what );
+         ++points;
+      }
+   }
+   EXPECT_GE( points, 20u );
+}
+
+TEST_P( FaultMatrixTest,
+        TheTcamFullAtEachEntryOfACompileFailsTheMapWholeAndTheNextChangeRecovers ) {
+   Sim::SimSwitch clean( scenario() );
+   clean.runUntil( faultEnds );
+   std::map< std::string, unsigned > entriesPerSlice;
+   for( auto const& [ id, acl ] : tcamImageOf( clean ) )
+      entriesPerSlice[ acl.slice ] += static_cast< unsigned >( acl.entries.size() );
+   ASSERT_EQ( entriesPerSlice.size(), 2u ) << "both IP slices take entries";
+   for( auto const& [ slice, entries ] : entriesPerSlice ) {
+      for( unsigned k = 0; k < entries; ++k ) {
+         std::string const what = slice + " full at " + std::to_string( k ) + " entries";
+         Sim::FaultConfig fault;
+         fault.kind = Sim::FaultConfig::Kind::outOfTcam;
+         fault.family = slice;
+         fault.atEntries = k;
+         Sim::Scenario const s = scenario( { fault } );
+         auto sw = started( s );
+         expectFailedWhole( *sw, what );
+         std::size_t const before = sw->logs().size();
+         recover( *sw, s );
+         expectRecovered( *sw, before, what );
+      }
+   }
+}
+
+std::string modeName( ::testing::TestParamInfo< Sim::TcamMode > const& mode ) {
+   return mode.param == Sim::TcamMode::synchronous ? "synchronous" : "asynchronous";
+}
+
+INSTANTIATE_TEST_SUITE_P( Modes, FaultMatrixTest,
+                          ::testing::Values( Sim::TcamMode::synchronous,
+                                             Sim::TcamMode::asynchronous ),
+                          modeName );
+
+}  // namespace
+}  // namespace NevQosTest

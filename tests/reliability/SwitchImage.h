@@ -1,0 +1,44 @@
+// What the reference chip holds after a run, in a form two runs can be compared by: each
+// installed ACL with its entries and ports, every finite resource in use, and the system log
+// lines as "HANDLE: text". Range checker numbers are left out of the entries, since the order in
+// which a pool hands them out depends on the history, not on the configuration.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "sim/runner/SimSwitch.h"
+#include "sim/scenario/Scenario.h"
+
+namespace NevQosTest {
+
+struct AclImage {
+   std::string slice;
+   bool committed = false;
+   std::vector< std::string > entries;
+   std::set< std::string > ports;
+   bool operator==( AclImage const& ) const = default;
+};
+using TcamImage = std::map< std::string, AclImage >;
+
+TcamImage tcamImageOf( Sim::SimSwitch const& sw );
+// The ACL ids of `image` whose policy map is `pmapName`.
+std::vector< std::string > aclsOfPolicyMap( TcamImage const& image, std::string const& pmapName );
+// Resource name to units in use: TCAM entries per slice, range checkers, policers, counters, CPU
+// queues, port CPU queue policers, queue profiles, ECN counters, CBF rules, pending operations.
+std::map< std::string, std::uint64_t > resourcesInUse( Sim::SimSwitch const& sw );
+// The log lines from the `from`th on.
+std::vector< std::string > logLinesOf( Sim::SimSwitch const& sw, std::size_t from = 0 );
+// "direction/name: status (message)" of every policy map in the hardware status.
+std::vector< std::string > policyMapStatusOf( Sim::SimSwitch const& sw );
+// Text of an image, for failure messages.
+std::string textOf( TcamImage const& image );
+
+// A scenario from YAML text; the test fails (and the scenario is empty) when it can't be read.
+Sim::Scenario scenarioOf( std::string const& yaml );
+
+}  // namespace NevQosTest
