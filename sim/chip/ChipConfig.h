@@ -36,6 +36,9 @@ struct FaultConfig {
       // The `nth` asynchronous operation (1 = first) never completes: the chip reports it
       // pending, and the engine times it out.
       asyncPending,
+      // The `nth` asynchronous operation (1 = first) answers twice: its result comes again
+      // `asyncDelay` later, when the engine waits for nothing or for another operation.
+      asyncRepeated,
       // The class-based-forwarding rule table answers "not ready" to every rule.
       cbfNotReady,
    };

@@ -117,6 +117,9 @@ class SimQosAclHelper::Completer : public Kesh::TimerWheel::NotifieeConst {
       PendingOperation const op = *due;
       if( op.hangs ) {
          due->reported = true;  // stays in flight
+      } else if( op.repeats ) {
+         due->repeats = false;  // the echo
+         due->due = now + chip_->config_.asyncDelay;
       } else {
          chip_->pending_.erase( due );
       }
@@ -249,8 +252,11 @@ Nev::AclCreateError SimQosAclHelper::createRule( std::string const& op, std::str
 void SimQosAclHelper::startOperation() {
    ++asyncOperations_;
    bool hang = false;
+   bool repeat = false;
    for( FaultConfig const& f : config_.faults ) {
-      if( f.kind == FaultConfig::Kind::asyncPending && f.nth == asyncOperations_ ) hang = true;
+      if( f.nth != asyncOperations_ || !active( f ) ) continue;
+      hang = hang || f.kind == FaultConfig::Kind::asyncPending;
+      repeat = repeat || f.kind == FaultConfig::Kind::asyncRepeated;
    }
    std::string message;
    if( asyncFailure_ ) {
@@ -259,7 +265,8 @@ void SimQosAclHelper::startOperation() {
       asyncFailure_.reset();
    }
    // Always at least one turn later: the engine marks the operation in flight after the call.
-   pending_.push_back( PendingOperation{ clock_->now() + config_.asyncDelay, message, hang } );
+   pending_.push_back(
+         PendingOperation{ clock_->now() + config_.asyncDelay, message, hang, false, repeat } );
    completer_->scheduleNext();
 }
 
@@ -590,6 +597,8 @@ void SimQosAclHelper::bind( std::set< std::string >& ports, Qos::IntfPairKey con
 
 void SimQosAclHelper::handlePendingOperationTimeout() {
    record( "handlePendingOperationTimeout", nullptr, nullptr );
+   // The engine has given the operation up: it no longer waits on the chip.
+   std::erase_if( pending_, []( PendingOperation const& op ) { return op.hangs && op.reported; } );
 }
 
 // ---- Policers, counters, CPU queues

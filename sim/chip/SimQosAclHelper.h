@@ -421,6 +421,8 @@ class SimQosAclHelper : public NevHelper::QosAclHelper {
       // Reported pending when due, never completed.
       bool hangs = false;
       bool reported = false;
+      // Answers twice (the asyncRepeated fault).
+      bool repeats = false;
    };
    std::vector< PendingOperation > pending_;
    std::function< void() > leftPendingHandler_;

@@ -118,6 +118,7 @@ constexpr std::pair< std::string_view, FaultConfig::Kind > faultKinds[] = {
    { "policerExhaustion", FaultConfig::Kind::policerExhaustion },
    { "operationError", FaultConfig::Kind::operationError },
    { "asyncPending", FaultConfig::Kind::asyncPending },
+   { "asyncRepeated", FaultConfig::Kind::asyncRepeated },
    { "cbfNotReady", FaultConfig::Kind::cbfNotReady },
 };
 
@@ -162,6 +163,7 @@ std::vector< std::string_view > faultKeys( FaultConfig::Kind kind ) {
          keys.insert( keys.end(), { "op", "nth", "error" } );
          break;
       case FaultConfig::Kind::asyncPending:
+      case FaultConfig::Kind::asyncRepeated:
          keys.push_back( "nth" );
          break;
       case FaultConfig::Kind::outOfRangeCheckers:
@@ -253,9 +255,11 @@ void ChipReader::faultDetails( YAML::Node const& node, FaultConfig& fault ) cons
       fault.op = yaml_.text( yaml_.required( node, "op" ), "op" );
    }
    if( auto const n = node[ "nth" ] ) {
-      std::int64_t const least = fault.kind == FaultConfig::Kind::asyncPending ? 1 : 0;
-      fault.nth = std::uint32_t( yaml_.integer( n, "nth", least, UINT32_MAX ) );
-   } else if( fault.kind == FaultConfig::Kind::asyncPending ) {
+      bool const async = fault.kind == FaultConfig::Kind::asyncPending ||
+                         fault.kind == FaultConfig::Kind::asyncRepeated;
+      fault.nth = std::uint32_t( yaml_.integer( n, "nth", async ? 1 : 0, UINT32_MAX ) );
+   } else if( fault.kind == FaultConfig::Kind::asyncPending ||
+              fault.kind == FaultConfig::Kind::asyncRepeated ) {
       fault.nth = 1;
    }
    if( auto const e = node[ "error" ] ) {

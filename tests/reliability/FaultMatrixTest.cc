@@ -4,6 +4,7 @@
 // recovery once.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <map>
 #include <memory>
 #include <string>
@@ -146,17 +147,22 @@ class FaultMatrixTest : public ::testing::TestWithParam< Sim::TcamMode > {
    }
 
    // A failed compile: one log line, the map failed, and nothing of it left in the chip.
-   static void expectFailedWhole( Sim::SimSwitch const& sw, std::string const& what ) {
-      EXPECT_EQ( logLinesOf( sw ), failedLog ) << what;
+   static void expectFailedWhole( Sim::SimSwitch const& sw, std::string const& what,
+                                  Lines const& logs = failedLog ) {
+      EXPECT_EQ( logLinesOf( sw ), logs ) << what;
       EXPECT_EQ( policyMapStatusOf( sw ), failedStatus ) << what;
       EXPECT_EQ( resourcesInUse( sw ), nothingInUse( sw ) ) << what << "\n"
                                                             << textOf( tcamImageOf( sw ) );
    }
 
    // The change after the fault programs what a run without it programs.
-   void expectRecovered( Sim::SimSwitch& sw, std::size_t logsBefore, std::string const& what ) {
-      EXPECT_EQ( logLinesOf( sw, logsBefore ), recoveredLog ) << what;
-      EXPECT_EQ( policyMapStatusOf( sw ), recoveredStatus ) << what;
+   void expectRecovered( Sim::SimSwitch& sw, std::size_t logsBefore, std::string const& what,
+                         Lines const& logs = recoveredLog ) {
+      EXPECT_EQ( logLinesOf( sw, logsBefore ), logs ) << what;
+      EXPECT_EQ( policyMapStatusOf( sw ).size(), 1u );
+      EXPECT_TRUE(
+            policyMapStatusOf( sw ).front().starts_with( "input/edge-in: hwPrgmStatusSuccess" ) )
+            << what;
       EXPECT_EQ( sw.verify(), Lines{} ) << what;
       TcamImage const tcam = tcamImageOf( sw );
       EXPECT_EQ( tcam, reference().tcam ) << what << "\n"
@@ -216,6 +222,113 @@ TEST_P( FaultMatrixTest,
    }
 }
 
+TEST_P( FaultMatrixTest, PolicersRunningOutLeaveThePoliceActionOutOrFailTheMapAsTheChipAsks ) {
+   std::string const policerFull =
+         "QOS_POLICY_POLICER_RESOURCE_FULL: Insufficient hardware resources to program the police "
+         "action for the class-map web in the policy-map edge-in on interface ";
+   auto const policerLines = []( Lines const& lines ) {
+      return std::count_if( lines.begin(), lines.end(), []( std::string const& l ) {
+         return l.starts_with( "QOS_POLICY_POLICER_RESOURCE_FULL: " );
+      } );
+   };
+   // A pool too small for the two per-interface copies.
+   for( unsigned pool = 0; pool < 2; ++pool ) {
+      std::string const what = std::to_string( pool ) + " policers";
+      Sim::Scenario s = scenario();
+      s.chip.policers = pool;
+      Sim::SimSwitch sw( s );
+      sw.runUntil( faultEnds );
+      Lines const logs = logLinesOf( sw );
+      ASSERT_EQ( logs.size(), 2 - pool ) << what;
+      for( std::string const& line : logs )
+         EXPECT_TRUE( line.starts_with( policerFull ) ) << line;
+      EXPECT_EQ( policyMapStatusOf( sw ), Lines{ "input/edge-in: hwPrgmStatusSuccess ()" } );
+      EXPECT_EQ( resourcesInUse( sw ).at( "policers" ), pool ) << what;
+   }
+   // No policer at all until the fault ends, then a change: the map stands without the police
+   // action meanwhile, or fails whole when the chip wants exhaustion to be an error.
+   for( bool const errorOnExhaustion : { false, true } ) {
+      std::string const what = errorOnExhaustion ? "exhaustion is an error" : "exhaustion is not";
+      Sim::FaultConfig fault;
+      fault.kind = Sim::FaultConfig::Kind::policerExhaustion;
+      Sim::Scenario s = scenario( { fault } );
+      s.chip.errorOnPolicerExhaustion = errorOnExhaustion;
+      auto sw = started( s );
+      Lines const logs = logLinesOf( *sw );
+      if( errorOnExhaustion ) {
+         // The first refusal fails the map; its other copy no longer asks the chip.
+         ASSERT_EQ( logs.size(), 2u ) << what;
+         EXPECT_EQ( logs[ 1 ], failedLog[ 0 ] );
+         expectFailedWhole( *sw, what, logs );
+      } else {
+         EXPECT_EQ( logs.size(), 2u ) << what;
+         EXPECT_EQ( resourcesInUse( *sw ).at( "policers" ), 0u );
+      }
+      EXPECT_EQ( policerLines( logs ), errorOnExhaustion ? 1 : 2 ) << what;
+      std::size_t const before = sw->logs().size();
+      recover( *sw, s );
+      expectRecovered( *sw, before, what, errorOnExhaustion ? recoveredLog : Lines{} );
+   }
+}
+
+TEST_P( FaultMatrixTest, RangeCheckersRunningOutMidRuleExpandTheRangesInstead ) {
+   // One rule needs two checkers; a pool with fewer gives it none, and the compiler expands
+   // both ranges into value/mask entries.
+   std::string yaml = edgePolicy;
+   std::string const rule = "{ proto: udp, dstPort: { eq: 53 } }";
+   std::string const twoRanges =
+         "{ proto: udp, srcPort: { range: [ 1000, 1999 ] }, dstPort: { range: [ 5000, 5099 ] } }";
+   for( auto at = yaml.find( rule ); at != std::string::npos; at = yaml.find( rule ) )
+      yaml.replace( at, rule.size(), twoRanges );
+   std::map< unsigned, std::size_t > entries;
+   for( unsigned pool : { 0u, 1u, 2u, 3u } ) {
+      std::string const what = std::to_string( pool ) + " range checkers";
+      Sim::Scenario s = scenarioOf( yaml );
+      s.chip.tcamMode = GetParam();
+      s.chip.asyncDelay = 0.01;
+      s.chip.rangeCheckers = pool;
+      Sim::SimSwitch sw( s );
+      recover( sw, s );
+      EXPECT_EQ( logLinesOf( sw ), Lines{} ) << what;
+      EXPECT_EQ( policyMapStatusOf( sw ), Lines{ "input/edge-in: hwPrgmStatusSuccess ()" } )
+            << what;
+      EXPECT_EQ( sw.verify(), Lines{} ) << what;
+      auto const used = resourcesInUse( sw );
+      // The list's first rule takes one checker; the two-range rule needs two more.
+      EXPECT_EQ( used.at( "range checkers" ), pool >= 3 ? 3u : std::min( pool, 1u ) ) << what;
+      entries[ pool ] = used.at( "tcam ipv4" );
+   }
+   EXPECT_GT( entries[ 0 ], entries[ 1 ] ) << "without checkers every range is expanded";
+   EXPECT_EQ( entries[ 1 ], entries[ 2 ] ) << "one checker left is not enough for the rule";
+   EXPECT_GT( entries[ 2 ], entries[ 3 ] );
+}
+
+// Operations that complete later exist on the asynchronous mode only.
+class AsyncFaultTest : public FaultMatrixTest {};
+
+TEST_P( AsyncFaultTest, AnOperationThatNeverAnswersOrAnswersTwiceLeavesNoTrace ) {
+   auto const calls = callsOfFirstCompile();
+   unsigned const operations = calls.at( "commitAcl" ) + calls.at( "updatePortForAcl" );
+   for( auto const kind :
+        { Sim::FaultConfig::Kind::asyncPending, Sim::FaultConfig::Kind::asyncRepeated } ) {
+      for( unsigned k = 1; k <= operations; ++k ) {
+         std::string const what =
+               std::string( kind == Sim::FaultConfig::Kind::asyncPending ? "never answers"
+                                                                         : "answers twice" ) +
+               ": operation " + std::to_string( k );
+         Sim::FaultConfig fault;
+         fault.kind = kind;
+         fault.nth = k;
+         Sim::Scenario const s = scenario( { fault } );
+         auto sw = started( s );
+         // A time-out is the engine's own error text, not a system log line.
+         EXPECT_EQ( logLinesOf( *sw ), Lines{} ) << what;
+         recover( *sw, s );
+         expectRecovered( *sw, 0, what, Lines{} );
+      }
+   }
+}
+
 std::string modeName( ::testing::TestParamInfo< Sim::TcamMode > const& mode ) {
    return mode.param == Sim::TcamMode::synchronous ? "synchronous" : "asynchronous";
 }
@@ -223,6 +336,8 @@ std::string modeName( ::testing::TestParamInfo< Sim::TcamMode > const& mode ) {
 INSTANTIATE_TEST_SUITE_P( Modes, FaultMatrixTest,
                           ::testing::Values( Sim::TcamMode::synchronous,
                                              Sim::TcamMode::asynchronous ),
+                          modeName );
+INSTANTIATE_TEST_SUITE_P( Modes, AsyncFaultTest, ::testing::Values( Sim::TcamMode::asynchronous ),
                           modeName );
 
 }  // namespace
