@@ -67,6 +67,8 @@ class SimSwitch {
    SimQosBasicHelper const& basicChip() const { return *basicChip_; }
    // Every call of both engines on the chip, in order.
    std::vector< ChipCall > const& calls() const { return calls_; }
+   // Drops the calls recorded so far, so that a long run keeps its memory flat.
+   void callsForget() { calls_.clear(); }
    SimPktDrv const& pktDrv() const { return *pktDrv_; }
    Nev::DynamicPerPortCoppSm const& coppEngine() const { return *coppEngine_; }
    Qos::HwStatus const& hwStatus() const { return *hwStatus_; }
