@@ -724,8 +724,25 @@ void SimQosAclHelper::destroyCoppPolicer( Nev::QosClassData const& classData ) {
    policers_.erase( classKeyOf( classData ) );
 }
 
+// The driver's start-up brings the chip up empty, as a restarted agent's driver finds it: what an
+// earlier life of the agent programmed is gone, from the hardware and from the driver's own
+// records, and operations left in flight never complete. The engine programs everything anew
+// after this call; a chip that kept the old entries would keep those of a policy removed in
+// between for ever, with their policers and counters. Fault switches and the counts that a
+// fault's `nth` reads belong to the scenario and carry on.
 void SimQosAclHelper::hwInit() {
    record( "hwInit", nullptr, nullptr );
+   tcam_ = Tcam( config_.tcamSliceEntries, config_.rangeCheckers );
+   aclPorts_.clear();
+   policers_.clear();
+   counters_.clear();
+   cpuQueues_.clear();
+   portCpuQueuePolicers_.clear();
+   traffic_.clear();
+   pending_.clear();
+   asyncFailure_.reset();
+   pmapStateDelAll();
+   unableToProgramDelAll();
 }
 
 Zub::String SimQosAclHelper::cpuQIdToClassMapName( std::uint32_t cpuQId ) {

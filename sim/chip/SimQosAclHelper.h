@@ -3,7 +3,8 @@
 // from a finite pool, and when it is empty the chip asks the compiler to expand them; policers,
 // counters and CPU queues are finite pools; counters advance with the traffic a scenario
 // injects. In the asynchronous mode every commit, destroy and port update completes later
-// through the asynchronous result, carrying the first failure of the operation.
+// through the asynchronous result, carrying the first failure of the operation. Its start-up
+// (hwInit) finds the chip empty, also when the agent restarts over it.
 #pragma once
 
 #include <cstdint>

@@ -55,15 +55,7 @@ SimSwitch::SimSwitch( Scenario const& scenario ) : file_( scenario.file ) {
 }
 
 SimSwitch::~SimSwitch() {
-   if( engine_ ) engine_->zubDoZombieReactors( true );
-   engine_ = nullptr;
-   if( basicEngine_ ) basicEngine_->zubDoZombieReactors( true );
-   basicEngine_ = nullptr;
-   if( coppEngine_ ) coppEngine_->zubDoZombieReactors( true );
-   coppEngine_ = nullptr;
-   if( kernelEngine_ ) kernelEngine_->zubDoZombieReactors( true );
-   kernelEngine_ = nullptr;
-   cbfEngine_ = nullptr;
+   enginesStop();
    Zub::logSinkIs( nullptr );
    Zub::activityManagerIs( nullptr );
 }
@@ -147,12 +139,41 @@ void SimSwitch::engineIs() {
    loop_->runUntil( loop_->now() );
 }
 
+// The engines stop as the agent's process would: their reactors fall silent and the machines go,
+// and nothing is asked of the chip. Entities, status, the chip and the kernel's packet driver
+// stay; the next start-up's hwInit() and stale sweeps deal with what the old engines left.
+void SimSwitch::enginesStop() {
+   // The chip's report of an operation left pending belongs to the engine that started it.
+   if( chip_ ) chip_->operationLeftPendingHandlerIs( nullptr );
+   if( engine_ ) engine_->zubDoZombieReactors( true );
+   engine_ = nullptr;
+   if( basicEngine_ ) basicEngine_->zubDoZombieReactors( true );
+   basicEngine_ = nullptr;
+   if( coppEngine_ ) coppEngine_->zubDoZombieReactors( true );
+   coppEngine_ = nullptr;
+   if( kernelEngine_ ) kernelEngine_->zubDoZombieReactors( true );
+   kernelEngine_ = nullptr;
+   cbfEngine_ = nullptr;
+}
+
+void SimSwitch::restart() {
+   loop_->runUntil( loop_->now() );
+   enginesStop();
+   engineIs();
+}
+
 void SimSwitch::stepIs( Step const& step ) {
    runUntil( step.time );
    // Traffic first, so that a counter request of the same step sees it. The loader has checked
    // every step against the configuration, so the publisher does not refuse it after this.
    chipChangesIs( step.changes );
-   publisher_->stepIs( step );
+   // At a restart mark the old engines finish the turns due now and stop; the new ones start
+   // once the changes made while they were down are written.
+   publisher_->stepIs( step, [ this ] {
+      loop_->runUntil( loop_->now() );
+      enginesStop();
+   } );
+   if( !engine_ ) engineIs();
    loop_->runUntil( loop_->now() );
 }
 

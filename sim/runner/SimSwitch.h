@@ -52,6 +52,10 @@ class SimSwitch {
    // the next step or the settling time. Throws ScenarioError for a step the
    // publisher refuses; a step of a loaded scenario has been checked already.
    void stepIs( Step const& step );
+   // The agent restarts now: after the turns due at this moment, every engine stops without a
+   // call on the chip, and new ones start over the same entities, status and chip, whose start-up
+   // runs at once. A step with a restart mark does the same where its mark stands.
+   void restart();
    // Runs the loop until virtual time `t`.
    void runUntil( Zub::Seconds t );
    // Compares everything programmed with the chip's TCAM, as the platform's verify agent would
@@ -85,6 +89,7 @@ class SimSwitch {
  private:
    void entitiesIs( ChipConfig const& chip );
    void engineIs();
+   void enginesStop();
    void chipChangesIs( std::vector< Change > const& changes );
    void cbfTablesIs( ChipConfig const& chip );
 

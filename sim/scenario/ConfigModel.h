@@ -113,6 +113,8 @@ class ConfigModel {
    void put( FecOverrideRemoval const& removal );
    void put( FecServiceDef const& def ) { fecService_[ def.fec ] = def; }
    void put( FecServiceRemoval const& removal );
+   // A restart changes no configuration.
+   void put( AgentRestart const& ) {}
    void put( HwInitialization const& initialization ) {
       hwInitialized_ = initialization.initialized;
    }

@@ -21,7 +21,8 @@ bool isRequest( ChangeValue const& value ) {
           std::holds_alternative< TrafficInjection >( value ) ||
           std::holds_alternative< ClearRequest >( value ) ||
           std::holds_alternative< FaultSwitch >( value ) ||
-          std::holds_alternative< TcamCorruption >( value );
+          std::holds_alternative< TcamCorruption >( value ) ||
+          std::holds_alternative< AgentRestart >( value );
 }
 
 bool contains( std::vector< ConfigModel::MapKey > const& keys, ConfigModel::MapKey const& key ) {
@@ -58,26 +59,39 @@ void ConfigPublisher::initialIs( std::vector< Change > const& changes ) {
                               "step" );
       }
    }
-   publish( checked( changes ) );
+   publish( checked( model_, changes ) );
    in_.ncsd->intfsReadyIs( true );
 }
 
-void ConfigPublisher::stepIs( Step const& step ) {
+void ConfigPublisher::stepIs( Step const& step, std::function< void() > const& restart ) {
    if( step.time <= lastTime_ ) {
       throw ScenarioError( file_, step.where,
                            "a step at " + secondsText( step.time ) +
                                  " s does not come after the last, at " + secondsText( lastTime_ ) +
                                  " s" );
    }
-   ConfigModel after = checked( step.changes );
+   auto const mark = std::find_if( step.changes.begin(), step.changes.end(), []( Change const& c ) {
+      return std::holds_alternative< AgentRestart >( c.value );
+   } );
+   std::vector< Change > const running( step.changes.begin(), mark );
+   std::vector< Change > const down( mark == step.changes.end() ? mark : mark + 1,
+                                     step.changes.end() );
+   // Both parts are checked before anything is written.
+   ConfigModel beforeRestart = checked( model_, running );
+   ConfigModel after = checked( beforeRestart, down );
    lastTime_ = step.time;
-   publish( std::move( after ) );
-   requestsIs( step.changes, step.time );
+   publish( std::move( beforeRestart ) );
+   requestsIs( running, step.time );
+   if( mark != step.changes.end() ) {
+      if( restart ) restart();
+      publish( std::move( after ) );
+      requestsIs( down, step.time );
+   }
    in_.qosStatus->configVersionUpdateTimeIs( step.time );
 }
 
-ConfigModel ConfigPublisher::checked( std::vector< Change > const& changes ) const {
-   ConfigModel after = model_;
+ConfigModel ConfigPublisher::checked( ConfigModel after,
+                                      std::vector< Change > const& changes ) const {
    for( Change const& change : changes ) {
       try {
          after.apply( change.value );

@@ -16,6 +16,7 @@
 // chip and write nothing here.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -70,14 +71,18 @@ class ConfigPublisher {
    // is then complete (intfsReady).
    void initialIs( std::vector< Change > const& changes );
    // One step, stamped with its time. Throws ScenarioError, having written nothing, for a step
-   // that is not later than the last or has a change the configuration refuses.
-   void stepIs( Step const& step );
+   // that is not later than the last or has a change the configuration refuses. A step with a
+   // restart mark is written in two parts: the changes before the mark, then `restart` is
+   // called (the agent stops its engines), then the changes after it, made while the engines
+   // are down; configVersionUpdateTime is stamped last, for the engines that start next.
+   void stepIs( Step const& step, std::function< void() > const& restart = {} );
 
    // The configuration as published so far.
    ConfigModel const& model() const { return model_; }
 
  private:
-   ConfigModel checked( std::vector< Change > const& changes ) const;
+   // `base` with `changes` applied, or a ScenarioError for the first it refuses.
+   ConfigModel checked( ConfigModel base, std::vector< Change > const& changes ) const;
    void checkCounterClient( Change const& change ) const;
    // Makes `after` the published configuration.
    void publish( ConfigModel after );

@@ -260,6 +260,11 @@ struct FecServiceRemoval {
    Glarn::Fib::FecId fec = 0;
 };
 
+// The switch's agent restarts: its engines stop without touching the chip, and new ones start
+// over the same entities and chip. The changes of the step written after it are made while the
+// engines are down.
+struct AgentRestart {};
+
 // A definition adds what it names or replaces it; a removal removes it.
 using ChangeValue =
       std::variant< AclDef, AclRemoval, ClassMapDef, ClassMapRemoval, NamedPolicerDef,
@@ -269,7 +274,7 @@ using ChangeValue =
                     DscpRewriteMapRemoval, CosToTcProfileDef, CosToTcProfileRemoval, IntfQosDef,
                     IntfQosRemoval, EcnCountersDef, EcnCountersRemoval, LinkDef, KernelCoppReport,
                     HwInitialization, FecOverrideDef, FecOverrideRemoval, FecServiceDef,
-                    FecServiceRemoval, TcamCorruption >;
+                    FecServiceRemoval, TcamCorruption, AgentRestart >;
 
 struct Change {
    Where where;

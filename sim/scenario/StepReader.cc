@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <variant>
 
 namespace Sim {
 
@@ -43,6 +44,7 @@ std::vector< std::string_view > const changeKinds = {
    "fecService",
    "removeFecService",
    "corruptTcam",
+   "restart",
 };
 
 constexpr std::pair< std::string_view, Mirel::AddressFamily > overrideFamilies[] = {
@@ -76,8 +78,15 @@ Step StepReader::step( YAML::Node const& node, Zub::Seconds after ) const {
    auto const changes = node[ "changes" ];
    if( !changes ) return step;
    yaml_.checkSequence( changes, "changes" );
-   for( YAML::Node const& c : changes )
+   bool restarted = false;
+   for( YAML::Node const& c : changes ) {
       step.changes.push_back( change( c ) );
+      if( !std::holds_alternative< AgentRestart >( step.changes.back().value ) ) continue;
+      // The changes after the mark are those made while the engines are down: one mark says
+      // which they are.
+      if( restarted ) yaml_.fail( c, "restart: one per step" );
+      restarted = true;
+   }
    return step;
 }
 
@@ -106,6 +115,10 @@ ChangeValue StepReader::value( std::string const& kind, YAML::Node const& node )
       return ClearRequest{};
    }
    if( kind == "fault" ) return faultSwitch( node );
+   if( kind == "restart" ) {
+      if( !yaml_.flag( node, kind ) ) yaml_.fail( node, "restart: write true, or leave it out" );
+      return AgentRestart{};
+   }
    if( kind == "corruptTcam" ) return tcamCorruption( node );
    if( kind == "kernelCopp" ) return kernelCoppReport( node );
    if( kind == "hwInitialized" ) return HwInitialization{ yaml_.flag( node, kind ) };

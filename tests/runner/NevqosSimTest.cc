@@ -297,7 +297,8 @@ TEST_P( BothTcamModesTest, GiveTheSameOutcome ) {
 
 INSTANTIATE_TEST_SUITE_P( Examples, BothTcamModesTest,
                           ::testing::Values( "tcam-exhaustion.yaml", "range-checkers.yaml",
-                                             "counters.yaml", "async-timeout.yaml" ) );
+                                             "counters.yaml", "async-timeout.yaml",
+                                             "restart-reconciliation.yaml" ) );
 
 std::string const faultBase = R"(
 interfaces: [ Ethernet1 ]

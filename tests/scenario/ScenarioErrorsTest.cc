@@ -79,7 +79,7 @@ TEST( ScenarioErrorsTest, UnknownAndRepeatedKeys ) {
            "dscpRewriteMap, "
            "removeDscpRewriteMap, cosToTcProfile, removeCosToTcProfile, interfaceQos, "
            "removeInterfaceQos, ecnCounters, removeEcnCounters, link, kernelCopp, hwInitialized, "
-           "fecOverride, removeFecOverride, fecService, removeFecService, corruptTcam)" },
+           "fecOverride, removeFecOverride, fecService, removeFecService, corruptTcam, restart)" },
          { "steps: [ { at: 1, changes: [ { clearErrors: true, requestCounters: a } ] } ]\n",
            "bad.yaml:1:30: change: one kind of change per list item" },
    } );
@@ -260,6 +260,13 @@ steps:
            "bad.yaml:11:9: the FEC service has no answer for FEC 3 to take back" },
          { ( base + "      - corruptTcam: { acl: B }\n" ),
            "bad.yaml:11:9: corruptTcam: there is no access list B" },
+         { ( base + "      - restart: false\n" ),
+           "bad.yaml:11:18: restart: write true, or leave it out" },
+         { ( base + "      - restart: { now: true }\n" ),
+           "bad.yaml:11:18: restart: expected true or false, found a mapping" },
+         { ( base + "      - restart: true\n      - removeServicePolicy: p\n"
+                    "      - restart: true\n" ),
+           "bad.yaml:13:9: restart: one per step" },
          { ( base + "      - corruptTcam: { acl: A, field: proto }\n" ),
            "bad.yaml:11:22: corruptTcam: give field and value together, or neither to lose the "
            "entry" },

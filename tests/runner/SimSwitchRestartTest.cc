@@ -1,0 +1,144 @@
+// The agent's restart in the simulated switch: the new policy engine's start-up drops the
+// hardware status of a service policy removed while the engines were down and keeps the rest,
+// the chip comes up empty and is programmed anew, and nothing is left for verification to find.
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "runner/SimProgram.h"
+#include "sim/runner/SimSwitch.h"
+#include "sim/scenario/ScenarioLoader.h"
+#include "zub/Trace.h"
+
+namespace NevQosTest {
+namespace {
+
+using Lines = std::vector< std::string >;
+
+Zub::Ptr< Qos::PolicyMapHwStatus > pmapHwStatus( Sim::SimSwitch const& sw, char const* name,
+                                                 Qos::Direction direction = Qos::directionInput_ ) {
+   auto const type = sw.aclSliceHwStatus().pmapType( Qos::mapQos_ );
+   if( !type ) return nullptr;
+   return type->pmap( Qos::PolicyMapHwStatusKey( direction, Zub::Name( name ) ) );
+}
+
+// The chip's installed ACLs whose id starts with `prefix`.
+Lines aclsOf( Sim::SimSwitch const& sw, std::string const& prefix ) {
+   Lines ids;
+   for( auto const& [ id, acl ] : sw.chip().tcam().acls() ) {
+      if( id.rfind( prefix, 0 ) == 0 ) ids.push_back( id );
+   }
+   return ids;
+}
+
+std::size_t callCount( Sim::SimSwitch const& sw, std::string const& op ) {
+   std::size_t n = 0;
+   for( Sim::ChipCall const& c : sw.calls() )
+      n += c.op == op;
+   return n;
+}
+
+// The engine's trace lines at level 2 and below, kept while it lives.
+class TraceLines {
+ public:
+   TraceLines() {
+      Zub::traceEnable( "NevQos/0-2" );
+      Zub::traceSinkIs(
+            [ this ]( Zub::TraceRecord const& r ) { lines_.push_back( r.message.stdString() ); } );
+   }
+   ~TraceLines() {
+      Zub::traceSinkIs( {} );
+      Zub::traceDisableAll();
+   }
+   // The lines that hold `text`.
+   Lines with( std::string const& text ) const {
+      Lines out;
+      for( std::string const& l : lines_ ) {
+         if( l.find( text ) != std::string::npos ) out.push_back( l );
+      }
+      return out;
+   }
+
+ private:
+   Lines lines_;
+};
+
+TEST( SimSwitchRestartTest, AStalePolicyMapStatusIsSweptAndTheMatchingOnesKeepTheirs ) {
+   Sim::Scenario const s = Sim::loadScenario( example( "restart-reconciliation.yaml" ) );
+   ASSERT_EQ( s.steps.size(), 3u );
+   Sim::SimSwitch sw( s );
+   sw.stepIs( s.steps[ 0 ] );
+   auto const voice = pmapHwStatus( sw, "voice-in" );
+   auto const bulk = pmapHwStatus( sw, "bulk-out", Qos::directionOutput_ );
+   ASSERT_TRUE( voice && bulk && pmapHwStatus( sw, "web-in" ) );
+   ASSERT_FALSE( aclsOf( sw, "web-in(" ).empty() );
+   ASSERT_EQ( sw.chip().policersUsed(), 1u );
+   unsigned const voiceVersion = voice->version();
+   std::uint64_t const voiceCount = voice->cmap( Zub::Name( "voice" ) )->outCount();
+   ASSERT_EQ( voiceCount, 100u );
+
+   TraceLines trace;
+   sw.stepIs( s.steps[ 1 ] );  // the restart, with web-in removed while the engines are down
+   std::ostringstream webKey;
+   webKey << Qos::PolicyMapHwStatusKey( Qos::directionInput_, Zub::Name( "web-in" ) );
+   EXPECT_EQ( trace.with( "stale" ),
+              Lines{ " deleting stale Qos policyMapHwStatus " + webKey.str() } );
+   EXPECT_FALSE( pmapHwStatus( sw, "web-in" ) );
+   // The very entries of before, with their status and counters.
+   EXPECT_EQ( pmapHwStatus( sw, "voice-in" ).ptr(), voice.ptr() );
+   EXPECT_EQ( pmapHwStatus( sw, "bulk-out", Qos::directionOutput_ ).ptr(), bulk.ptr() );
+   EXPECT_EQ( voice->prgmStatus(), Qos::hwPrgmStatusSuccess_ );
+   EXPECT_EQ( bulk->prgmStatus(), Qos::hwPrgmStatusSuccess_ );
+   EXPECT_EQ( voice->version(), voiceVersion );
+   EXPECT_EQ( voice->cmap( Zub::Name( "voice" ) )->outCount(), voiceCount );
+   // Each chip started up again, and nothing of web-in came back.
+   EXPECT_EQ( callCount( sw, "hwInit" ), 4u ) << "policy and basic engines, twice";
+   EXPECT_EQ( aclsOf( sw, "web-in(" ), Lines{} );
+   EXPECT_EQ( sw.chip().policersUsed(), 0u );
+   EXPECT_FALSE( aclsOf( sw, "voice-in(" ).empty() );
+   EXPECT_FALSE( aclsOf( sw, "bulk-out(" ).empty() );
+   EXPECT_EQ( sw.verify(), Lines{} );
+
+   sw.stepIs( s.steps[ 2 ] );
+   EXPECT_EQ( sw.verify(), Lines{} );
+   // The chip's counters started again from nothing at its start-up.
+   EXPECT_EQ( voice->cmap( Zub::Name( "voice" ) )->outCount(), 40u );
+   Lines logs;
+   for( Sim::LogLine const& l : sw.logs() )
+      logs.push_back( l.handle + ": " + l.text );
+   EXPECT_EQ( logs, Lines{} );
+}
+
+// A restart while the chip still has operations in flight, the first of which it would leave
+// pending for ever: they end with the old engine, and the new engine's own operations complete.
+TEST( SimSwitchRestartTest, OperationsInFlightEndWithTheOldEngine ) {
+   Sim::Scenario const s = Sim::loadScenarioText( R"(
+chip:
+  tcamMode: asynchronous
+  asyncDelay: 0.5
+  faults: [ { kind: asyncPending, nth: 1 } ]
+interfaces: [ Ethernet1 ]
+acls: [ { name: A, rules: [ { proto: tcp, dstPort: { eq: 22 } } ] } ]
+classMaps: [ { name: c, match: { ipv4: A } } ]
+policyMaps: [ { name: p, classes: [ { class: c, set: { dscp: cs2 } } ] } ]
+servicePolicies: [ { policyMap: p, interfaces: [ Ethernet1 ] } ]
+)",
+                                                  "inflight.yaml" );
+   Sim::SimSwitch sw( s );
+   sw.runUntil( 0.2 );
+   ASSERT_GT( sw.chip().pendingOperations(), 0u );
+   sw.restart();
+   sw.runUntil( 30.0 );
+   EXPECT_EQ( sw.chip().pendingOperations(), 0u );
+   auto const status = pmapHwStatus( sw, "p" );
+   ASSERT_TRUE( status );
+   EXPECT_EQ( status->prgmStatus(), Qos::hwPrgmStatusSuccess_ );
+   EXPECT_EQ( aclsOf( sw, "p(" ).size(), 1u );
+   EXPECT_EQ( sw.verify(), Lines{} );
+   EXPECT_TRUE( sw.logs().empty() ) << sw.logs().front().text;
+}
+
+}  // namespace
+}  // namespace NevQosTest
