@@ -185,10 +185,12 @@ void QosAclSm::handleServicePolicy( Qos::ServicePolicyKey const& key ) {
    if( auto status = qosStatus()->servicePolicyStatus( key ) ) {
       servicePolicySmIs( key, this, status, clock() );
    } else {
-      if( auto sm = servicePolicySm( key ) ) sm->doPrepareToDie();
-      // On the asynchronous road the machine leaves through the queue, which also asks for
-      // the verification.
-      if( qosHelper()->asyncTcamOperationsSupported() ) return;
+      auto const sm = servicePolicySm( key );
+      if( sm ) sm->doPrepareToDie();
+      // On the asynchronous road a machine with policy maps leaves through the queue, behind
+      // their removals, and the queue asks for the verification. One without any (no interface
+      // had joined) has nothing queued that would take it away.
+      if( qosHelper()->asyncTcamOperationsSupported() && sm && sm->pmapSmSize() != 0 ) return;
       servicePolicySmDel( key );
    }
    schedulePolicyVerify();

@@ -91,7 +91,12 @@ void QosAclSm::processPolicyUpdate() {
          auto const spSm = servicePolicySm( key );
          ZUB_ASSERT( spSm );
          spSm->pmapSmDel( pmapKey );
-         servicePolicySmDel( key );
+         // The service policy's machine goes with its last map only when the service policy is
+         // gone: one whose last interface left stays for the next to join, as on the immediate
+         // road.
+         if( !qosStatus()->servicePolicyStatus( key ) && spSm->pmapSm().size() == 0 ) {
+            servicePolicySmDel( key );
+         }
          schedulePolicyVerify();
          finishOperation( request );
          return;
