@@ -38,11 +38,7 @@ char const* severityText( Zub::LogSeverity s ) {
 SimSwitch::SimSwitch( Scenario const& scenario ) : file_( scenario.file ) {
    loop_ = Zub::ActivityManager::create( Zub::ActivityManager::TimeSource::simulated,
                                          switchStartTime );
-   Zub::activityManagerIs( loop_ );
-   Zub::logSinkIs( [ this ]( Zub::LogRecord const& r ) {
-      logs_.push_back( LogLine{ r.time, r.handle->name().stdString(),
-                                severityText( r.handle->severity() ), r.text.stdString() } );
-   } );
+   enter();
    entitiesIs( scenario.chip );
    publisher_ = std::make_unique< ConfigPublisher >(
          EngineInputs{ qosStatus_, aclConfig_, aclHwStatus_, hwStatus_, counterConfigDir_, ncsd_,
@@ -52,6 +48,14 @@ SimSwitch::SimSwitch( Scenario const& scenario ) : file_( scenario.file ) {
    publisher_->chipIs( scenario.chip );
    publisher_->initialIs( scenario.initial );
    engineIs();
+}
+
+void SimSwitch::enter() {
+   Zub::activityManagerIs( loop_ );
+   Zub::logSinkIs( [ this ]( Zub::LogRecord const& r ) {
+      logs_.push_back( LogLine{ r.time, r.handle->name().stdString(),
+                                severityText( r.handle->severity() ), r.text.stdString() } );
+   } );
 }
 
 SimSwitch::~SimSwitch() {
@@ -157,12 +161,14 @@ void SimSwitch::enginesStop() {
 }
 
 void SimSwitch::restart() {
+   enter();
    loop_->runUntil( loop_->now() );
    enginesStop();
    engineIs();
 }
 
 void SimSwitch::stepIs( Step const& step ) {
+   enter();
    runUntil( step.time );
    // Traffic first, so that a counter request of the same step sees it. The loader has checked
    // every step against the configuration, so the publisher does not refuse it after this.
@@ -178,10 +184,12 @@ void SimSwitch::stepIs( Step const& step ) {
 }
 
 void SimSwitch::runUntil( Zub::Seconds t ) {
+   enter();
    if( t > loop_->now() ) loop_->runUntil( t );
 }
 
 std::vector< std::string > SimSwitch::verify() {
+   enter();
    auto const data = ncsd_->verifyData();
    data->cliVerifyOutputDelAll();
    // A run compares everything, not only what changed since the last one.
@@ -196,6 +204,7 @@ std::vector< std::string > SimSwitch::verify() {
 }
 
 void SimSwitch::show( int fd, Qos::MapType type, bool detail ) {
+   enter();
    engine_->showAcls( static_cast< std::uint32_t >( fd ), 0, detail, type );
 }
 

@@ -4,8 +4,9 @@
 // override machine of one VRF, and the
 // publisher that plays the configuration agents and the kernel, all on one event loop in
 // virtual time. It keeps the system
-// log with the time of each line. One at a time per thread: it installs its loop and log sink while
-// it lives.
+// log with the time of each line. One runs at a time per thread: it installs its loop and log sink
+// when built and again whenever it is driven, so that a second switch (a reference run beside
+// it) may come and go in between.
 #pragma once
 
 #include <memory>
@@ -87,6 +88,8 @@ class SimSwitch {
    std::vector< LogLine > const& logs() const { return logs_; }
 
  private:
+   // Makes this switch's loop and log sink the thread's.
+   void enter();
    void entitiesIs( ChipConfig const& chip );
    void engineIs();
    void enginesStop();
