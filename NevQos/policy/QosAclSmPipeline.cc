@@ -94,7 +94,7 @@ void QosAclSm::processPolicyUpdate() {
          // The service policy's machine goes with its last map only when the service policy is
          // gone: one whose last interface left stays for the next to join, as on the immediate
          // road.
-         if( !qosStatus()->servicePolicyStatus( key ) && spSm->pmapSm().size() == 0 ) {
+         if( !qosStatus()->servicePolicyStatus( key ) && spSm->pmapSmSize() == 0 ) {
             servicePolicySmDel( key );
          }
          schedulePolicyVerify();

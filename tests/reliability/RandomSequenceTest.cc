@@ -28,7 +28,9 @@ std::uint64_t fromEnvironment( char const* name, std::uint64_t fallback ) {
    return value ? std::strtoull( value, nullptr, 10 ) : fallback;
 }
 
-constexpr char const* chipCommon = "tcamSliceEntries: 2048, rangeCheckers: 4, asyncDelay: 0.01";
+// Enough range checkers that no rule is expanded: which rules get one depends on the order they
+// came in, and running out is the fault matrix's.
+constexpr char const* chipCommon = "tcamSliceEntries: 2048, rangeCheckers: 64, asyncDelay: 0.01";
 
 std::string chipSettings( Sim::TcamMode mode, bool withFaults ) {
    std::string out = std::string( "{ " ) + chipCommon + ", tcamMode: " +
