@@ -12,6 +12,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <string_view>
+#include <type_traits>
 
 #include "NevQos/types/IntfUpdateCallbackData.h"
 #include "NevQos/types/L2ParamsInfo.h"
