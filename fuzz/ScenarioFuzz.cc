@@ -11,8 +11,8 @@ extern "C" int LLVMFuzzerTestOneInput( std::uint8_t const* data, std::size_t siz
    std::string const text( reinterpret_cast< char const* >( data ), size );
    // A ClassBench set may be named by absolute path; device and process files would make the
    // run read forever or depend on the machine, and test nothing of the loader.
-   for( std::string_view const special : { "/dev/", "/proc/", "/sys/" } ) {
-      if( text.find( special ) != std::string::npos ) return -1;
+   for( std::string_view const systemDir : { "/dev/", "/proc/", "/sys/" } ) {
+      if( text.find( systemDir ) != std::string::npos ) return -1;
    }
    try {
       // A directory that does not exist: relative file names find nothing beside the scenario.
