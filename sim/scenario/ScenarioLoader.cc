@@ -3,8 +3,11 @@
 #include <cerrno>
 #include <cstring>
 #include <fstream>
+#include <optional>
 #include <set>
 #include <sstream>
+
+#include <yaml-cpp/eventhandler.h>
 
 #include "sim/scenario/ChipReader.h"
 #include "sim/scenario/ConfigModel.h"
@@ -21,10 +24,50 @@ std::vector< std::string_view > const topKeys = {
    "fecOverrides",    "fecService",   "steps",
 };
 
+// Where each document of a text starts; nothing else is kept.
+class DocumentStarts : public YAML::EventHandler {
+ public:
+   std::optional< YAML::Mark > last;
+   bool stuck = false;
+
+   void OnDocumentStart( YAML::Mark const& mark ) override {
+      stuck = last && last->pos == mark.pos;
+      last = mark;
+   }
+   void OnDocumentEnd() override {}
+   void OnNull( YAML::Mark const&, YAML::anchor_t ) override {}
+   void OnAlias( YAML::Mark const&, YAML::anchor_t ) override {}
+   void OnScalar( YAML::Mark const&, std::string const&, YAML::anchor_t,
+                  std::string const& ) override {}
+   void OnSequenceStart( YAML::Mark const&, std::string const&, YAML::anchor_t,
+                         YAML::EmitterStyle::value ) override {}
+   void OnSequenceEnd() override {}
+   void OnMapStart( YAML::Mark const&, std::string const&, YAML::anchor_t,
+                    YAML::EmitterStyle::value ) override {}
+   void OnMapEnd() override {}
+};
+
+// yaml-cpp's parser can start a new, empty document at a token it does not consume (a stray ','
+// after a top-level node), so YAML::LoadAll would collect documents forever. A walk of the
+// documents first stops where one starts at the place of the last.
+void checkDocumentsEnd( std::string const& text, YamlReader const& yaml ) {
+   std::istringstream in( text );
+   YAML::Parser parser( in );
+   DocumentStarts starts;
+   while( parser.HandleNextDocument( starts ) ) {
+      if( starts.stuck ) {
+         YAML::Mark const& at = *starts.last;
+         yaml.fail( Where{ at.line + 1, at.column + 1 },
+                    "unexpected '" + text.substr( std::size_t( at.pos ), 1 ) + "'" );
+      }
+   }
+}
+
 // The one document of the text.
 YAML::Node documentOf( std::string const& text, YamlReader const& yaml ) {
    std::vector< YAML::Node > docs;
    try {
+      checkDocumentsEnd( text, yaml );
       docs = YAML::LoadAll( text );
    } catch( YAML::Exception const& e ) {
       yaml.fail( Where{ e.mark.line + 1, e.mark.column + 1 }, e.msg );

@@ -42,6 +42,8 @@ TEST( ScenarioErrorsTest, TextThatIsNotOneYamlMapping ) {
          { "", "bad.yaml:1:1: the scenario is empty" },
          { "# only a comment\n", "bad.yaml:1:1: the scenario is empty" },
          { "chip: {}\n---\nchip: {}\n", "bad.yaml:3:1: one YAML document per scenario" },
+         // The YAML library would start empty documents at the comma forever.
+         { "{ chip: {} },\n", "bad.yaml:1:13: unexpected ','" },
          { "- chip\n", "bad.yaml:1:1: scenario: expected a mapping, found a sequence" },
    } );
    EXPECT_EQ( Sim::ScenarioError( "x.yaml", Sim::Where{}, "gone" ).what(),
