@@ -27,10 +27,8 @@ QosClassMatchDefaultSm::QosClassMatchDefaultSm( AclKey const& key, QosAclSm* qos
 }
 
 void QosClassMatchDefaultSm::prepareInitialized() {
+   // On the deferred road the child's enqueue writes this option to the parent's slot.
    matchOptionIs( defaultOptionOf( aclType() ) );
-   if( helper().asyncTcamOperationsSupported() ) {
-      classMatchSm()->policyData()->matchOptionIs( matchOption() );
-   }
 }
 
 bool QosClassMatchDefaultSm::createAcl() {

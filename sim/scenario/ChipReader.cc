@@ -254,12 +254,12 @@ void ChipReader::faultDetails( YAML::Node const& node, FaultConfig& fault ) cons
    if( fault.kind == FaultConfig::Kind::operationError ) {
       fault.op = yaml_.text( yaml_.required( node, "op" ), "op" );
    }
+   // An asynchronous fault names an operation, the first by default; 0 means none.
+   bool const async = fault.kind == FaultConfig::Kind::asyncPending ||
+                      fault.kind == FaultConfig::Kind::asyncRepeated;
    if( auto const n = node[ "nth" ] ) {
-      bool const async = fault.kind == FaultConfig::Kind::asyncPending ||
-                         fault.kind == FaultConfig::Kind::asyncRepeated;
       fault.nth = std::uint32_t( yaml_.integer( n, "nth", async ? 1 : 0, UINT32_MAX ) );
-   } else if( fault.kind == FaultConfig::Kind::asyncPending ||
-              fault.kind == FaultConfig::Kind::asyncRepeated ) {
+   } else if( async ) {
       fault.nth = 1;
    }
    if( auto const e = node[ "error" ] ) {

@@ -159,9 +159,10 @@ class FaultMatrixTest : public ::testing::TestWithParam< Sim::TcamMode > {
    void expectRecovered( Sim::SimSwitch& sw, std::size_t logsBefore, std::string const& what,
                          Lines const& logs = recoveredLog ) {
       EXPECT_EQ( logLinesOf( sw, logsBefore ), logs ) << what;
-      EXPECT_EQ( policyMapStatusOf( sw ).size(), 1u );
-      EXPECT_TRUE(
-            policyMapStatusOf( sw ).front().starts_with( "input/edge-in: hwPrgmStatusSuccess" ) )
+      Lines const status = policyMapStatusOf( sw );
+      EXPECT_EQ( status.size(), 1u );
+      EXPECT_TRUE( !status.empty() &&
+                   status.front().starts_with( "input/edge-in: hwPrgmStatusSuccess" ) )
             << what;
       EXPECT_EQ( sw.verify(), Lines{} ) << what;
       TcamImage const tcam = tcamImageOf( sw );
@@ -169,6 +170,16 @@ class FaultMatrixTest : public ::testing::TestWithParam< Sim::TcamMode > {
                                           << textOf( tcam ) << "expected\n"
                                           << textOf( reference().tcam );
       EXPECT_EQ( resourcesInUse( sw ), reference().resources ) << what;
+   }
+
+   // `fault` fails the first compile whole, and the change after it recovers.
+   void expectFailsWholeThenRecovers( Sim::FaultConfig const& fault, std::string const& what ) {
+      Sim::Scenario const s = scenario( { fault } );
+      auto sw = started( s );
+      expectFailedWhole( *sw, what );
+      std::size_t const before = sw->logs().size();
+      recover( *sw, s );
+      expectRecovered( *sw, before, what );
    }
 
    std::optional< Reference > reference_;
@@ -185,12 +196,7 @@ TEST_P( FaultMatrixTest, EachFailingCallOfACompileFailsTheMapWholeAndTheNextChan
          fault.kind = Sim::FaultConfig::Kind::operationError;
          fault.op = op;
          fault.nth = k;
-         Sim::Scenario const s = scenario( { fault } );
-         auto sw = started( s );
-         expectFailedWhole( *sw, what );
-         std::size_t const before = sw->logs().size();
-         recover( *sw, s );
-         expectRecovered( *sw, before, what );
+         expectFailsWholeThenRecovers( fault, what );
          ++points;
       }
    }
@@ -212,12 +218,7 @@ TEST_P( FaultMatrixTest,
          fault.kind = Sim::FaultConfig::Kind::outOfTcam;
          fault.family = slice;
          fault.atEntries = k;
-         Sim::Scenario const s = scenario( { fault } );
-         auto sw = started( s );
-         expectFailedWhole( *sw, what );
-         std::size_t const before = sw->logs().size();
-         recover( *sw, s );
-         expectRecovered( *sw, before, what );
+         expectFailsWholeThenRecovers( fault, what );
       }
    }
 }
@@ -329,16 +330,12 @@ TEST_P( AsyncFaultTest, AnOperationThatNeverAnswersOrAnswersTwiceLeavesNoTrace )
    }
 }
 
-std::string modeName( ::testing::TestParamInfo< Sim::TcamMode > const& mode ) {
-   return mode.param == Sim::TcamMode::synchronous ? "synchronous" : "asynchronous";
-}
-
 INSTANTIATE_TEST_SUITE_P( Modes, FaultMatrixTest,
                           ::testing::Values( Sim::TcamMode::synchronous,
                                              Sim::TcamMode::asynchronous ),
-                          modeName );
+                          tcamModeName );
 INSTANTIATE_TEST_SUITE_P( Modes, AsyncFaultTest, ::testing::Values( Sim::TcamMode::asynchronous ),
-                          modeName );
+                          tcamModeName );
 
 }  // namespace
 }  // namespace NevQosTest

@@ -29,7 +29,7 @@ std::string overrides( unsigned slots, unsigned removed ) {
    return yaml;
 }
 
-// Override key to its status, and the rules in the table.
+// Override key to its status.
 std::map< std::string, std::string > cbfStatusOf( Sim::Scenario const& s, Sim::SimSwitch& sw ) {
    std::map< std::string, std::string > out;
    Json const report = Sim::reportOf( s, sw );

@@ -93,6 +93,10 @@ std::vector< std::string > policyMapStatusOf( Sim::SimSwitch const& sw ) {
    return out;
 }
 
+std::string tcamModeName( ::testing::TestParamInfo< Sim::TcamMode > const& mode ) {
+   return mode.param == Sim::TcamMode::synchronous ? "synchronous" : "asynchronous";
+}
+
 std::string textOf( TcamImage const& image ) {
    std::ostringstream os;
    for( auto const& [ id, acl ] : image ) {

@@ -11,6 +11,8 @@
 #include <string>
 #include <vector>
 
+#include <gtest/gtest.h>
+
 #include "sim/runner/SimSwitch.h"
 #include "sim/scenario/Scenario.h"
 
@@ -35,6 +37,9 @@ std::map< std::string, std::uint64_t > resourcesInUse( Sim::SimSwitch const& sw 
 std::vector< std::string > logLinesOf( Sim::SimSwitch const& sw, std::size_t from = 0 );
 // "direction/name: status (message)" of every policy map in the hardware status.
 std::vector< std::string > policyMapStatusOf( Sim::SimSwitch const& sw );
+// The name of a test run on `mode`.
+std::string tcamModeName( ::testing::TestParamInfo< Sim::TcamMode > const& mode );
+
 // Text of an image, for failure messages.
 std::string textOf( TcamImage const& image );
 
