@@ -1,5 +1,7 @@
 #include "NevQos/cbf/CbfFecMappingSm.h"
 
+#include <utility>
+
 #include "NevQos/log/QosLogHandles.h"
 #include "NevQos/log/TraceHandles.h"
 #include "zub/Assert.h"
@@ -193,6 +195,7 @@ void CbfFecMappingSm::policyOverrideTaskIs( Zub::Ptr< Kesh::TaskScheduler > cons
 void CbfFecMappingSm::policyOverrideReviewQueueIs( OverrideKey const& key, bool ) {
    if( policyOverrideReviewQueue_.has( key ) ) return;
    policyOverrideReviewQueue_.set( key, true );
+   if( reviewCursor_ && !( *reviewCursor_ < key ) ) reviewMissedKey_ = true;
    policyOverrideTask()->scheduleTask();
 }
 
@@ -205,32 +208,52 @@ void CbfFecMappingSm::doReviewPolicyOverride() {
               "doReviewPolicyOverride, " << policyOverrideReviewQueue().size() << " queued" );
    if( !initialized() ) return;
    Kesh::TimerTask& task = *policyOverrideTask();
-   bool lastSettled = true;
-   for( auto it = policyOverrideReviewQueue().iter(); it; ) {
+   auto it = policyOverrideReviewQueue().iter();
+   if( reviewCursor_ ) {
+      // The cursor's key may have left the queue meanwhile; the walk goes on after it either way.
+      it = policyOverrideReviewQueue().iterFrom( *reviewCursor_ );
+      if( it && it.key() == *reviewCursor_ ) ++it;
+      reviewCursor_.reset();
+   } else {
+      reviewLastSettled_ = true;
+   }
+   while( it ) {
       OverrideKey const key = it.key();
-      lastSettled = processPolicyOverride( key );
-      if( lastSettled ) policyOverrideReviewQueueDel( key );
+      reviewLastSettled_ = processPolicyOverride( key );
+      if( reviewLastSettled_ ) policyOverrideReviewQueueDel( key );
       task.taskWorkCountInc( 1 );
       ++it;
-      // The next run starts the walk over.
       if( it && task.taskShouldYield() ) {
+         // The next run goes on after this key, so that every key is tried once per review.
+         reviewCursor_ = key;
          task.scheduleTask();
          return;
       }
    }
+   finishReview();
+}
+
+void CbfFecMappingSm::finishReview() {
+   bool const missedKey = std::exchange( reviewMissedKey_, false );
    if( policyOverrideReviewQueue().empty() ) {
       // The shortage is over only once every key is settled.
       updateResourceFullAndSyslog( false );
       return;
    }
-   // Only the last key of the walk decides how soon the next review comes.
+   if( missedKey ) {
+      // A key queued behind a review that had yielded is due now, as it would have been had
+      // the review not yielded.
+      policyOverrideTask()->scheduleTask();
+      return;
+   }
+   // Only the last key of the review decides how soon the next one comes.
    Zub::Seconds delay = defaultDelay();
-   if( !lastSettled && resourceFull() ) {
+   if( !reviewLastSettled_ && resourceFull() ) {
       delay = longDelay();
       PAIRLOG( nevCbfFecMappingSmTrace, 2,
                "Entry remaining in review queue, reschedule review after ", delay, " seconds" );
    }
-   task.scheduleTaskDelay( delay );
+   policyOverrideTask()->scheduleTaskDelay( delay );
 }
 
 bool CbfFecMappingSm::processPolicyOverride( OverrideKey const& overrideKey ) {

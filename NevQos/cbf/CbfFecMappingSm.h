@@ -15,6 +15,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
 #include "NevQos/cbf/CbfFecMap.h"
 #include "NevQos/helpers/CbfFecMappingHelper.h"
@@ -132,6 +133,9 @@ class CbfFecMappingSm : public Zub::PtrInterface {
    Zub::Seconds defaultDelay() const { return defaultDelay_; }
    Zub::Seconds longDelay() const { return longDelay_; }
    bool resourceFull() const { return resourceFull_; }
+   // One run of the review task: goes on with the review under way, from the key after the last
+   // one handled, or starts a new one at the first queued key. A review tries every queued key
+   // once, however many runs it takes, and only its end picks when the next review comes.
    void doReviewPolicyOverride();
    // True when the key is settled and can leave the queue.
    bool processPolicyOverride( OverrideKey const& overrideKey );
@@ -159,6 +163,9 @@ class CbfFecMappingSm : public Zub::PtrInterface {
    // Programs the rule of a key whose two FECs are known; true when it is in hardware.
    bool programRule( OverrideKey const& key, std::uint64_t hwFecId,
                      std::uint64_t overridingHwFecId );
+   // The end of a review: the shortage is over when every key is settled; otherwise the next
+   // review is due after the delay that the review's last key asks for.
+   void finishReview();
 
    VrfId vrfId_;
    Zub::Input< Qos::Glarn::FecOverrideConfig const, ZubPolicyFecOverrideConfig >
@@ -174,6 +181,12 @@ class CbfFecMappingSm : public Zub::PtrInterface {
    Zub::Collection< OverrideKey, bool > policyOverrideReviewQueue_;
    Zub::Ptr< Kesh::TimerTask > policyOverrideTask_;
    Zub::Ptr< ZubPolicyOverrideTask > policyOverrideTaskReactor_;
+   // The last key handled by a review that yielded; none between reviews.
+   std::optional< OverrideKey > reviewCursor_;
+   // Whether the last key handled by the review under way was settled.
+   bool reviewLastSettled_ = true;
+   // A key was queued behind the cursor, so the review under way does not reach it.
+   bool reviewMissedKey_ = false;
    Zub::Seconds defaultDelay_ = 0.01;
    Zub::Seconds longDelay_ = 1.0;
    bool resourceFull_ = false;

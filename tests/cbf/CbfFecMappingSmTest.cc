@@ -224,19 +224,55 @@ TEST_F( CbfFecMappingSmTest, RetriesComeSlowlyOnlyWhileFullAndTheLastKeyFailed )
    EXPECT_EQ( takeLogs(), Lines{ "ROUTING_CBF_HW_RESOURCE_NORMAL" } );
 }
 
-TEST_F( CbfFecMappingSmTest, AReviewYieldsAfterItsQuantumAndGoesOnLater ) {
+// A review cut into runs by the work quantum goes on after the last key it handled (also one
+// that left the queue), reaches a key queued ahead of it, and ends once: the key queued behind it
+// brings the next review at once; that review's failed last key, a second later.
+TEST_F( CbfFecMappingSmTest, AReviewCutIntoRunsTriesEveryKeyOnceAndEndsOnce ) {
+   using enum NevHelper::CbfFecMappingUpdateStatus;
+   auto const creates = []( std::vector< unsigned > const& dscps ) {
+      Lines out;
+      for( unsigned d : dscps )
+         out.push_back( "create ipv4/" + std::to_string( d ) + "/1 hw 1001->1002" );
+      return out;
+   };
    scheduler->workQuantumIs( 2 );
    known( 1 );
    known( 2 );
    start();
-   for( unsigned d = 0; d < 5; ++d )
+   for( unsigned d : { 0, 10, 20, 30, 40 } )
       want( key( d, 1 ), 2 );
+   helper->answers = { cbfMapUpdateFailed, cbfMapUpdateSuccess, cbfMapUpdateFailed,
+                       cbfMapUpdateFailed, cbfMapUpdateFailed,  cbfMapUpdateFailed };
+   loop->runOnce();
+   EXPECT_EQ( helper->take(), creates( { 0, 10 } ) );
+   want( key( 25, 1 ), 2 );
+   want( key( 5, 1 ), 2 );
+   loop->runOnce();
+   EXPECT_EQ( helper->take(), creates( { 20, 25 } ) );
+   loop->runOnce();
+   EXPECT_EQ( helper->take(), creates( { 30, 40 } ) );
+   EXPECT_EQ( sm->policyOverrideTask()->taskScheduledTime(), loop->now() );
+
+   helper->answers = { cbfMapUpdateFailed, cbfMapUpdateSuccess, cbfMapUpdateFailed,
+                       cbfMapUpdateFailed, cbfMapUpdateFailed,  cbfMapUpdateFailed };
+   for( int run = 0; run < 3; ++run )
+      loop->runOnce();
+   EXPECT_EQ( helper->take(), creates( { 0, 5, 20, 25, 30, 40 } ) );
+   EXPECT_NEAR( sm->policyOverrideTask()->taskScheduledTime() - loop->now(), 1.0, 1e-9 );
+   std::uint64_t const runs = sm->policyOverrideTask()->taskRuns();
+   review();
+   EXPECT_EQ( sm->policyOverrideTask()->taskRuns(), runs ) << "idle until the next review";
+   EXPECT_EQ( takeLogs(), Lines{ "ROUTING_CBF_HW_RESOURCE_FULL" } );
+
+   // All settle in the next review, over three runs; the shortage ends once, at its end.
    loop->runOnce();
    EXPECT_EQ( helper->take().size(), 2u );
-   EXPECT_EQ( sm->policyOverrideReviewQueue().size(), 3u );
+   EXPECT_TRUE( sm->resourceFull() );
    review();
    EXPECT_EQ( helper->take().size(), 3u );
    EXPECT_TRUE( sm->policyOverrideReviewQueue().empty() );
+   EXPECT_FALSE( sm->policyOverrideTask()->taskScheduled() );
+   EXPECT_EQ( takeLogs(), Lines{ "ROUTING_CBF_HW_RESOURCE_NORMAL" } );
 }
 
 TEST_F( CbfFecMappingSmTest, ACorruptConfigurationEndsInTheRethrownException ) {
