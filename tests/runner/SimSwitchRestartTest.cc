@@ -65,6 +65,16 @@ class TraceLines {
    Lines lines_;
 };
 
+Lines logsOf( Sim::SimSwitch const& sw ) {
+   Lines logs;
+   for( Sim::LogLine const& l : sw.logs() ) {
+      std::ostringstream line;
+      line << l.t << " " << l.handle;
+      logs.push_back( line.str() );
+   }
+   return logs;
+}
+
 TEST( SimSwitchRestartTest, AStalePolicyMapStatusIsSweptAndTheMatchingOnesKeepTheirs ) {
    Sim::Scenario const s = Sim::loadScenario( example( "restart-reconciliation.yaml" ) );
    ASSERT_EQ( s.steps.size(), 3u );
@@ -109,6 +119,63 @@ TEST( SimSwitchRestartTest, AStalePolicyMapStatusIsSweptAndTheMatchingOnesKeepTh
    for( Sim::LogLine const& l : sw.logs() )
       logs.push_back( l.handle + ": " + l.text );
    EXPECT_EQ( logs, Lines{} );
+}
+
+// A counter request and an error clear made while the engines are down are served by the new
+// ones' start-up, and a request served before a restart is not served again after it: the clear
+// is made before the new start-up programs anything, so what fails from then on stays reported.
+TEST( SimSwitchRestartTest, RequestsMadeWhileDownAreServedOnceByTheNewEngines ) {
+   Sim::Scenario const s = Sim::loadScenarioText( R"(
+chip: { ecnProfiles: 1 }
+interfaces: [ Ethernet1, Ethernet2 ]
+acls: [ { name: A, rules: [ { proto: udp } ] } ]
+classMaps: [ { name: c, match: { ipv4: A } } ]
+policyMaps: [ { name: p, classes: [ { class: c, set: { dscp: cs2 }, count: true } ] } ]
+servicePolicies: [ { policyMap: p, interfaces: [ Ethernet1 ] } ]
+interfaceQos:
+  - { interface: Ethernet1, queues: [ { queue: 1, ecn: { min: 10000, max: 20000 } } ] }
+  - { interface: Ethernet2, queues: [ { queue: 1, ecn: { min: 30000, max: 40000 } } ] }
+steps:
+  - at: 1
+    changes:
+      - traffic: { policyMap: p, class: c, interface: Ethernet1, packets: 7, bytes: 700 }
+      - requestCounters: snmp
+  - at: 2
+    changes:
+      - restart: true
+      - removeInterfaceQos: Ethernet2
+      - clearErrors: true
+      - requestCounters: snmp
+  - at: 3
+    changes:
+      - interfaceQos: { interface: Ethernet2, queues: [ { queue: 1, ecn: { min: 30000, max: 40000 } } ] }
+  - at: 4
+    changes:
+      - restart: true
+      - removeInterfaceQos: Ethernet2
+)",
+                                                  "requests.yaml" );
+   Sim::SimSwitch sw( s );
+   auto const failed = [ &sw ] { return sw.sliceHwStatus().status() == Qos::hwProgrammingFailed_; };
+   ASSERT_TRUE( failed() ) << "Ethernet2 finds no ECN profile";
+   sw.stepIs( s.steps[ 0 ] );
+   auto const cmap = pmapHwStatus( sw, "p" )->cmap( Zub::Name( "c" ) );
+   ASSERT_EQ( cmap->outCount(), 7u );
+
+   sw.stepIs( s.steps[ 1 ] );
+   EXPECT_FALSE( failed() );
+   EXPECT_EQ( sw.aclSliceHwStatus().pmapCounterUpdateTime(), 2.0 );
+   EXPECT_EQ( cmap->outCount(), 0u );
+
+   sw.stepIs( s.steps[ 2 ] );
+   ASSERT_TRUE( failed() );
+   std::size_t const counterCalls = callCount( sw, "counterUpdateRequest" );
+   sw.stepIs( s.steps[ 3 ] );
+   EXPECT_TRUE( failed() ) << "the clear of 2 was served already";
+   EXPECT_EQ( sw.aclSliceHwStatus().pmapCounterUpdateTime(), 2.0 );
+   EXPECT_EQ( callCount( sw, "counterUpdateRequest" ), counterCalls );
+   EXPECT_EQ( sw.verify(), Lines{} );
+   EXPECT_EQ( logsOf( sw ), ( Lines{ "0.001 QOS_ECN_QUEUE_HW_FULL", "3 QOS_ECN_QUEUE_HW_FULL" } ) );
 }
 
 // A restart while the chip still has operations in flight, the first of which it would leave
