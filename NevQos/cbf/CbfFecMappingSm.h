@@ -11,7 +11,8 @@
 // keys: programmed (status 1), or waiting for a FEC id (3), or gone; out of room (2) and not ready
 // (4) stay on the queue and are tried again, slowly while the hardware is full. One shortage is
 // logged once as ROUTING_CBF_HW_RESOURCE_FULL and once as ROUTING_CBF_HW_RESOURCE_NORMAL when
-// every key is settled.
+// every key is settled. Start-up drops what an earlier life of the agent left for overrides no
+// longer configured, and a verification run compares the status with the hardware's rules.
 #pragma once
 
 #include <cstdint>
@@ -22,6 +23,7 @@
 #include "entities/FecOverride.h"
 #include "kesh/TimerTask.h"
 #include "nev/FecIdToHwFecId.h"
+#include "nev/VerifyData.h"
 #include "zub/Attribute.h"
 #include "zub/Collection.h"
 
@@ -56,6 +58,16 @@ class CbfFecMappingSm : public Zub::PtrInterface {
       }
       void onHwFecIdzubImmediate() override {
          if( !zombie() ) sm_->handleHwFecIdResponse();
+      }
+
+    private:
+      CbfFecMappingSm* sm_;
+   };
+   class ZubVerifyData : public VerifyData::Notifiee {
+    public:
+      explicit ZubVerifyData( CbfFecMappingSm* sm ) : sm_( sm ) {}
+      void onVerify() override {
+         if( !zombie() ) sm_->handleVerify();
       }
 
     private:
@@ -141,6 +153,17 @@ class CbfFecMappingSm : public Zub::PtrInterface {
    bool processPolicyOverride( OverrideKey const& overrideKey );
    void updateResourceFullAndSyslog( bool resourceFullState );
 
+   // ---- verification ----
+   // The platform's verify agent: each run it starts compares the status with the hardware.
+   Zub::Ptr< VerifyData > const& verifyData() const { return verifyData_.get(); }
+   void verifyDataIs( Zub::Ptr< VerifyData > const& verifyData ) {
+      verifyData_.is( verifyData, this, false );
+   }
+   // Every settled override whose status says programmed has its rule in the hardware, under
+   // the rule id of the status and with the hardware FEC ids it was given; the hardware holds no
+   // rule that no such override, nor one still under review, owns. Mismatches are reported.
+   void handleVerify();
+
    // ---- lifecycle ----
    bool initialized() const { return initialized_; }
    void handleInitialized();
@@ -163,6 +186,9 @@ class CbfFecMappingSm : public Zub::PtrInterface {
    // Programs the rule of a key whose two FECs are known; true when it is in hardware.
    bool programRule( OverrideKey const& key, std::uint64_t hwFecId,
                      std::uint64_t overridingHwFecId );
+   // At start-up: drops the status, and the rule, of overrides no longer configured, and takes
+   // over a shortage that the status shows.
+   void sweepStaleOverrideStatus();
    // The end of a review: the shortage is over when every key is settled; otherwise the next
    // review is due after the delay that the review's last key asks for.
    void finishReview();
@@ -179,6 +205,7 @@ class CbfFecMappingSm : public Zub::PtrInterface {
    Zub::Collection< Glarn::Fib::FecId, Zub::Ptr< FecIdToOverrideKey > > fecIdToOverrideKey_;
    Zub::Collection< OverrideKey, Zub::Ptr< CbfFecMapRule > > cbfFecMapRuleCache_;
    Zub::Collection< OverrideKey, bool > policyOverrideReviewQueue_;
+   Zub::Input< VerifyData, ZubVerifyData > verifyData_;
    Zub::Ptr< Kesh::TimerTask > policyOverrideTask_;
    Zub::Ptr< ZubPolicyOverrideTask > policyOverrideTaskReactor_;
    // The last key handled by a review that yielded; none between reviews.
