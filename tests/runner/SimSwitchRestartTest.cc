@@ -1,6 +1,7 @@
-// The agent's restart in the simulated switch: the new policy engine's start-up drops the
-// hardware status of a service policy removed while the engines were down and keeps the rest,
-// the chip comes up empty and is programmed anew, and nothing is left for verification to find.
+// The agent's restart in the simulated switch: the new engines' start-up drops the hardware status
+// of a service policy and of a FEC override removed while the engines were down and keeps the
+// rest, the chip (its rule table included) comes up empty and is programmed anew, requests made
+// while the engines were down are served once, and nothing is left for verification to find.
 #include <gtest/gtest.h>
 
 #include <sstream>
@@ -8,6 +9,7 @@
 #include <vector>
 
 #include "runner/SimProgram.h"
+#include "sim/chip/ChipText.h"
 #include "sim/runner/SimSwitch.h"
 #include "sim/scenario/ScenarioLoader.h"
 #include "zub/Trace.h"
@@ -40,11 +42,11 @@ std::size_t callCount( Sim::SimSwitch const& sw, std::string const& op ) {
    return n;
 }
 
-// The engine's trace lines at level 2 and below, kept while it lives.
+// The engines' trace lines at level 2 and below, kept while it lives.
 class TraceLines {
  public:
    TraceLines() {
-      Zub::traceEnable( "NevQos/0-2" );
+      Zub::traceEnable( "NevQos/0-2,NevCbfFecMappingSm/0-2" );
       Zub::traceSinkIs(
             [ this ]( Zub::TraceRecord const& r ) { lines_.push_back( r.message.stdString() ); } );
    }
@@ -65,6 +67,23 @@ class TraceLines {
    Lines lines_;
 };
 
+std::uint32_t cbfStatusOf( Sim::SimSwitch const& sw, std::string const& key ) {
+   for( auto it = sw.fecOverrideStatus().iter(); it; ++it ) {
+      if( Sim::textOf( it.key() ) == key ) return it.value().status;
+   }
+   return 0;
+}
+
+Lines cbfRulesOf( Sim::SimSwitch const& sw ) {
+   Lines out;
+   for( auto const& [ key, rule ] : sw.cbfChip().rules() ) {
+      out.push_back( Sim::textOf( key ) + " #" + std::to_string( rule.id ) + " " +
+                     std::to_string( rule.hwFecId ) + "->" +
+                     std::to_string( rule.overridingHwFecId ) );
+   }
+   return out;
+}
+
 Lines logsOf( Sim::SimSwitch const& sw ) {
    Lines logs;
    for( Sim::LogLine const& l : sw.logs() ) {
@@ -75,7 +94,7 @@ Lines logsOf( Sim::SimSwitch const& sw ) {
    return logs;
 }
 
-TEST( SimSwitchRestartTest, AStalePolicyMapStatusIsSweptAndTheMatchingOnesKeepTheirs ) {
+TEST( SimSwitchRestartTest, StaleStatusIsSweptTheRestKeptAndTheChipProgrammedAnew ) {
    Sim::Scenario const s = Sim::loadScenario( example( "restart-reconciliation.yaml" ) );
    ASSERT_EQ( s.steps.size(), 3u );
    Sim::SimSwitch sw( s );
@@ -86,39 +105,46 @@ TEST( SimSwitchRestartTest, AStalePolicyMapStatusIsSweptAndTheMatchingOnesKeepTh
    ASSERT_FALSE( aclsOf( sw, "web-in(" ).empty() );
    ASSERT_EQ( sw.chip().policersUsed(), 1u );
    unsigned const voiceVersion = voice->version();
-   std::uint64_t const voiceCount = voice->cmap( Zub::Name( "voice" ) )->outCount();
-   ASSERT_EQ( voiceCount, 100u );
+   ASSERT_EQ( voice->cmap( Zub::Name( "voice" ) )->outCount(), 100u );
+   // One rule slot: AF41 has it, EF is refused.
+   ASSERT_EQ( cbfRulesOf( sw ), Lines{ "ipv4/34/10 #0 5010->5021" } );
+   ASSERT_EQ( cbfStatusOf( sw, "ipv4/46/10" ), 2u );
 
    TraceLines trace;
-   sw.stepIs( s.steps[ 1 ] );  // the restart, with web-in removed while the engines are down
+   sw.stepIs( s.steps[ 1 ] );  // the restart; web-in and AF41 removed while the engines are down
    std::ostringstream webKey;
    webKey << Qos::PolicyMapHwStatusKey( Qos::directionInput_, Zub::Name( "web-in" ) );
    EXPECT_EQ( trace.with( "stale" ),
-              Lines{ " deleting stale Qos policyMapHwStatus " + webKey.str() } );
+              ( Lines{ " deleting stale fecOverrideStatus ipv4/34/10",
+                       " deleting stale Qos policyMapHwStatus " + webKey.str() } ) );
    EXPECT_FALSE( pmapHwStatus( sw, "web-in" ) );
-   // The very entries of before, with their status and counters.
+   // The very entries of before, with their status.
    EXPECT_EQ( pmapHwStatus( sw, "voice-in" ).ptr(), voice.ptr() );
    EXPECT_EQ( pmapHwStatus( sw, "bulk-out", Qos::directionOutput_ ).ptr(), bulk.ptr() );
    EXPECT_EQ( voice->prgmStatus(), Qos::hwPrgmStatusSuccess_ );
    EXPECT_EQ( bulk->prgmStatus(), Qos::hwPrgmStatusSuccess_ );
    EXPECT_EQ( voice->version(), voiceVersion );
-   EXPECT_EQ( voice->cmap( Zub::Name( "voice" ) )->outCount(), voiceCount );
-   // Each chip started up again, and nothing of web-in came back.
+   // Each chip started up again, and nothing of web-in or AF41 came back.
    EXPECT_EQ( callCount( sw, "hwInit" ), 4u ) << "policy and basic engines, twice";
    EXPECT_EQ( aclsOf( sw, "web-in(" ), Lines{} );
    EXPECT_EQ( sw.chip().policersUsed(), 0u );
    EXPECT_FALSE( aclsOf( sw, "voice-in(" ).empty() );
    EXPECT_FALSE( aclsOf( sw, "bulk-out(" ).empty() );
+   EXPECT_EQ( cbfRulesOf( sw ), Lines{ "ipv4/46/10 #0 5010->5020" } );
+   EXPECT_EQ( cbfStatusOf( sw, "ipv4/34/10" ), 0u );
+   EXPECT_EQ( cbfStatusOf( sw, "ipv4/46/10" ), 1u );
+   // The counter request made while the engines were down, served by the new ones from a chip
+   // whose counters started again.
+   EXPECT_EQ( sw.aclSliceHwStatus().pmapCounterUpdateTime(), 2.0 );
+   EXPECT_EQ( voice->cmap( Zub::Name( "voice" ) )->outCount(), 0u );
    EXPECT_EQ( sw.verify(), Lines{} );
 
    sw.stepIs( s.steps[ 2 ] );
    EXPECT_EQ( sw.verify(), Lines{} );
-   // The chip's counters started again from nothing at its start-up.
    EXPECT_EQ( voice->cmap( Zub::Name( "voice" ) )->outCount(), 40u );
-   Lines logs;
-   for( Sim::LogLine const& l : sw.logs() )
-      logs.push_back( l.handle + ": " + l.text );
-   EXPECT_EQ( logs, Lines{} );
+   // The shortage that stood at the restart ends once EF fits.
+   EXPECT_EQ( logsOf( sw ), ( Lines{ "0.001 ROUTING_CBF_HW_RESOURCE_FULL",
+                                     "2 ROUTING_CBF_HW_RESOURCE_NORMAL" } ) );
 }
 
 // A counter request and an error clear made while the engines are down are served by the new
