@@ -41,7 +41,12 @@ void QosPolicyMapSm::handleInitialized() {
    initialized_ = true;
 }
 
+bool QosPolicyMapSm::hasHwStatus() const {
+   return pmapType() != Qos::mapControlPlane_ || qosAclSm()->qosAclHwStatus()->intfCoppSupported();
+}
+
 Zub::Ptr< Qos::PolicyMapHwStatus > QosPolicyMapSm::pmapSliceHwStatus() const {
+   if( !hasHwStatus() ) return nullptr;
    auto pmapSliceHwStatusType = qosAclSm()->qosAclSliceHwStatus()->pmapType( pmapType() );
    ZUB_ASSERT( pmapSliceHwStatusType );
    auto pmapSliceHwStatus = pmapSliceHwStatusType->pmap( hwKey() );
@@ -60,7 +65,7 @@ void QosPolicyMapSm::versionUpdated() {
    qosAclSm()->qosHelper()->prepareToCommit();
    createSm();
    doRecordLatency( start );
-   pmapSliceHwStatus()->versionIs( pmapState()->version() );
+   if( auto hwStatus = pmapSliceHwStatus() ) hwStatus->versionIs( pmapState()->version() );
 }
 
 void QosPolicyMapSm::deleteSm() {
@@ -87,12 +92,14 @@ void QosPolicyMapSm::createSm() {
               "createSm"
                     << " shared " << pmapState()->shared() );
    auto hwStatus = pmapSliceHwStatus();
-   hwStatus->prgmStatusIs( Qos::hwPrgmStatusInProgress_ );
+   if( hwStatus ) hwStatus->prgmStatusIs( Qos::hwPrgmStatusInProgress_ );
    pmapState()->readyToVerifyIs( false );
    if( !verifyNumOfClasses() ) {
       // Nothing is programmed for a map with too many classes, and nothing is logged.
-      hwStatus->prgmStatusIs( Qos::hwPrgmStatusFail_ );
-      hwStatus->prgmStatusErrMessageIs( "Insufficient hardware resources" );
+      if( hwStatus ) {
+         hwStatus->prgmStatusIs( Qos::hwPrgmStatusFail_ );
+         hwStatus->prgmStatusErrMessageIs( "Insufficient hardware resources" );
+      }
       return;
    }
    ZUB_TRACE( nevQosTrace, 3, " updateIpAccessGroupCounts" );
@@ -241,7 +248,7 @@ void QosPolicyMapSm::updateIpAccessGroupCounts(
 void QosPolicyMapSm::intfUpdated( Qos::IntfPairKey const& intfPair, bool add ) {
    ZUB_TRACE( nevQosTrace, 3,
               "intfUpdated " << intfPair << " add " << add << " dirty " << pmapState()->dirty() );
-   pmapSliceHwStatus()->prgmStatusIs( Qos::hwPrgmStatusInProgress_ );
+   if( auto hwStatus = pmapSliceHwStatus() ) hwStatus->prgmStatusIs( Qos::hwPrgmStatusInProgress_ );
    pmapState()->readyToVerifyIs( false );
    if( add ) {
       pmapState()->activeIntfIs( intfPair, true );
@@ -332,16 +339,20 @@ void QosPolicyMapSm::handleVerify() {
    auto const typeStatus = qosAclSm()->qosStatus()->pmapType( pmapType() );
    auto const pmapStatus = typeStatus ? typeStatus->pmap( pmapName() ) : nullptr;
    ZUB_ASSERT_TEXT( pmapStatus, "pmapStatus" );
-   auto const pmapSliceHwStatusType = qosAclSm()->qosAclSliceHwStatus()->pmapType( pmapType() );
-   ZUB_ASSERT_TEXT( pmapSliceHwStatusType, "pmapSliceHwStatusType" );
-   auto const pmapSliceHwStatus = pmapSliceHwStatusType->pmap( hwKey() );
-   ZUB_ASSERT_TEXT( pmapSliceHwStatus, "pmapSliceHwStatusType->pmap( pmapHwStatusKey )" );
+   Zub::Ptr< Qos::PolicyMapHwStatus > pmapSliceHwStatus;
+   if( hasHwStatus() ) {
+      auto const pmapSliceHwStatusType = qosAclSm()->qosAclSliceHwStatus()->pmapType( pmapType() );
+      ZUB_ASSERT_TEXT( pmapSliceHwStatusType, "pmapSliceHwStatusType" );
+      pmapSliceHwStatus = pmapSliceHwStatusType->pmap( hwKey() );
+      ZUB_ASSERT_TEXT( pmapSliceHwStatus, "pmapSliceHwStatusType->pmap( pmapHwStatusKey )" );
+   }
    ZUB_TRACE( nevQosTrace, 5, "QosPolicyMapSm::handleVerify " << key() );
    // A map still being compiled, or waiting to be torn down after a failure, is not stable.
    if( !pmapState()->readyToVerify() ) return;
    if( !verifyNumOfClasses() || pmapState()->dirty() ) {
       // A map that did not fit has nothing in hardware.
       ZUB_ASSERT_TEXT( policyClassSmSize() == 0, "policyClassSms() == 0" );
+      if( !pmapSliceHwStatus ) return;
       ZUB_ASSERT_TEXT( pmapSliceHwStatus->prgmStatus() == Qos::hwPrgmStatusFail_,
                        "pmapSliceHwStatus->prgmStatus() == Qos::hwPrgmStatusFail_" );
       ZUB_ASSERT_TEXT(

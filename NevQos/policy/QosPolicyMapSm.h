@@ -102,7 +102,11 @@ class QosPolicyMapSm : public Zub::PtrInterface {
    void handleVerify();
    // The map's header, then each class followed by an empty line.
    void showAcls( std::uint32_t socket, std::uint32_t unit, bool detail );
-   // The hardware status of this map in its ACL group; it must exist.
+   // Whether the map reports through a hardware status entry: the system-wide control-plane
+   // policy of a chip without per-interface CoPP has none.
+   bool hasHwStatus() const;
+   // The hardware status of this map in its ACL group: null for a map without one, and it must
+   // exist for the others.
    Zub::Ptr< Qos::PolicyMapHwStatus > pmapSliceHwStatus() const;
 
  private:
