@@ -39,8 +39,10 @@ void QosAclSm::setPolicyMapHwPrgmStatus( QosPolicyMapKey const& key ) {
    }
    bool const wasUnable = qosHelper()->unableToProgram( spKey );
 
-   // The status is per service policy, over all of its ACL groups.
+   // The status is per service policy, over all of its ACL groups; a group that did not fit
+   // fails it.
    bool anyDirty = false;
+   bool anyFailed = false;
    bool cleanLast = false;
    for( auto it = qosHelper()->pmapState().iter(); it; ++it ) {
       QosPolicyMapKey const& k = it.key();
@@ -50,21 +52,22 @@ void QosAclSm::setPolicyMapHwPrgmStatus( QosPolicyMapKey const& key ) {
       }
       bool const dirty = it.value()->dirty();
       anyDirty = anyDirty || dirty;
+      anyFailed = anyFailed || dirty || it.value()->classBudgetExceeded();
       cleanLast = !dirty;
       if( !dirty ) it.value()->readyToVerifyIs( true );
    }
    ZUB_TRACE( nevQosTrace, 3, anyDirty << "," << wasUnable );
 
    if( hwStatus ) {
-      if( anyDirty ) {
-         // No log here: handleDirty() has written it.
+      if( anyFailed ) {
+         // No log here: handleDirty() has written it, and a map over its class budget has none.
          hwStatus->prgmStatusIs( Qos::hwPrgmStatusFail_ );
          hwStatus->prgmStatusErrMessageIs( "Insufficient hardware resources" );
          return;
       }
       hwStatus->prgmStatusIs( Qos::hwPrgmStatusSuccess_ );
       if( !( cleanLast && wasUnable ) ) return;
-   } else if( !( cleanLast && wasUnable && !anyDirty ) ) {
+   } else if( !( cleanLast && wasUnable && !anyFailed ) ) {
       return;
    }
 

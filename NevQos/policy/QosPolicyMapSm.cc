@@ -91,15 +91,13 @@ void QosPolicyMapSm::createSm() {
    ZUB_TRACE( nevQosTrace, 3,
               "createSm"
                     << " shared " << pmapState()->shared() );
-   auto hwStatus = pmapSliceHwStatus();
-   if( hwStatus ) hwStatus->prgmStatusIs( Qos::hwPrgmStatusInProgress_ );
+   if( auto hwStatus = pmapSliceHwStatus() ) hwStatus->prgmStatusIs( Qos::hwPrgmStatusInProgress_ );
    pmapState()->readyToVerifyIs( false );
-   if( !verifyNumOfClasses() ) {
-      // Nothing is programmed for a map with too many classes, and nothing is logged.
-      if( hwStatus ) {
-         hwStatus->prgmStatusIs( Qos::hwPrgmStatusFail_ );
-         hwStatus->prgmStatusErrMessageIs( "Insufficient hardware resources" );
-      }
+   pmapState()->classBudgetExceededIs( !verifyNumOfClasses() );
+   if( pmapState()->classBudgetExceeded() ) {
+      // Nothing is programmed for a map with too many classes, and nothing is logged. The
+      // status says so on every chip, and keeps saying so until a compile that fits.
+      qosAclSm()->setPolicyMapHwPrgmStatus( key() );
       return;
    }
    ZUB_TRACE( nevQosTrace, 3, " updateIpAccessGroupCounts" );
@@ -265,6 +263,13 @@ void QosPolicyMapSm::intfUpdated( Qos::IntfPairKey const& intfPair, bool add ) {
       qosAclSm()->setPolicyMapHwPrgmStatus( key() );
       return;
    }
+   if( pmapState()->classBudgetExceeded() ) {
+      // Nothing stands to move; a recompile, cheap for a map that has nothing, takes a budget
+      // that has grown meanwhile.
+      versionUpdated();
+      qosAclSm()->setPolicyMapHwPrgmStatus( key() );
+      return;
+   }
    if( pmapState()->dirty() ) {
       // Dropping an interface may free enough to succeed; adding one cannot.
       if( !add ) versionUpdated();
@@ -349,15 +354,9 @@ void QosPolicyMapSm::handleVerify() {
    ZUB_TRACE( nevQosTrace, 5, "QosPolicyMapSm::handleVerify " << key() );
    // A map still being compiled, or waiting to be torn down after a failure, is not stable.
    if( !pmapState()->readyToVerify() ) return;
-   if( !verifyNumOfClasses() || pmapState()->dirty() ) {
-      // A map that did not fit has nothing in hardware.
-      ZUB_ASSERT_TEXT( policyClassSmSize() == 0, "policyClassSms() == 0" );
-      if( !pmapSliceHwStatus ) return;
-      ZUB_ASSERT_TEXT( pmapSliceHwStatus->prgmStatus() == Qos::hwPrgmStatusFail_,
-                       "pmapSliceHwStatus->prgmStatus() == Qos::hwPrgmStatusFail_" );
-      ZUB_ASSERT_TEXT(
-            pmapSliceHwStatus->prgmStatusErrMessage() == "Insufficient hardware resources",
-            "pmapSliceHwStatus->prgmStatusErrMessage() == \"Insufficient hardware resources\"" );
+   // The class budget as the last compile found it: the one the status reports.
+   if( pmapState()->classBudgetExceeded() || pmapState()->dirty() ) {
+      verifyFailed( pmapSliceHwStatus );
       return;
    }
    for( auto it = pmapStatus->classPrio().iter(); it; ++it )
@@ -371,6 +370,16 @@ void QosPolicyMapSm::handleVerify() {
       verifyClass( classDefault->key(),
                    classDefaultCompiled() && pmapStatus->classActionDefault() );
    }
+}
+
+void QosPolicyMapSm::verifyFailed( Zub::Ptr< Qos::PolicyMapHwStatus > const& hwStatus ) {
+   ZUB_ASSERT_TEXT( policyClassSmSize() == 0, "policyClassSms() == 0" );
+   if( !hwStatus ) return;
+   ZUB_ASSERT_TEXT( hwStatus->prgmStatus() == Qos::hwPrgmStatusFail_,
+                    "pmapSliceHwStatus->prgmStatus() == Qos::hwPrgmStatusFail_" );
+   ZUB_ASSERT_TEXT(
+         hwStatus->prgmStatusErrMessage() == "Insufficient hardware resources",
+         "pmapSliceHwStatus->prgmStatusErrMessage() == \"Insufficient hardware resources\"" );
 }
 
 void QosPolicyMapSm::verifyClass( Zub::Name const& cmapName, bool present ) {

@@ -121,6 +121,8 @@ class QosPolicyMapSm : public Zub::PtrInterface {
    bool classDefaultCompiled() const;
    // Verifies the class `cmapName` when it must have a machine, else asserts it has none.
    void verifyClass( Zub::Name const& cmapName, bool present );
+   // A map that did not fit has nothing in hardware and says it failed.
+   void verifyFailed( Zub::Ptr< Qos::PolicyMapHwStatus > const& hwStatus );
 
    QosPolicyMapKey key_;
    Zub::Name coppPolicyMapName_{ "copp-system-policy" };

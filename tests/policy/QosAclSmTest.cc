@@ -2,6 +2,8 @@
 // entities and the system log.
 #include "policy/QosAclSmFixture.h"
 
+#include <algorithm>
+
 #include "NevQos/policy/QosPolicyMapSm.h"
 #include "nev/AclData.h"
 
@@ -123,13 +125,27 @@ TEST_F( QosAclSmFixture, TooManyClassesFailWithoutALogOrDirtyMark ) {
                ->pmapIs( Qos::PolicyMapHwStatusKey( Qos::directionInput_, Zub::Name( "big" ) ) ) );
    recorder->seen.clear();
    helper->clearCalls();
-   servicePolicyIs( "big", 3, { "Ethernet1" } );
-   // The first status written is the failure; the interface update that follows the compile
-   // moves the status on, as any later update does.
+   auto status = servicePolicyIs( "big", 3, { "Ethernet1" } );
+   status->intfIdsIs( intf( "Ethernet2" ), true );
+   status->intfIdsDel( intf( "Ethernet1" ) );
+   // The first status written is the failure, and no interface update after the compile
+   // writes success over it.
    ASSERT_FALSE( recorder->seen.empty() );
    EXPECT_EQ( recorder->seen[ 0 ], Qos::hwPrgmStatusFail_ );
+   EXPECT_EQ( std::count( recorder->seen.begin(), recorder->seen.end(), Qos::hwPrgmStatusSuccess_ ),
+              0 );
+   EXPECT_EQ( hwStatus( "big" )->prgmStatus(), Qos::hwPrgmStatusFail_ );
    EXPECT_EQ( hwStatus( "big" )->prgmStatusErrMessage(), "Insufficient hardware resources" );
    EXPECT_FALSE( helper->pmapState( pmapKey( "big" ) )->dirty() );
+   EXPECT_TRUE( helper->callsMatching( "batchCommitAclsIntf" ).empty() ) << "nothing to move";
+
+   // A budget that allows the map is taken at the next change.
+   sliceHwStatus->maxClassesPerPolicyMapIs( 4 );
+   status->intfIdsIs( intf( "Ethernet1" ), true );
+   EXPECT_EQ( hwStatus( "big" )->prgmStatus(), Qos::hwPrgmStatusSuccess_ );
+   EXPECT_EQ(
+         sm->servicePolicySm( spKey( "big" ) )->pmapSm( pmapKey( "big" ) )->policyClassSmSize(),
+         3u );
 }
 
 TEST_F( QosAclSmFixture, ExhaustionLogsFullOnceRemovesTheMapAndRecoveryLogsNormalOnce ) {
