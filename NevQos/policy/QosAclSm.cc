@@ -201,12 +201,9 @@ void QosAclSm::handleServicePolicy( Qos::ServicePolicyKey const& key ) {
    if( auto status = qosStatus()->servicePolicyStatus( key ) ) {
       servicePolicySmIs( key, this, status, clock() );
    } else {
-      auto const sm = servicePolicySm( key );
-      if( sm ) sm->doPrepareToDie();
-      // On the asynchronous road a machine with policy maps leaves through the queue, behind
-      // their removals, and the queue asks for the verification. One without any (no interface
-      // had joined) has nothing queued that would take it away.
-      if( qosHelper()->asyncTcamOperationsSupported() && sm && sm->pmapSmSize() != 0 ) return;
+      // On the asynchronous road the maps' removals stay queued, holding the maps, and the
+      // machine goes now, so that the service policy given again gets a machine of its own.
+      if( auto const sm = servicePolicySm( key ) ) sm->doPrepareToDie();
       servicePolicySmDel( key );
    }
    schedulePolicyVerify();

@@ -29,6 +29,8 @@ QosPolicyMapSm::QosPolicyMapSm( QosPolicyMapKey const& key, QosAclSm* qosAclSm,
     : key_( key ), qosAclSm_( qosAclSm ), pmap_( pmap ) {
    pmapState_.is( pmapState, this, false );
    clock_.is( clock, this, false );
+   // A state kept from an earlier engine counts requests of a queue that has gone with it.
+   pmapState->pendingRequestsIs( 0 );
    handleInitialized();
 }
 
@@ -133,10 +135,33 @@ void QosPolicyMapSm::createSm() {
       }
    }
    qosAclSm()->qosHelper()->batchCommitAcls( *pmapState() );
-   if( !qosAclSm()->qosAclHwStatus()->selfReportedPrgmStatus() &&
-       !qosAclSm()->qosHelper()->asyncTcamOperationsSupported() ) {
-      qosAclSm()->setPolicyMapHwPrgmStatus( key() );
+   compileEnded();
+}
+
+// On the asynchronous road the status waits for the last of the map's requests, which moves it;
+// a compile that queued none has its outcome now.
+void QosPolicyMapSm::compileEnded() {
+   if( qosAclSm()->qosAclHwStatus()->selfReportedPrgmStatus() ) return;
+   if( qosAclSm()->qosHelper()->asyncTcamOperationsSupported() &&
+       pmapState()->pendingRequests() != 0 ) {
+      return;
    }
+   qosAclSm()->setPolicyMapHwPrgmStatus( key() );
+}
+
+void QosPolicyMapSm::requestEntered() {
+   pmapState()->pendingRequestsIs( pmapState()->pendingRequests() + 1 );
+}
+
+// A driver that finishes a request twice (a result and a time-out of one operation it left
+// pending) does not take the count below what is queued.
+void QosPolicyMapSm::requestFinished() {
+   if( pmapState()->pendingRequests() == 0 ) return;
+   pmapState()->pendingRequestsIs( pmapState()->pendingRequests() - 1 );
+}
+
+bool QosPolicyMapSm::retired() const {
+   return qosAclSm()->qosHelper()->pmapState( key() ) != pmapState();
 }
 
 void QosPolicyMapSm::createPolicyClassSm( Zub::Name const& cmapName,
@@ -279,10 +304,7 @@ void QosPolicyMapSm::intfUpdated( Qos::IntfPairKey const& intfPair, bool add ) {
    for( auto it = policyClassSm().iter(); it; ++it )
       it.value()->intfUpdated( intfPair, add );
    helper->batchCommitAclsIntf( *pmapState(), intfPair, add );
-   if( !qosAclSm()->qosAclHwStatus()->selfReportedPrgmStatus() &&
-       !helper->asyncTcamOperationsSupported() ) {
-      qosAclSm()->setPolicyMapHwPrgmStatus( key() );
-   }
+   compileEnded();
 }
 
 void QosPolicyMapSm::doRecordLatency( Zub::Seconds startTime ) {
@@ -352,8 +374,9 @@ void QosPolicyMapSm::handleVerify() {
       ZUB_ASSERT_TEXT( pmapSliceHwStatus, "pmapSliceHwStatusType->pmap( pmapHwStatusKey )" );
    }
    ZUB_TRACE( nevQosTrace, 5, "QosPolicyMapSm::handleVerify " << key() );
-   // A map still being compiled, or waiting to be torn down after a failure, is not stable.
-   if( !pmapState()->readyToVerify() ) return;
+   // A map still being compiled, waiting to be torn down after a failure, or with requests
+   // whose results are still to come, is not stable.
+   if( !pmapState()->readyToVerify() || pmapState()->pendingRequests() != 0 ) return;
    // The class budget as the last compile found it: the one the status reports.
    if( pmapState()->classBudgetExceeded() || pmapState()->dirty() ) {
       verifyFailed( pmapSliceHwStatus );
@@ -374,7 +397,10 @@ void QosPolicyMapSm::handleVerify() {
 
 void QosPolicyMapSm::verifyFailed( Zub::Ptr< Qos::PolicyMapHwStatus > const& hwStatus ) {
    ZUB_ASSERT_TEXT( policyClassSmSize() == 0, "policyClassSms() == 0" );
-   if( !hwStatus ) return;
+   // A driver that reports its own status owns it, but not for a map it never saw.
+   bool const engineStatus = pmapState()->classBudgetExceeded() ||
+                             !qosAclSm()->qosAclHwStatus()->selfReportedPrgmStatus();
+   if( !hwStatus || !engineStatus ) return;
    ZUB_ASSERT_TEXT( hwStatus->prgmStatus() == Qos::hwPrgmStatusFail_,
                     "pmapSliceHwStatus->prgmStatus() == Qos::hwPrgmStatusFail_" );
    ZUB_ASSERT_TEXT(

@@ -108,6 +108,12 @@ class QosPolicyMapSm : public Zub::PtrInterface {
    // The hardware status of this map in its ACL group: null for a map without one, and it must
    // exist for the others.
    Zub::Ptr< Qos::PolicyMapHwStatus > pmapSliceHwStatus() const;
+   // The update queue's account of the map's requests, entered and finished.
+   void requestEntered();
+   void requestFinished();
+   // Whether the map has left its service policy (the policy, or its ACL group, went), its
+   // state no longer being the helper's; its queued requests are still served.
+   bool retired() const;
 
  private:
    // Where each class of the map gets its state machine, in priority order.
@@ -123,6 +129,8 @@ class QosPolicyMapSm : public Zub::PtrInterface {
    void verifyClass( Zub::Name const& cmapName, bool present );
    // A map that did not fit has nothing in hardware and says it failed.
    void verifyFailed( Zub::Ptr< Qos::PolicyMapHwStatus > const& hwStatus );
+   // The end of a compile or an interface change: the status moves, unless the driver moves it.
+   void compileEnded();
 
    QosPolicyMapKey key_;
    Zub::Name coppPolicyMapName_{ "copp-system-policy" };

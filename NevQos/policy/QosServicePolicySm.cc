@@ -239,14 +239,15 @@ void QosServicePolicySm::deleteSm( QosPolicyMapKey const& pmapKey ) {
    auto helper = qosAclSm()->qosHelper();
    helper->pmapStateDel( pmapKey );
    child->doPrepareToDie();
+   pmapSmDel( pmapKey );
    if( helper->asyncTcamOperationsSupported() ) {
-      // The child stays until the queue reaches this request, behind the ACL removals that its
-      // own teardown has just entered.
+      // The ACL removals its own teardown has just entered hold the child until the queue has
+      // served them; it hears nothing meanwhile. It leaves the collection now, so that the
+      // group or the whole service policy can come back at once with a map of its own.
+      child->zubDoZombieReactors( true );
       QosPolicyUpdateRequest request( updateReasonPolicyChange, "pmapSmDel", true );
       request.pmapKeyIs( pmapKey );
       qosAclSm()->enqueueRequestIs( request );
-   } else {
-      pmapSmDel( pmapKey );
    }
 }
 
@@ -271,7 +272,6 @@ void QosServicePolicySm::handleVerify() {
       ZUB_ASSERT_TEXT( pmapSm( pmapState.key() ), "pmapSm( pmapState.key() )" );
       pmapSm( k )->handleVerify();
    }
-   // A map machine without its state is on its way out and is not compared.
 }
 
 void QosServicePolicySm::doPrepareToDie() {

@@ -148,6 +148,28 @@ TEST_F( QosAclSmFixture, TooManyClassesFailWithoutALogOrDirtyMark ) {
          3u );
 }
 
+TEST_F( QosAclSmFixture, AFailedMapOfASelfReportingChipIsVerifiedWithoutTheStatusItOwns ) {
+   qosAclHwStatus->selfReportedPrgmStatusIs( true );
+   start();
+   ipAclIs( "v4", { Acl::IpRuleConfig() } );
+   classMapIs( "c1", { { Qos::matchOptionIpAcl, "v4" } } );
+   classIs( "gold", "c1" );
+   auto status = applyIs( "gold", { intf( "Ethernet1" ) } );
+   loop->runUntilIdle();
+   // A new version that the chip can't take, with no interface change after it: the engine
+   // leaves the status to the chip, which has said nothing yet.
+   helper->aclCreateErrorIs( "commitAcl", Nev::aclCreateErrorOutOfTcam );
+   policyMap( "gold" )->versionIs( 2 );
+   status->versionIs( 2 );
+   loop->runUntilIdle();
+   takeLogs();
+   ASSERT_EQ( hwStatus( "gold" )->prgmStatus(), Qos::hwPrgmStatusInProgress_ );
+   ASSERT_TRUE( helper->pmapState( pmapKey( "gold" ) )->readyToVerify() );
+   sm->schedulePolicyVerify();
+   sm->handleVerify();
+   EXPECT_FALSE( sm->verifyPolicy() ) << "the run went through";
+}
+
 TEST_F( QosAclSmFixture, ExhaustionLogsFullOnceRemovesTheMapAndRecoveryLogsNormalOnce ) {
    start();
    servicePolicyIs( "gold", 1, { "Ethernet1" } );
@@ -444,14 +466,22 @@ TEST_F( QosAclSmAsyncTest, ConfigVersionIsStatedAfterEverythingQueuedBeforeIt ) 
    EXPECT_DOUBLE_EQ( qosAclSliceHwStatus->configVersionUpdateTime(), 7.0 );
 }
 
-TEST_F( QosAclSmAsyncTest, ADeletedServicePolicyLeavesThroughTheQueue ) {
+TEST_F( QosAclSmAsyncTest, ADeletedServicePolicyGoesAtOnceAndMayComeBackBeforeTheQueueIsServed ) {
    startAsync();
+   auto const old = sm->servicePolicySm( spKey( "gold" ) );
    qosStatus->servicePolicyStatusDel( spKey( "gold" ) );
-   EXPECT_TRUE( sm->servicePolicySm( spKey( "gold" ) ) ) << "kept until the queue reaches it";
-   EXPECT_FALSE( hwStatus( "gold" ) );
-   loop->runUntilIdle();
    EXPECT_FALSE( sm->servicePolicySm( spKey( "gold" ) ) );
+   EXPECT_FALSE( hwStatus( "gold" ) );
+   EXPECT_EQ( sm->pendingPolicyUpdate().size(), 1u ) << "the map's leaving, still to be served";
+
+   qosStatus->servicePolicyStatusIs( spKey( "gold" ) )->intfIdsIs( intf( "Ethernet1" ), true );
+   auto const again = sm->servicePolicySm( spKey( "gold" ) );
+   ASSERT_TRUE( again );
+   EXPECT_NE( again, old );
+   loop->runUntilIdle();
    EXPECT_EQ( sm->asyncState(), Nev::asyncNone );
+   EXPECT_TRUE( again->pmapSm( pmapKey( "gold" ) ) ) << "the queue leaves the new map alone";
+   EXPECT_EQ( hwStatus( "gold" )->prgmStatus(), Qos::hwPrgmStatusSuccess_ );
 }
 
 }  // namespace

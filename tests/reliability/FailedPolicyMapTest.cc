@@ -83,6 +83,42 @@ servicePolicies: [ { policyMap: p, interfaces: [ Ethernet2, Ethernet3 ] } ]
    EXPECT_EQ( tcamImageOf( sw ), freshImage( fitting ) );
 }
 
+TEST_P( FailedPolicyMapTest, AMapOutOfTcamIsNeverAMismatchWhileItsResultsAreStillToCome ) {
+   std::string const chip = "chip: { tcamSliceEntries: 2 }\n";
+   std::string const yaml =
+         chip + lists + "policyMaps: [ { name: p, classes: " + bothClasses + " } ]\n" +
+         R"(servicePolicies: [ { policyMap: p, interfaces: [ Ethernet1, Ethernet2 ] } ]
+steps:
+  - { at: 5, changes: [ { policyMap: { name: p, classes: [ { class: c2 } ] } } ] }
+)";
+   Sim::Scenario const s = scenario( yaml );
+   Sim::SimSwitch sw( s );
+   bool failedOnce = false;
+   auto const neverSucceeds = [ & ] {
+      if( sw.now() >= s.steps.back().time ) return;
+      Lines const status = policyMapStatusOf( sw );
+      ASSERT_NE( status, succeeded ) << "at " << sw.now();
+      if( failedOnce ) {
+         ASSERT_EQ( status, failed ) << "at " << sw.now() << ": a failure stands";
+      }
+      failedOnce = status == failed;
+   };
+   EXPECT_EQ( stepVerified( sw, s.steps.back(), neverSucceeds ), Lines{} );
+   EXPECT_TRUE( failedOnce );
+   EXPECT_EQ( runVerified( sw, 10.0 ), Lines{} );
+   EXPECT_EQ( policyMapStatusOf( sw ), succeeded );
+   EXPECT_EQ( logLinesOf( sw ),
+              ( Lines{ "QOS_POLICY_HW_RESOURCE_FULL: Insufficient hardware resources to program "
+                       "the input policy-map p.",
+                       "QOS_POLICY_HW_RESOURCE_NORMAL: Programmed input policy-map p in "
+                       "hardware." } ) );
+   std::string const fitting =
+         chip + lists + R"(policyMaps: [ { name: p, classes: [ { class: c2 } ] } ]
+servicePolicies: [ { policyMap: p, interfaces: [ Ethernet1, Ethernet2 ] } ]
+)";
+   EXPECT_EQ( tcamImageOf( sw ), freshImage( fitting ) );
+}
+
 INSTANTIATE_TEST_SUITE_P( TcamModes, FailedPolicyMapTest,
                           ::testing::Values( Sim::TcamMode::synchronous,
                                              Sim::TcamMode::asynchronous ),
