@@ -1,6 +1,7 @@
 #include "sim/scenario/ScenarioLoader.h"
 
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 #include <fstream>
 #include <optional>
@@ -64,7 +65,50 @@ void checkDocumentsEnd( std::string const& text, YamlReader const& yaml ) {
 }
 
 // The one document of the text.
+// Length of the well-formed UTF-8 sequence that starts at `i`, or 0: no overlong form, no
+// surrogate, nothing past U+10FFFF.
+std::size_t utf8SequenceAt( std::string const& text, std::size_t i ) {
+   auto const byte = [ & ]( std::size_t at ) { return static_cast< unsigned char >( text[ at ] ); };
+   unsigned char const lead = byte( i );
+   if( lead < 0x80 ) return 1;
+   std::size_t const more = lead >= 0xc2 && lead < 0xe0   ? 1
+                            : lead >= 0xe0 && lead < 0xf0 ? 2
+                            : lead >= 0xf0 && lead < 0xf5 ? 3
+                                                          : 0;
+   if( more == 0 || i + more >= text.size() ) return 0;
+   unsigned char const low = lead == 0xe0 ? 0xa0 : lead == 0xf0 ? 0x90 : 0x80;
+   unsigned char const high = lead == 0xed ? 0x9f : lead == 0xf4 ? 0x8f : 0xbf;
+   if( byte( i + 1 ) < low || byte( i + 1 ) > high ) return 0;
+   for( std::size_t k = 2; k <= more; ++k ) {
+      if( ( byte( i + k ) & 0xc0 ) != 0x80 ) return 0;
+   }
+   return more + 1;
+}
+
+// Every string of the scenario reaches the JSON report, which holds UTF-8 only: refuse other
+// text where it stands rather than fail after the run.
+void checkUtf8( std::string const& text, YamlReader const& yaml ) {
+   Where at{ 1, 1 };
+   for( std::size_t i = 0; i < text.size(); ) {
+      std::size_t const n = utf8SequenceAt( text, i );
+      if( n == 0 ) {
+         char hex[ 8 ];
+         std::snprintf( hex, sizeof hex, "0x%02x",
+                        unsigned( static_cast< unsigned char >( text[ i ] ) ) );
+         yaml.fail( at, std::string( "the text is not UTF-8 (byte " ) + hex + ")" );
+      }
+      if( text[ i ] == '\n' ) {
+         ++at.line;
+         at.column = 1;
+      } else {
+         ++at.column;
+      }
+      i += n;
+   }
+}
+
 YAML::Node documentOf( std::string const& text, YamlReader const& yaml ) {
+   checkUtf8( text, yaml );
    std::vector< YAML::Node > docs;
    try {
       checkDocumentsEnd( text, yaml );

@@ -45,7 +45,19 @@ TEST( ScenarioErrorsTest, TextThatIsNotOneYamlMapping ) {
          // The YAML library would start empty documents at the comma forever.
          { "{ chip: {} },\n", "bad.yaml:1:13: unexpected ','" },
          { "- chip\n", "bad.yaml:1:1: scenario: expected a mapping, found a sequence" },
+         // The JSON report holds UTF-8 only: a stray byte, a truncated sequence at the end, an
+         // overlong form and a surrogate are refused where they stand.
+         { "chip: {}\ndescription: \"a\xec" "b\"\n",
+           "bad.yaml:2:16: the text is not UTF-8 (byte 0xec)" },
+         { "description: x\xc3", "bad.yaml:1:15: the text is not UTF-8 (byte 0xc3)" },
+         { "description: \xc0\xaf\n", "bad.yaml:1:14: the text is not UTF-8 (byte 0xc0)" },
+         { "description: \xed\xa0\x80\n", "bad.yaml:1:14: the text is not UTF-8 (byte 0xed)" },
    } );
+   // Well-formed text of two, three and four bytes loads.
+   EXPECT_EQ( Sim::loadScenarioText( "description: \"\xc3\xa9 \xe2\x82\xac \xf0\x9f\x93\xa1\"\n",
+                                     "good.yaml" )
+                    .description,
+              "\xc3\xa9 \xe2\x82\xac \xf0\x9f\x93\xa1" );
    EXPECT_EQ( Sim::ScenarioError( "x.yaml", Sim::Where{}, "gone" ).what(),
               std::string( "x.yaml: gone" ) );
 }
