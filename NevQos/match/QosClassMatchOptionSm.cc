@@ -86,7 +86,7 @@ void QosClassMatchOptionSm::showAcl( std::uint32_t socket, std::uint32_t unit, b
 
 void QosClassMatchOptionSm::handleVerify() {
    if( helper().asyncTcamOperationsSupported() ) {
-      helper().verifyTcamData( *classData(), matchOption(), key() );
+      if( !requestOutstanding() ) helper().verifyTcamData( *classData(), matchOption(), key() );
       return;
    }
    reportIfDestroying();

@@ -1,0 +1,210 @@
+// Verification of a whole switch against its chip: it sees every entry on both TCAM modes, and
+// finds what no class owns, without finding anything in maps still in flight.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "policy/QosAclSmFixture.h"
+#include "runner/SimProgram.h"
+#include "sim/chip/SimQosAclHelper.h"
+#include "sim/runner/SimSwitch.h"
+#include "sim/scenario/ScenarioLoader.h"
+
+namespace NevQosTest {
+namespace {
+
+using Lines = std::vector< std::string >;
+using Sim::TcamMode;
+
+Sim::Scenario scenarioIn( TcamMode mode, std::string const& yaml ) {
+   Sim::Scenario s = Sim::loadScenarioText( yaml, "test.yaml" );
+   s.chip.tcamMode = mode;
+   return s;
+}
+
+char const* modeName( TcamMode mode ) {
+   return mode == TcamMode::synchronous ? "synchronous" : "asynchronous";
+}
+
+class HardwareVerificationTest : public ::testing::TestWithParam< TcamMode > {};
+
+INSTANTIATE_TEST_SUITE_P( Modes, HardwareVerificationTest,
+                          ::testing::Values( TcamMode::synchronous, TcamMode::asynchronous ),
+                          []( auto const& mode ) { return modeName( mode.param ); } );
+
+// The example's damage, found in the same words on both roads: on the asynchronous one the chip
+// compares every entry with what the engine's calls wrote.
+TEST_P( HardwareVerificationTest, DamagedEntriesAreFoundOnBothRoadsInTheSameWords ) {
+   Sim::Scenario s = Sim::loadScenario( example( "tcam-corruption.yaml" ) );
+   s.chip.tcamMode = GetParam();
+   Sim::SimSwitch sw( s );
+   Lines found;
+   for( Sim::Step const& step : s.steps ) {
+      sw.stepIs( step );
+      sw.runUntil( step.time + 0.5 );
+      for( std::string const& f : sw.verify() )
+         found.push_back( f );
+   }
+   EXPECT_EQ( found, ( Lines{ "ACL MGMT sequence 30 rule 2 subrule 0 dstPort is 447-447, expected "
+                              "443-443",
+                              "ACL MGMT sequence 20 rule 1 subrule 0 doesn't exist",
+                              "ACL MGMT sequence 30 rule 2 subrule 0 dstPort is 447-447, expected "
+                              "443-443" } ) );
+}
+
+// While operations are in flight on the asynchronous road, an ACL whose request is still queued
+// has nothing in hardware yet, nor an interface whose port update waits; a map being torn down
+// holds ACLs its classes still own. The map's status moves with the first operation that ends.
+TEST( HardwareVerificationInFlightTest, AclsWithRequestsOutstandingAreNotComparedYet ) {
+   Sim::Scenario const s = scenarioIn( TcamMode::asynchronous, R"(
+chip: { asyncDelay: 0.5 }
+interfaces: [ Ethernet1, Ethernet2, Ethernet3 ]
+acls:
+  - name: WEB
+    rules:
+      - { proto: tcp, dstPort: { eq: 80 } }
+  - name: SSH
+    rules:
+      - { proto: tcp, dstPort: { eq: 22 } }
+  - name: DNS
+    rules:
+      - { proto: udp, dstPort: { eq: 53 } }
+classMaps:
+  - { name: web, match: { ipv4: WEB } }
+  - { name: ssh, match: { ipv4: SSH } }
+  - { name: dns, match: { ipv4: DNS } }
+  - { name: af11, match: { dscp: af11 } }
+policyMaps:
+  - name: a
+    classes:
+      - { class: web, set: { dscp: 10 } }
+      - { class: ssh, set: { dscp: 12 } }
+      - { class: dns, set: { dscp: 14 } }
+      - { class: af11, set: { trafficClass: 2 } }
+      - { class: class-default, set: { dscp: 0 } }
+  - name: b
+    classes:
+      - { class: web, set: { dscp: 20 } }
+servicePolicies:
+  - { policyMap: a, interfaces: [ Ethernet1 ] }
+steps:
+  - at: 10
+    changes:
+      - attach: { policyMap: a, interfaces: [ Ethernet2 ] }
+  - at: 20
+    changes:
+      - removeServicePolicy: a
+      - servicePolicy: { policyMap: b, interfaces: [ Ethernet3 ] }
+)" );
+   Sim::SimSwitch sw( s );
+   auto const verifyUntil = [ & ]( Zub::Seconds end ) {
+      for( Zub::Seconds t = sw.now() + 0.25; t < end; t += 0.5 ) {
+         sw.runUntil( t );
+         EXPECT_EQ( sw.verify(), Lines{} ) << "at " << t;
+      }
+   };
+   sw.runUntil( 0.6 );
+   ASSERT_EQ( sw.aclSliceHwStatus()
+                    .pmapType( Qos::mapQos_ )
+                    ->pmap( Qos::PolicyMapHwStatusKey( Qos::directionInput_, Zub::Name( "a" ) ) )
+                    ->prgmStatus(),
+              Qos::hwPrgmStatusSuccess_ );
+   EXPECT_GT( sw.chip().pendingOperations(), 0u ) << "map a is still being built";
+   verifyUntil( 5.0 );
+   for( Sim::Step const& step : s.steps ) {
+      sw.stepIs( step );
+      EXPECT_EQ( sw.verify(), Lines{} ) << "at " << step.time;
+      verifyUntil( step.time + 5.0 );
+   }
+   EXPECT_EQ( sw.chip().pendingOperations(), 0u );
+}
+
+// ---- The chip under the engine, where a test can act behind the engine's back
+
+class ChipVerificationTest : public QosAclSmFixture {
+ protected:
+   void startWith( Sim::ChipConfig const& config ) {
+      chip = Zub::make< Sim::SimQosAclHelper >( config, qosStatus, qosAclSliceHwStatus,
+                                                mainAclConfig, clock );
+      chip->verifyDataIs( verifyData );
+      qosAclHwStatus->dscpEcnClassMatchSupportedIs( true );
+      engineHelper = chip;
+      start();
+   }
+   // "gold" with class c1 matching v4, a DSCP class and the default class, on Ethernet1.
+   void goldIs() {
+      Acl::IpRuleConfig rule;
+      rule.filter.proto = 6;
+      ipAclIs( "v4", { rule } );
+      classMapIs( "c1", { { Qos::matchOptionIpAcl, "v4" } } );
+      dscpEcnClassMapIs( "d1", 10, Acl::Ecn( 0 ) );
+      classIs( "gold", "c1" );
+      classIs( "gold", "d1" );
+      classDefaultIs( "gold" );
+      applyIs( "gold", { intf( "Ethernet1" ) } );
+      loop->runUntil( loop->now() + 5.0 );
+      ASSERT_EQ( hwStatus( "gold" )->prgmStatus(), Qos::hwPrgmStatusSuccess_ );
+   }
+   // One run, as the verify agent starts it: the engine's chain and the chip's own checks.
+   Lines verify() {
+      verifyData->cliVerifyOutputDelAll();
+      sm->schedulePolicyVerify();
+      verifyData->doVerify();
+      Lines texts;
+      for( auto const& text : verifyData->cliVerifyOutputTexts() )
+         texts.push_back( text.stdString() );
+      return texts;
+   }
+   Zub::Ptr< Nev::QosClassData > classDataOf( char const* cmapName ) {
+      auto const pmap = sm->servicePolicySm( spKey( "gold" ) )->pmapSm( pmapKey( "gold" ) );
+      return pmap->policyClassSm( Nev::QosClassMapKey( Zub::Name( cmapName ), Qos::mapQos_ ) )
+            ->classData();
+   }
+   // Opens, fills and commits a default-rule ACL for `classData` as the engine would.
+   void aclLeftIs( Nev::QosClassData const& cd, char const* aclName ) {
+      Nev::AclKey const key( Zub::Name( aclName ), Acl::ip() );
+      auto const state = chip->pmapState( pmapKey( "gold" ) );
+      chip->precreateAcl( *state, cd, Qos::matchOptionIpAcl, key );
+      chip->createDefaultRule( *state, cd, Qos::matchOptionIpAcl, key );
+      chip->commitAcl( cd, Qos::matchOptionIpAcl, key );
+   }
+   Zub::Ptr< Sim::SimQosAclHelper > chip;
+};
+
+// The default and DSCP classes on the asynchronous road are compared with what was written too.
+TEST_F( ChipVerificationTest, TheOtherMatchesOnTheAsynchronousRoadAreComparedEntryByEntry ) {
+   Sim::ChipConfig config;
+   config.tcamMode = TcamMode::asynchronous;
+   startWith( config );
+   goldIs();
+   EXPECT_EQ( verify(), Lines{} );
+   ASSERT_EQ( chip->corruptEntry( "acl-default", 0, 0, "match", "none" ), 1u );
+   ASSERT_EQ( chip->corruptEntry( "dscpecn-acl-7", 0, 0, "", "" ), 1u );
+   EXPECT_EQ( verify(),
+              ( Lines{ "ACL dscpecn-acl-7 of class gold(qos,input)/d1/Default has no dscpEcn "
+                       "entry tos=40/0xfc",
+                       "ACL acl-default of class gold(qos,input)/class-default/Default has no "
+                       "default entry match=any" } ) );
+}
+
+// An ACL the chip holds that no class owns: one whose class data the engine let go, and one
+// that a class's data does not list among its matches.
+TEST_F( ChipVerificationTest, AnAclNoClassOwnsIsAFinding ) {
+   startWith( Sim::ChipConfig() );
+   goldIs();
+   EXPECT_EQ( verify(), Lines{} );
+   {
+      auto const orphan = Zub::make< Nev::QosClassData >( Nev::QosClassDataKey(
+            pmapKey( "gold" ), Zub::Name( "gone" ), Qos::mapQos_, Zub::Name( "Default" ) ) );
+      aclLeftIs( *orphan, "old" );
+   }
+   aclLeftIs( *classDataOf( "c1" ), "stale" );
+   EXPECT_EQ( verify(), ( Lines{ "ACL gold(qos,input)/c1/Default stale(ip) is in the TCAM, but "
+                                 "no class of a policy map owns it",
+                                 "ACL gold(qos,input)/gone/Default old(ip) is in the TCAM, but no "
+                                 "class of a policy map owns it" } ) );
+}
+
+}  // namespace
+}  // namespace NevQosTest
