@@ -200,6 +200,10 @@ class SimQosAclHelper : public NevHelper::QosAclHelper {
                                   std::uint32_t subruleNum, std::uint16_t srcLow,
                                   std::uint16_t srcHigh, bool srcValid, std::uint16_t dstLow,
                                   std::uint16_t dstHigh, bool dstValid ) override;
+   bool ipLenRangeSubruleExists( Nev::QosClassData const& classData, Nev::AclKey const& aclKey,
+                                 Acl::UniqueId const& aclId, std::uint32_t ruleNum,
+                                 std::uint32_t subruleNum, std::uint16_t ipLenLow,
+                                 std::uint16_t ipLenHigh, bool ipLenValid ) override;
    // Compares every entry of the ACL with the driver's record of what the engine's calls wrote.
    void verifyTcamData( Nev::QosClassData const& classData, Qos::ClassMapMatchOption matchOption,
                         Nev::AclKey const& aclKey ) override;

@@ -156,6 +156,19 @@ bool SimQosAclHelper::ipPortRangeSubruleExists( Nev::QosClassData const& classDa
           rangeOfText( entry->field( "dstPort" ) ) == dst;
 }
 
+// True when the subrule stands as one entry holding the length range whole: not expanded.
+bool SimQosAclHelper::ipLenRangeSubruleExists( Nev::QosClassData const& classData,
+                                               Nev::AclKey const& aclKey, Acl::UniqueId const&,
+                                               std::uint32_t ruleNum, std::uint32_t subruleNum,
+                                               std::uint16_t ipLenLow, std::uint16_t ipLenHigh,
+                                               bool ipLenValid ) {
+   subruleQuery( classData, aclKey, ruleNum, subruleNum, 0 );
+   TcamEntry const* const entry = ipEntry( classData, aclKey, ruleNum, subruleNum );
+   if( !entry ) return false;
+   Range const len = ipLenValid ? Range{ ipLenLow, ipLenHigh } : fullRange;
+   return rangeOfText( entry->field( "ipLen" ) ) == len;
+}
+
 // ---- The ACL as a whole
 
 bool SimQosAclHelper::checkInstalled( Nev::QosClassData const& classData,

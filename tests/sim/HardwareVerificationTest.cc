@@ -1,5 +1,6 @@
-// Verification of a whole switch against its chip: it sees every entry on both TCAM modes, and
-// finds what no class owns, without finding anything in maps still in flight.
+// Verification of a whole switch against its chip: it expects what the engine decided (ranges
+// expanded for want of checkers), sees every entry on both TCAM modes, and finds what no class
+// owns, without finding anything in maps still in flight.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -32,6 +33,37 @@ class HardwareVerificationTest : public ::testing::TestWithParam< TcamMode > {};
 INSTANTIATE_TEST_SUITE_P( Modes, HardwareVerificationTest,
                           ::testing::Values( TcamMode::synchronous, TcamMode::asynchronous ),
                           []( auto const& mode ) { return modeName( mode.param ); } );
+
+// Length 100-300 is seven blocks. With no checker the synchronous compile expands it, for the
+// second rule together with its destination range; the asynchronous chip expands it itself
+// under one subrule number. A damaged block is found at its own number.
+TEST_P( HardwareVerificationTest, LengthRangesExpandedForWantOfCheckersVerifyBlockByBlock ) {
+   bool const sync = GetParam() == TcamMode::synchronous;
+   Sim::Scenario const s = scenarioIn( GetParam(), std::string( R"(
+chip: { rangeCheckers: 0 }
+interfaces: [ Ethernet1 ]
+acls:
+  - name: LEN
+    rules:
+      - { proto: udp, ipLength: { range: [ 100, 300 ] } }
+      - { proto: tcp, dstPort: { range: [ 1000, 1100 ] }, ipLength: { range: [ 100, 300 ] } }
+      - { proto: tcp, dstPort: { eq: 22 } }
+classMaps: [ { name: c, match: { ipv4: LEN } } ]
+policyMaps: [ { name: p, classes: [ { class: c, set: { dscp: 10 } } ] } ]
+servicePolicies: [ { policyMap: p, interfaces: [ Ethernet1 ] } ]
+steps:
+  - at: 1
+    changes:
+      - corruptTcam: { acl: LEN, rule: 0, subrule: )" ) + ( sync ? "5" : "0" ) +
+                                                         R"(, field: proto, value: "6" }
+)" );
+   Sim::SimSwitch sw( s );
+   sw.runUntil( 0.5 );
+   EXPECT_EQ( sw.verify(), Lines{} );
+   sw.stepIs( s.steps[ 0 ] );
+   EXPECT_EQ( sw.verify(), ( Lines{ std::string( "ACL LEN sequence 10 rule 0 subrule " ) +
+                                    ( sync ? "5" : "0" ) + " proto is 6, expected 17" } ) );
+}
 
 // The example's damage, found in the same words on both roads: on the asynchronous one the chip
 // compares every entry with what the engine's calls wrote.
