@@ -1,6 +1,6 @@
 // Verification of a whole switch against its chip: it expects what the engine decided (ranges
-// expanded for want of checkers), sees every entry on both TCAM modes, and finds what no class
-// owns, without finding anything in maps still in flight.
+// expanded for want of checkers, matches the chip cannot classify on), sees every entry on both
+// TCAM modes, and finds what no class owns, without finding anything in maps still in flight.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -83,6 +83,44 @@ TEST_P( HardwareVerificationTest, DamagedEntriesAreFoundOnBothRoadsInTheSameWord
                               "ACL MGMT sequence 20 rule 1 subrule 0 doesn't exist",
                               "ACL MGMT sequence 30 rule 2 subrule 0 dstPort is 447-447, expected "
                               "443-443" } ) );
+}
+
+// A match the chip cannot classify on programs nothing on the immediate road, and the deferred
+// road programs it all the same: neither is a finding, at the start nor after a change.
+TEST_P( HardwareVerificationTest, MatchesTheChipCannotClassifyOnAreNoFinding ) {
+   struct Case {
+      char const* flag;
+      char const* match;
+   };
+   std::vector< Case > const cases = {
+      { "dscpEcnClassMatchSupported", "{ dscp: cs1 }" },
+      { "vlanClassMatchSupported", "{ vlan: [ 1-3 ] }" },
+      { "cosClassMatchSupported", "{ cos: [ 5 ] }" },
+      { "cosClassMatchSupported", "{ vlanCos: { vlan: [ 10 ], cos: [ 1 ] } }" },
+   };
+   for( Case const& c : cases ) {
+      SCOPED_TRACE( std::string( c.flag ) + " " + c.match );
+      Sim::Scenario const s = scenarioIn( GetParam(), std::string( "chip: { " ) + c.flag +
+                                                            R"(: false }
+interfaces: [ Ethernet1, Ethernet2 ]
+classMaps:
+  - { name: low, match: )" + c.match + R"( }
+policyMaps:
+  - { name: p, classes: [ { class: low, set: { trafficClass: 1 } } ] }
+servicePolicies:
+  - { policyMap: p, interfaces: [ Ethernet1 ] }
+steps:
+  - at: 60
+    changes:
+      - attach: { policyMap: p, interfaces: [ Ethernet2 ] }
+)" );
+      Sim::SimSwitch sw( s );
+      sw.runUntil( 1.0 );
+      EXPECT_EQ( sw.verify(), Lines{} );
+      sw.stepIs( s.steps[ 0 ] );
+      sw.runUntil( 61.0 );
+      EXPECT_EQ( sw.verify(), Lines{} );
+   }
 }
 
 // While operations are in flight on the asynchronous road, an ACL whose request is still queued
