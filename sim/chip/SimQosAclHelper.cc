@@ -691,6 +691,7 @@ void SimQosAclHelper::createAndAttachCounter( Nev::QosClassData const& classData
       Zub::log( Nev::QOS_POLICY_COUNTER_HW_RESOURCE_FULL, classData.key().cmapName(),
                 classData.key().pmapName(), Zub::String( "interface" ),
                 classData.key().policerName() );
+      refusedCounters_.insert( classKeyOf( classData ) );
       return;
    }
    counters_.insert( classKeyOf( classData ) );
@@ -699,6 +700,7 @@ void SimQosAclHelper::createAndAttachCounter( Nev::QosClassData const& classData
 void SimQosAclHelper::destroyCounter( Nev::QosClassData const& classData ) {
    record( "destroyCounter", &classData, nullptr );
    counters_.erase( classKeyOf( classData ) );
+   refusedCounters_.erase( classKeyOf( classData ) );
 }
 
 Nev::QosClassCounterData SimQosAclHelper::counterUpdateRequest( Nev::QosClassData const& classData,
@@ -772,6 +774,7 @@ void SimQosAclHelper::hwInit() {
    aclPorts_.clear();
    policers_.clear();
    counters_.clear();
+   refusedCounters_.clear();
    cpuQueues_.clear();
    portCpuQueuePolicers_.clear();
    traffic_.clear();

@@ -469,6 +469,8 @@ class SimQosAclHelper : public NevHelper::QosAclHelper {
    std::vector< bool > faultSwitchedOff_;
    std::set< std::string > policers_;
    std::set< std::string > counters_;
+   // Counters the chip refused and logged: the engine has no failure path for them.
+   std::set< std::string > refusedCounters_;
    std::map< std::string, int > cpuQueues_;
    std::set< Nev::ModIdPortQueueKey > portCpuQueuePolicers_;
    std::vector< ChipTraffic > traffic_;

@@ -540,16 +540,26 @@ void SimQosAclHelper::verifyMacAclRule( Nev::QosPolicyMapState const&,
 
 // ---- Policers and counters
 
+// The engine's belief is the policer data's createdInHw: a policer the chip refused, which the
+// engine went on without, is expected absent.
 void SimQosAclHelper::verifyPolicer( Nev::QosClassData const& classData ) {
    record( "verifyPolicer", &classData, nullptr );
-   if( !classData.policerData() || policers_.contains( classKeyOf( classData ) ) ) return;
-   reportMismatch( "policer of class " + classKeyOf( classData ) + " is not in hardware" );
+   auto const policer = classData.policerData();
+   if( !policer ) return;
+   bool const held = policers_.contains( classKeyOf( classData ) );
+   if( held == policer->createdInHw() ) return;
+   reportMismatch(
+         "policer of class " + classKeyOf( classData ) +
+         ( held ? " is in hardware, but the engine went on without it" : " is not in hardware" ) );
 }
 
+// The engine learns nothing of a counter the chip refused: the chip logged it, and expects it
+// absent.
 void SimQosAclHelper::verifyCounter( Nev::QosClassData const& classData ) {
    record( "verifyCounter", &classData, nullptr );
-   if( counters_.contains( classKeyOf( classData ) ) ) return;
-   reportMismatch( "counter of class " + classKeyOf( classData ) + " is not in hardware" );
+   std::string const key = classKeyOf( classData );
+   if( counters_.contains( key ) || refusedCounters_.contains( key ) ) return;
+   reportMismatch( "counter of class " + key + " is not in hardware" );
 }
 
 // ---- The chip's own checks

@@ -1,5 +1,5 @@
 // Verification of a whole switch against its chip: it expects what the engine decided (ranges
-// expanded for want of checkers, matches the chip cannot classify on), sees every entry on both
+// expanded for want of checkers, policers and counters the chip refused), sees every entry on both
 // TCAM modes, and finds what no class owns, without finding anything in maps still in flight.
 #include <gtest/gtest.h>
 
@@ -83,6 +83,38 @@ TEST_P( HardwareVerificationTest, DamagedEntriesAreFoundOnBothRoadsInTheSameWord
                               "ACL MGMT sequence 20 rule 1 subrule 0 doesn't exist",
                               "ACL MGMT sequence 30 rule 2 subrule 0 dstPort is 447-447, expected "
                               "443-443" } ) );
+}
+
+// A policer or counter the chip refused, which the engine went on without, is no finding.
+TEST_P( HardwareVerificationTest, PolicersAndCountersTheChipRefusedAreNoFinding ) {
+   Sim::Scenario const s = scenarioIn( GetParam(), R"(
+chip: { policers: 1, counters: 1, pdpSupported: true }
+interfaces: [ Ethernet1, Ethernet2 ]
+acls:
+  - name: SSH
+    rules:
+      - { proto: tcp, dstPort: { eq: 22 } }
+classMaps:
+  - { name: ssh, match: { ipv4: SSH } }
+  - { name: ssh, type: pdp, match: { ipv4: SSH } }
+policyMaps:
+  - name: p
+    classes:
+      - { class: ssh, police: { cir: 100, cirUnit: mbps, bc: 1, bcUnit: mbytes } }
+  - name: pdp-in
+    type: pdp
+    classes:
+      - { class: ssh, count: true }
+servicePolicies:
+  - { policyMap: p, interfaces: [ Ethernet1, Ethernet2 ] }
+  - { policyMap: pdp-in, type: pdp, interfaces: [ Ethernet1, Ethernet2 ] }
+)" );
+   Sim::SimSwitch sw( s );
+   sw.runUntil( 1.0 );
+   ASSERT_EQ( sw.logs().size(), 2u ) << "one policer and one counter refused";
+   EXPECT_EQ( sw.chip().policersUsed(), 1u );
+   EXPECT_EQ( sw.chip().countersUsed(), 1u );
+   EXPECT_EQ( sw.verify(), Lines{} );
 }
 
 // A match the chip cannot classify on programs nothing on the immediate road, and the deferred
@@ -274,6 +306,41 @@ TEST_F( ChipVerificationTest, AnAclNoClassOwnsIsAFinding ) {
                                  "no class of a policy map owns it",
                                  "ACL gold(qos,input)/gone/Default old(ip) is in the TCAM, but no "
                                  "class of a policy map owns it" } ) );
+}
+
+// verifyPolicer compares the chip with what the engine believes: the policer data's createdInHw.
+TEST_F( ChipVerificationTest, APolicerIsExpectedWhereTheEngineBelievesItStands ) {
+   startWith( Sim::ChipConfig() );
+   struct Case {
+      bool createdInHw;
+      bool held;
+      char const* finding;
+   };
+   std::vector< Case > const cases = {
+      { true, true, nullptr },
+      { false, false, nullptr },
+      { true, false, "policer of class gold(qos,input)/c1/p is not in hardware" },
+      { false, true,
+        "policer of class gold(qos,input)/c1/p is in hardware, but the engine went on without "
+        "it" },
+   };
+   for( Case const& c : cases ) {
+      SCOPED_TRACE( std::to_string( c.createdInHw ) + std::to_string( c.held ) );
+      auto const cd = Zub::make< Nev::QosClassData >( Nev::QosClassDataKey(
+            pmapKey( "gold" ), Zub::Name( "c1" ), Qos::mapQos_, Zub::Name( "p" ) ) );
+      cd->policerDataIs( Zub::Name( "p" ), 1000, 10000, 0, 0 )->createdInHwIs( c.createdInHw );
+      if( c.held ) {
+         ASSERT_TRUE( chip->createAndAttachPolicer( *cd ) );
+      }
+      verifyData->cliVerifyOutputDelAll();
+      chip->verifyPolicer( *cd );
+      Lines const expected = c.finding ? Lines{ c.finding } : Lines{};
+      Lines seen;
+      for( auto const& text : verifyData->cliVerifyOutputTexts() )
+         seen.push_back( text.stdString() );
+      EXPECT_EQ( seen, expected );
+      if( c.held ) chip->destroyPolicer( *cd );
+   }
 }
 
 }  // namespace
