@@ -39,7 +39,6 @@ void QosClassMatchAclSm::showAcl( std::uint32_t socket, std::uint32_t unit, bool
 
 void QosClassMatchAclSm::handleVerify() {
    if( helper().asyncTcamOperationsSupported() ) {
-      if( requestOutstanding() ) return;
       // The deferred road keeps no per-rule state to replay: the helper checks the whole ACL, and
       // compares every entry it holds with what the engine's calls asked for.
       helper().verifyAclGeneral( *classData(), matchOption(), key() );

@@ -94,21 +94,6 @@ void QosClassMatchChildSm::reportIfDestroying() const {
                                                     aclName().charPtr() ) );
 }
 
-bool QosClassMatchChildSm::requestOutstanding() const {
-   auto const& policyData = classMatchSm()->policyData();
-   auto const mine = [ & ]( QosPolicyUpdateRequest const& request ) {
-      // A request made without a key is served with the match's own slot.
-      return request.policyData() == policyData &&
-             ( !request.aclKey() || request.aclKey() == key() );
-   };
-   auto const& sm = *qosAclSm();
-   if( sm.asyncState() != asyncNone && mine( sm.asyncRequest() ) ) return true;
-   for( auto const& member : sm.pendingPolicyUpdate() ) {
-      if( mine( member.value ) ) return true;
-   }
-   return false;
-}
-
 void QosClassMatchChildSm::destroyAcl() {
    auto const data = aclData();
    if( !data || data->aclNumber() == -1 ) return;  // never reached the helper

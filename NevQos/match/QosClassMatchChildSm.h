@@ -73,10 +73,6 @@ class QosClassMatchChildSm : public Zub::PtrInterface {
    VerifyData* verifyReport() const;
    // A child found in the walk after its teardown began is itself a mismatch.
    void reportIfDestroying() const;
-   // Deferred road: a request of this ACL's own is queued or in flight, so the hardware has not
-   // yet been asked for what the engine holds (the map's status moves with each operation that
-   // ends, before the requests behind it are served). Such an ACL is not compared yet.
-   bool requestOutstanding() const;
    // A hook for the road-specific start of a child, before the ACL data is made.
    virtual void prepareInitialized() {}
    // Deferred mode: queues this child's ACL with the parent.

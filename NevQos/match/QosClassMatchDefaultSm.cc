@@ -57,7 +57,7 @@ void QosClassMatchDefaultSm::showAcl( std::uint32_t socket, std::uint32_t unit, 
 
 void QosClassMatchDefaultSm::handleVerify() {
    if( helper().asyncTcamOperationsSupported() ) {
-      if( !requestOutstanding() ) helper().verifyTcamData( *classData(), matchOption(), key() );
+      helper().verifyTcamData( *classData(), matchOption(), key() );
       return;
    }
    reportIfDestroying();

@@ -53,7 +53,6 @@ void QosClassMatchMplsTrafficClassSm::showAcl( std::uint32_t socket, std::uint32
 
 // The deferred road does not change the check here: there is no summary form of it.
 void QosClassMatchMplsTrafficClassSm::handleVerify() {
-   if( helper().asyncTcamOperationsSupported() && requestOutstanding() ) return;
    reportIfDestroying();
    helper().verifyMplsTrafficClassRule( pmapState(), *classData(), matchOption(), key() );
 }

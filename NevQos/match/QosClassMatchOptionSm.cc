@@ -98,7 +98,7 @@ void QosClassMatchOptionSm::showAcl( std::uint32_t socket, std::uint32_t unit, b
 
 void QosClassMatchOptionSm::handleVerify() {
    if( helper().asyncTcamOperationsSupported() ) {
-      if( !requestOutstanding() ) helper().verifyTcamData( *classData(), matchOption(), key() );
+      helper().verifyTcamData( *classData(), matchOption(), key() );
       return;
    }
    reportIfDestroying();
