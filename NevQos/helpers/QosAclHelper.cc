@@ -281,6 +281,13 @@ bool QosAclHelper::ipPortRangeSubruleExists( QosClassData const&, AclKey const&,
    return false;
 }
 
+bool QosAclHelper::ipLenRangeSubruleExists( QosClassData const&, AclKey const&,
+                                            Acl::UniqueId const&, uint32_t, uint32_t, uint16_t,
+                                            uint16_t, bool ) {
+   unimplemented( "Unimplemented function QosAclHelper::ipLenRangeSubruleExists()" );
+   return false;
+}
+
 bool QosAclHelper::createSmForPMap( QosPolicyMapState const& ) {
    return true;
 }

@@ -261,6 +261,14 @@ class QosAclHelper : public Nev::NevAsyncBaseHelper {
                                           std::uint16_t srcLow, std::uint16_t srcHigh,
                                           bool srcValid, std::uint16_t dstLow,
                                           std::uint16_t dstHigh, bool dstValid );
+   // True when the subrule stands as one entry holding its IP length range whole, false when the
+   // range was expanded into value/mask blocks. Asked only of a range that takes more than one
+   // block. Unimplemented: a chip that verifies must answer it.
+   virtual bool ipLenRangeSubruleExists( Nev::QosClassData const& classData,
+                                         Nev::AclKey const& aclKey, Acl::UniqueId const& aclId,
+                                         std::uint32_t ruleNum, std::uint32_t subruleNum,
+                                         std::uint16_t ipLenLow, std::uint16_t ipLenHigh,
+                                         bool ipLenValid );
    virtual bool createSmForPMap( Nev::QosPolicyMapState const& pmapState );
    virtual bool managedPrioritySupported( Qos::MapType mapType );
    virtual bool multipleActionsSupported();

@@ -54,12 +54,15 @@ class QosClassMatchAclSm final : public QosClassMatchChildSm {
       bool permit() const { return action == Acl::actionPermit; }
    };
    using PortRange = std::pair< std::uint16_t, std::uint16_t >;
+   using Blocks = std::vector< Mirel::RangeMaskGen< std::uint16_t >::Entry >;
    // One pass of the compile's loops, before any expansion.
    struct SubrulePlan {
       PortRange src;
       PortRange dst;
-      std::vector< Mirel::RangeMaskGen< std::uint16_t >::Entry > const& srcMasks;
-      std::vector< Mirel::RangeMaskGen< std::uint16_t >::Entry > const& dstMasks;
+      PortRange len;
+      Blocks const& srcMasks;
+      Blocks const& dstMasks;
+      Blocks const& lenMasks;
       std::uint8_t tcpFlag;
       std::uint8_t ecnData;
       std::uint8_t ecnMask;
@@ -88,6 +91,8 @@ class QosClassMatchAclSm final : public QosClassMatchChildSm {
    void verifyFragEntryTail( RuleCheck const& check, std::uint32_t subruleNum );
    void verifyPorts( RuleCheck const& check, std::uint32_t subruleNum, PortRange src,
                      PortRange dst );
+   // Whether the subrule holds its IP length range whole rather than expanded into blocks.
+   bool lenRangeWhole( RuleCheck const& check, SubrulePlan const& plan, std::uint32_t subruleNum );
    void verifyAction( RuleCheck const& check, std::uint32_t subruleNum );
    void verifyIpFragRule( Acl::IpRuleConfig const& rule, std::uint32_t ruleNum, bool l4Rule );
    // A per-port control-plane policy whose port is absent has nothing in hardware.

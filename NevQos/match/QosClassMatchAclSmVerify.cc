@@ -39,7 +39,8 @@ void QosClassMatchAclSm::showAcl( std::uint32_t socket, std::uint32_t unit, bool
 
 void QosClassMatchAclSm::handleVerify() {
    if( helper().asyncTcamOperationsSupported() ) {
-      // The deferred road keeps no per-rule state to replay: the helper checks the whole ACL.
+      // The deferred road keeps no per-rule state to replay: the helper checks the whole ACL, and
+      // compares every entry it holds with what the engine's calls asked for.
       helper().verifyAclGeneral( *classData(), matchOption(), key() );
       helper().verifyTcamData( *classData(), matchOption(), key() );
       return;
@@ -87,15 +88,18 @@ void QosClassMatchAclSm::verifyRuleSubrules( Rule const& rule, RuleCheck check )
       for( unsigned s = 1; s <= data.srcPortCount; ++s ) {
          for( unsigned d = 1; d <= data.dstPortCount; ++d ) {
             for( unsigned t = 1; t <= data.tcpFlagCount; ++t ) {
-               SubrulePlan const plan{ data.srcPortRange[ s ],
-                                       data.dstPortRange[ d ],
-                                       data.srcPortMasks[ s ],
-                                       data.dstPortMasks[ d ],
-                                       data.tcpFlag[ t ],
-                                       ecn.key(),
-                                       ecn.value() };
-               for( unsigned l = 1; l <= data.ipLenCount; ++l )
+               for( unsigned l = 1; l <= data.ipLenCount; ++l ) {
+                  SubrulePlan const plan{ data.srcPortRange[ s ],
+                                          data.dstPortRange[ d ],
+                                          data.ipLenRange[ l ],
+                                          data.srcPortMasks[ s ],
+                                          data.dstPortMasks[ d ],
+                                          data.ipLenMasks[ l ],
+                                          data.tcpFlag[ t ],
+                                          ecn.key(),
+                                          ecn.value() };
                   verifySubrule( rule, check, plan, subruleNum );
+               }
             }
          }
       }
@@ -151,31 +155,54 @@ void QosClassMatchAclSm::verifySubrule( Rule const& rule, RuleCheck const& check
          verifyIp6RuleCommon( rule, check, n, plan.tcpFlag, plan.ecnData, plan.ecnMask );
       }
    };
-   bool const ranged = helper().ipPortRangeSubruleExists(
+   auto const layer4 = [ & ]( std::uint32_t n, PortRange src, PortRange dst ) {
+      auto const& filter = rule.filter;
+      if( filter.proto != 1 ) {
+         verifyPorts( check, n, src, dst );
+      } else {
+         helper().verifyIpRuleIcmp( *classData(), key(), check.aclId, check.ruleNum, n,
+                                    check.sequence, filter.icmpType, filter.icmpCode,
+                                    filter.icmpTypeValid, filter.icmpCodeValid );
+      }
+   };
+   bool const portsWhole = helper().ipPortRangeSubruleExists(
          *classData(), key(), check.aclId, check.ruleNum, subruleNum, plan.src.first,
          plan.src.second, !fullRange( plan.src.first, plan.src.second ), plan.dst.first,
          plan.dst.second, !fullRange( plan.dst.first, plan.dst.second ) );
-   if( !ranged ) {
-      // Expanded into blocks: one entry per pair of blocks.
-      for( auto const& src : plan.srcMasks ) {
-         for( auto const& dst : plan.dstMasks ) {
+   bool const lenWhole = lenRangeWhole( check, plan, subruleNum );
+   if( portsWhole && lenWhole ) {
+      common( subruleNum );
+      layer4( subruleNum, plan.src, plan.dst );
+      ++subruleNum;
+      return;
+   }
+   // Expanded: one entry per combination of blocks, ports outermost, as the compile retried. A
+   // dimension held whole counts as its one range.
+   auto const blocksOf = []( bool whole, PortRange range, Blocks const& masks ) {
+      if( !whole ) return masks;
+      return Blocks{ { range.first, range.second, 0 } };
+   };
+   Blocks const srcBlocks = blocksOf( portsWhole, plan.src, plan.srcMasks );
+   Blocks const dstBlocks = blocksOf( portsWhole, plan.dst, plan.dstMasks );
+   std::size_t const lenBlocks = lenWhole ? 1 : plan.lenMasks.size();
+   for( auto const& src : srcBlocks ) {
+      for( auto const& dst : dstBlocks ) {
+         for( std::size_t l = 0; l < lenBlocks; ++l ) {
             common( subruleNum );
-            verifyPorts( check, subruleNum, { src.value, src.high }, { dst.value, dst.high } );
+            layer4( subruleNum, { src.value, src.high }, { dst.value, dst.high } );
             ++subruleNum;
          }
       }
-      return;
    }
-   common( subruleNum );
-   auto const& filter = rule.filter;
-   if( filter.proto != 1 ) {
-      verifyPorts( check, subruleNum, plan.src, plan.dst );
-   } else {
-      helper().verifyIpRuleIcmp( *classData(), key(), check.aclId, check.ruleNum, subruleNum,
-                                 check.sequence, filter.icmpType, filter.icmpCode,
-                                 filter.icmpTypeValid, filter.icmpCodeValid );
-   }
-   ++subruleNum;
+}
+
+// A range of one block is never expanded: the chip is asked only about one of several blocks.
+bool QosClassMatchAclSm::lenRangeWhole( RuleCheck const& check, SubrulePlan const& plan,
+                                        std::uint32_t subruleNum ) {
+   if( plan.lenMasks.size() < 2 ) return true;
+   return helper().ipLenRangeSubruleExists( *classData(), key(), check.aclId, check.ruleNum,
+                                            subruleNum, plan.len.first, plan.len.second,
+                                            !fullRange( plan.len.first, plan.len.second ) );
 }
 
 void QosClassMatchAclSm::verifyIpRuleCommon( Acl::IpRuleConfig const& rule, RuleCheck const& check,

@@ -32,23 +32,19 @@ bool QosClassMatchOptionSm::createAcl() {
    if( !data->dirty() && data->installed() ) return true;
    if( destroying() ) return true;
    data->aclNumberIs( optionAclNumber() );
-   auto const hw = qosAclSm()->qosAclHwStatus();
    MatchOptionTarget const target{
       *qosAclSm(), *pmapSm(), classData(), key(), matchOption(), data
    };
    auto const& classMatch = classMatchSm()->classMatch();
    // A match the chip cannot classify on programs nothing, and the ACL counts as standing.
+   if( !chipClassifies() ) return true;
    switch( matchOption() ) {
       case Qos::matchOptionVlan:
-         return !hw->vlanClassMatchSupported() || createClassMatchL2ParamsAcl( target, classMatch );
       case Qos::matchOptionCos:
-         return !hw->cosClassMatchSupported() || createClassMatchL2ParamsAcl( target, classMatch );
       case Qos::matchOptionVlanCos:
-         return !hw->vlanClassMatchSupported() || !hw->cosClassMatchSupported() ||
-                createClassMatchL2ParamsAcl( target, classMatch );
+         return createClassMatchL2ParamsAcl( target, classMatch );
       case Qos::matchOptionDscpEcn:
-         return !hw->dscpEcnClassMatchSupported() ||
-                createClassMatchDscpEcnAcl( target, classMatch );
+         return createClassMatchDscpEcnAcl( target, classMatch );
       case Qos::matchOptionMac:
          return createClassMatchMacAcl( target, classMatch );
       case Qos::matchOptionBuiltIn:
@@ -56,6 +52,22 @@ bool QosClassMatchOptionSm::createAcl() {
       default:
          // The other options have machines of their own.
          ZUB_ASSERT( false );
+         return true;
+   }
+}
+
+bool QosClassMatchOptionSm::chipClassifies() const {
+   auto const hw = qosAclSm()->qosAclHwStatus();
+   switch( matchOption() ) {
+      case Qos::matchOptionVlan:
+         return hw->vlanClassMatchSupported();
+      case Qos::matchOptionCos:
+         return hw->cosClassMatchSupported();
+      case Qos::matchOptionVlanCos:
+         return hw->vlanClassMatchSupported() && hw->cosClassMatchSupported();
+      case Qos::matchOptionDscpEcn:
+         return hw->dscpEcnClassMatchSupported();
+      default:
          return true;
    }
 }
@@ -90,6 +102,7 @@ void QosClassMatchOptionSm::handleVerify() {
       return;
    }
    reportIfDestroying();
+   if( !chipClassifies() ) return;  // nothing was programmed for it
    switch( matchOption() ) {
       case Qos::matchOptionVlan:
       case Qos::matchOptionCos:

@@ -28,6 +28,10 @@ class QosClassMatchOptionSm final : public QosClassMatchChildSm {
    bool cleanupAfterDestroy() const override;
 
  private:
+   // Whether the chip can classify on this match on the immediate road; if not, the compile
+   // programs nothing and the ACL counts as standing, so verification expects nothing either.
+   bool chipClassifies() const;
+
    QosPMapAclTypes pmapAclTypes_;
 };
 

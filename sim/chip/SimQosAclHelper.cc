@@ -145,6 +145,16 @@ class SimQosAclHelper::Completer : public Kesh::TimerWheel::NotifieeConst {
    SimQosAclHelper* chip_;
 };
 
+// Runs the chip's own checks with each verification run the verify agent starts.
+class SimQosAclHelper::VerifyReactor : public Nev::VerifyData::Notifiee {
+ public:
+   explicit VerifyReactor( SimQosAclHelper* chip ) : chip_( chip ) {}
+   void onVerify() override { chip_->verifyChip(); }
+
+ private:
+   SimQosAclHelper* chip_;
+};
+
 SimQosAclHelper::SimQosAclHelper( ChipConfig config, Zub::Ptr< Qos::Status const > qosStatus,
                                   Zub::Ptr< Qos::AclSliceHwStatus > qosAclSliceHwStatus,
                                   Zub::Ptr< Acl::Config const > mainAclConfig,
@@ -164,6 +174,14 @@ SimQosAclHelper::SimQosAclHelper( ChipConfig config, Zub::Ptr< Qos::Status const
 }
 
 SimQosAclHelper::~SimQosAclHelper() = default;
+
+void SimQosAclHelper::verifyDataIs( Zub::Ptr< Nev::VerifyData > const& verifyData ) {
+   verifyData_ = verifyData;
+   verifyReactor_ = nullptr;
+   if( !verifyData ) return;
+   verifyReactor_ = Zub::make< VerifyReactor >( this );
+   verifyReactor_->notifierIsWithoutCatchUp( verifyData );
+}
 
 std::string SimQosAclHelper::classKeyOf( Nev::QosClassData const& classData ) {
    Nev::QosClassDataKey const& k = classData.key();
@@ -236,16 +254,32 @@ Nev::AclCreateError SimQosAclHelper::install( std::string const& aclId, TcamEntr
          limit = f.atEntries;
       }
    }
+   TcamEntry const written = entry;
    if( !tcam_.add( aclId, std::move( entry ), limit ) ) return Nev::aclCreateErrorOutOfTcam;
+   // Only what the chip accepted: the engine is told of a refusal, and fails the map.
+   aclRecords_[ aclId ].written.push_back( written );
    return Nev::aclCreateErrorNone;
+}
+
+void SimQosAclHelper::openAcl( std::string const& aclId, std::string const& slice,
+                               Nev::QosClassData const& classData, Nev::AclKey const* aclKey ) {
+   tcam_.open( aclId, slice );
+   AclRecord& record = aclRecords_[ aclId ];
+   record = AclRecord{ Zub::Ptr< Nev::QosClassData const >( &classData ), std::nullopt, {} };
+   if( aclKey ) record.aclKey = *aclKey;
+}
+
+void SimQosAclHelper::closeAcl( std::string const& aclId ) {
+   tcam_.destroy( aclId );
+   aclRecords_.erase( aclId );
 }
 
 Nev::AclCreateError SimQosAclHelper::createRule( std::string const& op, std::string const& aclId,
                                                  std::string const& slice,
                                                  Nev::QosClassData const& classData,
-                                                 TcamEntry entry ) {
+                                                 Nev::AclKey const* aclKey, TcamEntry entry ) {
    if( auto const fault = faultFor( op ) ) return answer( *fault, classData );
-   if( !tcam_.has( aclId ) ) tcam_.open( aclId, slice );
+   if( !tcam_.has( aclId ) ) openAcl( aclId, slice, classData, aclKey );
    return answer( install( aclId, std::move( entry ) ), classData );
 }
 
@@ -283,7 +317,7 @@ Nev::AclCreateError SimQosAclHelper::precreateAcl( Nev::QosPolicyMapState const&
    record( "precreateAcl", &classData, &aclKey )
          .args.emplace_back( "matchOption", textOf( matchOption ) );
    if( auto const fault = faultFor( "precreateAcl" ) ) return answer( *fault, classData );
-   tcam_.open( aclIdOf( classData, aclKey ), sliceOf( aclKey ) );
+   openAcl( aclIdOf( classData, aclKey ), sliceOf( aclKey ), classData, &aclKey );
    aclPorts_.erase( aclIdOf( classData, aclKey ) );
    return Nev::aclCreateErrorNone;
 }
@@ -321,7 +355,7 @@ Nev::AclCreateError SimQosAclHelper::createIpAclSubrule(
    // Only permit rules take entries: a packet no permit rule matches is not in the class.
    if( rule.action != Acl::actionPermit ) return Nev::aclCreateErrorNone;
    std::string const id = aclIdOf( classData, aclKey );
-   if( !tcam_.has( id ) ) tcam_.open( id, sliceOf( aclKey ) );
+   if( !tcam_.has( id ) ) openAcl( id, sliceOf( aclKey ), classData, &aclKey );
    std::vector< RangeNeed > needs;
    if( needsChecker( srcL4PortMask, srcPortLow, srcPortHigh ) ) {
       needs.push_back( RangeNeed{ "src", srcPortLow, srcPortHigh } );
@@ -389,7 +423,7 @@ Nev::AclCreateError SimQosAclHelper::createIpFragRule(
    entry.fields.emplace_back( "fragments", "non-first" );
    entry.fields.emplace_back( "ecn", textOf( unsigned( ecnData ) ) + "/" + hexText( ecnMask ) );
    return createRule( "createIpFragRule", aclIdOf( classData, aclKey ), sliceOf( aclKey ),
-                      classData, std::move( entry ) );
+                      classData, &aclKey, std::move( entry ) );
 }
 
 Nev::AclCreateError SimQosAclHelper::createDefaultRule( Nev::QosPolicyMapState const&,
@@ -398,7 +432,7 @@ Nev::AclCreateError SimQosAclHelper::createDefaultRule( Nev::QosPolicyMapState c
                                                         Nev::AclKey const& aclKey ) {
    record( "createDefaultRule", &classData, &aclKey );
    return createRule( "createDefaultRule", aclIdOf( classData, aclKey ), sliceOf( aclKey ),
-                      classData, defaultEntry() );
+                      classData, &aclKey, defaultEntry() );
 }
 
 Nev::AclCreateError SimQosAclHelper::createL2ParamsRule( Nev::QosPolicyMapState const&,
@@ -409,7 +443,7 @@ Nev::AclCreateError SimQosAclHelper::createL2ParamsRule( Nev::QosPolicyMapState 
    record( "createL2ParamsRule", &classData, &aclKey )
          .args.emplace_back( "ruleNum", textOf( ruleNum ) );
    return createRule( "createL2ParamsRule", aclIdOf( classData, aclKey ), sliceOf( aclKey ),
-                      classData, l2EntryOf( classData, ruleNum ) );
+                      classData, &aclKey, l2EntryOf( classData, ruleNum ) );
 }
 
 TcamEntry SimQosAclHelper::l2EntryOf( Nev::QosClassData const& classData, std::uint32_t ruleNum ) {
@@ -435,7 +469,7 @@ Nev::AclCreateError SimQosAclHelper::createMplsTrafficClassRule( Nev::QosPolicyM
    record( "createMplsTrafficClassRule", &classData, &aclKey )
          .args.emplace_back( "ruleNum", textOf( ruleNum ) );
    return createRule( "createMplsTrafficClassRule", aclIdOf( classData, aclKey ), sliceOf( aclKey ),
-                      classData, mplsEntryOf( classData, ruleNum ) );
+                      classData, &aclKey, mplsEntryOf( classData, ruleNum ) );
 }
 
 TcamEntry SimQosAclHelper::mplsEntryOf( Nev::QosClassData const& classData,
@@ -456,7 +490,7 @@ Nev::AclCreateError SimQosAclHelper::createDscpEcnRule( Nev::QosPolicyMapState c
    record( "createDscpEcnRule", &classData, &aclKey )
          .args.emplace_back( "ruleNum", textOf( ruleNum ) );
    return createRule( "createDscpEcnRule", aclIdOf( classData, aclKey ), sliceOf( aclKey ),
-                      classData, dscpEcnEntryOf( classData, ruleNum ) );
+                      classData, &aclKey, dscpEcnEntryOf( classData, ruleNum ) );
 }
 
 TcamEntry SimQosAclHelper::dscpEcnEntryOf( Nev::QosClassData const& classData,
@@ -485,7 +519,7 @@ Nev::AclCreateError SimQosAclHelper::createMacAclRule( Nev::QosPolicyMapState co
    record( "createMacAclRule", &classData, &aclKey )
          .args.emplace_back( "ruleNum", textOf( ruleNum ) );
    return createRule( "createMacAclRule", aclIdOf( classData, aclKey ), sliceOf( aclKey ),
-                      classData, macEntryOf( classData, ruleNum ) );
+                      classData, &aclKey, macEntryOf( classData, ruleNum ) );
 }
 
 TcamEntry SimQosAclHelper::macEntryOf( Nev::QosClassData const& classData, std::uint32_t ruleNum ) {
@@ -506,7 +540,8 @@ Nev::AclCreateError SimQosAclHelper::createBuiltInClassMatchRule(
                     ruleNum,
                     0,
                     { { "class", textOf( classData.builtInClassMatchValue().builtInClass() ) } } };
-   return createRule( "createBuiltInClassMatchRule", id, "ipv4", classData, std::move( entry ) );
+   return createRule( "createBuiltInClassMatchRule", id, "ipv4", classData, nullptr,
+                      std::move( entry ) );
 }
 
 void SimQosAclHelper::updatePortForAcl( Nev::QosPolicyMapState const&,
@@ -523,7 +558,7 @@ void SimQosAclHelper::updatePortForAcl( Nev::QosPolicyMapState const&,
 void SimQosAclHelper::destroyAcl( Nev::QosPolicyMapState const&, Nev::QosClassData const& classData,
                                   Qos::ClassMapMatchOption, Nev::AclKey const& aclKey ) {
    record( "destroyAcl", &classData, &aclKey );
-   tcam_.destroy( aclIdOf( classData, aclKey ) );
+   closeAcl( aclIdOf( classData, aclKey ) );
    aclPorts_.erase( aclIdOf( classData, aclKey ) );
    if( async() ) startOperation();
 }
@@ -531,8 +566,8 @@ void SimQosAclHelper::destroyAcl( Nev::QosPolicyMapState const&, Nev::QosClassDa
 void SimQosAclHelper::cleanupAcl( Nev::QosPolicyMapState const&, Nev::QosClassData const& classData,
                                   Qos::ClassMapMatchOption, Nev::AclKey const& aclKey ) {
    record( "cleanupAcl", &classData, &aclKey );
-   tcam_.destroy( aclIdOf( classData, aclKey ) );
-   tcam_.destroy( classKeyOf( classData ) + " built-in" );
+   closeAcl( aclIdOf( classData, aclKey ) );
+   closeAcl( classKeyOf( classData ) + " built-in" );
    aclPorts_.erase( aclIdOf( classData, aclKey ) );
 }
 
@@ -656,6 +691,7 @@ void SimQosAclHelper::createAndAttachCounter( Nev::QosClassData const& classData
       Zub::log( Nev::QOS_POLICY_COUNTER_HW_RESOURCE_FULL, classData.key().cmapName(),
                 classData.key().pmapName(), Zub::String( "interface" ),
                 classData.key().policerName() );
+      refusedCounters_.insert( classKeyOf( classData ) );
       return;
    }
    counters_.insert( classKeyOf( classData ) );
@@ -664,6 +700,7 @@ void SimQosAclHelper::createAndAttachCounter( Nev::QosClassData const& classData
 void SimQosAclHelper::destroyCounter( Nev::QosClassData const& classData ) {
    record( "destroyCounter", &classData, nullptr );
    counters_.erase( classKeyOf( classData ) );
+   refusedCounters_.erase( classKeyOf( classData ) );
 }
 
 Nev::QosClassCounterData SimQosAclHelper::counterUpdateRequest( Nev::QosClassData const& classData,
@@ -733,9 +770,11 @@ void SimQosAclHelper::destroyCoppPolicer( Nev::QosClassData const& classData ) {
 void SimQosAclHelper::hwInit() {
    record( "hwInit", nullptr, nullptr );
    tcam_ = Tcam( config_.tcamSliceEntries, config_.rangeCheckers );
+   aclRecords_.clear();
    aclPorts_.clear();
    policers_.clear();
    counters_.clear();
+   refusedCounters_.clear();
    cpuQueues_.clear();
    portCpuQueuePolicers_.clear();
    traffic_.clear();

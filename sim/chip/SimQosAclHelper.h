@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -87,8 +88,12 @@ class SimQosAclHelper : public NevHelper::QosAclHelper {
    static std::string classKeyOf( Nev::QosClassData const& classData );
    // The chip's name for one ACL of a class: the TCAM's id of it.
    static std::string aclIdOf( Nev::QosClassData const& classData, Nev::AclKey const& aclKey );
-   // Where the chip reports what it finds wrong when the engine asks it to verify.
-   void verifyDataIs( Zub::Ptr< Nev::VerifyData > const& verifyData ) { verifyData_ = verifyData; }
+   // Where the chip reports what it finds wrong when the engine asks it to verify. Each run the
+   // verify agent starts there also runs the chip's own checks (verifyChip).
+   void verifyDataIs( Zub::Ptr< Nev::VerifyData > const& verifyData );
+   // The chip's own checks, which no call of the engine asks for: every ACL in the TCAM must be
+   // owned by a class of a policy map.
+   void verifyChip();
    // The verification queries about single subrules answered so far; unlike the other calls,
    // they are not recorded one by one.
    std::uint64_t subruleQueries() const { return subruleQueries_; }
@@ -195,6 +200,11 @@ class SimQosAclHelper : public NevHelper::QosAclHelper {
                                   std::uint32_t subruleNum, std::uint16_t srcLow,
                                   std::uint16_t srcHigh, bool srcValid, std::uint16_t dstLow,
                                   std::uint16_t dstHigh, bool dstValid ) override;
+   bool ipLenRangeSubruleExists( Nev::QosClassData const& classData, Nev::AclKey const& aclKey,
+                                 Acl::UniqueId const& aclId, std::uint32_t ruleNum,
+                                 std::uint32_t subruleNum, std::uint16_t ipLenLow,
+                                 std::uint16_t ipLenHigh, bool ipLenValid ) override;
+   // Compares every entry of the ACL with the driver's record of what the engine's calls wrote.
    void verifyTcamData( Nev::QosClassData const& classData, Qos::ClassMapMatchOption matchOption,
                         Nev::AclKey const& aclKey ) override;
    void verifyAclGeneral( Nev::QosClassData const& classData, Qos::ClassMapMatchOption matchOption,
@@ -336,6 +346,17 @@ class SimQosAclHelper : public NevHelper::QosAclHelper {
 
  private:
    class Completer;
+   class VerifyReactor;
+
+   // The driver's record of one ACL it opened: the class data the engine opened it for, and the
+   // entries the engine's calls wrote into it, as written. The TCAM's cells may change behind
+   // the driver's back (corruptEntry); this record does not.
+   struct AclRecord {
+      Zub::Ptr< Nev::QosClassData const > classData;
+      // The engine's key of the ACL; none for the ACL of the built-in classes.
+      std::optional< Nev::AclKey > aclKey;
+      std::vector< TcamEntry > written;
+   };
 
    bool async() const { return config_.tcamMode == TcamMode::asynchronous; }
    ChipCall& record( char const* op, Nev::QosClassData const* classData,
@@ -347,11 +368,16 @@ class SimQosAclHelper : public NevHelper::QosAclHelper {
    bool active( FaultConfig const& fault ) const;
    // Writes one entry; a refusal is answered now, or kept for the asynchronous result.
    Nev::AclCreateError install( std::string const& aclId, TcamEntry entry );
+   // Opens the ACL in the TCAM and starts its record over; `aclKey` null for the built-in ACL.
+   void openAcl( std::string const& aclId, std::string const& slice,
+                 Nev::QosClassData const& classData, Nev::AclKey const* aclKey );
+   // Frees the ACL in the TCAM and forgets its record.
+   void closeAcl( std::string const& aclId );
    // A rule operation after its call is recorded: a scripted fault, or the entry written into
    // the ACL, opened in `slice` if need be.
    Nev::AclCreateError createRule( std::string const& op, std::string const& aclId,
                                    std::string const& slice, Nev::QosClassData const& classData,
-                                   TcamEntry entry );
+                                   Nev::AclKey const* aclKey, TcamEntry entry );
    Nev::AclCreateError answer( Nev::AclCreateError error, Nev::QosClassData const& classData );
    void startOperation();
    bool takePolicer( Nev::QosClassData const& classData );
@@ -396,6 +422,19 @@ class SimQosAclHelper : public NevHelper::QosAclHelper {
    bool checkInstalled( Nev::QosClassData const& classData, Nev::AclKey const& aclKey );
    // The ACL serves exactly the interfaces of its class.
    void checkPortsBound( Nev::QosClassData const& classData, Nev::AclKey const& aclKey );
+   // The entries of TCAM ACL `aclId` against the record of what was written into it.
+   void compareWritten( Nev::QosClassData const& classData, Nev::AclKey const& aclKey,
+                        std::string const& aclId );
+   // What a difference in an entry of an IP access list or of another kind is reported as.
+   void reportIpEntry( Nev::QosClassData const& classData, Nev::AclKey const& aclKey,
+                       TcamEntry const* written, TcamEntry const* actual );
+   void reportOtherEntry( Nev::QosClassData const& classData, Nev::AclKey const& aclKey,
+                          TcamEntry const* written, TcamEntry const* actual );
+   // The sequence of the configured rule an IP entry comes from, by the list's rules now.
+   std::uint32_t sequenceOf( Nev::AclKey const& aclKey, std::uint64_t ruleId ) const;
+   // Whether a class of a policy map owns the ACL: its class data is still held by the engine,
+   // not by this record alone, and still holds the ACL among its matches.
+   bool owned( AclRecord const& record ) const;
    static TcamEntry defaultEntry() { return TcamEntry{ "default", 0, 0, { { "match", "any" } } }; }
    // ---- Show (SimQosAclHelperShow.cc)
    void showEntries( std::uint32_t socket, Nev::QosClassData const& classData,
@@ -430,11 +469,15 @@ class SimQosAclHelper : public NevHelper::QosAclHelper {
    std::vector< bool > faultSwitchedOff_;
    std::set< std::string > policers_;
    std::set< std::string > counters_;
+   // Counters the chip refused and logged: the engine has no failure path for them.
+   std::set< std::string > refusedCounters_;
    std::map< std::string, int > cpuQueues_;
    std::set< Nev::ModIdPortQueueKey > portCpuQueuePolicers_;
    std::vector< ChipTraffic > traffic_;
    Ports aclPorts_;
+   std::map< std::string, AclRecord > aclRecords_;
    Zub::Ptr< Nev::VerifyData > verifyData_;
+   Zub::Ptr< VerifyReactor > verifyReactor_;
    std::uint64_t subruleQueries_ = 0;
 };
 

@@ -1,8 +1,12 @@
 // The reference chip's answers to the engine's verification: every answer is read from the TCAM
 // as it stands, so that an entry damaged or lost behind the engine's back is found. The engine
-// decides whether a subrule should exist; the chip compares the fields of the entries it has.
+// decides whether a subrule should exist; the chip compares the fields of the entries it has, or,
+// where the engine replays no rule (verifyTcamData), every entry with the driver's record of what
+// was written. The chip's own checks find what no class of the engine owns.
+#include <algorithm>
 #include <bit>
 #include <cstdio>
+#include <map>
 #include <optional>
 #include <sstream>
 #include <utility>
@@ -11,6 +15,7 @@
 #include "mirel/IpAddrWithMask.h"
 #include "sim/chip/ChipText.h"
 #include "sim/chip/SimQosAclHelper.h"
+#include "zub/Format.h"
 
 namespace Sim {
 
@@ -40,6 +45,31 @@ std::string addressText( std::uint32_t addr, std::uint32_t mask ) {
 
 std::string rangeText( Range r ) {
    return textOf( r.first ) + "-" + textOf( r.second );
+}
+
+// A field as a difference names it: ports and lengths as the range they match, as the checks of
+// single fields do; "absent" for a field the entry lacks.
+std::string fieldValueText( std::string const& name, std::string const* value ) {
+   if( !value ) return "absent";
+   if( name == "srcPort" || name == "dstPort" || name == "ipLen" ) {
+      return rangeText( rangeOfText( value ) );
+   }
+   return *value;
+}
+
+bool sameEntry( TcamEntry const& a, TcamEntry const& b ) {
+   return a.kind == b.kind && a.fields == b.fields;
+}
+
+bool ipKind( TcamEntry const& e ) {
+   return e.kind == "ip" || e.kind == "ipFrag";
+}
+
+std::string fieldsText( TcamEntry const& e ) {
+   std::string out;
+   for( auto const& [ name, value ] : e.fields )
+      out += " " + name + "=" + value;
+   return out;
 }
 
 }  // namespace
@@ -126,6 +156,19 @@ bool SimQosAclHelper::ipPortRangeSubruleExists( Nev::QosClassData const& classDa
           rangeOfText( entry->field( "dstPort" ) ) == dst;
 }
 
+// True when the subrule stands as one entry holding the length range whole: not expanded.
+bool SimQosAclHelper::ipLenRangeSubruleExists( Nev::QosClassData const& classData,
+                                               Nev::AclKey const& aclKey, Acl::UniqueId const&,
+                                               std::uint32_t ruleNum, std::uint32_t subruleNum,
+                                               std::uint16_t ipLenLow, std::uint16_t ipLenHigh,
+                                               bool ipLenValid ) {
+   subruleQuery( classData, aclKey, ruleNum, subruleNum, 0 );
+   TcamEntry const* const entry = ipEntry( classData, aclKey, ruleNum, subruleNum );
+   if( !entry ) return false;
+   Range const len = ipLenValid ? Range{ ipLenLow, ipLenHigh } : fullRange;
+   return rangeOfText( entry->field( "ipLen" ) ) == len;
+}
+
 // ---- The ACL as a whole
 
 bool SimQosAclHelper::checkInstalled( Nev::QosClassData const& classData,
@@ -167,10 +210,115 @@ void SimQosAclHelper::verifyAclGeneral( Nev::QosClassData const& classData,
    if( checkInstalled( classData, aclKey ) ) checkPortsBound( classData, aclKey );
 }
 
-void SimQosAclHelper::verifyTcamData( Nev::QosClassData const& classData, Qos::ClassMapMatchOption,
+void SimQosAclHelper::verifyTcamData( Nev::QosClassData const& classData,
+                                      Qos::ClassMapMatchOption matchOption,
                                       Nev::AclKey const& aclKey ) {
    record( "verifyTcamData", &classData, &aclKey );
-   checkInstalled( classData, aclKey );
+   compareWritten( classData, aclKey, aclIdOf( classData, aclKey ) );
+   // The built-in classes keep their entries in an ACL of the class's own.
+   if( matchOption == Qos::matchOptionBuiltIn ) {
+      compareWritten( classData, aclKey, classKeyOf( classData ) + " built-in" );
+   }
+}
+
+// Entries equal to one written are paired first, among those of the same rule and subrule
+// numbers (an expanded subrule has several); the rest are paired in order and compared field by
+// field, and what is left on either side is missing or should not be there.
+void SimQosAclHelper::compareWritten( Nev::QosClassData const& classData, Nev::AclKey const& aclKey,
+                                      std::string const& aclId ) {
+   auto const record = aclRecords_.find( aclId );
+   auto const acl = tcam_.acls().find( aclId );
+   std::vector< TcamEntry > const none;
+   auto const& written = record == aclRecords_.end() ? none : record->second.written;
+   auto const& actual = acl == tcam_.acls().end() ? none : acl->second.entries;
+   using Numbers = std::pair< std::uint32_t, std::uint32_t >;
+   struct Group {
+      std::vector< TcamEntry const* > written;
+      std::vector< TcamEntry const* > actual;
+   };
+   std::map< Numbers, Group > groups;
+   for( TcamEntry const& e : written )
+      groups[ { e.ruleNum, e.subruleNum } ].written.push_back( &e );
+   for( TcamEntry const& e : actual )
+      groups[ { e.ruleNum, e.subruleNum } ].actual.push_back( &e );
+   auto const report = [ & ]( TcamEntry const* w, TcamEntry const* a ) {
+      if( ipKind( w ? *w : *a ) ) {
+         reportIpEntry( classData, aclKey, w, a );
+      } else {
+         reportOtherEntry( classData, aclKey, w, a );
+      }
+   };
+   for( auto& [ numbers, group ] : groups ) {
+      std::vector< TcamEntry const* > left;
+      for( TcamEntry const* w : group.written ) {
+         auto const same =
+               std::find_if( group.actual.begin(), group.actual.end(),
+                             [ & ]( TcamEntry const* a ) { return sameEntry( *w, *a ); } );
+         if( same == group.actual.end() ) {
+            left.push_back( w );
+         } else {
+            group.actual.erase( same );
+         }
+      }
+      std::size_t const paired = std::min( left.size(), group.actual.size() );
+      for( std::size_t i = 0; i < paired; ++i )
+         report( left[ i ], group.actual[ i ] );
+      for( std::size_t i = paired; i < left.size(); ++i )
+         report( left[ i ], nullptr );
+      for( std::size_t i = paired; i < group.actual.size(); ++i )
+         report( nullptr, group.actual[ i ] );
+   }
+}
+
+// In the words of the engine's findings about a subrule, and of the chip's about one field.
+void SimQosAclHelper::reportIpEntry( Nev::QosClassData const& classData, Nev::AclKey const& aclKey,
+                                     TcamEntry const* written, TcamEntry const* actual ) {
+   TcamEntry const& e = written ? *written : *actual;
+   std::uint32_t const sequence = sequenceOf( aclKey, e.ruleId );
+   if( !written || !actual ) {
+      reportMismatch(
+            Zub::format( written ? "ACL %s sequence %d rule %d subrule %d doesn't exist"
+                                 : "ACL %s sequence %d rule %d subrule %d should not exist",
+                         aclKey.aclName().charPtr(), static_cast< int >( sequence ),
+                         static_cast< int >( e.ruleNum ), static_cast< int >( e.subruleNum ) )
+                  .stdString() );
+      return;
+   }
+   FieldCheck const at{ classData, aclKey, e.ruleNum, e.subruleNum, sequence };
+   for( auto const& [ name, value ] : written->fields ) {
+      std::string const* const stored = actual->field( name );
+      if( stored && *stored == value ) continue;
+      reportFieldMismatch( at, name, fieldValueText( name, stored ),
+                           fieldValueText( name, &value ) );
+   }
+   for( auto const& [ name, value ] : actual->fields ) {
+      if( written->field( name ) ) continue;
+      reportFieldMismatch( at, name, fieldValueText( name, &value ), "absent" );
+   }
+}
+
+// In the words of the checks of single rules of these kinds.
+void SimQosAclHelper::reportOtherEntry( Nev::QosClassData const& classData,
+                                        Nev::AclKey const& aclKey, TcamEntry const* written,
+                                        TcamEntry const* actual ) {
+   if( written ) {
+      reportAclMismatch( classData, aclKey,
+                         "has no " + written->kind + " entry" + fieldsText( *written ) );
+      return;
+   }
+   reportAclMismatch( classData, aclKey,
+                      "has an entry it was not given: " + actual->kind + fieldsText( *actual ) );
+}
+
+std::uint32_t SimQosAclHelper::sequenceOf( Nev::AclKey const& aclKey, std::uint64_t ruleId ) const {
+   auto const type = mainAclConfig()->config( aclKey.aclType() );
+   auto const list = type ? type->acl( aclKey.aclName() ) : nullptr;
+   auto const rules = list ? list->currCfg() : nullptr;
+   if( !rules ) return 0;
+   for( auto it = rules->ruleBySequence().iter(); it; ++it ) {
+      if( it.value().value() == ruleId ) return it.key();
+   }
+   return 0;
 }
 
 void SimQosAclHelper::verifyRulePorts( Nev::QosPolicyMapState const&,
@@ -392,16 +540,51 @@ void SimQosAclHelper::verifyMacAclRule( Nev::QosPolicyMapState const&,
 
 // ---- Policers and counters
 
+// The engine's belief is the policer data's createdInHw: a policer the chip refused, which the
+// engine went on without, is expected absent.
 void SimQosAclHelper::verifyPolicer( Nev::QosClassData const& classData ) {
    record( "verifyPolicer", &classData, nullptr );
-   if( !classData.policerData() || policers_.contains( classKeyOf( classData ) ) ) return;
-   reportMismatch( "policer of class " + classKeyOf( classData ) + " is not in hardware" );
+   auto const policer = classData.policerData();
+   if( !policer ) return;
+   bool const held = policers_.contains( classKeyOf( classData ) );
+   if( held == policer->createdInHw() ) return;
+   reportMismatch(
+         "policer of class " + classKeyOf( classData ) +
+         ( held ? " is in hardware, but the engine went on without it" : " is not in hardware" ) );
 }
 
+// The engine learns nothing of a counter the chip refused: the chip logged it, and expects it
+// absent.
 void SimQosAclHelper::verifyCounter( Nev::QosClassData const& classData ) {
    record( "verifyCounter", &classData, nullptr );
-   if( counters_.contains( classKeyOf( classData ) ) ) return;
-   reportMismatch( "counter of class " + classKeyOf( classData ) + " is not in hardware" );
+   std::string const key = classKeyOf( classData );
+   if( counters_.contains( key ) || refusedCounters_.contains( key ) ) return;
+   reportMismatch( "counter of class " + key + " is not in hardware" );
+}
+
+// ---- The chip's own checks
+
+void SimQosAclHelper::verifyChip() {
+   for( auto const& [ id, acl ] : tcam_.acls() ) {
+      auto const record = aclRecords_.find( id );
+      if( record != aclRecords_.end() && owned( record->second ) ) continue;
+      std::ostringstream text;
+      text << "ACL " << id << " is in the TCAM, but no class of a policy map owns it";
+      reportMismatch( text.str() );
+   }
+}
+
+bool SimQosAclHelper::owned( AclRecord const& record ) const {
+   Nev::QosClassData const* const classData = record.classData.ptr();
+   std::uint32_t held = 0;
+   for( auto const& [ id, r ] : aclRecords_ )
+      held += r.classData.ptr() == classData ? 1 : 0;
+   if( classData->references() <= held ) return false;
+   if( !record.aclKey ) return !!classData->matchData( Qos::matchOptionBuiltIn );
+   for( auto it = classData->matchData().iter(); it; ++it ) {
+      if( it.value()->aclData( *record.aclKey ) ) return true;
+   }
+   return false;
 }
 
 // ---- Damage

@@ -93,6 +93,11 @@ TEST_F( QosAclHelperDeathTest, UnimplementedOperationsStopWithTheirOwnText ) {
         "Call to unimplemented function \n            QosSm::destroyCoppPolicerByPortQueue" },
       { "verifyPolicer", [ this ] { helper->verifyPolicer( cd ); },
         "Unimplemented function QosAclHelper::verifyPolicer()" },
+      { "ipLenRangeSubruleExists",
+        [ this ] {
+           helper->ipLenRangeSubruleExists( cd, ak, Acl::UniqueId( 1 ), 0, 0, 1, 2, true );
+        },
+        "Unimplemented function QosAclHelper::ipLenRangeSubruleExists()" },
       { "portToIntfName", [ this ] { helper->portToIntfName( 1, 2 ); },
         "Unimplemented function QosAclHelper::portToIntfName" },
    };
@@ -131,6 +136,7 @@ TEST_F( QosAclHelperTest, AnEmptyNoOpSwitchCountsAsSetAndGivesTheNeutralAnswers 
    EXPECT_FALSE( helper->createAndAttachPolicer( cd ) );
    EXPECT_FALSE( helper->checkUserCoppEntryExists( queue ) );
    EXPECT_FALSE( helper->createCoppPolicerByPortQueue( queue ) );
+   EXPECT_FALSE( helper->ipLenRangeSubruleExists( cd, ak, Acl::UniqueId( 1 ), 0, 0, 1, 2, true ) );
    EXPECT_EQ( helper->cpuQIdToClassMapName( 4 ), "" );
    EXPECT_EQ( helper->portToIntfName( 1, 2 ), "" );
    // The void ones return.

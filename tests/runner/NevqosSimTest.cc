@@ -407,12 +407,15 @@ TEST( NevqosSimTest, EveryExampleButTheDamagedOneVerifiesClean ) {
    ASSERT_GE( names.size(), 10u );
    for( std::string const& name : names ) {
       if( name == "tcam-corruption.yaml" ) continue;
-      SCOPED_TRACE( name );
-      SimRun const run = runSim( { example( name ), "--json", "--verify" } );
-      ASSERT_EQ( run.exitCode, 0 ) << run.err << run.out.substr( 0, 2000 );
-      Json const verify = run.report()[ "verify" ];
-      EXPECT_EQ( verify[ "findings" ], Json::array() );
-      EXPECT_GE( verify[ "runs" ].get< int >(), 2 ) << "at the start and at the end at least";
+      for( char const* mode : { "synchronous", "asynchronous" } ) {
+         SCOPED_TRACE( name + " " + mode );
+         SimRun const run =
+               runSim( { example( name ), "--json", "--verify", "--tcam-mode", mode } );
+         ASSERT_EQ( run.exitCode, 0 ) << run.err << run.out.substr( 0, 2000 );
+         Json const verify = run.report()[ "verify" ];
+         EXPECT_EQ( verify[ "findings" ], Json::array() );
+         EXPECT_GE( verify[ "runs" ].get< int >(), 2 ) << "at the start and at the end at least";
+      }
    }
 }
 

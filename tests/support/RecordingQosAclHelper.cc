@@ -40,7 +40,7 @@ char const* const boolOps[] = {
    "ipPortRangeSubruleExists",     "createSmForPMap",
    "managedPrioritySupported",     "multipleActionsSupported",
    "errorOnPolicerExhaustion",     "policiesInStableState",
-   "delaySviPmapSmCreation",
+   "delaySviPmapSmCreation",       "ipLenRangeSubruleExists",
 };
 
 template< class T >
@@ -663,6 +663,23 @@ bool RecordingQosAclHelper::ipPortRangeSubruleExists(
                       QosAclHelper::ipPortRangeSubruleExists( classData, aclKey, aclId, ruleNum,
                                                               subruleNum, srcLow, srcHigh, srcValid,
                                                               dstLow, dstHigh, dstValid ) );
+}
+
+bool RecordingQosAclHelper::ipLenRangeSubruleExists( QosClassData const& classData,
+                                                     AclKey const& aclKey,
+                                                     Acl::UniqueId const& aclId, uint32_t ruleNum,
+                                                     uint32_t subruleNum, uint16_t ipLenLow,
+                                                     uint16_t ipLenHigh, bool ipLenValid ) {
+   record( line( "ipLenRangeSubruleExists" )
+                 .cls( classData )
+                 .aclKey( aclKey )
+                 .id( "aclId", aclId )
+                 .num( "ruleNum", ruleNum )
+                 .num( "subruleNum", subruleNum )
+                 .num( "ipLenLow", ipLenLow )
+                 .num( "ipLenHigh", ipLenHigh )
+                 .flag( "ipLenValid", ipLenValid ) );
+   return boolAnswer( "ipLenRangeSubruleExists", true );
 }
 
 bool RecordingQosAclHelper::createSmForPMap( QosPolicyMapState const& pmapState ) {

@@ -29,7 +29,8 @@
 // process the recorder succeeds instead: 0 for an AclCreateError, true for the creating bools,
 // nothing for void; except that checkUserCoppEntryExists and checkKernelCoppEntryExists answer
 // false, coppAllocateCpuQ hands out 0, 1, 2, ..., cpuQIdToClassMapName and portToIntfName give
-// "cpu-queue-<cpuQId>" and "port-<modId>/<port>", and the getDdeCopp... queries the empty key.
+// "cpu-queue-<cpuQId>" and "port-<modId>/<port>", the getDdeCopp... queries the empty key, and
+// ipLenRangeSubruleExists true (the length range stands whole).
 // Naming an operation that gives no answer of that kind throws std::invalid_argument, so a
 // misspelt name cannot pass unnoticed.
 //
@@ -226,6 +227,10 @@ class RecordingQosAclHelper : public NevHelper::QosAclHelper {
                                   std::uint32_t subruleNum, std::uint16_t srcLow,
                                   std::uint16_t srcHigh, bool srcValid, std::uint16_t dstLow,
                                   std::uint16_t dstHigh, bool dstValid ) override;
+   bool ipLenRangeSubruleExists( Nev::QosClassData const& classData, Nev::AclKey const& aclKey,
+                                 Acl::UniqueId const& aclId, std::uint32_t ruleNum,
+                                 std::uint32_t subruleNum, std::uint16_t ipLenLow,
+                                 std::uint16_t ipLenHigh, bool ipLenValid ) override;
    bool createSmForPMap( Nev::QosPolicyMapState const& pmapState ) override;
    bool managedPrioritySupported( Qos::MapType mapType ) override;
    bool multipleActionsSupported() override;
