@@ -210,7 +210,7 @@ TEST_P( QosClassMatchOptionSmRoadTest, DscpAndEcnBecomeTosValuesAndMasks ) {
    EXPECT_EQ( helper->callsMatching( "commitAcl" ).size(), 5u );
 }
 
-TEST_P( QosClassMatchOptionSmRoadTest, MplsTrafficClassRangesBecomeRulesAndStayOnTeardown ) {
+TEST_P( QosClassMatchOptionSmRoadTest, MplsTrafficClassRangesBecomeRulesAndGoOnTeardown ) {
    startOnRoad();
    mplsClassMapIs( "two", { { 1, 2 } } );
    mplsClassMapIs( "all", { { 0, 7 } } );
@@ -224,11 +224,12 @@ TEST_P( QosClassMatchOptionSmRoadTest, MplsTrafficClassRangesBecomeRulesAndStayO
                        "commit mpls-traffic-class-acl-7",
                        // An empty match makes its ACL and no rule.
                        "pre mpls-traffic-class-acl-7", "commit mpls-traffic-class-acl-7" } ) );
-   // The parent leaves its traffic-class children out of its teardown.
+   // Each traffic-class list goes with its class, the empty one too.
    helper->clearCalls();
    qosStatus->servicePolicyStatusDel( spKey( "gold" ) );
    settle();
-   EXPECT_EQ( helper->callsMatching( "destroyAcl" ), Lines{} );
+   EXPECT_EQ( helper->callsMatching( "destroyAcl" ).size(), 3u );
+   EXPECT_EQ( helper->callsMatching( "cleanupAcl" ).size(), 3u );
 }
 
 TEST_P( QosClassMatchOptionSmRoadTest, MacRulesTheChipLacksAreLeftOutWithoutANumber ) {
