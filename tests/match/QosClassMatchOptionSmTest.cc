@@ -310,31 +310,28 @@ TEST_F( QosClassMatchOptionSmTest, ARefusedVlanOrDscpRuleEndsItsAclAndFailsTheMa
    EXPECT_EQ( hwStatus( "gold" )->prgmStatus(), Qos::hwPrgmStatusFail_ );
 }
 
-TEST_F( QosClassMatchOptionSmTest, ARefusedMacRuleFailsTheCompileButLeavesDirtyAlone ) {
+TEST_F( QosClassMatchOptionSmTest, ARefusedMacRuleFailsTheMapAndAnIgnoredOneDoesNot ) {
    helper->boolAnswerIs( "isSupportedMacAclRule", true );
    start();
    macAclIs( "m", { macRule( 0x800 ), macRule( 0x806 ), macRule( 0x86dd ) } );
    classMapIs( "mac", { { Qos::matchOptionMac, "m" } } );
-   helper->aclCreateErrorEnq( "createMacAclRule", Nev::aclCreateErrorNone );
+   helper->aclCreateErrorEnq( "createMacAclRule", Nev::aclCreateErrorRuleIgnored );
    helper->aclCreateErrorEnq( "createMacAclRule", Nev::aclCreateErrorOutOfTcam );
    helper->clearCalls();
    goldIs( { "mac" } );
+   // The ignored rule is no failure; the refused one ends the list, which is not committed.
    EXPECT_EQ( compileCalls( helper->callsMatching( "createMacAclRule" ) ),
               ( Lines{ "rule mac-acl-7 r0 mac=m/0x800", "rule mac-acl-7 r1 mac=m/0x806" } ) );
-   // Nothing marked the list dirty, so it is committed and the map stands.
-   EXPECT_EQ( helper->callsMatching( "commitAcl" ).size(), 1u );
-   EXPECT_EQ( hwStatus( "gold" )->prgmStatus(), Qos::hwPrgmStatusSuccess_ );
-
-   // Compiled again, the refusal shows only in the result.
+   EXPECT_EQ( helper->callsMatching( "commitAcl" ), Lines{} );
    auto const match = classMatchSm( "mac", Qos::matchOptionMac );
    ASSERT_TRUE( match );
    auto const child = match->matchOptionSm().iter().value();
-   auto const data = match->classData()->matchData( Qos::matchOptionMac )->aclData( child->key() );
-   data->installedIs( false );
-   helper->aclCreateErrorEnq( "createMacAclRule", Nev::aclCreateErrorOutOfTcam );
-   EXPECT_FALSE( child->createAcl() );
-   EXPECT_FALSE( data->dirty() );
-   EXPECT_EQ( takeLogs(), Lines{} );
+   EXPECT_TRUE(
+         match->classData()->matchData( Qos::matchOptionMac )->aclData( child->key() )->dirty() );
+   EXPECT_EQ( takeLogs(), Lines{ "QOS_POLICY_HW_RESOURCE_FULL: Insufficient hardware resources to "
+                                 "program the input policy-map gold." } );
+   loop->runOnce();
+   EXPECT_EQ( hwStatus( "gold" )->prgmStatus(), Qos::hwPrgmStatusFail_ );
 }
 
 TEST_F( QosClassMatchOptionSmTest, TheDefaultClassHasARulePerFamilyUnderTheAccessGroupOptions ) {
