@@ -67,8 +67,6 @@ bool endsAcl( MatchOptionTarget const& t, OptionRuleAnswers answers, AclCreateEr
    switch( answers ) {
       case OptionRuleAnswers::reported:
          return t.qosAclSm.updatePolicyMapErrorState( error, t.pmapSm.key(), t.aclData );
-      case OptionRuleAnswers::unreported:
-         return error != aclCreateErrorNone;
       case OptionRuleAnswers::mustSucceed:
          ZUB_ASSERT_TEXT( error == aclCreateErrorNone, "aclError == aclCreateErrorNone()" );
          return false;
@@ -313,8 +311,9 @@ bool createClassMatchMacAcl( MatchOptionTarget const& t,
                 t.classData->key().cmapName() );
       return false;
    }
-   if( precreate( t ) != aclCreateErrorNone ) return false;
-   return !createMacAclRules( t, OptionRuleAnswers::unreported ).failed;
+   // A refused rule fails the map as in every other list: a list short of its rules is not what
+   // the configuration asks for.
+   return compileReported( t, createMacAclRules );
 }
 
 bool createBuiltInClassMatchAcl( MatchOptionTarget const& t,

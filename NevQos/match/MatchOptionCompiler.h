@@ -47,8 +47,6 @@ struct MatchOptionTarget {
 enum class OptionRuleAnswers {
    // updatePolicyMapErrorState takes each answer; one that it counts as a failure ends the ACL.
    reported,
-   // A non-zero answer ends the ACL and leaves dirty as it is: the MAC compile.
-   unreported,
    // The deferred road: the helper must take every rule.
    mustSucceed,
 };

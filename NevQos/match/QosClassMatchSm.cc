@@ -330,6 +330,11 @@ void QosClassMatchSm::deleteSm() {
       it.value()->doPrepareToDie();
       classDefaultSmDel( it.key() );
    }
+   // The traffic-class lists are in the chip like the others, and go with their match.
+   for( auto it = mplsTrafficClassSm().iter(); it; ++it ) {
+      it.value()->doPrepareToDie();
+      mplsTrafficClassSmDel( it.key() );
+   }
    // Queued requests still need the match data and policyData.
    if( qosAclSm()->qosHelper()->asyncTcamOperationsSupported() ) return;
    classData()->matchDataDel( matchOption() );

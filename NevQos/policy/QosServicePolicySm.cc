@@ -52,6 +52,16 @@ void QosServicePolicySm::handleInitialized() {
    createSm();
    for( auto it = servicePolicyStatus()->intfIds().iter(); it; ++it )
       handleIntf( it.key() );
+   // No interface, no map: nothing is due in hardware, as after the last interface has left.
+   if( pmapSmSize() == 0 ) reportApplied();
+}
+
+void QosServicePolicySm::reportApplied() {
+   qosAclSm()->setPolicyMapHwPrgmStatus( defaultPmapKey() );
+   auto const typeStatus = qosAclSm()->qosStatus()->pmapType( type() );
+   auto const pmap = typeStatus ? typeStatus->pmap( name() ) : nullptr;
+   ZUB_ASSERT( pmap );
+   if( auto hwStatus = pmapSliceHwStatus() ) hwStatus->versionIs( pmap->version() );
 }
 
 bool QosServicePolicySm::parkSvi( Qos::IntfPairKey const& intfPair ) const {
@@ -159,11 +169,7 @@ void QosServicePolicySm::handleIntf( Qos::IntfPairKey const& intfPair ) {
       ZUB_TRACE( nevQosTrace, 7,
                  "handleIntf"
                        << " handleIntf called with non-existent interface " << intfPair.intfId() );
-      qosAclSm()->setPolicyMapHwPrgmStatus( defaultPmapKey() );
-      auto const typeStatus = qosAclSm()->qosStatus()->pmapType( type() );
-      auto const pmap = typeStatus ? typeStatus->pmap( name() ) : nullptr;
-      ZUB_ASSERT( pmap );
-      if( auto hwStatus = pmapSliceHwStatus() ) hwStatus->versionIs( pmap->version() );
+      reportApplied();
    }
    qosAclSm()->schedulePolicyVerify();
 }

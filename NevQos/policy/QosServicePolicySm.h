@@ -83,6 +83,8 @@ class QosServicePolicySm : public Zub::PtrInterface {
    // Whether the interface must wait for the interface list before a map is made for it.
    bool parkSvi( Qos::IntfPairKey const& intfPair ) const;
    bool ethernetNotPresent( Qos::IntfPairKey const& intfPair ) const;
+   // The policy's status and version as applied, for a policy with nothing to program now.
+   void reportApplied();
 
    Qos::ServicePolicyKey key_;
    QosAclSm* qosAclSm_;

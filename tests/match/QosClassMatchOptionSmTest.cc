@@ -210,7 +210,7 @@ TEST_P( QosClassMatchOptionSmRoadTest, DscpAndEcnBecomeTosValuesAndMasks ) {
    EXPECT_EQ( helper->callsMatching( "commitAcl" ).size(), 5u );
 }
 
-TEST_P( QosClassMatchOptionSmRoadTest, MplsTrafficClassRangesBecomeRulesAndStayOnTeardown ) {
+TEST_P( QosClassMatchOptionSmRoadTest, MplsTrafficClassRangesBecomeRulesAndGoOnTeardown ) {
    startOnRoad();
    mplsClassMapIs( "two", { { 1, 2 } } );
    mplsClassMapIs( "all", { { 0, 7 } } );
@@ -224,11 +224,12 @@ TEST_P( QosClassMatchOptionSmRoadTest, MplsTrafficClassRangesBecomeRulesAndStayO
                        "commit mpls-traffic-class-acl-7",
                        // An empty match makes its ACL and no rule.
                        "pre mpls-traffic-class-acl-7", "commit mpls-traffic-class-acl-7" } ) );
-   // The parent leaves its traffic-class children out of its teardown.
+   // Each traffic-class list goes with its class, the empty one too.
    helper->clearCalls();
    qosStatus->servicePolicyStatusDel( spKey( "gold" ) );
    settle();
-   EXPECT_EQ( helper->callsMatching( "destroyAcl" ), Lines{} );
+   EXPECT_EQ( helper->callsMatching( "destroyAcl" ).size(), 3u );
+   EXPECT_EQ( helper->callsMatching( "cleanupAcl" ).size(), 3u );
 }
 
 TEST_P( QosClassMatchOptionSmRoadTest, MacRulesTheChipLacksAreLeftOutWithoutANumber ) {
@@ -309,31 +310,28 @@ TEST_F( QosClassMatchOptionSmTest, ARefusedVlanOrDscpRuleEndsItsAclAndFailsTheMa
    EXPECT_EQ( hwStatus( "gold" )->prgmStatus(), Qos::hwPrgmStatusFail_ );
 }
 
-TEST_F( QosClassMatchOptionSmTest, ARefusedMacRuleFailsTheCompileButLeavesDirtyAlone ) {
+TEST_F( QosClassMatchOptionSmTest, ARefusedMacRuleFailsTheMapAndAnIgnoredOneDoesNot ) {
    helper->boolAnswerIs( "isSupportedMacAclRule", true );
    start();
    macAclIs( "m", { macRule( 0x800 ), macRule( 0x806 ), macRule( 0x86dd ) } );
    classMapIs( "mac", { { Qos::matchOptionMac, "m" } } );
-   helper->aclCreateErrorEnq( "createMacAclRule", Nev::aclCreateErrorNone );
+   helper->aclCreateErrorEnq( "createMacAclRule", Nev::aclCreateErrorRuleIgnored );
    helper->aclCreateErrorEnq( "createMacAclRule", Nev::aclCreateErrorOutOfTcam );
    helper->clearCalls();
    goldIs( { "mac" } );
+   // The ignored rule is no failure; the refused one ends the list, which is not committed.
    EXPECT_EQ( compileCalls( helper->callsMatching( "createMacAclRule" ) ),
               ( Lines{ "rule mac-acl-7 r0 mac=m/0x800", "rule mac-acl-7 r1 mac=m/0x806" } ) );
-   // Nothing marked the list dirty, so it is committed and the map stands.
-   EXPECT_EQ( helper->callsMatching( "commitAcl" ).size(), 1u );
-   EXPECT_EQ( hwStatus( "gold" )->prgmStatus(), Qos::hwPrgmStatusSuccess_ );
-
-   // Compiled again, the refusal shows only in the result.
+   EXPECT_EQ( helper->callsMatching( "commitAcl" ), Lines{} );
    auto const match = classMatchSm( "mac", Qos::matchOptionMac );
    ASSERT_TRUE( match );
    auto const child = match->matchOptionSm().iter().value();
-   auto const data = match->classData()->matchData( Qos::matchOptionMac )->aclData( child->key() );
-   data->installedIs( false );
-   helper->aclCreateErrorEnq( "createMacAclRule", Nev::aclCreateErrorOutOfTcam );
-   EXPECT_FALSE( child->createAcl() );
-   EXPECT_FALSE( data->dirty() );
-   EXPECT_EQ( takeLogs(), Lines{} );
+   EXPECT_TRUE(
+         match->classData()->matchData( Qos::matchOptionMac )->aclData( child->key() )->dirty() );
+   EXPECT_EQ( takeLogs(), Lines{ "QOS_POLICY_HW_RESOURCE_FULL: Insufficient hardware resources to "
+                                 "program the input policy-map gold." } );
+   loop->runOnce();
+   EXPECT_EQ( hwStatus( "gold" )->prgmStatus(), Qos::hwPrgmStatusFail_ );
 }
 
 TEST_F( QosClassMatchOptionSmTest, TheDefaultClassHasARulePerFamilyUnderTheAccessGroupOptions ) {
