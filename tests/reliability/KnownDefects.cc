@@ -1,0 +1,166 @@
+#include "reliability/KnownDefects.h"
+
+#include <cstdlib>
+#include <functional>
+#include <set>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <variant>
+
+namespace NevQosTest {
+
+namespace {
+
+constexpr KnownDefect list[] = {
+   { "max-classes",
+     "a policy map over maxClassesPerPolicyMap ends success after a later interface update, and "
+     "verification asserts" },
+   { "failed-map-async-verify",
+     "verification while a failed map waits for its asynchronous result asserts" },
+   { "policy-qos-unsupported",
+     "policyQosSupported false with a QoS service policy asserts in verification "
+     "(pmapTypeSmHas)" },
+   { "copp-without-intf-copp",
+     "coppSupported true with intfCoppSupported false asserts on pmapSliceHwStatus" },
+   { "async-service-policy-given-again",
+     "an asynchronous service policy removed and given again while its removal is queued stops "
+     "with \"Reinstantiating the pointer interface\"" },
+   { "refused-policer-finding",
+     "a policer refused for want of policers (errorOnPolicerExhaustion false) is a verification "
+     "finding" },
+   { "expanded-ip-length",
+     "an IP-length range expanded for want of range checkers is reported as a mismatch" },
+   { "cbf-review-never-ends",
+     "the FEC override review restarts its walk for ever with more than a slice of refused "
+     "overrides" },
+   { "async-success-before-drain",
+     "on the asynchronous road a policy map reports success, and verification compares it, while "
+     "its ACLs are still queued (/work/findings/async-success-before-drain.yaml)" },
+   { "unsupported-class-match-verified",
+     "a VLAN, COS or DSCP match the chip cannot classify on is compiled to nothing, yet "
+     "verification asks for its entry (/work/findings/unsupported-class-match-verified.yaml)" },
+};
+
+template< class T >
+void eachDefinition( Sim::Scenario const& s, std::function< void( T const& ) > const& f ) {
+   auto visit = [ & ]( Sim::Change const& c ) {
+      if( auto const* v = std::get_if< T >( &c.value ) ) f( *v );
+   };
+   for( Sim::Change const& c : s.initial )
+      visit( c );
+   for( Sim::Step const& step : s.steps ) {
+      for( Sim::Change const& c : step.changes )
+         visit( c );
+   }
+}
+
+template< class T >
+bool anyDefinition( Sim::Scenario const& s, std::function< bool( T const& ) > const& f ) {
+   bool found = false;
+   eachDefinition< T >( s, [ & ]( T const& v ) { found = found || f( v ); } );
+   return found;
+}
+
+bool tooManyClasses( Sim::Scenario const& s ) {
+   // A QoS map counts its class-default whether it names one or not.
+   return anyDefinition< Sim::PolicyMapDef >( s, [ & ]( Sim::PolicyMapDef const& p ) {
+      return p.type == Qos::mapQos_ && p.classes.size() + 1 > s.chip.maxClassesPerPolicyMap;
+   } );
+}
+
+bool servicePolicyOfType( Sim::Scenario const& s, Qos::MapType type ) {
+   return anyDefinition< Sim::ServicePolicyDef >(
+         s, [ & ]( Sim::ServicePolicyDef const& sp ) { return sp.key.type() == type; } );
+}
+
+bool servicePolicyGivenAgain( Sim::Scenario const& s ) {
+   if( s.chip.tcamMode != Sim::TcamMode::asynchronous ) return false;
+   std::set< Qos::ServicePolicyKey > removed;
+   for( Sim::Step const& step : s.steps ) {
+      for( Sim::Change const& c : step.changes ) {
+         if( auto const* r = std::get_if< Sim::ServicePolicyRemoval >( &c.value ) ) {
+            removed.insert( r->key );
+         } else if( auto const* sp = std::get_if< Sim::ServicePolicyDef >( &c.value ) ) {
+            if( removed.contains( sp->key ) ) return true;
+         }
+      }
+   }
+   return false;
+}
+
+// A length condition other than one value needs a range checker.
+bool lengthRangeShortOfCheckers( Sim::Scenario const& s ) {
+   bool checkersRunOut = s.chip.rangeCheckers < 16;
+   for( Sim::FaultConfig const& f : s.chip.faults )
+      checkersRunOut = checkersRunOut || f.kind == Sim::FaultConfig::Kind::outOfRangeCheckers;
+   if( !checkersRunOut ) return false;
+   auto ranged = []( auto const& rules ) {
+      for( auto const& r : rules ) {
+         auto const oper = r.rule.filter.ipLen.oper();
+         if( oper != Acl::PortCondition::any && oper != Acl::PortCondition::eq ) return true;
+      }
+      return false;
+   };
+   return anyDefinition< Sim::AclDef >( s, [ & ]( Sim::AclDef const& a ) {
+      return ranged( a.ipv4Rules ) || ranged( a.ipv6Rules );
+   } );
+}
+
+bool manyOverrides( Sim::Scenario const& s ) {
+   std::set< Qos::Glarn::OverrideKey > keys;
+   eachDefinition< Sim::FecOverrideDef >(
+         s, [ & ]( Sim::FecOverrideDef const& o ) { keys.insert( o.key ); } );
+   // A review slice takes a hundred overrides.
+   return keys.size() > 100;
+}
+
+bool unsupportedClassMatch( Sim::Scenario const& s ) {
+   auto const& chip = s.chip;
+   return anyDefinition< Sim::ClassMapDef >( s, [ & ]( Sim::ClassMapDef const& c ) {
+      for( Sim::MatchDef const& m : c.matches ) {
+         bool const vlan = m.option == Qos::matchOptionVlan || m.option == Qos::matchOptionVlanCos;
+         bool const cos = m.option == Qos::matchOptionCos || m.option == Qos::matchOptionVlanCos;
+         if( ( vlan && !chip.vlanClassMatchSupported ) || ( cos && !chip.cosClassMatchSupported ) ||
+             ( m.option == Qos::matchOptionDscpEcn && !chip.dscpEcnClassMatchSupported ) ) {
+            return true;
+         }
+      }
+      return false;
+   } );
+}
+
+}  // namespace
+
+std::span< KnownDefect const > knownDefects() {
+   return list;
+}
+
+bool avoided( std::string_view name ) {
+   bool listed = false;
+   for( KnownDefect const& d : list )
+      listed = listed || d.name == name;
+   if( !listed ) throw std::logic_error( "no known defect " + std::string( name ) );
+   char const* mode = std::getenv( "NEVQOS_KNOWN_DEFECTS" );
+   return !( mode && std::string_view( mode ) == "reach" );
+}
+
+std::string_view knownConditionOf( Sim::Scenario const& s ) {
+   std::pair< std::string_view, bool > const conditions[] = {
+      { "max-classes", tooManyClasses( s ) },
+      { "policy-qos-unsupported",
+        !s.chip.policyQosSupported && servicePolicyOfType( s, Qos::mapQos_ ) },
+      { "copp-without-intf-copp", s.chip.coppSupported && !s.chip.intfCoppSupported &&
+                                        servicePolicyOfType( s, Qos::mapControlPlane_ ) },
+      { "async-service-policy-given-again", servicePolicyGivenAgain( s ) },
+      { "expanded-ip-length", lengthRangeShortOfCheckers( s ) },
+      { "cbf-review-never-ends", manyOverrides( s ) },
+      { "unsupported-class-match-verified", unsupportedClassMatch( s ) },
+   };
+   for( auto const& [ name, stands ] : conditions ) {
+      if( stands && avoided( name ) ) return name;
+   }
+   return {};
+}
+
+}  // namespace NevQosTest
