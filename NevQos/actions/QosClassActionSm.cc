@@ -69,7 +69,12 @@ void QosClassActionSm::allocateCpuQueue() {
    ZUB_TRACE( nevQosTrace, 5,
               "createSm"
                     << "(" << cpuQId << ")" );
-   ZUB_ASSERT_TEXT( cpuQId >= 0, "false" );
+   if( cpuQId < 0 ) {
+      // The chip has no queue left: the map fails whole, as one whose entries do not fit, and
+      // the class keeps -1, so that nothing is given back for it.
+      qosAclSm()->updatePolicyMapErrorState( aclCreateErrorOutOfTcam, pmapSm()->key(), nullptr );
+      return;
+   }
    classData()->cpuQIdIs( cpuQId );
 }
 
@@ -95,10 +100,11 @@ Zub::Ptr< Qos::Action > QosClassActionSm::singleAction() const {
    auto const& cfg = *policyClassAction();
    if( auto const dscp = cfg.action( Qos::actionSetDscp_ ) ) return dscp;
    if( auto const cos = cfg.action( Qos::actionSetCos_ ) ) return cos;
+   if( auto const tc = cfg.action( Qos::actionSetTc_ ) ) return tc;
+   // A class that only drops, or only sets a drop precedence, is valid configuration: the chip
+   // takes that one action.
    auto const action = cfg.action().iter().value();
    ZUB_ASSERT( action );
-   ZUB_ASSERT_TEXT( action->actionType() == Qos::actionSetTc_,
-                    "action.isMemberOf( Qos::actionSetTc_ )" );
    return action;
 }
 

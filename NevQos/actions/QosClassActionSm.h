@@ -66,7 +66,8 @@ class QosClassActionSm final : public QosClassActionBaseSm {
    void handleInitialized();
    void allocateCpuQueue();
    void selectActions();
-   // On a chip that takes one action per class: set DSCP, else set COS, else set traffic class.
+   // On a chip that takes one action per class: set DSCP, else set COS, else set traffic class,
+   // else the first of the set (a drop, a drop precedence).
    Zub::Ptr< Qos::Action > singleAction() const;
 };
 

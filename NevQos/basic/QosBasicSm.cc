@@ -161,6 +161,12 @@ void QosBasicSm::handleInitialized() {
    ZUB_ASSERT( qosHelper() );
    qosHelper()->hwInit();
    ZUB_ASSERT( clock() );
+   // A clear asked for while the agent was down concerns what went before this start-up: it is
+   // served first, and what fails from here on lowers the status again.
+   if( qosStatus()->clearHwStatusErrorRequestTime() >
+       qosSliceHwStatus()->clearHwStatusErrorTime() ) {
+      handleClearHwStatusErrorRequestTime();
+   }
    Qos::HwStatus const& hw = *qosHwStatus();
    for( Qos::Cos cos( 0 ); cos.isValid(); cos = Qos::Cos( cos + 1 ) )
       handleCosToTcMap( cos );
@@ -445,6 +451,7 @@ void QosBasicSm::handleClearHwStatusErrorRequestTime() {
    ZUB_TRACE( nevQosTrace, 8, "handleClearHwStatusErrorRequestTime " << requestTime );
    FLEELOG( "QosSm::", __PRETTY_FUNCTION__, " time:", requestTime );
    qosSliceHwStatus()->statusIs( Qos::hwProgrammingSucceeded_ );
+   qosSliceHwStatus()->clearHwStatusErrorTimeIs( requestTime );
 }
 
 // ---- verification ----

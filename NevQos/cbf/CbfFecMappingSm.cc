@@ -1,5 +1,9 @@
 #include "NevQos/cbf/CbfFecMappingSm.h"
 
+#include <map>
+#include <sstream>
+#include <utility>
+
 #include "NevQos/log/QosLogHandles.h"
 #include "NevQos/log/TraceHandles.h"
 #include "zub/Assert.h"
@@ -53,8 +57,28 @@ CbfFecMappingSm::~CbfFecMappingSm() {
 void CbfFecMappingSm::handleInitialized() {
    ZUB_TRACE( nevCbfFecMappingSmTrace, 0, "handleInitialized vrf " << vrfId() );
    policyOverrideTaskIs( scheduler(), Kesh::TaskPriority::high, "policyOverrideTask" );
+   sweepStaleOverrideStatus();
    initialized_ = true;
    handlePolicyOverrideConfig();
+   // A shortage that stood when the agent went down ends, once every key is settled, with the
+   // NORMAL that its FULL is owed, even with nothing configured.
+   if( resourceFull() ) policyOverrideTask()->scheduleTask();
+}
+
+// Left-overs of an earlier life of the agent: the status of an override removed while it was
+// down goes, and its rule with it if the status says programmed (a driver may have kept its rules
+// across the restart). A configured override keeps its status until its review.
+void CbfFecMappingSm::sweepStaleOverrideStatus() {
+   for( auto it = policyFecOverrideStatus()->iter( Glarn::IterHint::sequential ); it; ++it ) {
+      FecOverrideStatusEntry const status = it.value();
+      if( status.status == Qos::Glarn::fecOverrideOutOfResource ) resourceFull_ = true;
+      if( policyFecOverrideConfig()->has( status.key ) ) continue;
+      ZUB_TRACE( nevCbfFecMappingSmTrace, 2, " deleting stale fecOverrideStatus " << status.key );
+      if( status.status == Qos::Glarn::fecOverrideProgrammed ) {
+         mappingHelper()->deleteMapping( status.key );
+      }
+      policyFecOverrideStatus()->overrideDel( status.key );
+   }
 }
 
 void CbfFecMappingSm::handleDeletion() {
@@ -69,6 +93,7 @@ void CbfFecMappingSm::zubDoZombieReactors( bool zombie ) {
    zombieIs( zombie );
    policyFecOverrideConfig_.zombieIs( zombie );
    hwFecIdResponse_.zombieIs( zombie );
+   verifyData_.zombieIs( zombie );
    if( policyOverrideTaskReactor_ ) policyOverrideTaskReactor_->zombieIs( zombie );
 }
 
@@ -193,6 +218,7 @@ void CbfFecMappingSm::policyOverrideTaskIs( Zub::Ptr< Kesh::TaskScheduler > cons
 void CbfFecMappingSm::policyOverrideReviewQueueIs( OverrideKey const& key, bool ) {
    if( policyOverrideReviewQueue_.has( key ) ) return;
    policyOverrideReviewQueue_.set( key, true );
+   if( reviewCursor_ && !( *reviewCursor_ < key ) ) reviewMissedKey_ = true;
    policyOverrideTask()->scheduleTask();
 }
 
@@ -205,32 +231,52 @@ void CbfFecMappingSm::doReviewPolicyOverride() {
               "doReviewPolicyOverride, " << policyOverrideReviewQueue().size() << " queued" );
    if( !initialized() ) return;
    Kesh::TimerTask& task = *policyOverrideTask();
-   bool lastSettled = true;
-   for( auto it = policyOverrideReviewQueue().iter(); it; ) {
+   auto it = policyOverrideReviewQueue().iter();
+   if( reviewCursor_ ) {
+      // The cursor's key may have left the queue meanwhile; the walk goes on after it either way.
+      it = policyOverrideReviewQueue().iterFrom( *reviewCursor_ );
+      if( it && it.key() == *reviewCursor_ ) ++it;
+      reviewCursor_.reset();
+   } else {
+      reviewLastSettled_ = true;
+   }
+   while( it ) {
       OverrideKey const key = it.key();
-      lastSettled = processPolicyOverride( key );
-      if( lastSettled ) policyOverrideReviewQueueDel( key );
+      reviewLastSettled_ = processPolicyOverride( key );
+      if( reviewLastSettled_ ) policyOverrideReviewQueueDel( key );
       task.taskWorkCountInc( 1 );
       ++it;
-      // The next run starts the walk over.
       if( it && task.taskShouldYield() ) {
+         // The next run goes on after this key, so that every key is tried once per review.
+         reviewCursor_ = key;
          task.scheduleTask();
          return;
       }
    }
+   finishReview();
+}
+
+void CbfFecMappingSm::finishReview() {
+   bool const missedKey = std::exchange( reviewMissedKey_, false );
    if( policyOverrideReviewQueue().empty() ) {
       // The shortage is over only once every key is settled.
       updateResourceFullAndSyslog( false );
       return;
    }
-   // Only the last key of the walk decides how soon the next review comes.
+   if( missedKey ) {
+      // A key queued behind a review that had yielded is due now, as it would have been had
+      // the review not yielded.
+      policyOverrideTask()->scheduleTask();
+      return;
+   }
+   // Only the last key of the review decides how soon the next one comes.
    Zub::Seconds delay = defaultDelay();
-   if( !lastSettled && resourceFull() ) {
+   if( !reviewLastSettled_ && resourceFull() ) {
       delay = longDelay();
       PAIRLOG( nevCbfFecMappingSmTrace, 2,
                "Entry remaining in review queue, reschedule review after ", delay, " seconds" );
    }
-   task.scheduleTaskDelay( delay );
+   policyOverrideTask()->scheduleTaskDelay( delay );
 }
 
 bool CbfFecMappingSm::processPolicyOverride( OverrideKey const& overrideKey ) {
@@ -322,6 +368,59 @@ void CbfFecMappingSm::updateResourceFullAndSyslog( bool resourceFullState ) {
       Zub::log( ROUTING_CBF_HW_RESOURCE_FULL );
    } else {
       Zub::log( ROUTING_CBF_HW_RESOURCE_NORMAL );
+   }
+}
+
+// ---- verification ----
+
+void CbfFecMappingSm::handleVerify() {
+   ZUB_TRACE( nevCbfFecMappingSmTrace, 3, "handleVerify" );
+   if( !initialized() ) return;
+   VerifyData* const report = verifyData().ptr();
+   std::map< OverrideKey, NevHelper::CbfFecMapHwRule > unowned;
+   for( NevHelper::CbfFecMapHwRule const& rule : mappingHelper()->hwFecOverrideRules() )
+      unowned[ rule.key ] = rule;
+   for( auto it = policyFecOverrideStatus()->iter( Glarn::IterHint::sequential ); it; ++it ) {
+      OverrideKey const& key = it.key();
+      auto const held = unowned.find( key );
+      bool const inHardware = held != unowned.end();
+      NevHelper::CbfFecMapHwRule const rule =
+            inHardware ? held->second : NevHelper::CbfFecMapHwRule{};
+      // A key under review may hold a rule whatever its status says; the review settles it.
+      bool const reviewing = policyOverrideReviewQueue().has( key );
+      if( reviewing || it.value().status != Qos::Glarn::fecOverrideProgrammed ) {
+         if( reviewing && inHardware ) unowned.erase( held );
+         continue;
+      }
+      Qos::Hardware::FecOverrideRuleId const hwRuleId = it.value().hwRuleId;
+      std::ostringstream text;
+      text << "FEC override " << key << " is programmed as rule " << hwRuleId;
+      if( !inHardware ) {
+         text << " but the hardware holds no rule for it";
+         NEV_VERIFY_FAILURE( report, Zub::String( text.str() ) );
+         continue;
+      }
+      unowned.erase( held );
+      auto const* given = cbfFecMapRuleCache().find( key );
+      if( rule.hwRuleId != hwRuleId ) {
+         text << " but the hardware holds it as rule " << rule.hwRuleId;
+      } else if( !given ) {
+         text << " but is not configured";
+      } else if( rule.hwFecId != ( *given )->hwFecId() ||
+                 rule.overridingHwFecId != ( *given )->overridingHwFecId() ) {
+         text << " but the hardware FECs are " << rule.hwFecId << " -> " << rule.overridingHwFecId
+              << ", expected " << ( *given )->hwFecId() << " -> "
+              << ( *given )->overridingHwFecId();
+      } else {
+         continue;
+      }
+      NEV_VERIFY_FAILURE( report, Zub::String( text.str() ) );
+   }
+   for( auto const& [ key, rule ] : unowned ) {
+      std::ostringstream text;
+      text << "FEC override " << key << " has rule " << rule.hwRuleId
+           << " in the hardware but is not programmed";
+      NEV_VERIFY_FAILURE( report, Zub::String( text.str() ) );
    }
 }
 

@@ -11,16 +11,19 @@
 // keys: programmed (status 1), or waiting for a FEC id (3), or gone; out of room (2) and not ready
 // (4) stay on the queue and are tried again, slowly while the hardware is full. One shortage is
 // logged once as ROUTING_CBF_HW_RESOURCE_FULL and once as ROUTING_CBF_HW_RESOURCE_NORMAL when
-// every key is settled.
+// every key is settled. Start-up drops what an earlier life of the agent left for overrides no
+// longer configured, and a verification run compares the status with the hardware's rules.
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
 #include "NevQos/cbf/CbfFecMap.h"
 #include "NevQos/helpers/CbfFecMappingHelper.h"
 #include "entities/FecOverride.h"
 #include "kesh/TimerTask.h"
 #include "nev/FecIdToHwFecId.h"
+#include "nev/VerifyData.h"
 #include "zub/Attribute.h"
 #include "zub/Collection.h"
 
@@ -55,6 +58,16 @@ class CbfFecMappingSm : public Zub::PtrInterface {
       }
       void onHwFecIdzubImmediate() override {
          if( !zombie() ) sm_->handleHwFecIdResponse();
+      }
+
+    private:
+      CbfFecMappingSm* sm_;
+   };
+   class ZubVerifyData : public VerifyData::Notifiee {
+    public:
+      explicit ZubVerifyData( CbfFecMappingSm* sm ) : sm_( sm ) {}
+      void onVerify() override {
+         if( !zombie() ) sm_->handleVerify();
       }
 
     private:
@@ -132,10 +145,24 @@ class CbfFecMappingSm : public Zub::PtrInterface {
    Zub::Seconds defaultDelay() const { return defaultDelay_; }
    Zub::Seconds longDelay() const { return longDelay_; }
    bool resourceFull() const { return resourceFull_; }
+   // One run of the review task: goes on with the review under way, from the key after the last
+   // one handled, or starts a new one at the first queued key. A review tries every queued key
+   // once, however many runs it takes, and only its end picks when the next review comes.
    void doReviewPolicyOverride();
    // True when the key is settled and can leave the queue.
    bool processPolicyOverride( OverrideKey const& overrideKey );
    void updateResourceFullAndSyslog( bool resourceFullState );
+
+   // ---- verification ----
+   // The platform's verify agent: each run it starts compares the status with the hardware.
+   Zub::Ptr< VerifyData > const& verifyData() const { return verifyData_.get(); }
+   void verifyDataIs( Zub::Ptr< VerifyData > const& verifyData ) {
+      verifyData_.is( verifyData, this, false );
+   }
+   // Every settled override whose status says programmed has its rule in the hardware, under
+   // the rule id of the status and with the hardware FEC ids it was given; the hardware holds no
+   // rule that no such override, nor one still under review, owns. Mismatches are reported.
+   void handleVerify();
 
    // ---- lifecycle ----
    bool initialized() const { return initialized_; }
@@ -159,6 +186,12 @@ class CbfFecMappingSm : public Zub::PtrInterface {
    // Programs the rule of a key whose two FECs are known; true when it is in hardware.
    bool programRule( OverrideKey const& key, std::uint64_t hwFecId,
                      std::uint64_t overridingHwFecId );
+   // At start-up: drops the status, and the rule, of overrides no longer configured, and takes
+   // over a shortage that the status shows.
+   void sweepStaleOverrideStatus();
+   // The end of a review: the shortage is over when every key is settled; otherwise the next
+   // review is due after the delay that the review's last key asks for.
+   void finishReview();
 
    VrfId vrfId_;
    Zub::Input< Qos::Glarn::FecOverrideConfig const, ZubPolicyFecOverrideConfig >
@@ -172,8 +205,15 @@ class CbfFecMappingSm : public Zub::PtrInterface {
    Zub::Collection< Glarn::Fib::FecId, Zub::Ptr< FecIdToOverrideKey > > fecIdToOverrideKey_;
    Zub::Collection< OverrideKey, Zub::Ptr< CbfFecMapRule > > cbfFecMapRuleCache_;
    Zub::Collection< OverrideKey, bool > policyOverrideReviewQueue_;
+   Zub::Input< VerifyData, ZubVerifyData > verifyData_;
    Zub::Ptr< Kesh::TimerTask > policyOverrideTask_;
    Zub::Ptr< ZubPolicyOverrideTask > policyOverrideTaskReactor_;
+   // The last key handled by a review that yielded; none between reviews.
+   std::optional< OverrideKey > reviewCursor_;
+   // Whether the last key handled by the review under way was settled.
+   bool reviewLastSettled_ = true;
+   // A key was queued behind the cursor, so the review under way does not reach it.
+   bool reviewMissedKey_ = false;
    Zub::Seconds defaultDelay_ = 0.01;
    Zub::Seconds longDelay_ = 1.0;
    bool resourceFull_ = false;

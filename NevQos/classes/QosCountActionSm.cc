@@ -33,9 +33,10 @@ void QosCountActionSm::createSm() {
    classDataPolicerNameIs( name() );
    classData()->countIs( true );
    createClassMatchSm();
-   if( !pmapSm()->pmapState()->dirty() ) {
-      qosAclSm()->qosHelper()->createAndAttachCounter( *classData() );
-   }
+   // A map that failed is rebuilt as a whole: its copies reach the chip then.
+   if( pmapSm()->pmapState()->dirty() ) return;
+   qosAclSm()->qosHelper()->createAndAttachCounter( *classData() );
+   counterCreated_ = true;
 }
 
 void QosCountActionSm::handleIntf( Qos::IntfPairKey const& intfId, bool add ) {
@@ -51,7 +52,8 @@ void QosCountActionSm::handleIntf( Qos::IntfPairKey const& intfId, bool add ) {
 }
 
 void QosCountActionSm::deleteSm() {
-   if( classData() ) qosAclSm()->qosHelper()->destroyCounter( *classData() );
+   if( counterCreated_ ) qosAclSm()->qosHelper()->destroyCounter( *classData() );
+   counterCreated_ = false;
    deleteClassMatchSm();
    QosPolicyClassBaseSm::deleteSm();
 }

@@ -29,6 +29,9 @@ class QosCountActionSm final : public QosPolicyClassBaseSm {
 
    Qos::IntfPairKey intfPair_;
    Zub::Name name_;
+   // Whether the chip was asked for the counter, which it always gives: only then is it given
+   // back.
+   bool counterCreated_ = false;
    bool initialized_ = false;
 };
 

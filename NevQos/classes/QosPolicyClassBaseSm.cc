@@ -27,10 +27,10 @@ QosPolicyClassBaseSm::QosPolicyClassBaseSm( QosClassMapKey const& cmapKey, QosAc
 
 QosPolicyClassBaseSm::~QosPolicyClassBaseSm() = default;
 
+// The system-wide control-plane policy has no entry; its classes do without.
 void QosPolicyClassBaseSm::setPmapHwStatus() {
-   auto const typeStatus = qosAclSm()->qosAclSliceHwStatus()->pmapType( pmapSm()->pmapType() );
-   pmapSliceHwStatus_ = typeStatus ? typeStatus->pmap( pmapSm()->hwKey() ) : nullptr;
-   ZUB_ASSERT( pmapSliceHwStatus() );
+   pmapSliceHwStatus_ = pmapSm()->pmapSliceHwStatus();
+   ZUB_ASSERT_TEXT( pmapSliceHwStatus() || !pmapSm()->hasHwStatus(), "pmapSliceHwStatus()" );
 }
 
 void QosPolicyClassBaseSm::createSmCommon() {

@@ -26,9 +26,7 @@ void QosPolicyClassSm::handleInitialized() {
 void QosPolicyClassSm::createSm() {
    setPmapHwStatus();
    auto const hw = qosAclSm()->qosAclHwStatus();
-   if( pmapSm()->pmapType() != Qos::mapControlPlane_ || hw->intfCoppSupported() ) {
-      pmapSliceHwStatus()->cmapIs( cmapName() );
-   }
+   if( pmapSliceHwStatus() ) pmapSliceHwStatus()->cmapIs( cmapName() );
    bool const perClass = hw->perClassPolicerSupported();
    policerSmNeeded_ = caction() && caction()->policer() && !perClass;
    // A policer forces copies in every map type, a counter only in a PDP map.
@@ -196,12 +194,13 @@ void QosPolicyClassSm::handleVerify() {
    }
 }
 
+// A class the chip gave a CPU queue holds it alone. Queue 0 is a queue like any other, and the
+// classes of the system (cpuQId -1) use the system's queues, which they share.
 void QosPolicyClassSm::verifyCpuQueue() const {
-   // A dynamic control-plane class holds a CPU queue of its own.
    auto const iClassData = classData();
    if( !iClassData ) return;
    std::int32_t const cpuQId = iClassData->cpuQId();
-   ZUB_ASSERT( cpuQId );
+   if( cpuQId < 0 ) return;
    for( auto it = pmapSm()->policyClassSm().iter(); it; ++it ) {
       auto const jClassData = it.value()->classData();
       if( !jClassData ) continue;

@@ -11,7 +11,6 @@ QosCounterUpdateSm::QosCounterUpdateSm(
       Zub::Ptr< Qos::AclSliceHwStatus > const& qosAclSliceHwStatus,
       Zub::Ptr< Qos::CounterConfig const > const& counterConfig )
     : qosAclSm_( qosAclSm ), qosAclSliceHwStatus_( qosAclSliceHwStatus ), name_( name ) {
-   // Only a request time that moves after creation is served.
    counterConfig_.is( counterConfig, this, false );
    handleInitialized();
 }
@@ -21,6 +20,9 @@ QosCounterUpdateSm::~QosCounterUpdateSm() = default;
 void QosCounterUpdateSm::handleInitialized() {
    ZUB_ASSERT_TEXT( !initialized(), "!initialized()" );
    initialized_ = true;
+   // A request that stands already (one made while the agent was down) is served now; one
+   // served before has its time stamped, and is not served again.
+   handlePMapCounterUpdateRequest();
 }
 
 void QosCounterUpdateSm::handlePMapCounterUpdateRequest() {

@@ -31,4 +31,9 @@ Qos::Hardware::FecOverrideRuleId CbfFecMappingHelper::hwFecOverrideRuleId(
    return Qos::Hardware::invalidFecOverrideRuleId;
 }
 
+std::vector< CbfFecMapHwRule > CbfFecMappingHelper::hwFecOverrideRules() {
+   unimplemented();
+   return {};
+}
+
 }  // namespace NevHelper

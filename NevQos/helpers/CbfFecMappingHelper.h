@@ -10,7 +10,11 @@
 //   only for lack of room (retried slowly, and logged);
 // - after cbfMapUpdateSuccess, hwFecOverrideRuleId( key ) gives the rule's handle;
 // - deleteMapping comes only for a key whose status says programmed.
+// For verification a driver lists the rules its hardware holds (hwFecOverrideRules).
 #pragma once
+
+#include <cstdint>
+#include <vector>
 
 #include "NevQos/cbf/CbfFecMap.h"
 #include "NevQos/types/CbfFecMappingUpdateStatus.h"
@@ -18,6 +22,14 @@
 #include "nev/NevBaseHelper.h"
 
 namespace NevHelper {
+
+// One rule as the hardware holds it.
+struct CbfFecMapHwRule {
+   Qos::Glarn::OverrideKey key;
+   Qos::Hardware::FecOverrideRuleId hwRuleId = Qos::Hardware::invalidFecOverrideRuleId;
+   std::uint64_t hwFecId = 0;
+   std::uint64_t overridingHwFecId = 0;
+};
 
 class CbfFecMappingHelper : public Nev::NevBaseHelper {
  public:
@@ -32,6 +44,9 @@ class CbfFecMappingHelper : public Nev::NevBaseHelper {
    virtual void deleteMapping( Qos::Glarn::OverrideKey const& ruleKey );
    virtual Qos::Hardware::FecOverrideRuleId hwFecOverrideRuleId(
          Qos::Glarn::OverrideKey const& ruleKey );
+   // Every rule the hardware holds, read from the hardware, for verification; none on an agent
+   // without hardware.
+   virtual std::vector< CbfFecMapHwRule > hwFecOverrideRules();
 
  private:
    // Stops the process, unless the agent runs without hardware.

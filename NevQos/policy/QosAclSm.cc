@@ -107,8 +107,7 @@ void QosAclSm::handleInitialized() {
       tcamRequestClockIs( Zub::activityManager()->clock() );
       pendingOperationTimeoutClockIs( Zub::activityManager()->clock() );
    }
-   if( qosAclHwStatus()->coppDynamicClassSupported() || qosAclHwStatus()->intfCoppSupported() ||
-       qosAclHwStatus()->policyQosSupported() || qosHwStatus()->pdpSupported() ) {
+   if( policiesServed() ) {
       if( kernelCoppStatus() && kernelCoppConfig() ) kernelCoppSetInitialConfig();
       stalePolicyMapHwStatusSweep( Qos::mapQos_, " deleting stale Qos policyMapHwStatus " );
       aclTypeConfigSmIs( Acl::AclType( 0 ), this );
@@ -152,6 +151,27 @@ void QosAclSm::kernelCoppSetInitialConfig() {
    qosHelper()->createDefaultCoppRates();
 }
 
+bool QosAclSm::policiesServed() const {
+   return qosAclHwStatus()->coppDynamicClassSupported() || qosAclHwStatus()->intfCoppSupported() ||
+          qosAclHwStatus()->policyQosSupported() || qosHwStatus()->pdpSupported();
+}
+
+bool QosAclSm::mapTypeServed( Qos::MapType type ) const {
+   switch( type ) {
+      case Qos::mapQos_:
+      case Qos::mapPdp_:
+      case Qos::mapControlPlane_:
+         // The type's own answer: the empty name is none that a type sets apart.
+         return policyMapServed( type, Zub::Name() );
+      default:
+         return false;
+   }
+}
+
+bool QosAclSm::policyMapServed( Qos::MapType type, Zub::Name const& pmapName ) const {
+   return policiesServed() && policyMapSupported( type, pmapName );
+}
+
 bool QosAclSm::policyMapSupported( Qos::MapType type, Zub::Name const& pmapName ) const {
    switch( type ) {
       case Qos::mapQos_:
@@ -177,20 +197,13 @@ void QosAclSm::handleServicePolicy( Qos::ServicePolicyKey const& key ) {
                                     << hw.intfCoppSupported() << " policyQosSupported "
                                     << hw.policyQosSupported() << " pdpSupported "
                                     << qosHwStatus()->pdpSupported() );
-   if( !hw.coppDynamicClassSupported() && !hw.intfCoppSupported() && !hw.policyQosSupported() &&
-       !qosHwStatus()->pdpSupported() ) {
-      return;
-   }
-   if( !policyMapSupported( key.type(), key.pmapName() ) ) return;
+   if( !policyMapServed( key.type(), key.pmapName() ) ) return;
    if( auto status = qosStatus()->servicePolicyStatus( key ) ) {
       servicePolicySmIs( key, this, status, clock() );
    } else {
-      auto const sm = servicePolicySm( key );
-      if( sm ) sm->doPrepareToDie();
-      // On the asynchronous road a machine with policy maps leaves through the queue, behind
-      // their removals, and the queue asks for the verification. One without any (no interface
-      // had joined) has nothing queued that would take it away.
-      if( qosHelper()->asyncTcamOperationsSupported() && sm && sm->pmapSmSize() != 0 ) return;
+      // On the asynchronous road the maps' removals stay queued, holding the maps, and the
+      // machine goes now, so that the service policy given again gets a machine of its own.
+      if( auto const sm = servicePolicySm( key ) ) sm->doPrepareToDie();
       servicePolicySmDel( key );
    }
    schedulePolicyVerify();
@@ -344,7 +357,7 @@ void QosAclSm::reprogramAllPMaps() {
    }
    for( auto it = qosStatus()->servicePolicyStatus().iter(); it; ++it ) {
       Qos::ServicePolicyKey const& key = it.key();
-      if( !policyMapSupported( key.type(), key.pmapName() ) ) continue;
+      if( !policyMapServed( key.type(), key.pmapName() ) ) continue;
       if( !servicePolicySm( key ) ) servicePolicySmIs( key, this, it.value(), clock() );
    }
    schedulePolicyVerify();
@@ -390,12 +403,14 @@ void QosAclSm::handlePolicyVerify() {
    for( Acl::AclType const type : { Acl::ip(), Acl::ipv6() } ) {
       if( auto const sm = aclTypeConfigSm( type ) ) sm->handleVerify();
    }
+   // Only what the platform serves has machines to compare.
    for( auto i = qosStatus()->pmapType().iter(); i; ++i ) {
+      if( !mapTypeServed( i.key() ) ) continue;
       ZUB_ASSERT_TEXT( pmapTypeSmHas( i.key() ), "pmapTypeSmHas( i.key() )" );
       pmapTypeSm( i.key() )->handleVerify();
    }
    for( auto i = qosStatus()->servicePolicyStatus().iter(); i; ++i ) {
-      if( !policyMapSupported( i.key().type(), i.key().pmapName() ) ) continue;
+      if( !policyMapServed( i.key().type(), i.key().pmapName() ) ) continue;
       ZUB_ASSERT_TEXT( servicePolicySmHas( i.key() ), "servicePolicySmHas( i.key() )" );
       servicePolicySm( i.key() )->handleVerify();
    }

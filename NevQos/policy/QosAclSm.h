@@ -224,6 +224,12 @@ class QosAclSm : public NevAsyncBaseSm {
    virtual void handleCliWaiting();
    virtual void handleNexthopGroupIndex( Zub::Name const& nexthopGroup );
    bool policyMapSupported( Qos::MapType type, Zub::Name const& pmapName ) const;
+   // Whether the chip has any policy feature at all: without one the engine builds no machine
+   // for a policy map type or a service policy.
+   bool policiesServed() const;
+   // Whether the engine builds machines for a map type, and for a service policy.
+   bool mapTypeServed( Qos::MapType type ) const;
+   bool policyMapServed( Qos::MapType type, Zub::Name const& pmapName ) const;
    void handleServicePolicy( Qos::ServicePolicyKey const& key );
    void handleServicePolicy();
    void handlePolicyMapType( Qos::MapType type );

@@ -25,6 +25,9 @@ void QosAclSm::handleEnqueueRequest() {
    if( request.reasonType() > updateReasonConfigVersionUpdateTime ) {
       ZUB_ASSERT( request.policyData() );
    }
+   if( auto const& policyData = request.policyData(); policyData && policyData->pmapSm() ) {
+      policyData->pmapSm()->requestEntered();
+   }
    // Only the move out of idle arms the clock; otherwise finishOperation wakes the loop.
    if( pendingPolicyUpdate_.empty() && asyncState() == asyncNone ) {
       tcamRequestClock()->timeMinIs( now() );
@@ -84,23 +87,13 @@ void QosAclSm::processPolicyUpdate() {
          schedulePolicyUpdate();
          return;
       }
-      case updateReasonPolicyChange: {
+      case updateReasonPolicyChange:
+         // The map left its service policy when it was torn down, and the removals queued ahead
+         // of this request, which held it, have all been served: the chip no longer has it.
          ZUB_ASSERT( request.remove() );
-         QosPolicyMapKey const& pmapKey = request.pmapKey();
-         Qos::ServicePolicyKey key( pmapKey.pmapType(), pmapKey.direction(), pmapKey.pmapName() );
-         auto const spSm = servicePolicySm( key );
-         ZUB_ASSERT( spSm );
-         spSm->pmapSmDel( pmapKey );
-         // The service policy's machine goes with its last map only when the service policy is
-         // gone: one whose last interface left stays for the next to join, as on the immediate
-         // road.
-         if( !qosStatus()->servicePolicyStatus( key ) && spSm->pmapSmSize() == 0 ) {
-            servicePolicySmDel( key );
-         }
          schedulePolicyVerify();
          finishOperation( request );
          return;
-      }
       case updateReasonAclChange:
       case updateReasonIntfChange:
          break;
@@ -182,10 +175,10 @@ void QosAclSm::handlePendingOperationTimeout() {
 void QosAclSm::finishOperation( QosPolicyUpdateRequest const& request ) {
    ZUB_ASSERT( !!request );
    asyncStateIs( asyncNone );
-   if( !request.remove() ) {
-      // The only point at which a map's status moves forward on the asynchronous road.
-      setPolicyMapHwPrgmStatus( request.policyData()->pmapSm()->key() );
-   } else if( request.reasonType() == updateReasonAclChange ) {
+   Zub::Ptr< QosPolicyMapSm > const pmapSm =
+         request.policyData() ? request.policyData()->pmapSm() : nullptr;
+   if( pmapSm ) pmapSm->requestFinished();
+   if( request.remove() && request.reasonType() == updateReasonAclChange ) {
       Zub::Ptr< QosPolicyMapClassData > const policyData = request.policyData();
       restoreMatchSlot( request );
       AclKey const aclKey = policyData->aclKey();
@@ -204,6 +197,10 @@ void QosAclSm::finishOperation( QosPolicyUpdateRequest const& request ) {
       // removal would find its list gone.
       if( matchData->aclData().empty() ) classData->matchDataDel( matchOption );
    }
+   // Where a map's status moves on the asynchronous road: after each of its requests, removals
+   // too, since the last one may be a removal. A map that has left its service policy reports
+   // nothing: the status is its successor's.
+   if( pmapSm && !pmapSm->retired() ) setPolicyMapHwPrgmStatus( pmapSm->key() );
    schedulePolicyUpdate();
 }
 

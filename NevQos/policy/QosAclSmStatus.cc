@@ -39,8 +39,11 @@ void QosAclSm::setPolicyMapHwPrgmStatus( QosPolicyMapKey const& key ) {
    }
    bool const wasUnable = qosHelper()->unableToProgram( spKey );
 
-   // The status is per service policy, over all of its ACL groups.
+   // The status is per service policy, over all of its ACL groups. A group that did not fit
+   // fails it at once; success waits until no group has requests still to be answered.
    bool anyDirty = false;
+   bool anyFailed = false;
+   bool anyPending = false;
    bool cleanLast = false;
    for( auto it = qosHelper()->pmapState().iter(); it; ++it ) {
       QosPolicyMapKey const& k = it.key();
@@ -48,23 +51,28 @@ void QosAclSm::setPolicyMapHwPrgmStatus( QosPolicyMapKey const& key ) {
           k.direction() != key.direction() ) {
          continue;
       }
-      bool const dirty = it.value()->dirty();
+      QosPolicyMapState& state = *it.value();
+      bool const dirty = state.dirty();
+      bool const pending = state.pendingRequests() != 0;
       anyDirty = anyDirty || dirty;
+      anyFailed = anyFailed || dirty || state.classBudgetExceeded();
+      anyPending = anyPending || pending;
       cleanLast = !dirty;
-      if( !dirty ) it.value()->readyToVerifyIs( true );
+      if( !dirty && !pending ) state.readyToVerifyIs( true );
    }
    ZUB_TRACE( nevQosTrace, 3, anyDirty << "," << wasUnable );
 
    if( hwStatus ) {
-      if( anyDirty ) {
-         // No log here: handleDirty() has written it.
+      if( anyFailed ) {
+         // No log here: handleDirty() has written it, and a map over its class budget has none.
          hwStatus->prgmStatusIs( Qos::hwPrgmStatusFail_ );
          hwStatus->prgmStatusErrMessageIs( "Insufficient hardware resources" );
          return;
       }
+      if( anyPending ) return;
       hwStatus->prgmStatusIs( Qos::hwPrgmStatusSuccess_ );
       if( !( cleanLast && wasUnable ) ) return;
-   } else if( !( cleanLast && wasUnable && !anyDirty ) ) {
+   } else if( !( cleanLast && wasUnable && !anyFailed && !anyPending ) ) {
       return;
    }
 

@@ -29,6 +29,8 @@ QosPolicyMapSm::QosPolicyMapSm( QosPolicyMapKey const& key, QosAclSm* qosAclSm,
     : key_( key ), qosAclSm_( qosAclSm ), pmap_( pmap ) {
    pmapState_.is( pmapState, this, false );
    clock_.is( clock, this, false );
+   // A state kept from an earlier engine counts requests of a queue that has gone with it.
+   pmapState->pendingRequestsIs( 0 );
    handleInitialized();
 }
 
@@ -41,7 +43,12 @@ void QosPolicyMapSm::handleInitialized() {
    initialized_ = true;
 }
 
+bool QosPolicyMapSm::hasHwStatus() const {
+   return pmapType() != Qos::mapControlPlane_ || qosAclSm()->qosAclHwStatus()->intfCoppSupported();
+}
+
 Zub::Ptr< Qos::PolicyMapHwStatus > QosPolicyMapSm::pmapSliceHwStatus() const {
+   if( !hasHwStatus() ) return nullptr;
    auto pmapSliceHwStatusType = qosAclSm()->qosAclSliceHwStatus()->pmapType( pmapType() );
    ZUB_ASSERT( pmapSliceHwStatusType );
    auto pmapSliceHwStatus = pmapSliceHwStatusType->pmap( hwKey() );
@@ -60,7 +67,7 @@ void QosPolicyMapSm::versionUpdated() {
    qosAclSm()->qosHelper()->prepareToCommit();
    createSm();
    doRecordLatency( start );
-   pmapSliceHwStatus()->versionIs( pmapState()->version() );
+   if( auto hwStatus = pmapSliceHwStatus() ) hwStatus->versionIs( pmapState()->version() );
 }
 
 void QosPolicyMapSm::deleteSm() {
@@ -86,13 +93,13 @@ void QosPolicyMapSm::createSm() {
    ZUB_TRACE( nevQosTrace, 3,
               "createSm"
                     << " shared " << pmapState()->shared() );
-   auto hwStatus = pmapSliceHwStatus();
-   hwStatus->prgmStatusIs( Qos::hwPrgmStatusInProgress_ );
+   if( auto hwStatus = pmapSliceHwStatus() ) hwStatus->prgmStatusIs( Qos::hwPrgmStatusInProgress_ );
    pmapState()->readyToVerifyIs( false );
-   if( !verifyNumOfClasses() ) {
-      // Nothing is programmed for a map with too many classes, and nothing is logged.
-      hwStatus->prgmStatusIs( Qos::hwPrgmStatusFail_ );
-      hwStatus->prgmStatusErrMessageIs( "Insufficient hardware resources" );
+   pmapState()->classBudgetExceededIs( !verifyNumOfClasses() );
+   if( pmapState()->classBudgetExceeded() ) {
+      // Nothing is programmed for a map with too many classes, and nothing is logged. The
+      // status says so on every chip, and keeps saying so until a compile that fits.
+      qosAclSm()->setPolicyMapHwPrgmStatus( key() );
       return;
    }
    ZUB_TRACE( nevQosTrace, 3, " updateIpAccessGroupCounts" );
@@ -128,10 +135,33 @@ void QosPolicyMapSm::createSm() {
       }
    }
    qosAclSm()->qosHelper()->batchCommitAcls( *pmapState() );
-   if( !qosAclSm()->qosAclHwStatus()->selfReportedPrgmStatus() &&
-       !qosAclSm()->qosHelper()->asyncTcamOperationsSupported() ) {
-      qosAclSm()->setPolicyMapHwPrgmStatus( key() );
+   compileEnded();
+}
+
+// On the asynchronous road the status waits for the last of the map's requests, which moves it;
+// a compile that queued none has its outcome now.
+void QosPolicyMapSm::compileEnded() {
+   if( qosAclSm()->qosAclHwStatus()->selfReportedPrgmStatus() ) return;
+   if( qosAclSm()->qosHelper()->asyncTcamOperationsSupported() &&
+       pmapState()->pendingRequests() != 0 ) {
+      return;
    }
+   qosAclSm()->setPolicyMapHwPrgmStatus( key() );
+}
+
+void QosPolicyMapSm::requestEntered() {
+   pmapState()->pendingRequestsIs( pmapState()->pendingRequests() + 1 );
+}
+
+// A driver that finishes a request twice (a result and a time-out of one operation it left
+// pending) does not take the count below what is queued.
+void QosPolicyMapSm::requestFinished() {
+   if( pmapState()->pendingRequests() == 0 ) return;
+   pmapState()->pendingRequestsIs( pmapState()->pendingRequests() - 1 );
+}
+
+bool QosPolicyMapSm::retired() const {
+   return qosAclSm()->qosHelper()->pmapState( key() ) != pmapState();
 }
 
 void QosPolicyMapSm::createPolicyClassSm( Zub::Name const& cmapName,
@@ -241,7 +271,7 @@ void QosPolicyMapSm::updateIpAccessGroupCounts(
 void QosPolicyMapSm::intfUpdated( Qos::IntfPairKey const& intfPair, bool add ) {
    ZUB_TRACE( nevQosTrace, 3,
               "intfUpdated " << intfPair << " add " << add << " dirty " << pmapState()->dirty() );
-   pmapSliceHwStatus()->prgmStatusIs( Qos::hwPrgmStatusInProgress_ );
+   if( auto hwStatus = pmapSliceHwStatus() ) hwStatus->prgmStatusIs( Qos::hwPrgmStatusInProgress_ );
    pmapState()->readyToVerifyIs( false );
    if( add ) {
       pmapState()->activeIntfIs( intfPair, true );
@@ -258,6 +288,13 @@ void QosPolicyMapSm::intfUpdated( Qos::IntfPairKey const& intfPair, bool add ) {
       qosAclSm()->setPolicyMapHwPrgmStatus( key() );
       return;
    }
+   if( pmapState()->classBudgetExceeded() ) {
+      // Nothing stands to move; a recompile, cheap for a map that has nothing, takes a budget
+      // that has grown meanwhile.
+      versionUpdated();
+      qosAclSm()->setPolicyMapHwPrgmStatus( key() );
+      return;
+   }
    if( pmapState()->dirty() ) {
       // Dropping an interface may free enough to succeed; adding one cannot.
       if( !add ) versionUpdated();
@@ -267,10 +304,7 @@ void QosPolicyMapSm::intfUpdated( Qos::IntfPairKey const& intfPair, bool add ) {
    for( auto it = policyClassSm().iter(); it; ++it )
       it.value()->intfUpdated( intfPair, add );
    helper->batchCommitAclsIntf( *pmapState(), intfPair, add );
-   if( !qosAclSm()->qosAclHwStatus()->selfReportedPrgmStatus() &&
-       !helper->asyncTcamOperationsSupported() ) {
-      qosAclSm()->setPolicyMapHwPrgmStatus( key() );
-   }
+   compileEnded();
 }
 
 void QosPolicyMapSm::doRecordLatency( Zub::Seconds startTime ) {
@@ -332,21 +366,20 @@ void QosPolicyMapSm::handleVerify() {
    auto const typeStatus = qosAclSm()->qosStatus()->pmapType( pmapType() );
    auto const pmapStatus = typeStatus ? typeStatus->pmap( pmapName() ) : nullptr;
    ZUB_ASSERT_TEXT( pmapStatus, "pmapStatus" );
-   auto const pmapSliceHwStatusType = qosAclSm()->qosAclSliceHwStatus()->pmapType( pmapType() );
-   ZUB_ASSERT_TEXT( pmapSliceHwStatusType, "pmapSliceHwStatusType" );
-   auto const pmapSliceHwStatus = pmapSliceHwStatusType->pmap( hwKey() );
-   ZUB_ASSERT_TEXT( pmapSliceHwStatus, "pmapSliceHwStatusType->pmap( pmapHwStatusKey )" );
+   Zub::Ptr< Qos::PolicyMapHwStatus > pmapSliceHwStatus;
+   if( hasHwStatus() ) {
+      auto const pmapSliceHwStatusType = qosAclSm()->qosAclSliceHwStatus()->pmapType( pmapType() );
+      ZUB_ASSERT_TEXT( pmapSliceHwStatusType, "pmapSliceHwStatusType" );
+      pmapSliceHwStatus = pmapSliceHwStatusType->pmap( hwKey() );
+      ZUB_ASSERT_TEXT( pmapSliceHwStatus, "pmapSliceHwStatusType->pmap( pmapHwStatusKey )" );
+   }
    ZUB_TRACE( nevQosTrace, 5, "QosPolicyMapSm::handleVerify " << key() );
-   // A map still being compiled, or waiting to be torn down after a failure, is not stable.
-   if( !pmapState()->readyToVerify() ) return;
-   if( !verifyNumOfClasses() || pmapState()->dirty() ) {
-      // A map that did not fit has nothing in hardware.
-      ZUB_ASSERT_TEXT( policyClassSmSize() == 0, "policyClassSms() == 0" );
-      ZUB_ASSERT_TEXT( pmapSliceHwStatus->prgmStatus() == Qos::hwPrgmStatusFail_,
-                       "pmapSliceHwStatus->prgmStatus() == Qos::hwPrgmStatusFail_" );
-      ZUB_ASSERT_TEXT(
-            pmapSliceHwStatus->prgmStatusErrMessage() == "Insufficient hardware resources",
-            "pmapSliceHwStatus->prgmStatusErrMessage() == \"Insufficient hardware resources\"" );
+   // A map still being compiled, waiting to be torn down after a failure, or with requests
+   // whose results are still to come, is not stable.
+   if( !pmapState()->readyToVerify() || pmapState()->pendingRequests() != 0 ) return;
+   // The class budget as the last compile found it: the one the status reports.
+   if( pmapState()->classBudgetExceeded() || pmapState()->dirty() ) {
+      verifyFailed( pmapSliceHwStatus );
       return;
    }
    for( auto it = pmapStatus->classPrio().iter(); it; ++it )
@@ -360,6 +393,19 @@ void QosPolicyMapSm::handleVerify() {
       verifyClass( classDefault->key(),
                    classDefaultCompiled() && pmapStatus->classActionDefault() );
    }
+}
+
+void QosPolicyMapSm::verifyFailed( Zub::Ptr< Qos::PolicyMapHwStatus > const& hwStatus ) {
+   ZUB_ASSERT_TEXT( policyClassSmSize() == 0, "policyClassSms() == 0" );
+   // A driver that reports its own status owns it, but not for a map it never saw.
+   bool const engineStatus = pmapState()->classBudgetExceeded() ||
+                             !qosAclSm()->qosAclHwStatus()->selfReportedPrgmStatus();
+   if( !hwStatus || !engineStatus ) return;
+   ZUB_ASSERT_TEXT( hwStatus->prgmStatus() == Qos::hwPrgmStatusFail_,
+                    "pmapSliceHwStatus->prgmStatus() == Qos::hwPrgmStatusFail_" );
+   ZUB_ASSERT_TEXT(
+         hwStatus->prgmStatusErrMessage() == "Insufficient hardware resources",
+         "pmapSliceHwStatus->prgmStatusErrMessage() == \"Insufficient hardware resources\"" );
 }
 
 void QosPolicyMapSm::verifyClass( Zub::Name const& cmapName, bool present ) {

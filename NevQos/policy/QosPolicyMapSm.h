@@ -102,8 +102,18 @@ class QosPolicyMapSm : public Zub::PtrInterface {
    void handleVerify();
    // The map's header, then each class followed by an empty line.
    void showAcls( std::uint32_t socket, std::uint32_t unit, bool detail );
-   // The hardware status of this map in its ACL group; it must exist.
+   // Whether the map reports through a hardware status entry: the system-wide control-plane
+   // policy of a chip without per-interface CoPP has none.
+   bool hasHwStatus() const;
+   // The hardware status of this map in its ACL group: null for a map without one, and it must
+   // exist for the others.
    Zub::Ptr< Qos::PolicyMapHwStatus > pmapSliceHwStatus() const;
+   // The update queue's account of the map's requests, entered and finished.
+   void requestEntered();
+   void requestFinished();
+   // Whether the map has left its service policy (the policy, or its ACL group, went), its
+   // state no longer being the helper's; its queued requests are still served.
+   bool retired() const;
 
  private:
    // Where each class of the map gets its state machine, in priority order.
@@ -117,6 +127,10 @@ class QosPolicyMapSm : public Zub::PtrInterface {
    bool classDefaultCompiled() const;
    // Verifies the class `cmapName` when it must have a machine, else asserts it has none.
    void verifyClass( Zub::Name const& cmapName, bool present );
+   // A map that did not fit has nothing in hardware and says it failed.
+   void verifyFailed( Zub::Ptr< Qos::PolicyMapHwStatus > const& hwStatus );
+   // The end of a compile or an interface change: the status moves, unless the driver moves it.
+   void compileEnded();
 
    QosPolicyMapKey key_;
    Zub::Name coppPolicyMapName_{ "copp-system-policy" };

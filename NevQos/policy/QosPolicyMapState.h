@@ -18,6 +18,10 @@ namespace Nev {
 // version: the policy map version last compiled.
 // doVersionUpdate: an interface change must recompile the map, not only move ports; a class with
 //    a policer of its own per interface needs it.
+// classBudgetExceeded: the last compile found more classes than the chip takes, and programmed
+//    nothing; the map stays failed until a compile that fits.
+// pendingRequests: the map's requests in the update queue or in flight; its outcome is known only
+//    when none is left.
 #define NEV_QOS_POLICY_MAP_STATE_ATTRS( X )                                    \
    X( value, Dirty, dirty, bool, false )                                       \
    X( value, CanUseVfp, canUseVfp, bool, false )                               \
@@ -26,7 +30,9 @@ namespace Nev {
    X( keyed, ActiveIntf, activeIntf, Qos::IntfPairKey, bool )                  \
    X( value, PmapAclTypes, pmapAclTypes, Nev::QosPMapAclTypes, Nev::ipv4Only ) \
    X( value, Version, version, unsigned int, 0u )                              \
-   X( value, DoVersionUpdate, doVersionUpdate, bool, false )
+   X( value, DoVersionUpdate, doVersionUpdate, bool, false )                   \
+   X( value, ClassBudgetExceeded, classBudgetExceeded, bool, false )           \
+   X( value, PendingRequests, pendingRequests, unsigned int, 0u )
 
 ZUB_ENTITY( QosPolicyMapState, Nev::QosPolicyMapKey, NEV_QOS_POLICY_MAP_STATE_ATTRS );
 

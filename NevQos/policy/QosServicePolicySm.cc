@@ -26,15 +26,25 @@ QosPolicyMapKey QosServicePolicySm::defaultPmapKey() const {
    return QosPolicyMapKey( name(), type(), direction(), QosPolicyMapKey::defaultAclGroup() );
 }
 
+bool QosServicePolicySm::hasHwStatus() const {
+   return type() != Qos::mapControlPlane_ || qosAclSm()->qosAclHwStatus()->intfCoppSupported();
+}
+
+Zub::Ptr< Qos::PolicyMapHwStatus > QosServicePolicySm::pmapSliceHwStatus() const {
+   if( !hasHwStatus() ) return nullptr;
+   auto pmapSliceHwStatusType = qosAclSm()->qosAclSliceHwStatus()->pmapType( type() );
+   ZUB_ASSERT( pmapSliceHwStatusType );
+   auto pmapSliceHwStatus = pmapSliceHwStatusType->pmap( hwKey() );
+   ZUB_ASSERT( pmapSliceHwStatus );
+   return pmapSliceHwStatus;
+}
+
+// The system-wide control-plane policy of a chip without per-interface CoPP is programmed
+// without a hardware status entry; every reader of the entry does without it.
 void QosServicePolicySm::handleInitialized() {
    initializedIs( true );
-   auto hw = qosAclSm()->qosAclHwStatus();
-   bool hwEntry = true;
-   if( type() == Qos::mapControlPlane_ && !hw->intfCoppSupported() ) {
-      if( !hw->coppSupported() ) return;
-      hwEntry = false;
-   }
-   if( hwEntry ) {
+   if( !hasHwStatus() && !qosAclSm()->qosAclHwStatus()->coppSupported() ) return;
+   if( hasHwStatus() ) {
       auto pmapSliceHwStatusType = qosAclSm()->qosAclSliceHwStatus()->pmapType( type() );
       ZUB_ASSERT( pmapSliceHwStatusType );
       pmapSliceHwStatusType->pmapIs( hwKey() );
@@ -120,11 +130,7 @@ void QosServicePolicySm::versionUpdated() {
    helper->prepareToCommit();
    for( auto it = pmapSm().iter(); it; ++it )
       it.value()->createSm();
-   auto pmapSliceHwStatusType = qosAclSm()->qosAclSliceHwStatus()->pmapType( type() );
-   ZUB_ASSERT( pmapSliceHwStatusType );
-   auto pmapSliceHwStatus = pmapSliceHwStatusType->pmap( hwKey() );
-   ZUB_ASSERT( pmapSliceHwStatus );
-   pmapSliceHwStatus->versionIs( version );
+   if( auto hwStatus = pmapSliceHwStatus() ) hwStatus->versionIs( version );
    if( wasUnable ) helper->unableToProgramIs( key(), true );
    if( !qosAclSm()->qosAclHwStatus()->selfReportedPrgmStatus() &&
        !helper->asyncTcamOperationsSupported() ) {
@@ -154,14 +160,10 @@ void QosServicePolicySm::handleIntf( Qos::IntfPairKey const& intfPair ) {
                  "handleIntf"
                        << " handleIntf called with non-existent interface " << intfPair.intfId() );
       qosAclSm()->setPolicyMapHwPrgmStatus( defaultPmapKey() );
-      auto pmapSliceHwStatusType = qosAclSm()->qosAclSliceHwStatus()->pmapType( type() );
-      ZUB_ASSERT( pmapSliceHwStatusType );
-      auto pmapSliceHwStatus = pmapSliceHwStatusType->pmap( hwKey() );
-      ZUB_ASSERT( pmapSliceHwStatus );
       auto const typeStatus = qosAclSm()->qosStatus()->pmapType( type() );
       auto const pmap = typeStatus ? typeStatus->pmap( name() ) : nullptr;
       ZUB_ASSERT( pmap );
-      pmapSliceHwStatus->versionIs( pmap->version() );
+      if( auto hwStatus = pmapSliceHwStatus() ) hwStatus->versionIs( pmap->version() );
    }
    qosAclSm()->schedulePolicyVerify();
 }
@@ -237,14 +239,15 @@ void QosServicePolicySm::deleteSm( QosPolicyMapKey const& pmapKey ) {
    auto helper = qosAclSm()->qosHelper();
    helper->pmapStateDel( pmapKey );
    child->doPrepareToDie();
+   pmapSmDel( pmapKey );
    if( helper->asyncTcamOperationsSupported() ) {
-      // The child stays until the queue reaches this request, behind the ACL removals that its
-      // own teardown has just entered.
+      // The ACL removals its own teardown has just entered hold the child until the queue has
+      // served them; it hears nothing meanwhile. It leaves the collection now, so that the
+      // group or the whole service policy can come back at once with a map of its own.
+      child->zubDoZombieReactors( true );
       QosPolicyUpdateRequest request( updateReasonPolicyChange, "pmapSmDel", true );
       request.pmapKeyIs( pmapKey );
       qosAclSm()->enqueueRequestIs( request );
-   } else {
-      pmapSmDel( pmapKey );
    }
 }
 
@@ -254,10 +257,12 @@ void QosServicePolicySm::deleteAllSm() {
 }
 
 void QosServicePolicySm::handleVerify() {
-   auto const pmapSliceHwStatusType = qosAclSm()->qosAclSliceHwStatus()->pmapType( type() );
-   ZUB_ASSERT_TEXT( pmapSliceHwStatusType, "pmapSliceHwStatusType" );
-   ZUB_ASSERT_TEXT( pmapSliceHwStatusType->pmap( hwKey() ),
-                    "pmapSliceHwStatusType->pmap( pmapHwStatusKey )" );
+   if( hasHwStatus() ) {
+      auto const pmapSliceHwStatusType = qosAclSm()->qosAclSliceHwStatus()->pmapType( type() );
+      ZUB_ASSERT_TEXT( pmapSliceHwStatusType, "pmapSliceHwStatusType" );
+      ZUB_ASSERT_TEXT( pmapSliceHwStatusType->pmap( hwKey() ),
+                       "pmapSliceHwStatusType->pmap( pmapHwStatusKey )" );
+   }
    auto const helper = qosAclSm()->qosHelper();
    for( auto pmapState = helper->pmapState().iter(); pmapState; ++pmapState ) {
       QosPolicyMapKey const& k = pmapState.key();
@@ -267,7 +272,6 @@ void QosServicePolicySm::handleVerify() {
       ZUB_ASSERT_TEXT( pmapSm( pmapState.key() ), "pmapSm( pmapState.key() )" );
       pmapSm( k )->handleVerify();
    }
-   // A map machine without its state is on its way out and is not compared.
 }
 
 void QosServicePolicySm::doPrepareToDie() {
@@ -276,8 +280,7 @@ void QosServicePolicySm::doPrepareToDie() {
    for( auto it = qosAclSm()->delayedSviIntfId().iter(); it; ++it ) {
       if( it.value().ptr() == this ) qosAclSm()->delayedSviIntfIdDel( it.key() );
    }
-   if( !( type() == Qos::mapControlPlane_ &&
-          !qosAclSm()->qosAclHwStatus()->intfCoppSupported() ) ) {
+   if( hasHwStatus() ) {
       auto pmapSliceHwStatusType = qosAclSm()->qosAclSliceHwStatus()->pmapType( type() );
       ZUB_ASSERT( pmapSliceHwStatusType );
       pmapSliceHwStatusType->pmapDel( hwKey() );

@@ -76,6 +76,10 @@ class QosServicePolicySm : public Zub::PtrInterface {
       return Qos::PolicyMapHwStatusKey( direction(), name() );
    }
    QosPolicyMapKey defaultPmapKey() const;
+   // Whether the policy reports through a hardware status entry, and the entry: null for a
+   // policy without one, and it must exist for the others.
+   bool hasHwStatus() const;
+   Zub::Ptr< Qos::PolicyMapHwStatus > pmapSliceHwStatus() const;
    // Whether the interface must wait for the interface list before a map is made for it.
    bool parkSvi( Qos::IntfPairKey const& intfPair ) const;
    bool ethernetNotPresent( Qos::IntfPairKey const& intfPair ) const;

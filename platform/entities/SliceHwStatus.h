@@ -31,6 +31,8 @@ ZUB_ENTITY( HwProgrammingVersionAndStatus, FeatureName,
       Qos::HwProgrammingVersionAndStatus )                                                   \
    /* Lowered by any failed step; raised again only by a clear request. */                   \
    X( value, Status, status, Qos::HwProgrammingStatus, Qos::hwProgrammingSucceeded_ )        \
+   /* The time of the last clear request served, so that a restart serves none twice. */     \
+   X( value, ClearHwStatusErrorTime, clearHwStatusErrorTime, Zub::Seconds, 0.0 )             \
    /* The configuration version that the slice has applied. */                               \
    X( value, ConfigVersionUpdateTime, configVersionUpdateTime, Zub::Seconds, 0.0 )           \
    /* The COS-to-TC profile programmed on each interface, by profile name. */                \

@@ -73,4 +73,12 @@ Qos::Hardware::FecOverrideRuleId SimCbfFecMappingHelper::hwFecOverrideRuleId(
    return it == rules_.end() ? Qos::Hardware::invalidFecOverrideRuleId : it->second.id;
 }
 
+// Not recorded: verification's questions are not calls the engine programs with.
+std::vector< NevHelper::CbfFecMapHwRule > SimCbfFecMappingHelper::hwFecOverrideRules() {
+   std::vector< NevHelper::CbfFecMapHwRule > out;
+   for( auto const& [ key, rule ] : rules_ )
+      out.push_back( { key, rule.id, rule.hwFecId, rule.overridingHwFecId } );
+   return out;
+}
+
 }  // namespace Sim

@@ -1,6 +1,7 @@
 // The reference chip's class-based-forwarding rule table: a finite number of rule slots, each
 // rule keyed by its override and holding the two hardware FEC ids; its handle is the slot. It
-// answers "not ready" while a cbfNotReady fault holds, and "failed" when no slot is free.
+// answers "not ready" while a cbfNotReady fault holds, and "failed" when no slot is free. Like
+// every table of the reference chip it comes up empty when the driver starts (rulesDelAll).
 #pragma once
 
 #include <cstdint>
@@ -30,6 +31,9 @@ class SimCbfFecMappingHelper : public NevHelper::CbfFecMappingHelper {
 
    std::uint32_t slots() const { return slots_; }
    std::map< Qos::Glarn::OverrideKey, CbfRule > const& rules() const { return rules_; }
+   // The driver's start-up: the table comes up empty. The engine has no start-up call for this
+   // helper, so the simulated switch makes it where it starts the driver.
+   void rulesDelAll() { rules_.clear(); }
 
    NevHelper::CbfFecMappingUpdateStatus createOrUpdateMapping(
          Nev::CbfFecMapRule const& rule ) override;
@@ -38,6 +42,7 @@ class SimCbfFecMappingHelper : public NevHelper::CbfFecMappingHelper {
    void deleteMapping( Qos::Glarn::OverrideKey const& ruleKey ) override;
    Qos::Hardware::FecOverrideRuleId hwFecOverrideRuleId(
          Qos::Glarn::OverrideKey const& ruleKey ) override;
+   std::vector< NevHelper::CbfFecMapHwRule > hwFecOverrideRules() override;
 
  private:
    ChipCall& record( char const* op, Qos::Glarn::OverrideKey const& key );

@@ -138,10 +138,14 @@ void SimSwitch::engineIs() {
    coppEngine_ = Nev::dynamicPerPortCoppSmFactory( clock_, kernelCoppStatus_,
                                                    Zub::Ptr< NevHelper::QosAclHelper >( chip_ ) );
    kernelEngine_ = Nev::qosKernelStatusSmFactory( pktDrv_, qosStatus_, hwStatus_ );
+   // The rule table comes up empty with the driver, as the chip's other tables do at hwInit();
+   // the engine has no start-up call for it, so it is cleared here.
+   cbfChip_->rulesDelAll();
    // One VRF; the machine starts at once, over the overrides published so far.
    cbfEngine_ =
          Nev::cbfFecMappingSmFactory( 1, fecOverrideConfigView_, fecOverrideStatus_,
                                       hwFecIdRequest_, fecServiceView_, taskScheduler_, cbfChip_ );
+   cbfEngine_->verifyDataIs( ncsd_->verifyData() );
    loop_->runUntil( loop_->now() );
 }
 

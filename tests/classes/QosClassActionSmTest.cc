@@ -131,13 +131,35 @@ TEST_F( QosClassActionSmTest, DeletionTakesTheActionDataAndLeavesTheFlagsToTheSt
    EXPECT_TRUE( status->dscpPrgmd() );
 }
 
-using QosClassActionSmDeathTest = QosClassActionSmTest;
-
-TEST_F( QosClassActionSmDeathTest, ASingleActionChipCannotTakeADropAlone ) {
+TEST_F( QosClassActionSmTest, ASingleActionChipTakesADropOrADropPrecedenceWhenNothingElseIsSet ) {
+   struct Case {
+      std::vector< std::pair< Qos::ActionType, unsigned > > actions;
+      Lines taken;
+      bool logged;
+   };
+   std::vector< Case > const cases{
+      { { { Qos::actionDrop_, 0 } }, { "actionDrop=0" }, false },
+      { { { Qos::actionSetDropPrecedence_, 2 } }, { "actionSetDropPrecedence=2" }, false },
+      { { { Qos::actionSetDropPrecedence_, 2 }, { Qos::actionDrop_, 0 } },
+        { "actionDrop=0" },
+        true },
+   };
    start();
    helper->boolAnswerIs( "multipleActionsSupported", false );
-   EXPECT_DEATH( actionClassIs( { { Qos::actionDrop_, 0 } } ),
-                 "action.isMemberOf\\( Qos::actionSetTc_ \\)" );
+   actionClassIs( {} );
+   auto const action = policyMap( "gold" )->classAction( Zub::Name( "c1" ) );
+   unsigned version = 1;
+   for( Case const& c : cases ) {
+      action->actionDelAll();
+      for( auto const& [ type, value ] : c.actions )
+         action->actionIs( type )->valueIs( value );
+      policyMap( "gold" )->versionIs( ++version );
+      qosStatus->servicePolicyStatus( spKey( "gold" ) )->versionIs( version );
+      loop->runOnce();
+      EXPECT_EQ( actionData(), c.taken );
+      EXPECT_EQ( takeLogs(), c.logged ? Lines{ multipleActionsLog() } : Lines{} );
+      classSm()->handleVerify();
+   }
 }
 
 // ---- control-plane classes and their CPU queues ----
@@ -185,6 +207,19 @@ TEST_F( QosControlPlaneClassTest, ADynamicClassHoldsAQueueUntilItGoesAndAStaticO
    EXPECT_EQ( helper->callsMatching( "coppDeallocateCpuQ" ).size(), 1u )
          << "given back once, and not for the static class";
    EXPECT_EQ( dynamicData->cpuQId(), -1 );
+}
+
+TEST_F( QosControlPlaneClassTest, AChipOutOfCpuQueuesFailsTheMapAndIsGivenNothingBack ) {
+   start();
+   helper->cpuQueueIs( -1 );
+   controlPlaneIs();
+   EXPECT_EQ( takeLogs(), Lines{ "QOS_COPP_HW_RESOURCE_FULL: Insufficient TCAM resources to "
+                                 "program the policy map copp-port." } );
+   EXPECT_EQ( hwStatus( "copp-port", Qos::mapControlPlane_ )->prgmStatus(),
+              Qos::hwPrgmStatusFail_ );
+   loop->runUntilIdle();
+   EXPECT_FALSE( cpClass( "dynamic" ) ) << "the map is removed whole";
+   EXPECT_TRUE( helper->callsMatching( "coppDeallocateCpuQ" ).empty() );
 }
 
 }  // namespace

@@ -42,6 +42,7 @@ TEST_F( CbfFecMappingHelperTest, WithoutADriverEveryOperationStopsTheProcess ) {
    EXPECT_DEATH( helper->syncMapping( rule, 5 ), HasSubstr( text ) );
    EXPECT_DEATH( helper->deleteMapping( key ), HasSubstr( text ) );
    EXPECT_DEATH( helper->hwFecOverrideRuleId( key ), HasSubstr( text ) );
+   EXPECT_DEATH( helper->hwFecOverrideRules(), HasSubstr( text ) );
 }
 
 TEST_F( CbfFecMappingHelperTest, OnANoopAgentProgrammingFailsAndNoRuleExists ) {
@@ -50,6 +51,7 @@ TEST_F( CbfFecMappingHelperTest, OnANoopAgentProgrammingFailsAndNoRuleExists ) {
    EXPECT_EQ( helper->syncMapping( rule, 5 ), NevHelper::cbfMapUpdateFailed );
    helper->deleteMapping( key );
    EXPECT_EQ( helper->hwFecOverrideRuleId( key ), 0xffffffffu );
+   EXPECT_TRUE( helper->hwFecOverrideRules().empty() );
    EXPECT_FALSE( helper->hasBackupSupport() );
 }
 

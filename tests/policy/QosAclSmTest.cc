@@ -2,6 +2,8 @@
 // entities and the system log.
 #include "policy/QosAclSmFixture.h"
 
+#include <algorithm>
+
 #include "NevQos/policy/QosPolicyMapSm.h"
 #include "nev/AclData.h"
 
@@ -123,13 +125,49 @@ TEST_F( QosAclSmFixture, TooManyClassesFailWithoutALogOrDirtyMark ) {
                ->pmapIs( Qos::PolicyMapHwStatusKey( Qos::directionInput_, Zub::Name( "big" ) ) ) );
    recorder->seen.clear();
    helper->clearCalls();
-   servicePolicyIs( "big", 3, { "Ethernet1" } );
-   // The first status written is the failure; the interface update that follows the compile
-   // moves the status on, as any later update does.
+   auto status = servicePolicyIs( "big", 3, { "Ethernet1" } );
+   status->intfIdsIs( intf( "Ethernet2" ), true );
+   status->intfIdsDel( intf( "Ethernet1" ) );
+   // The first status written is the failure, and no interface update after the compile
+   // writes success over it.
    ASSERT_FALSE( recorder->seen.empty() );
    EXPECT_EQ( recorder->seen[ 0 ], Qos::hwPrgmStatusFail_ );
+   EXPECT_EQ( std::count( recorder->seen.begin(), recorder->seen.end(), Qos::hwPrgmStatusSuccess_ ),
+              0 );
+   EXPECT_EQ( hwStatus( "big" )->prgmStatus(), Qos::hwPrgmStatusFail_ );
    EXPECT_EQ( hwStatus( "big" )->prgmStatusErrMessage(), "Insufficient hardware resources" );
    EXPECT_FALSE( helper->pmapState( pmapKey( "big" ) )->dirty() );
+   EXPECT_TRUE( helper->callsMatching( "batchCommitAclsIntf" ).empty() ) << "nothing to move";
+
+   // A budget that allows the map is taken at the next change.
+   sliceHwStatus->maxClassesPerPolicyMapIs( 4 );
+   status->intfIdsIs( intf( "Ethernet1" ), true );
+   EXPECT_EQ( hwStatus( "big" )->prgmStatus(), Qos::hwPrgmStatusSuccess_ );
+   EXPECT_EQ(
+         sm->servicePolicySm( spKey( "big" ) )->pmapSm( pmapKey( "big" ) )->policyClassSmSize(),
+         3u );
+}
+
+TEST_F( QosAclSmFixture, AFailedMapOfASelfReportingChipIsVerifiedWithoutTheStatusItOwns ) {
+   qosAclHwStatus->selfReportedPrgmStatusIs( true );
+   start();
+   ipAclIs( "v4", { Acl::IpRuleConfig() } );
+   classMapIs( "c1", { { Qos::matchOptionIpAcl, "v4" } } );
+   classIs( "gold", "c1" );
+   auto status = applyIs( "gold", { intf( "Ethernet1" ) } );
+   loop->runUntilIdle();
+   // A new version that the chip can't take, with no interface change after it: the engine
+   // leaves the status to the chip, which has said nothing yet.
+   helper->aclCreateErrorIs( "commitAcl", Nev::aclCreateErrorOutOfTcam );
+   policyMap( "gold" )->versionIs( 2 );
+   status->versionIs( 2 );
+   loop->runUntilIdle();
+   takeLogs();
+   ASSERT_EQ( hwStatus( "gold" )->prgmStatus(), Qos::hwPrgmStatusInProgress_ );
+   ASSERT_TRUE( helper->pmapState( pmapKey( "gold" ) )->readyToVerify() );
+   sm->schedulePolicyVerify();
+   sm->handleVerify();
+   EXPECT_FALSE( sm->verifyPolicy() ) << "the run went through";
 }
 
 TEST_F( QosAclSmFixture, ExhaustionLogsFullOnceRemovesTheMapAndRecoveryLogsNormalOnce ) {
@@ -428,14 +466,22 @@ TEST_F( QosAclSmAsyncTest, ConfigVersionIsStatedAfterEverythingQueuedBeforeIt ) 
    EXPECT_DOUBLE_EQ( qosAclSliceHwStatus->configVersionUpdateTime(), 7.0 );
 }
 
-TEST_F( QosAclSmAsyncTest, ADeletedServicePolicyLeavesThroughTheQueue ) {
+TEST_F( QosAclSmAsyncTest, ADeletedServicePolicyGoesAtOnceAndMayComeBackBeforeTheQueueIsServed ) {
    startAsync();
+   auto const old = sm->servicePolicySm( spKey( "gold" ) );
    qosStatus->servicePolicyStatusDel( spKey( "gold" ) );
-   EXPECT_TRUE( sm->servicePolicySm( spKey( "gold" ) ) ) << "kept until the queue reaches it";
-   EXPECT_FALSE( hwStatus( "gold" ) );
-   loop->runUntilIdle();
    EXPECT_FALSE( sm->servicePolicySm( spKey( "gold" ) ) );
+   EXPECT_FALSE( hwStatus( "gold" ) );
+   EXPECT_EQ( sm->pendingPolicyUpdate().size(), 1u ) << "the map's leaving, still to be served";
+
+   qosStatus->servicePolicyStatusIs( spKey( "gold" ) )->intfIdsIs( intf( "Ethernet1" ), true );
+   auto const again = sm->servicePolicySm( spKey( "gold" ) );
+   ASSERT_TRUE( again );
+   EXPECT_NE( again, old );
+   loop->runUntilIdle();
    EXPECT_EQ( sm->asyncState(), Nev::asyncNone );
+   EXPECT_TRUE( again->pmapSm( pmapKey( "gold" ) ) ) << "the queue leaves the new map alone";
+   EXPECT_EQ( hwStatus( "gold" )->prgmStatus(), Qos::hwPrgmStatusSuccess_ );
 }
 
 }  // namespace

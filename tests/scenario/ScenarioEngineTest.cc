@@ -116,8 +116,7 @@ class ExampleEngineTest : public QosAclSmFixture,
                           public ::testing::WithParamInterface< char const* > {};
 
 TEST_P( ExampleEngineTest, EveryStepLeavesEveryMapProgrammed ) {
-   auto const path =
-         std::filesystem::path( __FILE__ ).parent_path() / ".." / ".." / "examples" / GetParam();
+   auto const path = std::filesystem::path( NEVQOS_EXAMPLES_DIR ) / GetParam();
    auto const s = Sim::loadScenario( path.string() );
    Sim::ConfigPublisher publisher( Sim::EngineInputs{ qosStatus, mainAclConfig, qosAclHwStatus,
                                                       qosHwStatus, counterConfigDir, ncsd },

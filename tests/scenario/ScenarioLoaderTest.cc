@@ -13,8 +13,7 @@
 
 namespace {
 
-std::filesystem::path const examplesDir =
-      std::filesystem::path( __FILE__ ).parent_path() / ".." / ".." / "examples";
+std::filesystem::path const examplesDir = NEVQOS_EXAMPLES_DIR;
 
 template< class Value >
 std::string textOf( Value const& v ) {
