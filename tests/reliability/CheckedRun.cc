@@ -5,6 +5,7 @@
 
 #include "reliability/KnownDefects.h"
 #include "reliability/SwitchChecks.h"
+#include "sim/runner/Report.h"
 #include "sim/scenario/ScenarioError.h"
 
 namespace NevQosTest {
@@ -76,6 +77,7 @@ CheckedRun checkedRun( Sim::Scenario const& scenario, CheckedRunLimits const& li
       }
       sw.runUntil( sw.now() + limits.settle );
       check( sw, run );
+      if( limits.report ) run.report = Sim::reportOf( scenario, sw ).dump( 2 );
    } catch( Zub::RunawayException const& e ) {
       run.problems.push_back( timeText( e.time() ) + e.what() );
    }

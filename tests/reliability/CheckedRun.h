@@ -17,6 +17,8 @@ namespace NevQosTest {
 struct CheckedRunLimits {
    Zub::Seconds settle = 60.0;
    std::size_t runawayTurns = Sim::SimSwitch::defaultRunawayTurns;
+   // Whether to build the JSON report at the end, as the program would print it.
+   bool report = false;
 };
 
 struct CheckedRun {
@@ -25,6 +27,8 @@ struct CheckedRun {
    // Steps run; a step whose damage found no entry to damage ends the run before it.
    std::size_t steps = 0;
    bool damaged = false;
+   // The JSON report, when asked for and the run ended.
+   std::string report;
 };
 
 CheckedRun checkedRun( Sim::Scenario const& scenario, CheckedRunLimits const& limits = {} );

@@ -40,6 +40,34 @@ constexpr KnownDefect list[] = {
    { "unsupported-class-match-verified",
      "a VLAN, COS or DSCP match the chip cannot classify on is compiled to nothing, yet "
      "verification asks for its entry (/work/findings/unsupported-class-match-verified.yaml)" },
+   { "empty-service-policy-status",
+     "a service policy that names no interface leaves its map in progress for ever when it starts "
+     "so, and reports success when its last interface leaves "
+     "(/work/findings/empty-service-policy-status.yaml)" },
+   { "failed-map-keeps-mpls-tc-acl",
+     "a policy map that fails leaves the ACL of its MPLS traffic-class match in the TCAM "
+     "(/work/findings/failed-map-keeps-mpls-tc-acl.yaml)" },
+   { "async-interface-copp-not-programmed",
+     "on the asynchronous road a control-plane map served per interface (intfCoppSupported) is "
+     "never programmed and gets no status "
+     "(/work/findings/async-interface-copp-not-programmed.yaml)" },
+   { "icmp-type-verified-absent",
+     "an ICMP rule with a type or code is a verification finding "
+     "(/work/findings/icmp-type-verified-absent.yaml)" },
+   { "mac-acl-empty-after-attach",
+     "a MAC-list class whose map gains an interface can be left installed with no entry while "
+     "the map reports success (/work/findings/mac-acl-empty-after-attach.yaml, not yet "
+     "minimised)" },
+   { "refused-counter-finding",
+     "a PDP counter the chip cannot give is a verification finding "
+     "(/work/findings/refused-counter-finding.yaml, not yet minimised)" },
+   { "async-map-fails-on-roomy-chip",
+     "on the asynchronous road a PDP or QoS map beside others can fail for want of resources on a "
+     "roomy chip (/work/findings/async-map-fails-on-roomy-chip.yaml, not yet minimised)" },
+   { "subrules-missing-short-of-policers",
+     "on a chip short of policers a QoS map whose classes change can report success with "
+     "subrules of its ACLs missing (/work/findings/subrules-missing-short-of-policers.yaml, not "
+     "yet minimised)" },
 };
 
 template< class T >
@@ -130,6 +158,31 @@ bool unsupportedClassMatch( Sim::Scenario const& s ) {
    } );
 }
 
+bool emptyServicePolicy( Sim::Scenario const& s ) {
+   return anyDefinition< Sim::ServicePolicyDef >(
+         s, []( Sim::ServicePolicyDef const& sp ) { return sp.interfaces.empty(); } );
+}
+
+bool mplsTrafficClassMatch( Sim::Scenario const& s ) {
+   return anyDefinition< Sim::ClassMapDef >( s, []( Sim::ClassMapDef const& c ) {
+      for( Sim::MatchDef const& m : c.matches ) {
+         if( m.option == Qos::matchOptionMplsTrafficClass ) return true;
+      }
+      return false;
+   } );
+}
+
+bool icmpTypeOrCode( Sim::Scenario const& s ) {
+   auto asks = []( auto const& rules ) {
+      for( auto const& r : rules ) {
+         if( r.rule.filter.icmpTypeValid || r.rule.filter.icmpCodeValid ) return true;
+      }
+      return false;
+   };
+   return anyDefinition< Sim::AclDef >(
+         s, [ & ]( Sim::AclDef const& a ) { return asks( a.ipv4Rules ) || asks( a.ipv6Rules ); } );
+}
+
 }  // namespace
 
 std::span< KnownDefect const > knownDefects() {
@@ -156,6 +209,12 @@ std::string_view knownConditionOf( Sim::Scenario const& s ) {
       { "expanded-ip-length", lengthRangeShortOfCheckers( s ) },
       { "cbf-review-never-ends", manyOverrides( s ) },
       { "unsupported-class-match-verified", unsupportedClassMatch( s ) },
+      { "empty-service-policy-status", emptyServicePolicy( s ) },
+      { "failed-map-keeps-mpls-tc-acl", mplsTrafficClassMatch( s ) },
+      { "async-interface-copp-not-programmed",
+        s.chip.tcamMode == Sim::TcamMode::asynchronous && s.chip.intfCoppSupported &&
+              servicePolicyOfType( s, Qos::mapControlPlane_ ) },
+      { "icmp-type-verified-absent", icmpTypeOrCode( s ) },
    };
    for( auto const& [ name, stands ] : conditions ) {
       if( stands && avoided( name ) ) return name;
