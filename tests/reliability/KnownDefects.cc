@@ -68,6 +68,14 @@ constexpr KnownDefect list[] = {
      "on a chip short of policers a QoS map whose classes change can report success with "
      "subrules of its ACLs missing (/work/findings/subrules-missing-short-of-policers.yaml, not "
      "yet minimised)" },
+   { "refused-rule-fragment-verify",
+     "on the synchronous road, verification asserts (verifyIpFragRule) on an IPv4 layer-4 permit "
+     "rule whose subrule or fragment entry the chip answered \"ruleIgnored\" or \"ignored\" "
+     "(/work/findings/verify-frag-rule-asserts.yaml)" },
+   { "vlan-rule-compile-order",
+     "a VLAN rule of a QoS map on a VLAN interface is programmed or left out by whether its list "
+     "was compiled before or after the interface became active, so a switch started afresh holds "
+     "another TCAM (/work/findings/vlan-rule-compile-order.yaml)" },
 };
 
 template< class T >
@@ -183,6 +191,18 @@ bool icmpTypeOrCode( Sim::Scenario const& s ) {
          s, [ & ]( Sim::AclDef const& a ) { return asks( a.ipv4Rules ) || asks( a.ipv6Rules ); } );
 }
 
+bool ruleLeftOutByChip( Sim::Scenario const& s ) {
+   if( s.chip.tcamMode != Sim::TcamMode::synchronous ) return false;
+   for( Sim::FaultConfig const& f : s.chip.faults ) {
+      if( f.kind == Sim::FaultConfig::Kind::operationError &&
+          ( f.op == "createIpAclSubrule" || f.op == "createIpFragRule" ) &&
+          ( f.error == Nev::aclCreateErrorRuleIgnored || f.error == Nev::aclCreateErrorIgnored ) ) {
+         return true;
+      }
+   }
+   return false;
+}
+
 }  // namespace
 
 std::span< KnownDefect const > knownDefects() {
@@ -215,6 +235,7 @@ std::string_view knownConditionOf( Sim::Scenario const& s ) {
         s.chip.tcamMode == Sim::TcamMode::asynchronous && s.chip.intfCoppSupported &&
               servicePolicyOfType( s, Qos::mapControlPlane_ ) },
       { "icmp-type-verified-absent", icmpTypeOrCode( s ) },
+      { "refused-rule-fragment-verify", ruleLeftOutByChip( s ) },
    };
    for( auto const& [ name, stands ] : conditions ) {
       if( stands && avoided( name ) ) return name;
