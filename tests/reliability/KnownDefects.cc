@@ -215,7 +215,18 @@ bool avoided( std::string_view name ) {
       listed = listed || d.name == name;
    if( !listed ) throw std::logic_error( "no known defect " + std::string( name ) );
    char const* mode = std::getenv( "NEVQOS_KNOWN_DEFECTS" );
-   return !( mode && std::string_view( mode ) == "reach" );
+   if( !mode ) return true;
+   std::string_view const reach( mode );
+   if( reach == "reach" ) return false;
+   // "reach:a,b" turns off the entries named.
+   if( !reach.starts_with( "reach:" ) ) return true;
+   std::string_view names = reach.substr( 6 );
+   while( !names.empty() ) {
+      std::size_t const comma = names.find( ',' );
+      if( names.substr( 0, comma ) == name ) return false;
+      names = comma == std::string_view::npos ? std::string_view() : names.substr( comma + 1 );
+   }
+   return true;
 }
 
 std::string_view knownConditionOf( Sim::Scenario const& s ) {

@@ -2,7 +2,8 @@
 // sequences, the examples on boundary chips, the engine fuzz target) step around so that they
 // can go on past them. Each entry names the condition that meets the defect and says what goes
 // wrong. An entry goes when its fix lands, and with it the code that asks for it by name.
-// NEVQOS_KNOWN_DEFECTS=reach turns every entry off, to show that the generators still meet them.
+// NEVQOS_KNOWN_DEFECTS=reach turns every entry off, to show that the generators still meet them;
+// NEVQOS_KNOWN_DEFECTS=reach:NAME,NAME turns off the entries named, to see whether a fix holds.
 #pragma once
 
 #include <span>
