@@ -2,7 +2,6 @@
 
 #include <cstdlib>
 #include <functional>
-#include <set>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -13,30 +12,11 @@ namespace NevQosTest {
 namespace {
 
 constexpr KnownDefect list[] = {
-   { "max-classes",
-     "a policy map over maxClassesPerPolicyMap ends success after a later interface update, and "
-     "verification asserts" },
-   { "failed-map-async-verify",
-     "verification while a failed map waits for its asynchronous result asserts" },
-   { "policy-qos-unsupported",
-     "policyQosSupported false with a QoS service policy asserts in verification "
-     "(pmapTypeSmHas)" },
-   { "copp-without-intf-copp",
-     "coppSupported true with intfCoppSupported false asserts on pmapSliceHwStatus" },
-   { "async-service-policy-given-again",
-     "an asynchronous service policy removed and given again while its removal is queued stops "
-     "with \"Reinstantiating the pointer interface\"" },
    { "refused-policer-finding",
      "a policer refused for want of policers (errorOnPolicerExhaustion false) is a verification "
      "finding" },
    { "expanded-ip-length",
      "an IP-length range expanded for want of range checkers is reported as a mismatch" },
-   { "cbf-review-never-ends",
-     "the FEC override review restarts its walk for ever with more than a slice of refused "
-     "overrides" },
-   { "async-success-before-drain",
-     "on the asynchronous road a policy map reports success, and verification compares it, while "
-     "its ACLs are still queued (/work/findings/async-success-before-drain.yaml)" },
    { "unsupported-class-match-verified",
      "a VLAN, COS or DSCP match the chip cannot classify on is compiled to nothing, yet "
      "verification asks for its entry (/work/findings/unsupported-class-match-verified.yaml)" },
@@ -98,31 +78,9 @@ bool anyDefinition( Sim::Scenario const& s, std::function< bool( T const& ) > co
    return found;
 }
 
-bool tooManyClasses( Sim::Scenario const& s ) {
-   // A QoS map counts its class-default whether it names one or not.
-   return anyDefinition< Sim::PolicyMapDef >( s, [ & ]( Sim::PolicyMapDef const& p ) {
-      return p.type == Qos::mapQos_ && p.classes.size() + 1 > s.chip.maxClassesPerPolicyMap;
-   } );
-}
-
 bool servicePolicyOfType( Sim::Scenario const& s, Qos::MapType type ) {
    return anyDefinition< Sim::ServicePolicyDef >(
          s, [ & ]( Sim::ServicePolicyDef const& sp ) { return sp.key.type() == type; } );
-}
-
-bool servicePolicyGivenAgain( Sim::Scenario const& s ) {
-   if( s.chip.tcamMode != Sim::TcamMode::asynchronous ) return false;
-   std::set< Qos::ServicePolicyKey > removed;
-   for( Sim::Step const& step : s.steps ) {
-      for( Sim::Change const& c : step.changes ) {
-         if( auto const* r = std::get_if< Sim::ServicePolicyRemoval >( &c.value ) ) {
-            removed.insert( r->key );
-         } else if( auto const* sp = std::get_if< Sim::ServicePolicyDef >( &c.value ) ) {
-            if( removed.contains( sp->key ) ) return true;
-         }
-      }
-   }
-   return false;
 }
 
 // A length condition other than one value needs a range checker.
@@ -141,14 +99,6 @@ bool lengthRangeShortOfCheckers( Sim::Scenario const& s ) {
    return anyDefinition< Sim::AclDef >( s, [ & ]( Sim::AclDef const& a ) {
       return ranged( a.ipv4Rules ) || ranged( a.ipv6Rules );
    } );
-}
-
-bool manyOverrides( Sim::Scenario const& s ) {
-   std::set< Qos::Glarn::OverrideKey > keys;
-   eachDefinition< Sim::FecOverrideDef >(
-         s, [ & ]( Sim::FecOverrideDef const& o ) { keys.insert( o.key ); } );
-   // A review slice takes a hundred overrides.
-   return keys.size() > 100;
 }
 
 bool unsupportedClassMatch( Sim::Scenario const& s ) {
@@ -231,14 +181,7 @@ bool avoided( std::string_view name ) {
 
 std::string_view knownConditionOf( Sim::Scenario const& s ) {
    std::pair< std::string_view, bool > const conditions[] = {
-      { "max-classes", tooManyClasses( s ) },
-      { "policy-qos-unsupported",
-        !s.chip.policyQosSupported && servicePolicyOfType( s, Qos::mapQos_ ) },
-      { "copp-without-intf-copp", s.chip.coppSupported && !s.chip.intfCoppSupported &&
-                                        servicePolicyOfType( s, Qos::mapControlPlane_ ) },
-      { "async-service-policy-given-again", servicePolicyGivenAgain( s ) },
       { "expanded-ip-length", lengthRangeShortOfCheckers( s ) },
-      { "cbf-review-never-ends", manyOverrides( s ) },
       { "unsupported-class-match-verified", unsupportedClassMatch( s ) },
       { "empty-service-policy-status", emptyServicePolicy( s ) },
       { "failed-map-keeps-mpls-tc-acl", mplsTrafficClassMatch( s ) },

@@ -149,10 +149,7 @@ RandomChip::RandomChip( std::mt19937_64& random, Sim::TcamMode mode ) : mode_( m
    set( "supportedTcpFlags", std::to_string( tcpFlags[ pick( 5 ) ] ) );
 
    for( Flag const& f : flags ) {
-      bool on = chance( 25 ) ? !f.defaultOn : f.defaultOn;
-      if( std::string_view( f.key ) == "policyQosSupported" && avoided( "policy-qos-unsupported" ) ) {
-         on = true;
-      }
+      bool const on = chance( 25 ) ? !f.defaultOn : f.defaultOn;
       set( f.key, on ? "true" : "false" );
    }
    for( LimitPair const& l : limitPairs ) {

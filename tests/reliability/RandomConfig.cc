@@ -9,6 +9,10 @@ namespace NevQosTest {
 
 namespace {
 
+// The classes a policy map takes at most, its class-default aside: a QoS map may go over the
+// chip's class budget.
+std::size_t const maxClassesDrawn = 4;
+
 // The rules an access list of each family may hold; rule i has sequence number 10 (i + 1), so
 // that a rule keeps its number while others come and go.
 std::vector< std::string > const ipv4Rules{
@@ -227,7 +231,7 @@ RandomConfig::RandomConfig( std::uint64_t seed, Sim::TcamMode mode )
       pmap.type = choice.type;
       pmap.shared = choice.type == "qos" && chance( 20 );
       std::size_t const wanted =
-            std::min( { std::size_t( 1 + pick( 3 ) ), classLimit( name ), choice.classes.size() } );
+            std::min( { std::size_t( 1 + pick( 3 ) ), maxClassesDrawn, choice.classes.size() } );
       while( pmap.classes.size() < wanted ) {
          std::string const cmap = any( choice.classes );
          bool used = false;
@@ -296,24 +300,13 @@ bool RandomConfig::matchAllowed( std::string const& match ) const {
           !( dscp && !chip_.flag( "dscpEcnClassMatchSupported" ) );
 }
 
-// Known defect max-classes: a QoS map keeps within the chip's budget, its class-default
-// included.
-std::size_t RandomConfig::classLimit( std::string const& pmap ) const {
-   std::size_t const most = 4;
-   if( policyMapChoices.at( pmap ).type != "qos" || !avoided( "max-classes" ) ) return most;
-   return std::min< std::size_t >( most, chip_.number( "maxClassesPerPolicyMap" ) - 1 );
-}
-
-// Known defect copp-without-intf-copp: no control-plane service policy on a chip with
-// system-wide CoPP alone.
-// Known defect async-interface-copp-not-programmed: nor on the asynchronous road with
-// per-interface CoPP.
+// Known defect async-interface-copp-not-programmed: no control-plane service policy on the
+// asynchronous road with per-interface CoPP.
 bool RandomConfig::servicePolicyAllowed( std::string const& pmap ) const {
-   if( policyMapChoices.at( pmap ).type != "control-plane" ) return true;
-   if( chip_.flag( "intfCoppSupported" ) ) {
-      return !chip_.asynchronous() || !avoided( "async-interface-copp-not-programmed" );
+   if( policyMapChoices.at( pmap ).type != "control-plane" || !chip_.flag( "intfCoppSupported" ) ) {
+      return true;
    }
-   return !chip_.flag( "coppSupported" ) || !avoided( "copp-without-intf-copp" );
+   return !chip_.asynchronous() || !avoided( "async-interface-copp-not-programmed" );
 }
 
 std::string RandomConfig::drawMatch( std::string const& cmap ) {
@@ -492,7 +485,7 @@ std::string RandomConfig::changePolicyMap( std::string& summary ) {
    PolicyMap& pmap = it->second;
    auto const& choice = policyMapChoices.at( name );
    std::size_t const what = pick( 5 );
-   if( what == 0 && pmap.classes.size() < classLimit( name ) &&
+   if( what == 0 && pmap.classes.size() < maxClassesDrawn &&
        pmap.classes.size() < choice.classes.size() ) {
       std::string cmap;
       do {

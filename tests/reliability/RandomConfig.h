@@ -61,7 +61,6 @@ class RandomConfig {
    bool lengthRangesAllowed() const;
    bool ruleAllowed( std::string const& family, unsigned rule ) const;
    bool matchAllowed( std::string const& match ) const;
-   std::size_t classLimit( std::string const& pmap ) const;
    bool servicePolicyAllowed( std::string const& pmap ) const;
    std::string drawMatch( std::string const& cmap );
    std::string drawActions( std::string const& pmap );
