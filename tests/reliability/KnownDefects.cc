@@ -56,6 +56,9 @@ constexpr KnownDefect list[] = {
      "a VLAN rule of a QoS map on a VLAN interface is programmed or left out by whether its list "
      "was compiled before or after the interface became active, so a switch started afresh holds "
      "another TCAM (/work/findings/vlan-rule-compile-order.yaml)" },
+   { "report-invalid-utf8",
+     "a scenario description that is not UTF-8 loads and runs, and then the JSON report throws "
+     "(/work/findings/report-invalid-utf8.yaml)" },
 };
 
 template< class T >
@@ -153,6 +156,35 @@ bool ruleLeftOutByChip( Sim::Scenario const& s ) {
    return false;
 }
 
+// Well-formed UTF-8, as the report's writer reads it: no overlong form, surrogate or code point
+// above U+10FFFF.
+bool utf8( std::string_view text ) {
+   auto byte = [ & ]( std::size_t i ) { return static_cast< unsigned char >( text[ i ] ); };
+   for( std::size_t i = 0; i < text.size(); ) {
+      unsigned char const lead = byte( i++ );
+      if( lead < 0x80 ) continue;
+      std::size_t const more = lead >= 0xc2 && lead < 0xe0   ? 1
+                               : lead >= 0xe0 && lead < 0xf0 ? 2
+                               : lead >= 0xf0 && lead < 0xf5 ? 3
+                                                             : 0;
+      if( more == 0 || i + more > text.size() ) return false;
+      // The second byte's range narrows after the leads that could start an overlong form, a
+      // surrogate or a code point past the last.
+      unsigned char low = 0x80;
+      unsigned char high = 0xbf;
+      if( lead == 0xe0 ) low = 0xa0;
+      if( lead == 0xed ) high = 0x9f;
+      if( lead == 0xf0 ) low = 0x90;
+      if( lead == 0xf4 ) high = 0x8f;
+      if( byte( i ) < low || byte( i ) > high ) return false;
+      for( std::size_t k = 1; k < more; ++k ) {
+         if( ( byte( i + k ) & 0xc0 ) != 0x80 ) return false;
+      }
+      i += more;
+   }
+   return true;
+}
+
 }  // namespace
 
 std::span< KnownDefect const > knownDefects() {
@@ -190,6 +222,7 @@ std::string_view knownConditionOf( Sim::Scenario const& s ) {
               servicePolicyOfType( s, Qos::mapControlPlane_ ) },
       { "icmp-type-verified-absent", icmpTypeOrCode( s ) },
       { "refused-rule-fragment-verify", ruleLeftOutByChip( s ) },
+      { "report-invalid-utf8", !utf8( s.description ) },
    };
    for( auto const& [ name, stands ] : conditions ) {
       if( stands && avoided( name ) ) return name;
