@@ -56,6 +56,9 @@ constexpr KnownDefect list[] = {
      "a VLAN rule of a QoS map on a VLAN interface is programmed or left out by whether its list "
      "was compiled before or after the interface became active, so a switch started afresh holds "
      "another TCAM (/work/findings/vlan-rule-compile-order.yaml)" },
+   { "async-system-copp-not-programmed",
+     "on the asynchronous road the system-wide control-plane map of a chip without per-interface "
+     "CoPP is never programmed (/work/findings/async-system-copp-not-programmed.yaml)" },
    { "report-invalid-utf8",
      "a scenario description that is not UTF-8 loads and runs, and then the JSON report throws "
      "(/work/findings/report-invalid-utf8.yaml)" },
@@ -222,6 +225,10 @@ std::string_view knownConditionOf( Sim::Scenario const& s ) {
               servicePolicyOfType( s, Qos::mapControlPlane_ ) },
       { "icmp-type-verified-absent", icmpTypeOrCode( s ) },
       { "refused-rule-fragment-verify", ruleLeftOutByChip( s ) },
+      { "async-system-copp-not-programmed",
+        "on the asynchronous road the system-wide control-plane map of a chip without "
+        "per-interface "
+        "CoPP is never programmed (/work/findings/async-system-copp-not-programmed.yaml)" },
       { "report-invalid-utf8", !utf8( s.description ) },
    };
    for( auto const& [ name, stands ] : conditions ) {

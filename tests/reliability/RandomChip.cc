@@ -96,8 +96,9 @@ std::vector< Pool > const basicLimits{
    { "maxShapeRatePps", 100000000, { 1, 1000 } },
 };
 
-std::vector< std::string > const rangeErrors{ "outOfTcam", "tooManyL4PortRanges", "expandSrc",
-                                              "expandDst", "tooManyAcls", "unsupportedAction",
+std::vector< std::string > const rangeErrors{ "outOfTcam",   "tooManyL4PortRanges",
+                                              "expandSrc",   "expandDst",
+                                              "tooManyAcls", "unsupportedAction",
                                               "ruleIgnored", "ignored" };
 // Answers that ask for an IP-length range to be expanded.
 std::vector< std::string > const lengthErrors{ "expandIpLen", "expandAll", "expandSrcIpLen",
@@ -174,7 +175,8 @@ RandomChip::RandomChip( std::mt19937_64& random, Sim::TcamMode mode ) : mode_( m
 
    // The faults hold from before the first step, which switches them all off.
    std::vector< std::string > errors = rangeErrors;
-   if( !avoided( "expanded-ip-length" ) ) errors.insert( errors.end(), lengthErrors.begin(), lengthErrors.end() );
+   if( !avoided( "expanded-ip-length" ) )
+      errors.insert( errors.end(), lengthErrors.begin(), lengthErrors.end() );
    if( !asynchronous() && avoided( "refused-rule-fragment-verify" ) ) {
       std::erase_if( errors,
                      []( std::string const& e ) { return e == "ruleIgnored" || e == "ignored"; } );
@@ -182,17 +184,18 @@ RandomChip::RandomChip( std::mt19937_64& random, Sim::TcamMode mode ) : mode_( m
    char const* const families[] = { "ipv4", "ipv6", "mac" };
    unsigned const atEntries[] = { 0, 3, 20 };
    unsigned const nths[] = { 0, 1, 3 };
-   faults_ = "[ { name: tcam-full, kind: outOfTcam, family: " + std::string( families[ pick( 3 ) ] ) +
-             ", atEntries: " + std::to_string( atEntries[ pick( 3 ) ] ) +
-             ", from: 0.5 }, { name: commit-fails, kind: operationError, op: commitAcl, from: 0.5 "
-             "}, { name: rule-refused, kind: operationError, op: createIpAclSubrule, nth: " +
-             std::to_string( nths[ pick( 3 ) ] ) + ", error: " + errors[ pick( errors.size() ) ] +
-             ", from: 0.5 }, { name: no-policers, kind: policerExhaustion, from: 0.5 }, { name: "
-             "no-checkers, kind: outOfRangeCheckers, from: 0.5 }, { name: cbf-not-ready, kind: "
-             "cbfNotReady, from: 0.5 }, { name: async-stuck, kind: asyncPending, nth: " +
-             std::to_string( 1 + pick( 60 ) ) +
-             ", from: 0.5 }, { name: async-twice, kind: asyncRepeated, nth: " +
-             std::to_string( 1 + pick( 60 ) ) + ", from: 0.5 } ]";
+   faults_ =
+         "[ { name: tcam-full, kind: outOfTcam, family: " + std::string( families[ pick( 3 ) ] ) +
+         ", atEntries: " + std::to_string( atEntries[ pick( 3 ) ] ) +
+         ", from: 0.5 }, { name: commit-fails, kind: operationError, op: commitAcl, from: 0.5 "
+         "}, { name: rule-refused, kind: operationError, op: createIpAclSubrule, nth: " +
+         std::to_string( nths[ pick( 3 ) ] ) + ", error: " + errors[ pick( errors.size() ) ] +
+         ", from: 0.5 }, { name: no-policers, kind: policerExhaustion, from: 0.5 }, { name: "
+         "no-checkers, kind: outOfRangeCheckers, from: 0.5 }, { name: cbf-not-ready, kind: "
+         "cbfNotReady, from: 0.5 }, { name: async-stuck, kind: asyncPending, nth: " +
+         std::to_string( 1 + pick( 60 ) ) +
+         ", from: 0.5 }, { name: async-twice, kind: asyncRepeated, nth: " +
+         std::to_string( 1 + pick( 60 ) ) + ", from: 0.5 } ]";
 }
 
 std::string RandomChip::text( bool withFaults ) const {

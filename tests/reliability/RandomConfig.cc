@@ -121,7 +121,8 @@ std::map< std::string, PolicyMapChoice > const policyMapChoices{
    // that name is not the chip's, and the other map is per interface.
    { "copp-system-policy",
      { "control-plane", "input", { "k1", staticCoppClass }, { "Ethernet1" } } },
-   { "cp-edge", { "control-plane", "input", { "k1", staticCoppClass }, { "Ethernet1", "Ethernet2" } } },
+   { "cp-edge",
+     { "control-plane", "input", { "k1", staticCoppClass }, { "Ethernet1", "Ethernet2" } } },
 };
 
 std::vector< std::string > const qosActions{
@@ -168,8 +169,8 @@ std::vector< std::string > const intfQosChoices{
    "nonEct: 5000, delayEcn: true, ecnDelayThreshold: 100 } ]",
 };
 std::vector< std::string > const globalMapChoices{
-   "{ cosToTc: { 5: 4 } }",     "{ dscpToTc: { 46: 5 } }", "{ tcToTxQueue: { 4: 6 } }",
-   "{ dscpToDp: { 10: 1 } }",   "{ tcToMcTxQueue: { 2: 3 } }", "{ cosRewrite: true }",
+   "{ cosToTc: { 5: 4 } }",   "{ dscpToTc: { 46: 5 } }",     "{ tcToTxQueue: { 4: 6 } }",
+   "{ dscpToDp: { 10: 1 } }", "{ tcToMcTxQueue: { 2: 3 } }", "{ cosRewrite: true }",
    "{ tcToDscp: { 5: ef } }",
 };
 
@@ -206,17 +207,16 @@ bool needsChecker( std::string const& rule ) {
 std::string fecOverrideText( std::string const& key, unsigned overriding ) {
    auto const slash = key.find( '/' );
    auto const second = key.find( '/', slash + 1 );
-   return "{ af: " + key.substr( 0, slash ) + ", dscp: " +
-          key.substr( slash + 1, second - slash - 1 ) + ", fec: " + key.substr( second + 1 ) +
+   return "{ af: " + key.substr( 0, slash ) +
+          ", dscp: " + key.substr( slash + 1, second - slash - 1 ) +
+          ", fec: " + key.substr( second + 1 ) +
           ( overriding ? ", overridingFec: " + std::to_string( overriding ) : "" ) + " }";
 }
 
 }  // namespace
 
 RandomConfig::RandomConfig( std::uint64_t seed, Sim::TcamMode mode )
-    : random_( seed ),
-      chip_( random_, mode ),
-      faultOn_( RandomChip::faultNames().size(), false ) {
+    : random_( seed ), chip_( random_, mode ), faultOn_( RandomChip::faultNames().size(), false ) {
    for( std::string const acl : { "A1", "A2", "A3", "B1", "M1" } ) {
       auto const& pool = rulePool( familyOf( acl ) );
       for( unsigned tries = 0; aclRules_[ acl ].size() < 2 && tries < 100; ++tries ) {
@@ -292,21 +292,20 @@ bool RandomConfig::ruleAllowed( std::string const& family, unsigned rule ) const
 bool RandomConfig::matchAllowed( std::string const& match ) const {
    if( !avoided( "unsupported-class-match-verified" ) ) return true;
    bool const vlan = match.find( "vlan" ) != std::string::npos;
-   bool const cos = match.find( "cos" ) != std::string::npos ||
-                    match.find( "Cos" ) != std::string::npos;
+   bool const cos =
+         match.find( "cos" ) != std::string::npos || match.find( "Cos" ) != std::string::npos;
    bool const dscp = match.starts_with( "dscp" ) || match.find( ", dscp" ) != std::string::npos;
    return !( vlan && !chip_.flag( "vlanClassMatchSupported" ) ) &&
           !( cos && !chip_.flag( "cosClassMatchSupported" ) ) &&
           !( dscp && !chip_.flag( "dscpEcnClassMatchSupported" ) );
 }
 
-// Known defect async-interface-copp-not-programmed: no control-plane service policy on the
-// asynchronous road with per-interface CoPP.
+// Known defects async-interface-copp-not-programmed and async-system-copp-not-programmed: no
+// control-plane service policy on the asynchronous road, with per-interface CoPP or without.
 bool RandomConfig::servicePolicyAllowed( std::string const& pmap ) const {
-   if( policyMapChoices.at( pmap ).type != "control-plane" || !chip_.flag( "intfCoppSupported" ) ) {
-      return true;
-   }
-   return !chip_.asynchronous() || !avoided( "async-interface-copp-not-programmed" );
+   if( policyMapChoices.at( pmap ).type != "control-plane" || !chip_.asynchronous() ) return true;
+   return chip_.flag( "intfCoppSupported" ) ? !avoided( "async-interface-copp-not-programmed" )
+                                            : !avoided( "async-system-copp-not-programmed" );
 }
 
 std::string RandomConfig::drawMatch( std::string const& cmap ) {
@@ -462,8 +461,8 @@ std::string RandomConfig::changeAclRules( std::string& summary ) {
       rules.erase( gone );
    } else {
       unsigned rule = unsigned( pick( pool ) );
-      for( unsigned tries = 0; tries < pool && ( rules.contains( rule ) || !ruleAllowed( family, rule ) );
-           ++tries )
+      for( unsigned tries = 0;
+           tries < pool && ( rules.contains( rule ) || !ruleAllowed( family, rule ) ); ++tries )
          rule = ( rule + 1 ) % pool;
       if( !rules.contains( rule ) && ruleAllowed( family, rule ) ) rules.insert( rule );
       summary = "rule " + std::to_string( rule ) + " joins " + it->first;
@@ -494,8 +493,9 @@ std::string RandomConfig::changePolicyMap( std::string& summary ) {
             if( c.classMap == cmap ) cmap.clear();
          }
       } while( cmap.empty() );
-      pmap.classes.insert( std::next( pmap.classes.begin(), long( pick( pmap.classes.size() + 1 ) ) ),
-                           PolicyClass{ cmap, drawActions( name ) } );
+      pmap.classes.insert(
+            std::next( pmap.classes.begin(), long( pick( pmap.classes.size() + 1 ) ) ),
+            PolicyClass{ cmap, drawActions( name ) } );
       summary = cmap + " joins " + name;
    } else if( what == 1 && !pmap.classes.empty() ) {
       auto const gone = std::next( pmap.classes.begin(), long( pick( pmap.classes.size() ) ) );
@@ -618,7 +618,8 @@ std::string RandomConfig::changeKernelCopp( std::string& summary ) {
    std::string const port = std::to_string( 1 + pick( 4 ) );
    std::string const queue = chance( 50 ) ? "4" : "7";
    std::string const key = port + "/" + queue;
-   std::string const state = any( std::vector< std::string >{ "saturated", "unsaturated", "none" } );
+   std::string const state =
+         any( std::vector< std::string >{ "saturated", "unsaturated", "none" } );
    std::string const report = "{ port: " + port + ", queue: " + queue + ", state: " + state + " }";
    kernelCopp_[ key ] = report;
    summary = "kernel reports " + key + " " + state;
@@ -674,7 +675,8 @@ std::string RandomConfig::otherRequest( std::string& summary ) {
 std::set< std::string > RandomConfig::configuredLogHandles() const {
    std::set< std::string > out;
    if( !chip_.flag( "multipleActionsSupported" ) ) out.insert( "QOS_POLICY_MULTIPLE_ACTIONS" );
-   if( !chip_.flag( "macAclRuleSupportedPlatform" ) ) out.insert( "QOS_MAC_ACL_RULE_IPV6_MISMATCH" );
+   if( !chip_.flag( "macAclRuleSupportedPlatform" ) )
+      out.insert( "QOS_MAC_ACL_RULE_IPV6_MISMATCH" );
    auto const supported = chip_.number( "supportedTcpFlags" );
    for( auto const& [ acl, rules ] : aclRules_ ) {
       for( unsigned r : rules ) {
@@ -686,7 +688,8 @@ std::set< std::string > RandomConfig::configuredLogHandles() const {
       }
    }
    for( auto const& [ intf, qos ] : intfQos_ ) {
-      if( qos.find( "unit: percent" ) != std::string::npos ) out.insert( "QOS_SCH_SHP_UNIT_MISMATCH" );
+      if( qos.find( "unit: percent" ) != std::string::npos )
+         out.insert( "QOS_SCH_SHP_UNIT_MISMATCH" );
    }
    return out;
 }
