@@ -11,6 +11,7 @@ class Task::RunClock : public Zub::Clock::NotifieeConst {
  public:
    explicit RunClock( Task* task ) : task_( task ) {}
    void onTime() override { task_->run(); }
+   Zub::String timerName() const override { return Zub::String( "task " ) + task_->name(); }
 
  private:
    Task* task_;

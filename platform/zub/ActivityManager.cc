@@ -1,10 +1,16 @@
 #include "zub/ActivityManager.h"
 
+#include <cxxabi.h>
+
 #include <algorithm>
 #include <chrono>
+#include <cstdlib>
+#include <memory>
 #include <thread>
+#include <typeinfo>
 
 #include "zub/Assert.h"
+#include "zub/Format.h"
 
 namespace Zub {
 
@@ -36,6 +42,14 @@ void Clock::NotifieeConst::notifierIs( Ptr< Clock const > const& c ) {
    timeMinIs( pending );
 }
 
+String Clock::NotifieeConst::timerName() const {
+   char const* mangled = typeid( *this ).name();
+   int status = 0;
+   std::unique_ptr< char, decltype( &std::free ) > const name(
+         abi::__cxa_demangle( mangled, nullptr, nullptr, &status ), &std::free );
+   return String( status == 0 && name ? name.get() : mangled );
+}
+
 void Clock::NotifieeConst::timeMinIs( Seconds t ) {
    auto c = notifier();
    ActivityManager* loop = c ? c->loop_ : nullptr;
@@ -45,6 +59,13 @@ void Clock::NotifieeConst::timeMinIs( Seconds t ) {
 }
 
 // ---- ActivityManager ----
+
+RunawayException::RunawayException( std::size_t turns, Seconds time, String const& timer )
+    : Exception( format( "still running after %zu turns at virtual time %.12g: %s kept firing",
+                         turns, time, timer.charPtr() ) )
+    , turns_( turns )
+    , time_( time )
+    , timer_( timer ) {}
 
 namespace {
 
@@ -123,7 +144,40 @@ std::size_t ActivityManager::runOnce() {
    std::size_t const fired = due.size();
    due.clear();
    due.swap( dueScratch_ );
+   if( runawayLimit_ ) runawayCheck( turnTime );
    return fired;
+}
+
+void ActivityManager::runawayLimitIs( std::size_t turns ) {
+   runawayLimit_ = turns;
+   windowStart_ = -never;
+   windowTurns_ = 0;
+   diagnosing_ = false;
+   firedBy_.clear();
+}
+
+// Turns are counted in windows of one second of the loop's time; a window that fills up is
+// watched a while longer, so that the report names what kept firing rather than what fired
+// last.
+void ActivityManager::runawayCheck( Seconds turnTime ) {
+   if( turnTime >= windowStart_ + 1.0 ) {
+      windowStart_ = turnTime;
+      windowTurns_ = 0;
+      diagnosing_ = false;
+      firedBy_.clear();
+   }
+   ++windowTurns_;
+   if( windowTurns_ < runawayLimit_ ) return;
+   diagnosing_ = true;
+   if( windowTurns_ < runawayLimit_ + std::max< std::size_t >( runawayLimit_ / 10, 1 ) ) return;
+   auto most = firedBy_.begin();
+   for( auto it = firedBy_.begin(); it != firedBy_.end(); ++it ) {
+      if( it->second > most->second ) most = it;
+   }
+   String const timer = most == firedBy_.end() ? String( "nothing" ) : most->first;
+   std::size_t const turns = windowTurns_;
+   runawayLimitIs( runawayLimit_ );
+   throw RunawayException( turns, turnTime, timer );
 }
 
 void ActivityManager::fireDue( std::vector< TimerKey > const& due ) {
@@ -137,6 +191,7 @@ void ActivityManager::fireDue( std::vector< TimerKey > const& due ) {
       n->timeMin_ = never;
       if( n->zombie() || !n->hasNotificationActive() ) continue;
       Ptr< NotifieeBase > keep( n->references() ? n : nullptr );
+      if( diagnosing_ ) ++firedBy_[ n->timerName() ];
       n->onTime();
    }
 }

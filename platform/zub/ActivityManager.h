@@ -15,8 +15,24 @@
 #include <vector>
 
 #include "zub/Clock.h"
+#include "zub/Exception.h"
 
 namespace Zub {
+
+// A loop that kept firing far past any settled run: more turns than the loop's limit within one
+// second of its time. `what()` names the turns, the time and the timer that fired most.
+class RunawayException : public Exception {
+ public:
+   RunawayException( std::size_t turns, Seconds time, String const& timer );
+   std::size_t turns() const { return turns_; }
+   Seconds time() const { return time_; }
+   String const& timer() const { return timer_; }
+
+ private:
+   std::size_t turns_;
+   Seconds time_;
+   String timer_;
+};
 
 // Read-side of the loop as the state machines see it: the loop's own clock.
 class ActivityManagerConfig {
@@ -52,6 +68,14 @@ class ActivityManager : public PtrInterface, public ActivityManagerConfig {
    // Simulated time only: move the time forward without firing anything.
    void timeIs( Seconds t );
 
+   // A guard for hosts that must never hang, such as the simulator: once `turns` turns are taken
+   // within one second of the loop's time (a timer or task that keeps firing at one instant, or
+   // in ever smaller steps), the loop notes which timers fire over `turns / 10` turns more and
+   // then throws RunawayException from the turn, between callbacks. A run that settles or moves
+   // on meanwhile goes on. 0, the default, sets no limit.
+   void runawayLimitIs( std::size_t turns );
+   std::size_t runawayLimit() const { return runawayLimit_; }
+
  private:
    friend class Clock;
    friend class Clock::NotifieeConst;
@@ -61,6 +85,7 @@ class ActivityManager : public PtrInterface, public ActivityManagerConfig {
    void schedule( Clock::NotifieeConst* n, Seconds t );
    void cancel( Clock::NotifieeConst* n );
    void fireDue( std::vector< TimerKey > const& due );
+   void runawayCheck( Seconds turnTime );
 
    TimeSource source_;
    Seconds simulatedNow_;
@@ -69,6 +94,13 @@ class ActivityManager : public PtrInterface, public ActivityManagerConfig {
    std::vector< Clock* > clocks_;
    std::vector< TimerKey > dueScratch_;
    Ptr< Clock > clock_;
+   // The runaway guard: the turns since the window began, and while they are past the limit, the
+   // callbacks fired by timer name.
+   std::size_t runawayLimit_ = 0;
+   Seconds windowStart_ = -never;
+   std::size_t windowTurns_ = 0;
+   bool diagnosing_ = false;
+   std::map< String, std::size_t > firedBy_;
 };
 
 // The loop of this thread. A real-time loop is made on first use unless one was installed.

@@ -30,6 +30,9 @@ class Clock : public Notifier {
       Seconds timeMin() const { return timeMin_; }
       void timeMinIs( Seconds t );
       virtual void onTime() {}
+      // How the loop names this timer when it reports a run that never settles: the reactor's
+      // class unless a subclass knows better.
+      virtual String timerName() const;
 
     private:
       friend class ActivityManager;

@@ -35,9 +35,11 @@ char const* severityText( Zub::LogSeverity s ) {
 
 }  // namespace
 
-SimSwitch::SimSwitch( Scenario const& scenario ) : file_( scenario.file ) {
+SimSwitch::SimSwitch( Scenario const& scenario, std::size_t runawayTurns )
+    : file_( scenario.file ) {
    loop_ = Zub::ActivityManager::create( Zub::ActivityManager::TimeSource::simulated,
                                          switchStartTime );
+   loop_->runawayLimitIs( runawayTurns );
    enter();
    entitiesIs( scenario.chip );
    publisher_ = std::make_unique< ConfigPublisher >(

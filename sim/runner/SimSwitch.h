@@ -40,10 +40,15 @@ struct LogLine {
 
 class SimSwitch {
  public:
+   // Turns within one second of virtual time past which a run is taken for one that never
+   // settles: far more than any scenario's engines take, and cut within seconds.
+   static constexpr std::size_t defaultRunawayTurns = 10000;
+
    // Publishes the chip's capabilities and the starting configuration, then starts the engines
    // and runs every turn due at the start, without moving time on. Throws ScenarioError for a
-   // configuration the publisher refuses.
-   explicit SimSwitch( Scenario const& scenario );
+   // configuration the publisher refuses. Whatever runs the loop throws Zub::RunawayException
+   // once `runawayTurns` turns are taken within one second of virtual time (0 for no limit).
+   explicit SimSwitch( Scenario const& scenario, std::size_t runawayTurns = defaultRunawayTurns );
    ~SimSwitch();
    SimSwitch( SimSwitch const& ) = delete;
    SimSwitch& operator=( SimSwitch const& ) = delete;

@@ -21,6 +21,7 @@ namespace {
 constexpr int mismatch = 1;
 constexpr int badInput = 2;
 constexpr int failed = 3;
+constexpr int runaway = 4;
 
 // The map types --show takes, by the names scenarios use.
 std::map< std::string, Qos::MapType > const showTypes{ { "qos", Qos::mapQos_ },
@@ -71,6 +72,7 @@ int main( int argc, char** argv ) {
    Verification verification;
    std::string showType;
    bool brief = false;
+   std::size_t maxTurns = Sim::SimSwitch::defaultRunawayTurns;
    app.add_option( "scenario", path, "The scenario file (YAML)" )->required();
    auto* const jsonFlag = app.add_flag( "--json", json, "Print the report as JSON" );
    app.add_option( "--settle", settle,
@@ -96,6 +98,11 @@ int main( int argc, char** argv ) {
                ->check( CLI::IsMember( showTypes ) )
                ->excludes( jsonFlag );  // its lines would break the JSON document
    app.add_flag( "--brief", brief, "With --show: the headers only, no rules" );
+   app.add_option( "--max-turns", maxTurns,
+                   "Cut the run (exit 4) once the event loop takes this many turns within one "
+                   "second of virtual time: a timer or task that never lets it settle" )
+         ->capture_default_str()
+         ->check( CLI::PositiveNumber );
    try {
       app.parse( argc, argv );
    } catch( CLI::ParseError const& e ) {
@@ -107,7 +114,7 @@ int main( int argc, char** argv ) {
       Sim::Scenario scenario = Sim::loadScenario( path );
       if( tcamMode == "synchronous" ) scenario.chip.tcamMode = Sim::TcamMode::synchronous;
       if( tcamMode == "asynchronous" ) scenario.chip.tcamMode = Sim::TcamMode::asynchronous;
-      Sim::SimSwitch sw( scenario );
+      Sim::SimSwitch sw( scenario, maxTurns );
       verification.run( sw );
       for( Sim::Step const& step : scenario.steps ) {
          sw.stepIs( step );
@@ -127,6 +134,9 @@ int main( int argc, char** argv ) {
    } catch( Sim::ScenarioError const& e ) {
       std::cerr << "nevqos-sim: " << e.what() << "\n";
       return badInput;
+   } catch( Zub::RunawayException const& e ) {
+      std::cerr << "nevqos-sim: " << path << ": " << e.what() << "\n";
+      return runaway;
    } catch( std::exception const& e ) {
       std::cerr << "nevqos-sim: " << path << ": " << e.what() << "\n";
       return failed;

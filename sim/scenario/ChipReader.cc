@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <utility>
 
+#include "NevQos/types/TcpFlag.h"
 #include "sim/scenario/ScenarioNames.h"
 
 namespace Sim {
@@ -207,8 +208,10 @@ void ChipReader::chip( YAML::Node const& node, ChipConfig& chip,
                                  std::string( limit.most ) );
       }
    }
+   // The helper's flag set holds the six flags a QoS rule can match.
    if( auto const f = node[ "supportedTcpFlags" ] ) {
-      chip.supportedTcpFlags = std::uint16_t( yaml_.integer( f, "supportedTcpFlags", 0, 0x1ff ) );
+      chip.supportedTcpFlags = std::uint16_t(
+            yaml_.integer( f, "supportedTcpFlags", 0, NevHelper::TcpFlag::maxValue ) );
    }
    if( auto const p = node[ "policyClassMaxPrio" ] ) {
       chip.policyClassMaxPrio =

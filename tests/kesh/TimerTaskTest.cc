@@ -107,3 +107,26 @@ TEST_F( TimerTaskTest, TimerWheelReactorsEachKeepTheirOwnTimeMin ) {
 }
 
 }  // namespace
+
+// A walk that starts over on every slice, as a review that never gets past its first keys.
+class Restarter : public Kesh::TimerTask::Notifiee {
+ public:
+   explicit Restarter( Zub::Ptr< Kesh::Task > t ) : task( t ) { notifierIs( t ); }
+   void onTaskRun() override { task->scheduleTask(); }
+   Zub::Ptr< Kesh::Task > task;
+};
+
+TEST_F( TimerTaskTest, ATaskThatNeverFinishesIsNamedByTheLoopsRunawayGuard ) {
+   auto task = Zub::make< Kesh::TimerTask >( scheduler, Kesh::TaskPriority::normal, "review" );
+   auto restarter = Zub::make< Restarter >( task );
+   loop->runawayLimitIs( 500 );
+   task->scheduleTask();
+   try {
+      loop->runUntil( 200.0 );
+      ADD_FAILURE() << "the task ran to its end";
+   } catch( Zub::RunawayException const& e ) {
+      EXPECT_EQ( e.timer(), Zub::String( "task review" ) );
+      EXPECT_EQ( e.time(), 100.0 );
+   }
+   loop->runawayLimitIs( 0 );
+}

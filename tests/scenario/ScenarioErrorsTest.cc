@@ -108,6 +108,9 @@ TEST( ScenarioErrorsTest, ValuesOfTheWrongTypeOrOutOfRange ) {
          { "chip: { tcamSliceEntries: 0 }\n",
            "bad.yaml:1:27: tcamSliceEntries: 0 is out of range 1..4294967295" },
          { "chip: { policers: 1.5 }\n", "bad.yaml:1:19: policers: '1.5' is not a whole number" },
+         // The chip's helper holds the six flags of a QoS rule, no more.
+         { "chip:\n  supportedTcpFlags: 0x40\n",
+           "bad.yaml:2:22: supportedTcpFlags: 0x40 is out of range 0..63" },
          { "chip: { tcamMode: lazy }\n",
            "bad.yaml:1:19: tcamMode: 'lazy' is not one of synchronous, asynchronous" },
          { "chip: { policeByteModeMinRateKbps: 10, policeByteModeMaxRateKbps: 5 }\n",

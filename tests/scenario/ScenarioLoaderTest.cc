@@ -228,7 +228,7 @@ chip:
   asyncDelay: 0.25
   perClassPolicerSupported: true
   vlanClassMatchSupported: false
-  supportedTcpFlags: 0x1ff
+  supportedTcpFlags: 0x3f
   policyClassMaxPrio: 200
   faults:
     - { kind: operationError, op: createAcl, nth: 2, error: tooManyL4PortRanges, until: 9 }
@@ -238,7 +238,7 @@ chip:
    EXPECT_EQ( s.chip.asyncDelay, 0.25 );
    EXPECT_TRUE( s.chip.perClassPolicerSupported );
    EXPECT_FALSE( s.chip.vlanClassMatchSupported );
-   EXPECT_EQ( s.chip.supportedTcpFlags, 0x1ff );
+   EXPECT_EQ( s.chip.supportedTcpFlags, 0x3f );
    EXPECT_EQ( s.chip.policyClassMaxPrio, 200 );
    ASSERT_EQ( s.chip.faults.size(), 2u );
    EXPECT_EQ( s.chip.faults[ 0 ].op, "createAcl" );

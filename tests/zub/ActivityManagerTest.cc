@@ -137,3 +137,68 @@ TEST_F( ActivityManagerTest, RunUntilStopsAtTheGivenTime ) {
 }
 
 }  // namespace
+
+// The runaway guard: a timer that never lets the loop settle is cut, and named; a busy but
+// settling loop is not.
+class Rearming : public Zub::Clock::NotifieeConst {
+ public:
+   // Re-arms `step` seconds later, `left` times; forever with a negative count.
+   Rearming( Seconds step, long left ) : step_( step ), left_( left ) {}
+   void onTime() override {
+      ++fired;
+      if( left_ == 0 ) return;
+      if( left_ > 0 ) --left_;
+      timeMinIs( Zub::System::currentTime() + step_ );
+   }
+   Zub::String timerName() const override { return "rearming"; }
+   long fired = 0;
+
+ private:
+   Seconds step_;
+   long left_;
+};
+
+TEST_F( ActivityManagerTest, ARunawayIsCutAndNamedWhateverItsStep ) {
+   struct Case {
+      Seconds step;
+      char const* where;
+   };
+   for( Case const c : { Case{ 0.0, "at one instant" }, Case{ 1e-9, "in ever smaller steps" } } ) {
+      SCOPED_TRACE( c.where );
+      auto const r = make< Rearming >( c.step, -1 );
+      r->notifierIs( loop->clock() );
+      loop->runawayLimitIs( 1000 );
+      r->timeMinIs( 2.0 );
+      try {
+         loop->runUntil( 100.0 );
+         ADD_FAILURE() << "the loop ran to its end";
+      } catch( Zub::RunawayException const& e ) {
+         EXPECT_EQ( e.timer(), Zub::String( "rearming" ) );
+         EXPECT_EQ( e.turns(), 1100u );
+         EXPECT_LT( e.time(), 3.0 );
+         EXPECT_EQ( std::string( e.what() ).substr( 0, 44 ),
+                    "still running after 1100 turns at virtual ti" );
+      }
+      r->timeMinIs( Zub::never );
+   }
+}
+
+TEST_F( ActivityManagerTest, ABusyLoopThatSettlesOrMovesOnIsNoRunaway ) {
+   loop->runawayLimitIs( 1000 );
+   // A retry every 0.01 s for a long while: 100 turns a second.
+   auto const periodic = make< Rearming >( 0.01, 20000 );
+   periodic->notifierIs( loop->clock() );
+   periodic->timeMinIs( 2.0 );
+   // A burst past the limit at one instant that ends while it is being watched.
+   auto const burst = make< Rearming >( 0.0, 1050 );
+   burst->notifierIs( loop->clock() );
+   burst->timeMinIs( 300.0 );
+   EXPECT_NO_THROW( loop->runUntil( 400.0 ) );
+   EXPECT_EQ( periodic->fired, 20001 );
+   EXPECT_EQ( burst->fired, 1051 );
+}
+
+TEST_F( ActivityManagerTest, ATimerIsNamedByItsClassUnlessItSaysOtherwise ) {
+   EXPECT_EQ( timer( "a" )->timerName(), Zub::String( "(anonymous namespace)::Timer" ) );
+   EXPECT_EQ( make< Rearming >( 0.0, 0 )->timerName(), Zub::String( "rearming" ) );
+}
