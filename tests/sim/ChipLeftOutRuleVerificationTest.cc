@@ -1,6 +1,6 @@
 // What verification expects of the entries of IP rules that the chip shaped itself: subrules and
 // fragment entries it left out by answering "rule ignored" or "ignored", which the engine goes
-// on without.
+// on without, and the fragment entry of an ICMP rule, which matches no ICMP header.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -76,6 +76,44 @@ TEST( ChipLeftOutRuleVerificationTest, WhatTheChipLeftOutIsExpectedNowhereAndThe
       sw.stepIs( s.steps[ 0 ] );
       EXPECT_EQ( sw.verify(), Lines{ c.finding } );
    }
+}
+
+class IcmpFragmentEntryTest : public ::testing::TestWithParam< Sim::TcamMode > {};
+
+INSTANTIATE_TEST_SUITE_P( Modes, IcmpFragmentEntryTest,
+                          ::testing::Values( Sim::TcamMode::synchronous,
+                                             Sim::TcamMode::asynchronous ),
+                          []( auto const& mode ) {
+                             return mode.param == Sim::TcamMode::synchronous ? "synchronous"
+                                                                             : "asynchronous";
+                          } );
+
+// The rule's subrule matches the type and code; its fragment entry, after it, matches neither,
+// and a subrule that lost its type is found.
+TEST_P( IcmpFragmentEntryTest, OnlyTheSubruleMatchesTheIcmpTypeAndCode ) {
+   Sim::Scenario s = Sim::loadScenarioText( R"(
+interfaces: [ Ethernet1 ]
+acls:
+  - { name: A3, rules: [ { seq: 150, proto: icmp, icmpType: 8, icmpCode: 0 } ] }
+classMaps:
+  - { name: c1, type: qos, match: { ipv4: A3 } }
+policyMaps:
+  - { name: p1, type: qos, classes: [ { class: c1, set: { trafficClass: 5 } } ] }
+servicePolicies:
+  - { policyMap: p1, type: qos, direction: input, interfaces: [ Ethernet1 ] }
+steps:
+  - at: 1
+    changes:
+      - corruptTcam: { acl: A3, rule: 0, subrule: 0, field: icmpType, value: "0" }
+)",
+                                            "test.yaml" );
+   s.chip.tcamMode = GetParam();
+   Sim::SimSwitch sw( s );
+   sw.runUntil( 0.5 );
+   EXPECT_EQ( sw.verify(), Lines{} );
+   sw.stepIs( s.steps[ 0 ] );
+   EXPECT_EQ( sw.verify(),
+              Lines{ "ACL A3 sequence 150 rule 0 subrule 0 icmpType is 0, expected 8" } );
 }
 
 }  // namespace
