@@ -26,6 +26,8 @@ bool QosClassMatchAclSm::createAcl() {
    if( !data->dirty() && data->installed() ) return true;
    if( destroying() ) return true;
    data->fragMapDelAll();
+   leftOutByChip_.clear();
+   walkEnd_ = noSubruleLeftOut;
    auto const rules = aclConfig()->currCfg();
    if( !rules ) {
       data->dirtyIs( false );
@@ -44,6 +46,7 @@ bool QosClassMatchAclSm::createAcl() {
       AclRuleWalk const walk =
             walkAclRules( *rules, aclType(), helper().supportedTcpFlags().value(), *this );
       walking_ = nullptr;
+      if( walk.result == aclCreateErrorIgnored ) walkEnd_ = walk.ruleNum;
       reportAclRuleWalk( walk, aclType(), aclName(), classMatchSm()->cmapName() );
       result = walk.result;
    }
@@ -59,10 +62,13 @@ AclCreateError QosClassMatchAclSm::createIpAclRule( Acl::IpRuleConfig const& rul
    IpRuleTarget const target{ helper(), pmapState(), *classData(), key(), aclId, ruleNum };
    std::uint32_t subruleNum = 0;
    bool l4Rule = false;
-   AclCreateError const error = planIpSubrules( target, rule, rule.filter, Acl::ip(),
-                                                IpRuleAnswers::retryExpanded, subruleNum, l4Rule );
-   if( error != aclCreateErrorNone ) return error;
-   return checkIpFragRule( rule, aclId, ruleNum, subruleNum, l4Rule );
+   AclCreateError error = planIpSubrules( target, rule, rule.filter, Acl::ip(),
+                                          IpRuleAnswers::retryExpanded, subruleNum, l4Rule );
+   if( error == aclCreateErrorNone ) {
+      error = checkIpFragRule( rule, aclId, ruleNum, subruleNum, l4Rule );
+   }
+   noteLeftOutByChip( ruleNum, subruleNum, error );
+   return error;
 }
 
 AclCreateError QosClassMatchAclSm::createIp6AclRule( Acl::Ip6RuleConfig const& rule,
@@ -75,8 +81,10 @@ AclCreateError QosClassMatchAclSm::createIp6AclRule( Acl::Ip6RuleConfig const& r
    std::uint32_t subruleNum = 0;
    bool l4Rule = false;
    // IPv6 has no fragment entries.
-   return planIpSubrules( target, rule, rule.filter, Acl::ipv6(), IpRuleAnswers::retryExpanded,
-                          subruleNum, l4Rule );
+   AclCreateError const error = planIpSubrules( target, rule, rule.filter, Acl::ipv6(),
+                                                IpRuleAnswers::retryExpanded, subruleNum, l4Rule );
+   noteLeftOutByChip( ruleNum, subruleNum, error );
+   return error;
 }
 
 AclCreateError QosClassMatchAclSm::checkIpFragRule( Acl::IpRuleConfig const& rule,
@@ -86,6 +94,20 @@ AclCreateError QosClassMatchAclSm::checkIpFragRule( Acl::IpRuleConfig const& rul
    IpRuleTarget const target{ helper(), pmapState(), *classData(), key(), aclId, ruleNum };
    Zub::Ptr< AclData > const data = walking_ ? walking_ : aclData();
    return createIpFragEntries( target, rule, *data, helper().qosEcnSupport(), subRuleNum, l4Rule );
+}
+
+// The subrules before `subruleNum` stand; the map is not failed for these answers, so only this
+// record tells verification that the rest, fragment entry included, was never made.
+void QosClassMatchAclSm::noteLeftOutByChip( std::uint32_t ruleNum, std::uint32_t subruleNum,
+                                            AclCreateError error ) {
+   if( error != aclCreateErrorRuleIgnored && error != aclCreateErrorIgnored ) return;
+   leftOutByChip_[ ruleNum ] = subruleNum;
+}
+
+std::uint32_t QosClassMatchAclSm::chipTakenEnd( std::uint32_t ruleNum ) const {
+   if( ruleNum >= walkEnd_ ) return 0;
+   auto const it = leftOutByChip_.find( ruleNum );
+   return it == leftOutByChip_.end() ? noSubruleLeftOut : it->second;
 }
 
 void QosClassMatchAclSm::aclNumberAfterDestroy( AclData& aclData ) const {

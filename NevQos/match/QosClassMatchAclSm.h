@@ -4,6 +4,8 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
+#include <map>
 #include <utility>
 #include <vector>
 
@@ -51,7 +53,10 @@ class QosClassMatchAclSm final : public QosClassMatchChildSm {
       bool l4Rule = false;
       bool leftOut = false;     // a VLAN rule the compile left out on an SVI
       bool portAbsent = false;  // a per-port control-plane policy whose port is absent
+      // The chip left the rule out from this subrule on, its fragment entry with it.
+      std::uint32_t chipTakenEnd = noSubruleLeftOut;
       bool permit() const { return action == Acl::actionPermit; }
+      bool chipLeftOut() const { return chipTakenEnd != noSubruleLeftOut; }
    };
    using PortRange = std::pair< std::uint16_t, std::uint16_t >;
    using Blocks = std::vector< Mirel::RangeMaskGen< std::uint16_t >::Entry >;
@@ -97,10 +102,21 @@ class QosClassMatchAclSm final : public QosClassMatchChildSm {
    void verifyIpFragRule( Acl::IpRuleConfig const& rule, std::uint32_t ruleNum, bool l4Rule );
    // A per-port control-plane policy whose port is absent has nothing in hardware.
    bool ownerPortAbsent() const;
+   // Notes an answer by which the chip left a rule out from `subruleNum` on without failing it.
+   void noteLeftOutByChip( std::uint32_t ruleNum, std::uint32_t subruleNum, AclCreateError error );
+   // The first subrule of the rule that the last compile did not make because of the chip's
+   // answer; noSubruleLeftOut when it made them all.
+   std::uint32_t chipTakenEnd( std::uint32_t ruleNum ) const;
+   static constexpr std::uint32_t noSubruleLeftOut = std::numeric_limits< std::uint32_t >::max();
 
    Zub::Ptr< Acl::AclConfig const > aclConfig_;
    // The ACL's record while its rules are walked: found once, not once per rule.
    Zub::Ptr< AclData > walking_;
+   // Of the last compile: by ruleNum, the first subrule the chip left out of a rule it answered
+   // "rule ignored" or "ignored"; and the first rule the walk never reached, as "ignored" stops
+   // it without a failure.
+   std::map< std::uint32_t, std::uint32_t > leftOutByChip_;
+   std::uint32_t walkEnd_ = noSubruleLeftOut;
 };
 
 }  // namespace Nev

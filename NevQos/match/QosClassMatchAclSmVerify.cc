@@ -83,6 +83,7 @@ void QosClassMatchAclSm::verifyRuleSubrules( Rule const& rule, RuleCheck check )
    check.leftOut =
          check.permit() && unsupportedIpRule( pmapState(), pmapSm()->pmapType(), rule.filter );
    check.portAbsent = check.permit() && ownerPortAbsent();
+   check.chipTakenEnd = chipTakenEnd( check.ruleNum );
    std::uint32_t subruleNum = 0;
    for( auto ecn = data.ecnRules.ecnRules().iter(); ecn; ++ecn ) {
       for( unsigned s = 1; s <= data.srcPortCount; ++s ) {
@@ -105,6 +106,7 @@ void QosClassMatchAclSm::verifyRuleSubrules( Rule const& rule, RuleCheck check )
       }
    }
    if( !check.l4Rule || !check.permit() || check.leftOut || check.portAbsent ) return;
+   if( check.chipLeftOut() ) return;
    // The entry after the last subrule, if any, lets the rule's non-first fragments through.
    if( helper().ipSubruleExists( *classData(), key(), check.aclId, check.ruleNum, subruleNum ) ) {
       verifyL3Fields( rule.filter, check, subruleNum );
@@ -139,7 +141,7 @@ void QosClassMatchAclSm::verifySubrule( Rule const& rule, RuleCheck const& check
       }
       return;
    }
-   if( check.leftOut ) {
+   if( check.leftOut || subruleNum >= check.chipTakenEnd ) {
       ++subruleNum;
       return;
    }
@@ -188,6 +190,7 @@ void QosClassMatchAclSm::verifySubrule( Rule const& rule, RuleCheck const& check
    for( auto const& src : srcBlocks ) {
       for( auto const& dst : dstBlocks ) {
          for( std::size_t l = 0; l < lenBlocks; ++l ) {
+            if( subruleNum >= check.chipTakenEnd ) return;  // the chip took no more blocks
             common( subruleNum );
             layer4( subruleNum, { src.value, src.high }, { dst.value, dst.high } );
             ++subruleNum;
@@ -212,7 +215,8 @@ void QosClassMatchAclSm::verifyIpRuleCommon( Acl::IpRuleConfig const& rule, Rule
    helper().verifyIpRuleEcn( *classData(), key(), check.aclId, check.ruleNum, subruleNum,
                              check.sequence, ecnData, ecnMask );
    verifyRuleFieldsTail( rule.filter, check, subruleNum, tcpFlag );
-   verifyIpFragRule( rule, check.ruleNum, check.l4Rule );
+   // A rule the chip left out never reached its fragment entry.
+   if( !check.chipLeftOut() ) verifyIpFragRule( rule, check.ruleNum, check.l4Rule );
    verifyAction( check, subruleNum );
 }
 

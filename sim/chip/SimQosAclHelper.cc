@@ -58,13 +58,19 @@ void addL3Fields( TcamEntry& entry, Filter const& filter ) {
    if( filter.vlanMask != 0 ) {
       entry.fields.emplace_back( "vlan", textOf( filter.vlan ) + "/" + hexText( filter.vlanMask ) );
    }
+   if( filter.fragments ) entry.fields.emplace_back( "fragments", "non-first" );
+}
+
+// The ICMP type and code of a subrule. A fragment entry takes none: a non-first fragment
+// carries no ICMP header to match them in.
+template< class Filter >
+void addIcmpFields( TcamEntry& entry, Filter const& filter ) {
    if( filter.icmpTypeValid ) {
       entry.fields.emplace_back( "icmpType", textOf( unsigned( filter.icmpType ) ) );
    }
    if( filter.icmpCodeValid ) {
       entry.fields.emplace_back( "icmpCode", textOf( unsigned( filter.icmpCode ) ) );
    }
-   if( filter.fragments ) entry.fields.emplace_back( "fragments", "non-first" );
 }
 
 // A range as the value/mask blocks that cover it.
@@ -387,9 +393,13 @@ Nev::AclCreateError SimQosAclHelper::createIpAclSubrule(
    TcamEntry entry{ "ip", ruleNum, subruleNum, {}, aclId.value() };
    entry.fields.emplace_back( "action", textOf( rule.action ) );
    if( aclType == Acl::ipv6() ) {
-      addL3Fields( entry, static_cast< Acl::Ip6RuleConfig const& >( rule ).filter );
+      auto const& filter = static_cast< Acl::Ip6RuleConfig const& >( rule ).filter;
+      addL3Fields( entry, filter );
+      addIcmpFields( entry, filter );
    } else {
-      addL3Fields( entry, static_cast< Acl::IpRuleConfig const& >( rule ).filter );
+      auto const& filter = static_cast< Acl::IpRuleConfig const& >( rule ).filter;
+      addL3Fields( entry, filter );
+      addIcmpFields( entry, filter );
    }
    for( std::string const& src : srcTexts ) {
       for( std::string const& dst : dstTexts ) {
