@@ -7,8 +7,7 @@
 //
 // Bounded so that one input runs in well under a second: at most `maxSteps` steps, the last at
 // most `maxTime` seconds in, asynchronous delays and time-outs of at most `maxDelay`, at most
-// `maxRules` rules in all. Inputs that stand in a known engine defect
-// (tests/reliability/KnownDefects.h) are left alone.
+// `maxRules` rules in all.
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -18,7 +17,6 @@
 #include <variant>
 
 #include "reliability/CheckedRun.h"
-#include "reliability/KnownDefects.h"
 #include "sim/scenario/ScenarioError.h"
 #include "sim/scenario/ScenarioLoader.h"
 
@@ -65,7 +63,7 @@ extern "C" int LLVMFuzzerTestOneInput( std::uint8_t const* data, std::size_t siz
    } catch( Sim::ScenarioError const& ) {
       return -1;
    }
-   if( !withinBounds( scenario ) || !NevQosTest::knownConditionOf( scenario ).empty() ) return -1;
+   if( !withinBounds( scenario ) ) return -1;
    NevQosTest::CheckedRunLimits limits;
    limits.report = true;
    NevQosTest::CheckedRun run;

@@ -25,23 +25,11 @@ bool damages( Sim::Step const& step ) {
    return false;
 }
 
-// Known defect refused-policer-finding (KnownDefects.h): a policer the chip refused is not held
-// against it.
-bool tolerated( Sim::SimSwitch const& sw, std::string const& finding ) {
-   if( !finding.starts_with( "policer of class " ) || !avoided( "refused-policer-finding" ) ) {
-      return false;
-   }
-   for( Sim::LogLine const& line : sw.logs() ) {
-      if( line.handle == "QOS_POLICY_POLICER_RESOURCE_FULL" ) return true;
-   }
-   return false;
-}
-
 void check( Sim::SimSwitch& sw, CheckedRun& run ) {
    std::string const at = timeText( sw.now() );
    if( !run.damaged ) {
       for( std::string const& finding : sw.verify() ) {
-         if( !tolerated( sw, finding ) ) run.problems.push_back( at + "verification: " + finding );
+         run.problems.push_back( at + "verification: " + finding );
       }
    }
    for( std::string const& m : tcamMismatches( sw ) )

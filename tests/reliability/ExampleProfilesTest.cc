@@ -17,7 +17,6 @@
 
 #include "reliability/AbortNote.h"
 #include "reliability/CheckedRun.h"
-#include "reliability/KnownDefects.h"
 #include "sim/scenario/ScenarioError.h"
 #include "sim/scenario/ScenarioLoader.h"
 
@@ -203,7 +202,6 @@ TEST_P( ExampleProfilesTest, EndsCleanOnEveryBoundaryChip ) {
    YAML::Node const example = loaded( name );
    unsigned const reach = reachOf( Sim::loadScenario( examplesDir + "/" + name + ".yaml" ) );
    std::size_t runs = 0;
-   std::map< std::string, int > skipped;
    for( char const* mode : { "synchronous", "asynchronous" } ) {
       for( auto const& [ profile, chip ] : profilesOf( example, reach ) ) {
          std::string const text = withChip( example, chip, mode );
@@ -213,10 +211,6 @@ TEST_P( ExampleProfilesTest, EndsCleanOnEveryBoundaryChip ) {
             scenario = Sim::loadScenarioText( text, examplesDir + "/" + name + ".yaml" );
          } catch( Sim::ScenarioError const& e ) {
             ADD_FAILURE() << where << ": " << e.what();
-            continue;
-         }
-         if( std::string_view const known = knownConditionOf( scenario ); !known.empty() ) {
-            ++skipped[ std::string( known ) ];
             continue;
          }
          std::string const path =
@@ -231,8 +225,6 @@ TEST_P( ExampleProfilesTest, EndsCleanOnEveryBoundaryChip ) {
       }
    }
    RecordProperty( "runs", int( runs ) );
-   for( auto const& [ known, count ] : skipped )
-      RecordProperty( "skipped for " + known, count );
 }
 
 INSTANTIATE_TEST_SUITE_P( Examples, ExampleProfilesTest,

@@ -1,15 +1,12 @@
-// Defects of the engine that are known and being fixed, which the generators (the random
-// sequences, the examples on boundary chips, the engine fuzz target) step around so that they
-// can go on past them. Each entry names the condition that meets the defect and says what goes
-// wrong. An entry goes when its fix lands, and with it the code that asks for it by name.
+// Defects of the engine that are known and being fixed, which the random sequences step around
+// so that they can go on past them. Each entry names the condition that meets the defect and says
+// what goes wrong. An entry goes when its fix lands, and with it the code that asks for it by name.
 // NEVQOS_KNOWN_DEFECTS=reach turns every entry off, to show that the generators still meet them;
 // NEVQOS_KNOWN_DEFECTS=reach:NAME,NAME turns off the entries named, to see whether a fix holds.
 #pragma once
 
 #include <span>
 #include <string_view>
-
-#include "sim/scenario/Scenario.h"
 
 namespace NevQosTest {
 
@@ -21,10 +18,5 @@ struct KnownDefect {
 std::span< KnownDefect const > knownDefects();
 // Whether the generators step around the condition `name`, which must be one of the list.
 bool avoided( std::string_view name );
-
-// The first condition of the list that a whole scenario stands in, as far as its text tells,
-// and that is avoided; empty for none. The generators that take scenarios as they come (the
-// examples on boundary chips, the fuzz target) leave such a scenario alone.
-std::string_view knownConditionOf( Sim::Scenario const& scenario );
 
 }  // namespace NevQosTest

@@ -43,8 +43,7 @@ Lines const failed{ "input/p: hwPrgmStatusFail (Insufficient hardware resources)
 Lines const succeeded{ "input/p: hwPrgmStatusSuccess ()" };
 
 std::vector< Teardown > const teardowns{
-   { "the map fails for want of TCAM entries", "chip: { tcamSliceEntries: 2 }\n", nullptr,
-     failed },
+   { "the map fails for want of TCAM entries", "chip: { tcamSliceEntries: 2 }\n", nullptr, failed },
    { "the service policy goes", "", "{ removeServicePolicy: p }", {} },
    { "the class leaves the map", "",
      "{ policyMap: { name: p, classes: [ { class: c2, set: { dscp: 10 } } ] } }", succeeded },

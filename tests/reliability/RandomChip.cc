@@ -175,12 +175,7 @@ RandomChip::RandomChip( std::mt19937_64& random, Sim::TcamMode mode ) : mode_( m
 
    // The faults hold from before the first step, which switches them all off.
    std::vector< std::string > errors = rangeErrors;
-   if( !avoided( "expanded-ip-length" ) )
-      errors.insert( errors.end(), lengthErrors.begin(), lengthErrors.end() );
-   if( !asynchronous() && avoided( "refused-rule-fragment-verify" ) ) {
-      std::erase_if( errors,
-                     []( std::string const& e ) { return e == "ruleIgnored" || e == "ignored"; } );
-   }
+   errors.insert( errors.end(), lengthErrors.begin(), lengthErrors.end() );
    char const* const families[] = { "ipv4", "ipv6", "mac" };
    unsigned const atEntries[] = { 0, 3, 20 };
    unsigned const nths[] = { 0, 1, 3 };
@@ -213,7 +208,6 @@ std::string RandomChip::roomyText() const {
       for( Pool const& p : pools ) {
          if( key == p.key ) v = std::to_string( p.roomy );
       }
-      if( key == "tcamMode" ) v = "synchronous";
       out += key + ": " + v + ", ";
    }
    return out.substr( 0, out.size() - 2 ) + " }";

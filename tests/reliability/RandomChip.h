@@ -24,8 +24,9 @@ class RandomChip {
 
    // The chip section as a flow mapping: every key, with the faults or without.
    std::string text( bool withFaults ) const;
-   // The same chip with every pool of the TCAM side large and no faults, on the synchronous
-   // mode: what a switch started afresh is compared with.
+   // The same chip with every pool of the TCAM side large and no faults: what a switch started
+   // afresh is compared with. It keeps the chip's mode, since the two roads serve different
+   // policies (the asynchronous one no control-plane policy).
    std::string roomyText() const;
 
    // A key's value as drawn.

@@ -198,12 +198,6 @@ std::uint64_t tcpFlagsOf( std::string const& family, unsigned rule ) {
    return flags;
 }
 
-bool needsChecker( std::string const& rule ) {
-   return rule.find( "ipLength: { range" ) != std::string::npos ||
-          rule.find( "ipLength: { lt" ) != std::string::npos ||
-          rule.find( "ipLength: { gt" ) != std::string::npos;
-}
-
 std::string fecOverrideText( std::string const& key, unsigned overriding ) {
    auto const slash = key.find( '/' );
    auto const second = key.find( '/', slash + 1 );
@@ -240,7 +234,7 @@ RandomConfig::RandomConfig( std::uint64_t seed, Sim::TcamMode mode )
          if( !used ) pmap.classes.push_back( PolicyClass{ cmap, drawActions( name ) } );
       }
       if( choice.type == "qos" ) pmap.defaultActions = any( defaultActions );
-      if( servicePolicyAllowed( name ) && chance( 80 ) ) {
+      if( chance( 80 ) ) {
          servicePolicies_[ name ].insert( any( choice.interfaces ) );
       }
    }
@@ -270,55 +264,19 @@ bool RandomConfig::faultOn( std::string const& name ) const {
    return faultOn_[ std::size_t( std::find( names.begin(), names.end(), name ) - names.begin() ) ];
 }
 
-// Known defect expanded-ip-length: no length range while range checkers can run out.
-bool RandomConfig::lengthRangesAllowed() const {
-   return !avoided( "expanded-ip-length" ) ||
-          ( !chip_.tight( "rangeCheckers" ) && !faultOn( "no-checkers" ) );
-}
-
-// Known defect icmp-type-verified-absent: no ICMP type or code.
 // Known defect vlan-rule-compile-order: no VLAN rule.
 bool RandomConfig::ruleAllowed( std::string const& family, unsigned rule ) const {
-   std::string const& text = rulePool( family )[ rule ];
-   if( text.find( "icmpType" ) != std::string::npos && avoided( "icmp-type-verified-absent" ) ) {
-      return false;
-   }
-   if( text.starts_with( "vlan:" ) && avoided( "vlan-rule-compile-order" ) ) return false;
-   return !needsChecker( text ) || lengthRangesAllowed();
-}
-
-// Known defect unsupported-class-match-verified: no VLAN, COS or DSCP class match the chip
-// can't classify on.
-bool RandomConfig::matchAllowed( std::string const& match ) const {
-   if( !avoided( "unsupported-class-match-verified" ) ) return true;
-   bool const vlan = match.find( "vlan" ) != std::string::npos;
-   bool const cos =
-         match.find( "cos" ) != std::string::npos || match.find( "Cos" ) != std::string::npos;
-   bool const dscp = match.starts_with( "dscp" ) || match.find( ", dscp" ) != std::string::npos;
-   return !( vlan && !chip_.flag( "vlanClassMatchSupported" ) ) &&
-          !( cos && !chip_.flag( "cosClassMatchSupported" ) ) &&
-          !( dscp && !chip_.flag( "dscpEcnClassMatchSupported" ) );
-}
-
-// Known defects async-interface-copp-not-programmed and async-system-copp-not-programmed: no
-// control-plane service policy on the asynchronous road, with per-interface CoPP or without.
-bool RandomConfig::servicePolicyAllowed( std::string const& pmap ) const {
-   if( policyMapChoices.at( pmap ).type != "control-plane" || !chip_.asynchronous() ) return true;
-   return chip_.flag( "intfCoppSupported" ) ? !avoided( "async-interface-copp-not-programmed" )
-                                            : !avoided( "async-system-copp-not-programmed" );
+   return !rulePool( family )[ rule ].starts_with( "vlan:" ) ||
+          !avoided( "vlan-rule-compile-order" );
 }
 
 std::string RandomConfig::drawMatch( std::string const& cmap ) {
+   // Known defect mpls-tc-list-binding: no MPLS traffic-class match.
    std::vector< std::string > allowed;
    for( std::string const& m : classMaps.at( cmap ).matches ) {
-      // Known defect failed-map-keeps-mpls-tc-acl: no MPLS traffic-class match, which any
-      // failure of its map would leave in the TCAM.
-      if( m.starts_with( "mplsTrafficClass" ) && avoided( "failed-map-keeps-mpls-tc-acl" ) ) {
-         continue;
+      if( !m.starts_with( "mplsTrafficClass" ) || !avoided( "mpls-tc-list-binding" ) ) {
+         allowed.push_back( m );
       }
-      // Known defect mac-acl-empty-after-attach: no MAC-list class.
-      if( m.starts_with( "mac" ) && avoided( "mac-acl-empty-after-attach" ) ) continue;
-      if( matchAllowed( m ) ) allowed.push_back( m );
    }
    return allowed.empty() ? "ipv4: A2" : any( allowed );
 }
@@ -524,11 +482,6 @@ std::string RandomConfig::changeAttachment( std::string& summary ) {
    if( sp == servicePolicies_.end() ) return changeServicePolicy( summary );
    std::string const intf = any( it->second.interfaces );
    bool const attach = !sp->second.contains( intf );
-   // Known defect empty-service-policy-status: the last interface leaves with its service
-   // policy.
-   if( !attach && sp->second.size() == 1 && avoided( "empty-service-policy-status" ) ) {
-      return changeServicePolicy( summary, name );
-   }
    if( attach ) {
       sp->second.insert( intf );
    } else {
@@ -549,14 +502,11 @@ std::string RandomConfig::changeServicePolicy( std::string& summary, std::string
       summary = "service policy " + name + " removed";
       return "removeServicePolicy: { " + servicePolicyKey( name ) + " }";
    }
-   if( !servicePolicyAllowed( name ) ) return changePolicyMap( summary );
    auto const& pool = policyMapChoices.at( name ).interfaces;
    auto& intfs = servicePolicies_[ name ];
    for( std::string const& intf : pool ) {
       if( chance( 50 ) ) intfs.insert( intf );
    }
-   // Known defect empty-service-policy-status: a service policy names an interface.
-   if( intfs.empty() && avoided( "empty-service-policy-status" ) ) intfs.insert( any( pool ) );
    summary = "service policy " + name + " given again";
    return "servicePolicy: " + servicePolicyText( name );
 }
@@ -573,17 +523,6 @@ std::string RandomConfig::switchFault( std::string& summary ) {
    auto const& names = RandomChip::faultNames();
    std::size_t const f = pick( names.size() );
    bool const on = !faultOn_[ f ];
-   // Known defect expanded-ip-length: range checkers run out only while no list asks for a
-   // length range.
-   if( on && names[ f ] == "no-checkers" && avoided( "expanded-ip-length" ) ) {
-      for( auto const& [ acl, rules ] : aclRules_ ) {
-         for( unsigned r : rules ) {
-            if( needsChecker( rulePool( familyOf( acl ) )[ r ] ) ) {
-               return changeAclRules( summary );
-            }
-         }
-      }
-   }
    faultOn_[ f ] = on;
    faultEver_ = faultEver_ || on;
    summary = "fault " + names[ f ] + ( on ? " on" : " off" );

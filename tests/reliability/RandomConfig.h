@@ -58,10 +58,7 @@ class RandomConfig {
       return items[ pick( items.size() ) ];
    }
 
-   bool lengthRangesAllowed() const;
    bool ruleAllowed( std::string const& family, unsigned rule ) const;
-   bool matchAllowed( std::string const& match ) const;
-   bool servicePolicyAllowed( std::string const& pmap ) const;
    std::string drawMatch( std::string const& cmap );
    std::string drawActions( std::string const& pmap );
 

@@ -134,7 +134,8 @@ class RandomSequenceTest : public ::testing::TestWithParam< Sim::TcamMode > {
       RandomChip const& chip = config_->chip();
       if( handle.ends_with( "_NORMAL" ) ) return true;
       if( config_->configuredLogHandles().contains( handle ) ) return true;
-      if( handle == "QOS_COPP_HW_RESOURCE_FULL" && text.find( "egress TCAM" ) != std::string::npos ) {
+      if( handle == "QOS_COPP_HW_RESOURCE_FULL" &&
+          text.find( "egress TCAM" ) != std::string::npos ) {
          return chip.tight( "portCpuQueuePolicers" );
       }
       if( handle == "QOS_POLICY_HW_RESOURCE_FULL" || handle == "PDP_POLICY_HW_RESOURCE_FULL" ||
@@ -159,23 +160,10 @@ class RandomSequenceTest : public ::testing::TestWithParam< Sim::TcamMode > {
       return config_->chip().asynchronous() && avoided( "async-map-fails-on-roomy-chip" );
    }
 
-   // Known defects refused-policer-finding and refused-counter-finding: a policer the chip
-   // refused, or a counter on a chip short of counters, is not held against it.
-   bool tolerated( std::string const& finding, Sim::SimSwitch const& sw ) const {
-      if( finding.starts_with( "counter of class " ) && avoided( "refused-counter-finding" ) ) {
-         return config_->chip().tight( "counters" );
-      }
-      // Known defect subrules-missing-short-of-policers.
-      if( finding.ends_with( " doesn't exist" ) && avoided( "subrules-missing-short-of-policers" ) ) {
-         return config_->chip().tight( "policers" );
-      }
-      if( !finding.starts_with( "policer of class " ) || !avoided( "refused-policer-finding" ) ) {
-         return false;
-      }
-      for( Sim::LogLine const& line : sw.logs() ) {
-         if( line.handle == "QOS_POLICY_POLICER_RESOURCE_FULL" ) return true;
-      }
-      return false;
+   // Known defect subrules-missing-short-of-policers.
+   bool tolerated( std::string const& finding, Sim::SimSwitch const& ) const {
+      return finding.ends_with( " doesn't exist" ) &&
+             avoided( "subrules-missing-short-of-policers" ) && config_->chip().tight( "policers" );
    }
 
    void checkAgainstFresh( Sim::SimSwitch& sw, bool faultsHeld, std::string const& where ) {
@@ -221,14 +209,13 @@ class RandomSequenceTest : public ::testing::TestWithParam< Sim::TcamMode > {
          }
          std::string const& here = s->second.status;
          if( here == "hwPrgmStatusFail" ) {
-            bool const explainedFailure =
-                  faultsHeld || !chip.roomy() || asyncFailureTolerated() ||
-                  failedBefore_.contains( pmap ) ||
-                  r->second.status == "hwPrgmStatusFail" ||
-                  s->second.message == "Hardware commit timed out";
-            EXPECT_TRUE( explainedFailure ) << pmap << " failed (" << s->second.message
-                                            << ") on a roomy chip with no fault\n"
-                                            << where;
+            bool const explainedFailure = faultsHeld || !chip.roomy() || asyncFailureTolerated() ||
+                                          failedBefore_.contains( pmap ) ||
+                                          r->second.status == "hwPrgmStatusFail" ||
+                                          s->second.message == "Hardware commit timed out";
+            EXPECT_TRUE( explainedFailure )
+                  << pmap << " failed (" << s->second.message << ") on a roomy chip with no fault\n"
+                  << where;
             failedBefore_.insert( pmap );
             continue;
          }
