@@ -13,8 +13,9 @@ constexpr KnownDefect list[] = {
      "the list of an MPLS traffic-class match is bound to the interfaces of its map or to none, by "
      "whether it was compiled before or after they came (synchronous seed 14, step 15)" },
    { "async-map-fails-on-roomy-chip",
-     "on the asynchronous road a PDP or QoS map beside others can fail for want of resources on a "
-     "roomy chip (the start of asynchronous seed 1014, not yet minimised)" },
+     "on the asynchronous road a map can fail for want of resources on a roomy chip when a fault "
+     "was on while its requests waited in the queue, and the sequences cannot yet tell which "
+     "step's fault failed it (the start of asynchronous seed 1014)" },
    { "vlan-rule-compile-order",
      "a VLAN rule of a QoS map on a VLAN interface is programmed or left out by whether its list "
      "was compiled before or after the interface became active, so a switch started afresh holds "
