@@ -175,11 +175,12 @@ void QosAclSm::handlePendingOperationTimeout() {
 void QosAclSm::finishOperation( QosPolicyUpdateRequest const& request ) {
    ZUB_ASSERT( !!request );
    asyncStateIs( asyncNone );
-   Zub::Ptr< QosPolicyMapSm > const pmapSm =
-         request.policyData() ? request.policyData()->pmapSm() : nullptr;
+   Zub::Ptr< QosPolicyMapClassData > const policyData = request.policyData();
+   Zub::Ptr< QosPolicyMapSm > const pmapSm = policyData ? policyData->pmapSm() : nullptr;
    if( pmapSm ) pmapSm->requestFinished();
    if( request.remove() && request.reasonType() == updateReasonAclChange ) {
-      Zub::Ptr< QosPolicyMapClassData > const policyData = request.policyData();
+      // A list's removal is always queued with the class that owns the list.
+      ZUB_ASSERT( policyData );
       restoreMatchSlot( request );
       AclKey const aclKey = policyData->aclKey();
       Zub::Ptr< QosClassData > const classData = policyData->curClassData();
