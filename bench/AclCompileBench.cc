@@ -21,7 +21,7 @@
 #include <utility>
 #include <vector>
 
-#include "NevQos/classes/QosClassData.h"
+#include "NevQos/types/QosClassData.h"
 #include "bench/support/BenchAgent.h"
 #include "nev/AclFragMap.h"
 #include "nev/AclIpRuleCreateData.h"

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "NevQos/classes/QosClassData.h"
+#include "NevQos/types/QosClassData.h"
 #include "bench/support/BenchAgent.h"
 #include "sim/classbench/ClassBench.h"
 

@@ -1,9 +1,10 @@
 # Install the library with a CMake package config so that a driver project can use
-#    find_package( NevQos ) and target_link_libraries( agent NevQos::nevqos ).
+#    find_package( NevQos ) and target_link_libraries( agent NevQos::nevqos ),
+# or NevQos::contract for a driver's own library, which needs the helper contract alone.
 include( GNUInstallDirs )
 include( CMakePackageConfigHelpers )
 
-install( TARGETS nevqos EXPORT NevQosTargets
+install( TARGETS nevqos_platform nevqos_contract nevqos EXPORT NevQosTargets
          ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
          LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} )
 install( DIRECTORY ${PROJECT_SOURCE_DIR}/NevQos/ DESTINATION include/NevQos

@@ -20,7 +20,7 @@
 #include "NevQos/types/QosClassDataKey.h"
 #include "NevQos/types/QosClassMapKey.h"
 #include "NevQos/types/QosPolicyMapKey.h"
-#include "NevQos/types/QosPolicyUpdateRequest.h"
+#include "NevQos/policy/QosPolicyUpdateRequest.h"
 #include "NevQos/types/TcpFlag.h"
 #include "entities/QosTypes.h"
 #include "mirel/IntfId.h"

@@ -18,7 +18,7 @@
 #include <cstdint>
 #include <optional>
 
-#include "NevQos/cbf/CbfFecMap.h"
+#include "NevQos/types/CbfFecMap.h"
 #include "NevQos/helpers/CbfFecMappingHelper.h"
 #include "entities/FecOverride.h"
 #include "kesh/TimerTask.h"

@@ -5,7 +5,7 @@
 // for the policer.
 #pragma once
 
-#include "NevQos/actions/QosColourClassActionSm.h"
+#include "NevQos/classes/QosColourClassActionSm.h"
 #include "NevQos/classes/QosPolicyClassBaseSm.h"
 
 namespace Nev {

@@ -6,8 +6,8 @@
 
 #include <cstdint>
 
-#include "NevQos/actions/QosClassActionSm.h"
-#include "NevQos/classes/QosClassData.h"
+#include "NevQos/classes/QosClassActionSm.h"
+#include "NevQos/types/QosClassData.h"
 #include "NevQos/match/QosClassMatchSm.h"
 #include "NevQos/types/QosClassMapKey.h"
 #include "entities/AclSliceHwStatus.h"

@@ -16,7 +16,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "NevQos/cbf/CbfFecMap.h"
+#include "NevQos/types/CbfFecMap.h"
 #include "NevQos/types/CbfFecMappingUpdateStatus.h"
 #include "entities/FecOverride.h"
 #include "nev/NevBaseHelper.h"

@@ -17,7 +17,7 @@
 #include <cstdint>
 
 #include "NevQos/helpers/ModIdQueueKeys.h"
-#include "NevQos/policy/QosPolicyMapState.h"
+#include "NevQos/types/QosPolicyMapState.h"
 #include "NevQos/types/AclCreateError.h"
 #include "NevQos/types/IntfUpdateCallbackData.h"
 #include "NevQos/types/QosClassCounterData.h"

@@ -5,8 +5,8 @@
 
 #include <cstdint>
 
-#include "NevQos/classes/QosClassData.h"
-#include "NevQos/policy/QosPolicyMapState.h"
+#include "NevQos/types/QosClassData.h"
+#include "NevQos/types/QosPolicyMapState.h"
 #include "NevQos/types/AclCreateError.h"
 #include "entities/AclConfig.h"
 #include "entities/AclRuleConfig.h"

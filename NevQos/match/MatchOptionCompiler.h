@@ -14,7 +14,7 @@
 #include <utility>
 #include <vector>
 
-#include "NevQos/classes/QosClassData.h"
+#include "NevQos/types/QosClassData.h"
 #include "NevQos/types/AclCreateError.h"
 #include "NevQos/types/L2ParamsInfo.h"
 #include "entities/AclRuleConfig.h"

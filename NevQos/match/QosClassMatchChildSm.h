@@ -6,9 +6,9 @@
 
 #include <cstdint>
 
-#include "NevQos/classes/QosClassData.h"
+#include "NevQos/types/QosClassData.h"
 #include "NevQos/types/QosClassCounterData.h"
-#include "NevQos/types/QosPolicyUpdateRequest.h"
+#include "NevQos/policy/QosPolicyUpdateRequest.h"
 #include "entities/QosTypes.h"
 #include "nev/AclData.h"
 #include "nev/AclKey.h"

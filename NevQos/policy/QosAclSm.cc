@@ -4,7 +4,7 @@
 
 #include "NevQos/log/QosLogHandles.h"
 #include "NevQos/log/TraceHandles.h"
-#include "NevQos/match/QosPolicyMapClassData.h"
+#include "NevQos/policy/QosPolicyMapClassData.h"
 #include "NevQos/policy/QosPolicyMapSm.h"
 #include "nev/AclData.h"
 #include "zub/Assert.h"

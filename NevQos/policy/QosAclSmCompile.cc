@@ -6,7 +6,7 @@
 #include "NevQos/log/TraceHandles.h"
 #include "NevQos/match/IpAclCompiler.h"
 #include "NevQos/match/MatchOptionCompiler.h"
-#include "NevQos/match/QosPolicyMapClassData.h"
+#include "NevQos/policy/QosPolicyMapClassData.h"
 #include "NevQos/policy/QosAclSm.h"
 #include "NevQos/policy/QosPolicyMapSm.h"
 #include "nev/AclData.h"

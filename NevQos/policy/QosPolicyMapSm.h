@@ -7,7 +7,7 @@
 #include <tuple>
 
 #include "NevQos/classes/QosPolicyClassSm.h"
-#include "NevQos/policy/QosPolicyMapState.h"
+#include "NevQos/types/QosPolicyMapState.h"
 #include "NevQos/types/QosClassMapKey.h"
 #include "NevQos/types/QosPolicyMapKey.h"
 #include "entities/AclSliceHwStatus.h"

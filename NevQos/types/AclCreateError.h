@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "entities/ValueText.h"
+#include "zub/ValueText.h"
 
 namespace Nev {
 

@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "entities/ValueText.h"
+#include "zub/ValueText.h"
 
 namespace NevHelper {
 

@@ -2,7 +2,7 @@
 
 #include <ostream>
 
-#include "entities/ValueText.h"
+#include "zub/ValueText.h"
 #include "zub/Exception.h"
 
 namespace NevHelper {

@@ -10,7 +10,7 @@
 #include <iosfwd>
 #include <utility>
 
-#include "entities/ValueText.h"
+#include "zub/ValueText.h"
 #include "mirel/Ip6AddrWithMask.h"
 #include "mirel/IpAddrWithMask.h"
 #include "zub/String.h"

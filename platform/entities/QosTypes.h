@@ -9,7 +9,7 @@
 #include <utility>
 
 #include "entities/QosUnits.h"
-#include "entities/ValueText.h"
+#include "zub/ValueText.h"
 #include "mirel/IntfId.h"
 #include "zub/Exception.h"
 #include "zub/Strep.h"

@@ -8,7 +8,7 @@
 
 #include <cstdint>
 
-#include "entities/ValueText.h"
+#include "zub/ValueText.h"
 
 namespace Qos {
 

@@ -7,7 +7,7 @@
 #include <iosfwd>
 
 #include "entities/QosUnits.h"
-#include "entities/ValueText.h"
+#include "zub/ValueText.h"
 
 namespace Qos {
 

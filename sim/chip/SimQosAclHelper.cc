@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "NevQos/classes/QosClassData.h"
+#include "NevQos/types/QosClassData.h"
 #include "NevQos/log/QosLogHandles.h"
 #include "mirel/RangeMaskGen.h"
 #include "sim/chip/ChipText.h"

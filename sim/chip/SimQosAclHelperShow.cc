@@ -3,7 +3,7 @@
 #include <cstdio>
 #include <sstream>
 
-#include "NevQos/classes/QosClassData.h"
+#include "NevQos/types/QosClassData.h"
 #include "sim/chip/ChipText.h"
 #include "sim/chip/SimQosAclHelper.h"
 

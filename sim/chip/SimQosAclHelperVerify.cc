@@ -11,7 +11,7 @@
 #include <sstream>
 #include <utility>
 
-#include "NevQos/classes/QosClassData.h"
+#include "NevQos/types/QosClassData.h"
 #include "mirel/IpAddrWithMask.h"
 #include "sim/chip/ChipText.h"
 #include "sim/chip/SimQosAclHelper.h"

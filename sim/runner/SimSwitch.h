@@ -15,8 +15,8 @@
 
 #include "NevQos/basic/QosBasicSm.h"
 #include "NevQos/cbf/CbfFecMappingSm.h"
-#include "NevQos/copp/DynamicPerPortCoppSm.h"
-#include "NevQos/kernel/QosKernelStatusSm.h"
+#include "NevQos/controlplane/DynamicPerPortCoppSm.h"
+#include "NevQos/controlplane/QosKernelStatusSm.h"
 #include "NevQos/policy/QosAclSm.h"
 #include "entities/AclHwStatus.h"
 #include "entities/AclSliceHwStatus.h"

@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "support/RecordingQosAclHelper.h"
-#include "support/StandIns.h"
 #include "zub/ActivityManager.h"
 
 namespace {
@@ -13,7 +12,6 @@ namespace {
 using Lines = std::vector< std::string >;
 using Nev::QosPolicyMapKey;
 using NevQosTest::RecordingQosAclHelper;
-using NevQosTest::standIn;
 
 class RecordingQosAclHelperTest : public ::testing::Test {
  protected:
@@ -25,7 +23,10 @@ class RecordingQosAclHelperTest : public ::testing::Test {
 
    Zub::Ptr< Zub::ActivityManager > loop;
    Zub::Ptr< RecordingQosAclHelper > chip = Zub::make< RecordingQosAclHelper >();
-   Nev::QosClassData const& cd = standIn< Nev::QosClassData >();
+   Zub::Ptr< Nev::QosClassData > const classData = Zub::make< Nev::QosClassData >(
+         Nev::QosClassDataKey( QosPolicyMapKey{ Zub::Name( "gold" ), Qos::mapQos_, Qos::directionInput_ },
+                               Zub::Name( "c1" ), Qos::mapQos_, Zub::Name( "Default" ) ) );
+   Nev::QosClassData const& cd = *classData;
    Zub::Ptr< Nev::QosPolicyMapState > gold = chip->pmapStateIs(
          QosPolicyMapKey( Zub::Name( "gold" ), Qos::mapQos_, Qos::directionInput_ ) );
    Nev::AclKey const acl1{ Zub::Name( "acl-1" ), Acl::ip() };

@@ -1,0 +1,80 @@
+// One action of a class: copies the action's value into the class data, where the rule
+// programming reads it, and marks in the class-map status what was taken. The colour variants
+// (QosColourActionSm.h) do the same for a policer's conforming, exceeding and violating traffic.
+#pragma once
+
+#include "NevQos/types/QosClassData.h"
+#include "NevQos/types/QosClassMapKey.h"
+#include "entities/AclSliceHwStatus.h"
+#include "entities/PolicyMapStatus.h"
+#include "zub/Ptr.h"
+
+namespace Nev {
+
+class QosAclSm;
+class QosPolicyMapSm;
+class QosClassActionBaseSm;
+
+class QosActionBaseSm : public Zub::PtrInterface {
+ public:
+   QosActionBaseSm( Qos::ActionType actionType, QosClassMapKey const& cmapKey, QosAclSm* qosAclSm,
+                    QosPolicyMapSm* pmapSm, Zub::Ptr< QosClassData > const& classData,
+                    QosClassActionBaseSm* classActionSm,
+                    Zub::Ptr< Qos::Action const > const& policyAction );
+   ~QosActionBaseSm() override;
+   Zub::FwkType fwkType() const override { return Zub::FwkType::stateMachine; }
+
+   Qos::ActionType actionType() const { return actionType_; }
+   QosClassMapKey const& cmapKey() const { return cmapKey_; }
+   Zub::Name const& cmapName() const { return cmapKey_.cmapName(); }
+   Qos::MapType cmapType() const { return cmapKey_.cmapType(); }
+   QosAclSm* qosAclSm() const { return qosAclSm_; }
+   QosPolicyMapSm* pmapSm() const { return pmapSm_; }
+   Zub::Ptr< QosClassData > const& classData() const { return classData_; }
+   QosClassActionBaseSm* classActionSm() const { return classActionSm_; }
+   Zub::Ptr< Qos::Action const > const& policyAction() const { return policyAction_; }
+   Zub::Ptr< Qos::ClassMapHwStatus > const& cmapHwStatus() const { return cmapHwStatus_; }
+   bool initialized() const { return initialized_; }
+
+   // Virtual operations, in slot order.
+   virtual void handleVerify() = 0;
+   virtual void doPrepareToDie() = 0;
+
+   // The class's entry in the policy map's hardware status; both levels must stand.
+   void setCmapHwStatus();
+
+ protected:
+   void initializedIs() { initialized_ = true; }
+
+ private:
+   Qos::ActionType actionType_;
+   QosClassMapKey cmapKey_;
+   QosAclSm* qosAclSm_;
+   QosPolicyMapSm* pmapSm_;
+   Zub::Ptr< QosClassData > classData_;
+   QosClassActionBaseSm* classActionSm_;
+   Zub::Ptr< Qos::Action const > policyAction_;
+   Zub::Ptr< Qos::ClassMapHwStatus > cmapHwStatus_;
+   bool initialized_ = false;
+};
+
+// An action of the class itself: set COS, DSCP, traffic class or drop precedence, or drop.
+class QosActionSm final : public QosActionBaseSm {
+ public:
+   QosActionSm( Qos::ActionType actionType, QosClassMapKey const& cmapKey, QosAclSm* qosAclSm,
+                QosPolicyMapSm* pmapSm, Zub::Ptr< QosClassData > const& classData,
+                QosClassActionBaseSm* classActionSm,
+                Zub::Ptr< Qos::Action const > const& policyAction );
+
+   void handleVerify() override;
+   // The status flags stay: they go with the class-map status entry.
+   void doPrepareToDie() override;
+
+ private:
+   void handleInitialized();
+   // Value and status flag by action type; an output policy takes the value of some actions
+   // without claiming them in the status.
+   void recordAction( QosClassActionData& data );
+};
+
+}  // namespace Nev

@@ -1,0 +1,199 @@
+#include "NevQos/classes/QosColourActionSm.h"
+
+#include "NevQos/classes/QosClassActionSm.h"
+#include "zub/Assert.h"
+
+namespace Nev {
+
+QosColourActionSm::QosColourActionSm( PolicerColour colour, Qos::ActionType actionType,
+                                      QosClassMapKey const& cmapKey, QosAclSm* qosAclSm,
+                                      QosPolicyMapSm* pmapSm,
+                                      Zub::Ptr< QosClassData > const& classData,
+                                      QosClassActionBaseSm* classActionSm,
+                                      Zub::Ptr< Qos::Action const > const& policyAction )
+    : QosActionBaseSm( actionType, cmapKey, qosAclSm, pmapSm, classData, classActionSm,
+                       policyAction )
+    , colour_( colour ) {}
+
+void QosColourActionSm::handleInitialized() {
+   if( colour() == PolicerColour::green ) {
+      // Conforming traffic has an action of its own only under a policer.
+      if( !classActionSm()->policyClassAction()->policer() ) return;
+      actionDataIs();
+      setCmapHwStatus();
+      findPolicerHwStatus();
+      actionStatusIs();
+   } else {
+      setCmapHwStatus();
+      findPolicerHwStatus();
+      actionStatusIs();
+      actionDataIs();
+   }
+   initializedIs();
+}
+
+namespace {
+
+// What sets the colours apart in the policer's status entry, and the texts of their checks.
+struct Colour {
+   void ( Qos::PolicerHwStatus::*statusIs )( Qos::ActionType const&, bool const& );
+   void ( Qos::PolicerHwStatus::*statusDel )( Qos::ActionType const& );
+   bool ( Qos::PolicerHwStatus::*statusHas )( Qos::ActionType const& ) const;
+   char const* dataHasText;
+   char const* statusHasText;
+   char const* valText;
+};
+
+Colour const& colourOf( PolicerColour colour ) {
+   static Colour const green{
+      &Qos::PolicerHwStatus::greenActionStatusIs,
+      &Qos::PolicerHwStatus::greenActionStatusDel,
+      &Qos::PolicerHwStatus::greenActionStatusHas,
+      "classData()->actionDataHas( actionType() )",
+      "policerHwStatus->greenActionStatusHas( actionType() )",
+      "classData()->actionData( actionType() )->val() == policyAction()->value()"
+   };
+   static Colour const yellow{
+      &Qos::PolicerHwStatus::yellowActionStatusIs,
+      &Qos::PolicerHwStatus::yellowActionStatusDel,
+      &Qos::PolicerHwStatus::yellowActionStatusHas,
+      "policerData->yellowActionDataHas( actionType() )",
+      "policerHwStatus->yellowActionStatusHas( actionType() )",
+      "policerData->yellowActionData( actionType() )->val() == policyAction()->value()"
+   };
+   static Colour const red{
+      &Qos::PolicerHwStatus::redActionStatusIs,
+      &Qos::PolicerHwStatus::redActionStatusDel,
+      &Qos::PolicerHwStatus::redActionStatusHas,
+      "policerData->redActionDataHas( actionType() )",
+      "policerHwStatus->redActionStatusHas( actionType() )",
+      "policerData->redActionData( actionType() )->val() == policyAction()->value()"
+   };
+   switch( colour ) {
+      case PolicerColour::green:
+         return green;
+      case PolicerColour::yellow:
+         return yellow;
+      case PolicerColour::red:
+         break;
+   }
+   return red;
+}
+
+}  // namespace
+
+void QosColourActionSm::findPolicerHwStatus() {
+   auto const policerData = classData()->policerData();
+   ZUB_ASSERT_TEXT( policerData, "policerData" );
+   policerHwStatus_ = cmapHwStatus()->policerHwStatus( policerData->name() );
+   ZUB_ASSERT_TEXT( policerHwStatus_, "policerHwStatus" );
+}
+
+Zub::Ptr< QosClassActionData > QosColourActionSm::actionData() const {
+   switch( colour() ) {
+      case PolicerColour::green:
+         return classData()->actionData( actionType() );
+      case PolicerColour::yellow:
+         return classData()->policerData()->yellowActionData( actionType() );
+      case PolicerColour::red:
+         break;
+   }
+   return classData()->policerData()->redActionData( actionType() );
+}
+
+void QosColourActionSm::actionDataIs() {
+   Zub::Ptr< QosClassActionData > data;
+   switch( colour() ) {
+      case PolicerColour::green:
+         data = classData()->actionDataIs( actionType() );
+         break;
+      case PolicerColour::yellow:
+         data = classData()->policerData()->yellowActionDataIs( actionType() );
+         break;
+      case PolicerColour::red:
+         data = classData()->policerData()->redActionDataIs( actionType() );
+         break;
+   }
+   ZUB_ASSERT( data );
+   data->valIs( policyAction()->value() );
+}
+
+void QosColourActionSm::actionDataDel() {
+   if( colour() == PolicerColour::green ) {
+      classData()->actionDataDel( actionType() );
+      return;
+   }
+   auto const policerData = classData()->policerData();
+   if( !policerData ) return;
+   if( colour() == PolicerColour::yellow ) {
+      policerData->yellowActionDataDel( actionType() );
+   } else {
+      policerData->redActionDataDel( actionType() );
+   }
+}
+
+void QosColourActionSm::actionStatusIs() {
+   ( policerHwStatus().ptr()->*colourOf( colour() ).statusIs )( actionType(), true );
+}
+
+void QosColourActionSm::actionStatusDel() {
+   if( !policerHwStatus() ) return;
+   ( policerHwStatus().ptr()->*colourOf( colour() ).statusDel )( actionType() );
+}
+
+bool QosColourActionSm::actionStatusHas() const {
+   return ( policerHwStatus().ptr()->*colourOf( colour() ).statusHas )( actionType() );
+}
+
+void QosColourActionSm::doPrepareToDie() {
+   if( !initialized() ) return;
+   actionDataDel();
+   actionStatusDel();
+}
+
+void QosColourActionSm::handleVerify() {
+   Colour const& texts = colourOf( colour() );
+   auto const data = actionData();
+   ZUB_ASSERT_TEXT( data, texts.dataHasText );
+   if( colour() == PolicerColour::green ) {
+      // Conforming traffic's value is checked first: it lives in the class's own action data.
+      ZUB_ASSERT_TEXT( data->val() == policyAction()->value(), texts.valText );
+   }
+   ZUB_ASSERT_TEXT( policerHwStatus(), "policerHwStatus" );
+   ZUB_ASSERT_TEXT( actionStatusHas(), texts.statusHasText );
+   if( colour() != PolicerColour::green ) {
+      ZUB_ASSERT_TEXT( data->val() == policyAction()->value(), texts.valText );
+   }
+}
+
+QosGreenActionSm::QosGreenActionSm( Qos::ActionType actionType, QosClassMapKey const& cmapKey,
+                                    QosAclSm* qosAclSm, QosPolicyMapSm* pmapSm,
+                                    Zub::Ptr< QosClassData > const& classData,
+                                    QosClassActionBaseSm* classActionSm,
+                                    Zub::Ptr< Qos::Action const > const& policyAction )
+    : QosColourActionSm( PolicerColour::green, actionType, cmapKey, qosAclSm, pmapSm, classData,
+                         classActionSm, policyAction ) {
+   handleInitialized();
+}
+
+QosYellowActionSm::QosYellowActionSm( Qos::ActionType actionType, QosClassMapKey const& cmapKey,
+                                      QosAclSm* qosAclSm, QosPolicyMapSm* pmapSm,
+                                      Zub::Ptr< QosClassData > const& classData,
+                                      QosClassActionBaseSm* classActionSm,
+                                      Zub::Ptr< Qos::Action const > const& policyAction )
+    : QosColourActionSm( PolicerColour::yellow, actionType, cmapKey, qosAclSm, pmapSm, classData,
+                         classActionSm, policyAction ) {
+   handleInitialized();
+}
+
+QosRedActionSm::QosRedActionSm( Qos::ActionType actionType, QosClassMapKey const& cmapKey,
+                                QosAclSm* qosAclSm, QosPolicyMapSm* pmapSm,
+                                Zub::Ptr< QosClassData > const& classData,
+                                QosClassActionBaseSm* classActionSm,
+                                Zub::Ptr< Qos::Action const > const& policyAction )
+    : QosColourActionSm( PolicerColour::red, actionType, cmapKey, qosAclSm, pmapSm, classData,
+                         classActionSm, policyAction ) {
+   handleInitialized();
+}
+
+}  // namespace Nev

@@ -1,0 +1,20 @@
+# nevqos_include_root( target folder... )
+#
+# Gives the target an include root that holds only the named source folders (paths from the top
+# of the tree, such as NevQos/types or sim/chip), as links under the build tree. A layer's sources
+# then find the headers of their own folders and of the layers they link, and nothing else: an
+# include that reaches upward names a file the compiler cannot find.
+function( nevqos_include_root target )
+   set( root ${PROJECT_BINARY_DIR}/include-roots/${target} )
+   # Made afresh on every configure, so that a folder taken off the list loses its link.
+   file( REMOVE_RECURSE ${root} )
+   foreach( folder IN LISTS ARGN )
+      if( NOT IS_DIRECTORY ${PROJECT_SOURCE_DIR}/${folder} )
+         message( FATAL_ERROR "nevqos_include_root( ${target} ): no folder ${folder}" )
+      endif()
+      cmake_path( GET folder PARENT_PATH parent )
+      file( MAKE_DIRECTORY ${root}/${parent} )
+      file( CREATE_LINK ${PROJECT_SOURCE_DIR}/${folder} ${root}/${folder} SYMBOLIC )
+   endforeach()
+   target_include_directories( ${target} PUBLIC $<BUILD_INTERFACE:${root}> )
+endfunction()

@@ -1,0 +1,199 @@
+#include <gtest/gtest.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "NevQos/controlplane/DynamicPerPortCoppSm.h"
+#include "support/RecordingQosAclHelper.h"
+#include "zub/ActivityManager.h"
+#include "zub/Log.h"
+
+namespace NevQosTest {
+namespace {
+
+using Keys = std::vector< Nev::ModIdPortQueueKey >;
+using Lines = std::vector< std::string >;
+
+constexpr char const* create = "createCoppPolicerByPortQueue";
+
+class DynamicPerPortCoppSmTest : public ::testing::Test {
+ protected:
+   void SetUp() override {
+      loop = Zub::ActivityManager::create( Zub::ActivityManager::TimeSource::simulated, 100.0 );
+      Zub::activityManagerIs( loop );
+      Zub::logSinkIs( [ this ]( Zub::LogRecord const& r ) {
+         logs_.push_back( r.handle->name().stdString() + ": " + r.text.stdString() );
+      } );
+      kernelCoppStatus = Zub::make< Nev::KernelCoPPStatus >( Zub::Name( "kernelCopp" ) );
+      helper = Zub::make< RecordingQosAclHelper >();
+      clock = Zub::make< Kesh::TimerWheel >();
+   }
+   void TearDown() override {
+      if( sm ) sm->zubDoZombieReactors( true );
+      sm = nullptr;
+      EXPECT_EQ( takeLogs(), Lines{} ) << "log lines the test did not expect";
+      Zub::logSinkIs( nullptr );
+      Zub::activityManagerIs( nullptr );
+   }
+
+   void start() {
+      sm = Nev::dynamicPerPortCoppSmFactory( clock, kernelCoppStatus, helper );
+      ASSERT_EQ( helper->calls(), Lines{} ) << "nothing before the loop turns";
+      loop->runOnce();
+      ASSERT_TRUE( sm->initialized() );
+   }
+   void report( Nev::ModIdPortQueueKey const& key, Nev::KernelCoppQueueState state ) {
+      kernelCoppStatus->stateIs( key, state );
+   }
+   // A second report of the same state, as the kernel makes it: the entry goes and comes back.
+   void reportAgain( Nev::ModIdPortQueueKey const& key ) {
+      Nev::KernelCoppQueueState const state = kernelCoppStatus->state( key );
+      kernelCoppStatus->stateIs( key, Nev::kernelCoppQueueNoReport );
+      kernelCoppStatus->stateIs( key, state );
+   }
+   void chipFull( bool full ) { helper->boolAnswerIs( create, !full ); }
+   Keys waiting() const {
+      Keys keys;
+      for( auto const& member : sm->pendingHwCopp() )
+         keys.push_back( member.value );
+      return keys;
+   }
+   Lines takeCalls() {
+      Lines calls = helper->calls();
+      helper->clearCalls();
+      return calls;
+   }
+   Lines takeLogs() { return std::exchange( logs_, {} ); }
+
+   static std::string full( char const* policer ) {
+      return std::string(
+                   "QOS_COPP_HW_RESOURCE_FULL: Insufficient egress TCAM resources to "
+                   "program the control plane policer for class " ) +
+             policer + ".";
+   }
+   static std::string normal( char const* policer ) {
+      return std::string( "QOS_COPP_HW_RESOURCE_NORMAL: Control plane policer for class " ) +
+             policer + " is programmed in egress TCAM.";
+   }
+
+   Nev::ModIdPortQueueKey const a{ 1, 2, 3 };
+   Nev::ModIdPortQueueKey const b{ 1, 5, 3 };
+   Nev::ModIdPortQueueKey const c{ 0, 7, 9 };
+   Zub::Ptr< Zub::ActivityManager > loop;
+   Zub::Ptr< Nev::KernelCoPPStatus > kernelCoppStatus;
+   Zub::Ptr< RecordingQosAclHelper > helper;
+   Zub::Ptr< Kesh::TimerWheel > clock;
+   Zub::Ptr< Nev::DynamicPerPortCoppSm > sm;
+
+ private:
+   Lines logs_;
+};
+
+TEST_F( DynamicPerPortCoppSmTest, ReportsStandingBeforeStartArePickedUpThenChangesFollow ) {
+   report( a, Nev::kernelCoppQueueSaturated );
+   report( b, Nev::kernelCoppQueueUnsaturated );
+   report( c, Nev::KernelCoppQueueState( 7 ) );  // not a report
+   start();
+   EXPECT_EQ( takeCalls(), ( Lines{ "createCoppPolicerByPortQueue key=1/2/3",
+                                    "destroyCoppPolicerByPortQueue key=1/5/3" } ) );
+   EXPECT_EQ( sm->retryTime(), Zub::never );
+
+   report( a, Nev::kernelCoppQueueUnsaturated );
+   report( c, Nev::kernelCoppQueueNoReport );
+   EXPECT_EQ( takeCalls(), Lines{ "destroyCoppPolicerByPortQueue key=1/2/3" } );
+}
+
+TEST_F( DynamicPerPortCoppSmTest, TwoSaturatedReportsWhileFullWaitTwiceAndAreProgrammedTwice ) {
+   start();
+   chipFull( true );
+   report( a, Nev::kernelCoppQueueSaturated );
+   Zub::Seconds const firstFailure = loop->now();
+   loop->runUntil( firstFailure + 10.0 );
+   reportAgain( a );
+   EXPECT_EQ( waiting(), ( Keys{ a, a } ) );
+   EXPECT_EQ( takeLogs(),
+              ( Lines{ full( "cpu-queue-3 on port-1/2" ), full( "cpu-queue-3 on port-1/2" ) } ) );
+   // The second failure does not push the retry back.
+   EXPECT_EQ( sm->retryTime(), firstFailure + 60.0 );
+   // Each failure asked the chip, then named the policer.
+   EXPECT_EQ( helper->callsMatching( create ).size(), 2u );
+
+   chipFull( false );
+   takeCalls();
+   loop->runUntil( firstFailure + 60.0 );
+   EXPECT_EQ( takeCalls(),
+              ( Lines{ "createCoppPolicerByPortQueue key=1/2/3", "cpuQIdToClassMapName cpuQId=3",
+                       "portToIntfName modId=1 port=2", "createCoppPolicerByPortQueue key=1/2/3",
+                       "cpuQIdToClassMapName cpuQId=3", "portToIntfName modId=1 port=2" } ) );
+   EXPECT_EQ( takeLogs(), ( Lines{ normal( "cpu-queue-3 on port-1/2" ),
+                                   normal( "cpu-queue-3 on port-1/2" ) } ) );
+   EXPECT_EQ( waiting(), Keys{} );
+   EXPECT_EQ( sm->pendingHwCoppMetadata().dequeued, 2u );
+}
+
+TEST_F( DynamicPerPortCoppSmTest, RetryStopsAtTheFirstFailureAndKeepsTheOrder ) {
+   start();
+   chipFull( true );
+   report( a, Nev::kernelCoppQueueSaturated );
+   report( b, Nev::kernelCoppQueueSaturated );
+   report( c, Nev::kernelCoppQueueSaturated );
+   EXPECT_EQ( takeLogs().size(), 3u );
+   takeCalls();
+
+   helper->boolAnswerEnq( create, true );
+   helper->boolAnswerEnq( create, false );
+   loop->runUntil( loop->now() + 60.0 );
+   EXPECT_EQ( helper->callsMatching( create ),
+              ( Lines{ "createCoppPolicerByPortQueue key=1/2/3",
+                       "createCoppPolicerByPortQueue key=1/5/3" } ) );
+   EXPECT_EQ( waiting(), ( Keys{ b, c } ) );
+   // The failed retry is silent: it was reported when the key first failed.
+   EXPECT_EQ( takeLogs(), Lines{ normal( "cpu-queue-3 on port-1/2" ) } );
+}
+
+TEST_F( DynamicPerPortCoppSmTest, TimerStaysArmedUntilTheLastWaitingKeyIsReportedUnsaturated ) {
+   start();
+   chipFull( true );
+   report( a, Nev::kernelCoppQueueSaturated );
+   Zub::Seconds const retry = sm->retryTime();
+   reportAgain( a );
+   report( b, Nev::kernelCoppQueueSaturated );
+   EXPECT_EQ( takeLogs().size(), 3u );
+   takeCalls();
+
+   // Only the first entry of a key leaves; the destroy goes to the chip all the same.
+   report( a, Nev::kernelCoppQueueUnsaturated );
+   EXPECT_EQ( takeCalls(), Lines{ "destroyCoppPolicerByPortQueue key=1/2/3" } );
+   EXPECT_EQ( waiting(), ( Keys{ a, b } ) );
+   report( b, Nev::kernelCoppQueueUnsaturated );
+   EXPECT_EQ( waiting(), Keys{ a } );
+   EXPECT_EQ( sm->retryTime(), retry );
+
+   reportAgain( a );
+   EXPECT_EQ( waiting(), Keys{} );
+   EXPECT_EQ( sm->retryTime(), Zub::never );
+   loop->runUntil( retry + 120.0 );
+   EXPECT_EQ( helper->callsMatching( create ), Lines{} );
+}
+
+TEST_F( DynamicPerPortCoppSmTest, OnceArmedTheTimerFiresEveryMinuteWithNothingToDo ) {
+   start();
+   chipFull( true );
+   report( a, Nev::kernelCoppQueueSaturated );
+   Zub::Seconds const firstRetry = sm->retryTime();
+   chipFull( false );
+   loop->runUntil( firstRetry );
+   EXPECT_EQ( takeLogs(),
+              ( Lines{ full( "cpu-queue-3 on port-1/2" ), normal( "cpu-queue-3 on port-1/2" ) } ) );
+   takeCalls();
+
+   for( int minute = 1; minute <= 3; ++minute ) {
+      loop->runUntil( firstRetry + 60.0 * minute );
+      EXPECT_EQ( sm->retryTime(), firstRetry + 60.0 * ( minute + 1 ) );
+   }
+   EXPECT_EQ( takeCalls(), Lines{} );
+}
+
+}  // namespace
+}  // namespace NevQosTest

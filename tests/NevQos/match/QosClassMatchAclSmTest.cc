@@ -1,0 +1,357 @@
+// From configuration entities to the helper's calls: how IPv4 and IPv6 access groups compile
+// into subrules on both roads, how the compiler expands ranges when the chip asks, and how
+// fragment entries are made.
+#include <gtest/gtest.h>
+
+#include <map>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "support/QosAclSmFixture.h"
+
+namespace NevQosTest {
+namespace {
+
+using Lines = std::vector< std::string >;
+
+// "k=v" fields of one recorded line.
+std::map< std::string, std::string > fieldsOf( std::string const& line ) {
+   std::map< std::string, std::string > out;
+   std::istringstream in( line );
+   std::string word;
+   in >> word;
+   out[ "op" ] = word;
+   while( in >> word ) {
+      auto const eq = word.find( '=' );
+      if( eq != std::string::npos ) out[ word.substr( 0, eq ) ] = word.substr( eq + 1 );
+   }
+   return out;
+}
+
+// The compile calls in a compact form that shows what the tests check:
+//    "sub v4 r0.1 src=0/0[0-65535] dst=80/65528[80-87] len=0/0[0-65535] tcp=0 l4 ecn=1/3"
+//    "frag v4 r0.2 ecn=0/0", "pre v4", "commit v4", "default acl-default"
+Lines compileCalls( Lines const& calls ) {
+   Lines out;
+   for( auto const& line : calls ) {
+      auto f = fieldsOf( line );
+      std::string const& op = f[ "op" ];
+      if( op == "createIpAclSubrule" ) {
+         out.push_back( "sub " + f[ "aclKey" ] + " r" + f[ "ruleNum" ] + "." + f[ "subruleNum" ] +
+                        " src=" + f[ "srcL4Port" ] + "/" + f[ "srcL4PortMask" ] + "[" +
+                        f[ "srcPortLow" ] + "-" + f[ "srcPortHigh" ] + "] dst=" + f[ "dstL4Port" ] +
+                        "/" + f[ "dstL4PortMask" ] + "[" + f[ "dstPortLow" ] + "-" +
+                        f[ "dstPortHigh" ] + "] len=" + f[ "ipLen" ] + "/" + f[ "ipLenMask" ] +
+                        "[" + f[ "ipLenLow" ] + "-" + f[ "ipLenHigh" ] +
+                        "] tcp=" + f[ "tcpFlags" ] + ( f[ "l4Rule" ] == "true" ? " l4" : "" ) +
+                        " ecn=" + f[ "ecnData" ] + "/" + f[ "ecnMask" ] );
+      } else if( op == "createIpFragRule" ) {
+         out.push_back( "frag " + f[ "aclKey" ] + " r" + f[ "ruleNum" ] + "." + f[ "subRuleNum" ] +
+                        " ecn=" + f[ "ecnData" ] + "/" + f[ "ecnMask" ] );
+      } else if( op == "precreateAcl" ) {
+         out.push_back( "pre " + f[ "aclKey" ] );
+      } else if( op == "commitAcl" ) {
+         out.push_back( "commit " + f[ "aclKey" ] );
+      } else if( op == "createDefaultRule" ) {
+         out.push_back( "default " + f[ "aclKey" ] );
+      } else if( op == "destroyAcl" || op == "cleanupAcl" ) {
+         out.push_back( ( op == "destroyAcl" ? "destroy " : "cleanup " ) + f[ "aclKey" ] );
+      }
+   }
+   return out;
+}
+
+[[maybe_unused]] Mirel::IpAddrWithMask v4( std::uint32_t a, std::uint32_t b, std::uint32_t c,
+                                           std::uint32_t d, unsigned len ) {
+   return Mirel::IpAddrWithMask( a << 24 | b << 16 | c << 8 | d, len );
+}
+
+Acl::IpRuleConfig ipRule( std::uint8_t proto, Acl::PortCondition dst = {},
+                          Acl::PortCondition src = {} ) {
+   Acl::IpRuleConfig r;
+   r.filter.proto = proto;
+   r.filter.dstPort = dst;
+   r.filter.srcPort = src;
+   return r;
+}
+
+Acl::Ip6RuleConfig ip6Rule( std::uint8_t proto, Acl::PortCondition dst = {} ) {
+   Acl::Ip6RuleConfig r;
+   r.filter.proto = proto;
+   r.filter.dstPort = dst;
+   return r;
+}
+
+class QosClassMatchAclSmTest : public QosAclSmFixture {
+ protected:
+   // "gold": class c4 matching the IPv4 list v4, class c6 matching the IPv6 list v6, and the
+   // default class, applied to Ethernet1.
+   void goldIs() {
+      classMapIs( "c4", { { Qos::matchOptionIpAcl, "v4" } } );
+      classMapIs( "c6", { { Qos::matchOptionIpv6Acl, "v6" } } );
+      classIs( "gold", "c4" );
+      classIs( "gold", "c6" );
+      classDefaultIs( "gold" );
+      applyIs( "gold", { intf( "Ethernet1" ) } );
+   }
+   // Serves the deferred road to the end, completing every operation.
+   void drain() {
+      for( int turns = 0; turns < 1000; ++turns ) {
+         loop->runOnce();
+         if( sm->asyncState() == Nev::asyncInProgress ) {
+            helper->completeAsync();
+         } else if( sm->pendingPolicyUpdate().empty() ) {
+            return;
+         }
+      }
+      FAIL() << "the queue did not drain";
+   }
+   Nev::QosPolicyMapSm* goldSm() {
+      return sm->servicePolicySm( spKey( "gold" ) )->pmapSm( pmapKey( "gold" ) ).ptr();
+   }
+};
+
+// Three IPv4 rules: a port range that needs a range checker, an ECN rule that takes two
+// passes, and a rule whose layer-3 match already has its fragment entry.
+Lines const v4Stream = {
+   "pre v4",
+   "sub v4 r0.0 src=0/0[0-65535] dst=80/0[80-90] len=0/0[0-65535] tcp=0 l4 ecn=0/0",
+   "frag v4 r0.1 ecn=0/0",
+   "sub v4 r1.0 src=0/0[0-65535] dst=53/65535[53-53] len=0/0[0-65535] tcp=0 l4 ecn=1/3",
+   "sub v4 r1.1 src=0/0[0-65535] dst=53/65535[53-53] len=0/0[0-65535] tcp=0 l4 ecn=2/2",
+   "frag v4 r1.2 ecn=1/3",
+   "frag v4 r1.3 ecn=2/2",
+   "sub v4 r2.0 src=0/0[0-65535] dst=443/65535[443-443] len=0/0[0-65535] tcp=0 l4 ecn=0/0",
+   "commit v4",
+};
+Lines const v6Stream = {
+   "pre v6:ipv6",
+   "sub v6:ipv6 r0.0 src=0/0[0-65535] dst=443/65535[443-443] len=0/0[0-65535] tcp=0 l4 "
+   "ecn=0/0",
+   "commit v6:ipv6",
+};
+
+class QosClassMatchAclSmRoadTest : public QosClassMatchAclSmTest,
+                                   public ::testing::WithParamInterface< bool > {};
+
+TEST_P( QosClassMatchAclSmRoadTest, AccessGroupsCompileIntoTheSameSubrulesOnBothRoads ) {
+   bool const deferred = GetParam();
+   helper->qosEcnSupportIs( true );
+   helper->asyncTcamOperationsSupportedIs( deferred );
+   start();
+   Acl::IpRuleConfig udp = ipRule( 17, Acl::PortCondition::eqOf( 53 ) );
+   udp.filter.ecn = Acl::ecnEctCe;
+   ipAclIs( "v4", { ipRule( 6, Acl::PortCondition::rangeOf( 80, 90 ) ), udp,
+                    ipRule( 6, Acl::PortCondition::eqOf( 443 ) ) } );
+   ip6AclIs( "v6", { ip6Rule( 6, Acl::PortCondition::eqOf( 443 ) ) } );
+   helper->clearCalls();
+   goldIs();
+   if( deferred ) drain();
+
+   Lines expected = v4Stream;
+   expected.insert( expected.end(), v6Stream.begin(), v6Stream.end() );
+   Lines calls = compileCalls( helper->calls() );
+   ASSERT_GE( calls.size(), expected.size() );
+   EXPECT_EQ( Lines( calls.begin(), calls.begin() + long( expected.size() ) ), expected );
+   // The default class follows, one list per family of the map. On the deferred road both
+   // families share one slot of the match; each request is served with its own list.
+   Lines const rest( calls.begin() + long( expected.size() ), calls.end() );
+   EXPECT_EQ( rest, ( Lines{ "pre acl-default", "default acl-default", "commit acl-default",
+                             "pre acl-default-ipv6:ipv6", "default acl-default-ipv6:ipv6",
+                             "commit acl-default-ipv6:ipv6" } ) );
+   auto const classSm =
+         goldSm()->policyClassSm( Nev::QosClassMapKey( Zub::Name( "c4" ), Qos::mapQos_ ) );
+   ASSERT_TRUE( classSm );
+   auto const aclData = classSm->classData()
+                              ->matchData( Qos::matchOptionIpAcl )
+                              ->aclData( Nev::AclKey( Zub::Name( "v4" ), Acl::ip() ) );
+   EXPECT_EQ( aclData->aclNumber(), ( 100 << 23 ) | ( 7 << 20 ) ) << "class 100, match 7";
+   EXPECT_EQ( hwStatus( "gold" )->prgmStatus(), Qos::hwPrgmStatusSuccess_ );
+}
+
+INSTANTIATE_TEST_SUITE_P( Roads, QosClassMatchAclSmRoadTest, ::testing::Values( false, true ),
+                          []( auto const& param ) {
+                             return param.param ? "Deferred" : "Immediate";
+                          } );
+
+TEST_F( QosClassMatchAclSmTest, ARetryCodeExpandsOnlyTheDimensionsItNames ) {
+   start();
+   // Source 80..90 needs three blocks, destination 1000..1999 a range checker.
+   ipAclIs( "v4", { ipRule( 6, Acl::PortCondition::rangeOf( 1000, 1999 ),
+                            Acl::PortCondition::rangeOf( 80, 90 ) ),
+                    ipRule( 6, Acl::PortCondition::eqOf( 53 ),
+                            Acl::PortCondition::rangeOf( 80, 90 ) ) } );
+   classMapIs( "c4", { { Qos::matchOptionIpAcl, "v4" } } );
+   classIs( "gold", "c4" );
+   helper->aclCreateErrorEnq( "createIpAclSubrule", Nev::aclCreateErrorExpandSrc );
+   helper->aclCreateErrorEnq( "createIpAclSubrule", Nev::aclCreateErrorNone );
+   helper->aclCreateErrorEnq( "createIpAclSubrule", Nev::aclCreateErrorNone );
+   helper->aclCreateErrorEnq( "createIpAclSubrule", Nev::aclCreateErrorNone );
+   helper->aclCreateErrorEnq( "createIpAclSubrule", Nev::aclCreateErrorTooManyL4PortRanges );
+   helper->clearCalls();
+   applyIs( "gold", { intf( "Ethernet1" ) } );
+   EXPECT_EQ( compileCalls( helper->callsMatching( "createIpAclSubrule" ) ),
+              ( Lines{
+                    // Refused with "expand source": the failed attempt used number 0.
+                    "sub v4 r0.0 src=80/0[80-90] dst=1000/0[1000-1999] len=0/0[0-65535] tcp=0 l4 "
+                    "ecn=0/0",
+                    "sub v4 r0.0 src=80/65528[80-87] dst=1000/0[1000-1999] len=0/0[0-65535] tcp=0 "
+                    "l4 ecn=0/0",
+                    "sub v4 r0.1 src=88/65534[88-89] dst=1000/0[1000-1999] len=0/0[0-65535] tcp=0 "
+                    "l4 ecn=0/0",
+                    "sub v4 r0.2 src=90/65535[90-90] dst=1000/0[1000-1999] len=0/0[0-65535] tcp=0 "
+                    "l4 ecn=0/0",
+                    // "Too many ranges" with a destination of one block: the source list alone.
+                    "sub v4 r1.0 src=80/0[80-90] dst=53/65535[53-53] len=0/0[0-65535] tcp=0 l4 "
+                    "ecn=0/0",
+                    "sub v4 r1.0 src=80/65528[80-87] dst=53/65535[53-53] len=0/0[0-65535] tcp=0 l4 "
+                    "ecn=0/0",
+                    "sub v4 r1.1 src=88/65534[88-89] dst=53/65535[53-53] len=0/0[0-65535] tcp=0 l4 "
+                    "ecn=0/0",
+                    "sub v4 r1.2 src=90/65535[90-90] dst=53/65535[53-53] len=0/0[0-65535] tcp=0 l4 "
+                    "ecn=0/0",
+              } ) );
+   // The fragment entry counts on from the expanded subrules.
+   EXPECT_EQ( compileCalls( helper->callsMatching( "createIpFragRule" ) ),
+              Lines{ "frag v4 r0.3 ecn=0/0" } );
+   EXPECT_EQ( hwStatus( "gold" )->prgmStatus(), Qos::hwPrgmStatusSuccess_ );
+}
+
+TEST_F( QosClassMatchAclSmTest, ASecondRefusalEndsTheListAndFailsTheMap ) {
+   start();
+   ipAclIs( "v4", { ipRule( 6, {}, Acl::PortCondition::rangeOf( 80, 90 ) ),
+                    ipRule( 6, Acl::PortCondition::eqOf( 22 ) ) } );
+   ip6AclIs( "v6", { ip6Rule( 6, Acl::PortCondition::eqOf( 22 ) ) } );
+   classMapIs( "c4", { { Qos::matchOptionIpAcl, "v4" } } );
+   classMapIs( "c6", { { Qos::matchOptionIpv6Acl, "v6" } } );
+   classIs( "gold", "c4" );
+   classIs( "gold", "c6" );
+   helper->aclCreateErrorEnq( "createIpAclSubrule", Nev::aclCreateErrorExpandSrc );
+   helper->aclCreateErrorEnq( "createIpAclSubrule", Nev::aclCreateErrorNone );
+   helper->aclCreateErrorEnq( "createIpAclSubrule", Nev::aclCreateErrorOutOfTcam );
+   // IPv6 never expands IP lengths: the code ends the list.
+   helper->aclCreateErrorEnq( "createIpAclSubrule", Nev::aclCreateErrorExpandIpLen );
+   helper->clearCalls();
+   applyIs( "gold", { intf( "Ethernet1" ) } );
+   Lines const calls = compileCalls( helper->calls() );
+   EXPECT_EQ( calls,
+              ( Lines{ "pre v4",
+                       "sub v4 r0.0 src=80/0[80-90] dst=0/0[0-65535] len=0/0[0-65535] tcp=0 l4 "
+                       "ecn=0/0",
+                       "sub v4 r0.0 src=80/65528[80-87] dst=0/0[0-65535] len=0/0[0-65535] tcp=0 "
+                       "l4 ecn=0/0",
+                       "sub v4 r0.1 src=88/65534[88-89] dst=0/0[0-65535] len=0/0[0-65535] tcp=0 "
+                       "l4 ecn=0/0",
+                       "pre v6:ipv6",
+                       "sub v6:ipv6 r0.0 src=0/0[0-65535] dst=22/65535[22-22] len=0/0[0-65535] "
+                       "tcp=0 l4 ecn=0/0" } ) )
+         << "no commit of a failed list, and the next rule is not tried";
+   EXPECT_TRUE( helper->pmapState( pmapKey( "gold" ) )->dirty() );
+   EXPECT_EQ( takeLogs(), Lines{ "QOS_POLICY_HW_RESOURCE_FULL: Insufficient hardware resources to "
+                                 "program the input policy-map gold." } );
+   loop->runOnce();
+   EXPECT_EQ( hwStatus( "gold" )->prgmStatus(), Qos::hwPrgmStatusFail_ );
+}
+
+TEST_F( QosClassMatchAclSmTest, FragmentEntriesOncePerLayerThreeMatch ) {
+   start();
+   auto tcp = []( std::uint32_t net, std::uint16_t port ) {
+      Acl::IpRuleConfig r = ipRule( 6, Acl::PortCondition::eqOf( port ) );
+      r.filter.source = Mirel::IpAddrWithMask( net << 24, net ? 8 : 0 );
+      return r;
+   };
+   Acl::IpRuleConfig fragmentsOnly = ipRule( 6 );
+   fragmentsOnly.filter.fragments = true;
+   fragmentsOnly.filter.source = Mirel::IpAddrWithMask( 10u << 24, 8 );
+   Acl::IpRuleConfig ect = tcp( 10, 81 );
+   ect.filter.ecn = Acl::ecnEctCe;  // without ECN support: one entry of (0, 0)
+   Acl::IpRuleConfig vlan = tcp( 10, 82 );
+   vlan.filter.vlan = 10;
+   vlan.filter.vlanMask = 0xfff;
+   Acl::IpRuleConfig laterFragments = fragmentsOnly;
+   laterFragments.filter.source = Mirel::IpAddrWithMask( 30u << 24, 8 );
+   ipAclIs( "v4", { fragmentsOnly, tcp( 10, 80 ), tcp( 10, 80 ), ect, vlan, tcp( 20, 83 ),
+                    laterFragments, tcp( 30, 84 ), ipRule( 17 ), tcp( 0, 85 ), tcp( 40, 86 ) } );
+   classMapIs( "c4", { { Qos::matchOptionIpAcl, "v4" } } );
+   classIs( "gold", "c4" );
+   helper->clearCalls();
+   applyIs( "gold", { intf( "Ethernet1" ) } );
+   EXPECT_EQ( compileCalls( helper->callsMatching( "createIpFragRule" ) ),
+              ( Lines{ "frag v4 r1.1 ecn=0/0",  // the fragments-only rule before found no map
+                       "frag v4 r3.1 ecn=0/0",  // a new ECN condition is a new layer-3 match
+                       "frag v4 r4.1 ecn=0/0",  // a VLAN rule always makes its own
+                       "frag v4 r5.1 ecn=0/0",  // another source
+                       // r7 is covered by the fragments-only rule r6, r8 has no layer 4
+                       "frag v4 r9.1 ecn=0/0" } ) )
+         << "r10 is covered by the entry of r9, which matches any address";
+   EXPECT_EQ( helper->callsMatching( "createIpAclSubrule" ).size(), 11u )
+         << "every rule has its one subrule, the fragments-only ones included";
+}
+
+TEST_F( QosClassMatchAclSmTest, UnsupportedTcpFlagsAreDroppedAndVlanRulesSkippedOnAnSvi ) {
+   helper->supportedTcpFlagsIs( NevHelper::TcpFlag( NevHelper::TcpFlag::syn_ ) );
+   start();
+   Acl::IpRuleConfig ack = ipRule( 6 );
+   ack.filter.tcpFlag = Acl::TcpFlag( Acl::TcpFlag::ack_ | Acl::TcpFlag::syn_ );
+   Acl::IpRuleConfig vlan = ipRule( 17 );
+   vlan.filter.vlanMask = 0xfff;
+   ipAclIs( "v4", { ack, vlan, ipRule( 17, Acl::PortCondition::eqOf( 53 ) ) } );
+   classMapIs( "c4", { { Qos::matchOptionIpAcl, "v4" } } );
+   classIs( "gold", "c4" );
+   applyIs( "gold", { intf( "Vlan10" ) } );
+   EXPECT_EQ( takeLogs().size(), 1u ) << "the first compile ran before the VLAN interface joined";
+   // A new version compiles with the VLAN interface in place.
+   helper->clearCalls();
+   policyMap( "gold" )->versionIs( 2 );
+   qosStatus->servicePolicyStatus( spKey( "gold" ) )->versionIs( 2 );
+   Lines const subrules = compileCalls( helper->callsMatching( "createIpAclSubrule" ) );
+   ASSERT_EQ( subrules.size(), 2u ) << "the VLAN rule is left out, the next one goes on";
+   EXPECT_EQ( subrules[ 0 ],
+              "sub v4 r0.0 src=0/0[0-65535] dst=0/0[0-65535] len=0/0[0-65535] tcp=2 l4 ecn=0/0" );
+   EXPECT_EQ( subrules[ 1 ].substr( 0, 11 ), "sub v4 r2.0" );
+   EXPECT_EQ( takeLogs(),
+              ( Lines{ "QOS_PMAP_FIELD_NOT_SUPPORTED: Access list matching Tcp Flags v4 associated "
+                       "with QOS service policy class map c4 cannot be fully programmed in the "
+                       "hardware",
+                       "QOS_VLAN_ACL_RULE_SVI_MISMATCH: ACL v4 with VLAN rule associated to "
+                       "class-map c4. ACL rules with VLAN filter will be ignored for VLAN "
+                       "interfaces." } ) );
+   EXPECT_EQ( hwStatus( "gold" )->prgmStatus(), Qos::hwPrgmStatusSuccess_ );
+}
+
+TEST_F( QosClassMatchAclSmTest, AMacListAndAnIpv6ListInOneMapAreSkippedOnlyOnTheImmediateRoad ) {
+   for( bool deferred : { false, true } ) {
+      SCOPED_TRACE( deferred ? "deferred" : "immediate" );
+      TearDown();
+      SetUp();
+      helper->asyncTcamOperationsSupportedIs( deferred );
+      helper->boolAnswerIs( "isSupportedMacAclRule", true );
+      start();
+      Acl::MacRuleConfig ipv4;
+      ipv4.filter.etherType = 0x800;
+      macAclIs( "m", { ipv4 } );
+      ip6AclIs( "v6", { ip6Rule( 6, Acl::PortCondition::eqOf( 22 ) ) } );
+      classMapIs( "cm", { { Qos::matchOptionMac, "m" } } );
+      classMapIs( "c6", { { Qos::matchOptionIpv6Acl, "v6" } } );
+      classIs( "gold", "cm" );
+      classIs( "gold", "c6" );
+      helper->clearCalls();
+      applyIs( "gold", { intf( "Ethernet1" ) } );
+      if( deferred ) drain();
+      EXPECT_EQ( takeLogs(),
+                 ( Lines{ "QOS_MAC_ACL_RULE_IPV6_MISMATCH: Policy-map gold is configured with both "
+                          "MAC ACL and IPV6 ACL rule. ACL rules will be ignored for class-map cm.",
+                          "QOS_MAC_ACL_RULE_IPV6_MISMATCH: Policy-map gold is configured with both "
+                          "MAC ACL and IPV6 ACL rule. ACL rules will be ignored for class-map "
+                          "c6." } ) );
+      // The immediate road programs neither list; the deferred one logs and programs both.
+      EXPECT_EQ( helper->callsMatching( "precreateAcl" ).size(), deferred ? 2u : 0u );
+      EXPECT_EQ( helper->callsMatching( "createMacAclRule" ).size(), deferred ? 1u : 0u );
+      EXPECT_EQ( helper->callsMatching( "createIpAclSubrule" ).size(), deferred ? 1u : 0u );
+      EXPECT_EQ( hwStatus( "gold" )->prgmStatus(), Qos::hwPrgmStatusSuccess_ );
+   }
+}
+
+}  // namespace
+}  // namespace NevQosTest

@@ -1,0 +1,135 @@
+// The class match dispatcher: which ACL children a match gets and what they are called, how the
+// children leave, and how their counters add up.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "support/QosAclSmFixture.h"
+
+namespace NevQosTest {
+namespace {
+
+using Lines = std::vector< std::string >;
+
+class QosClassMatchSmTest : public QosAclSmFixture {
+ protected:
+   Zub::Ptr< Nev::QosPolicyClassSm > classSm( char const* cmapName ) {
+      auto spSm = sm->servicePolicySm( spKey( "gold" ) );
+      if( !spSm ) return nullptr;
+      auto pmapSm = spSm->pmapSm( pmapKey( "gold" ) );
+      return pmapSm ? pmapSm->policyClassSm(
+                            Nev::QosClassMapKey( Zub::Name( cmapName ), Qos::mapQos_ ) )
+                    : nullptr;
+   }
+   template< class Children >
+   static Lines childNames( Children const& children ) {
+      Lines out;
+      for( auto it = children.iter(); it; ++it ) {
+         out.push_back( it.key().aclName().str().stdString() );
+      }
+      return out;
+   }
+};
+
+TEST_F( QosClassMatchSmTest, TheDefaultClassCoversTheFamiliesOfTheMapsAccessGroups ) {
+   start();
+   ip6AclIs( "v6", {} );
+   classMapIs( "c6", { { Qos::matchOptionIpv6Acl, "v6" } } );
+   classIs( "gold", "c6" );
+   classDefaultIs( "gold" );
+   applyIs( "gold", { intf( "Ethernet1" ) } );
+   auto match = classSm( "class-default" )->classMatchSm( Qos::matchOptionNone );
+   ASSERT_TRUE( match );
+   EXPECT_EQ( childNames( match->classDefaultSm() ), Lines{ "acl-default-ipv6" } )
+         << "only IPv6 access groups: only the IPv6 rule";
+   EXPECT_EQ( match->classDefaultSm().iter().value()->matchOption(), Qos::matchOptionIpv6Acl );
+
+   // Without any access group the map has the IPv4 default alone.
+   classMapIs( "c6", {} )->matchDel( Qos::matchOptionIpv6Acl );
+   policyMap( "gold" )->versionIs( 2 );
+   qosStatus->servicePolicyStatus( spKey( "gold" ) )->versionIs( 2 );
+   match = classSm( "class-default" )->classMatchSm( Qos::matchOptionNone );
+   EXPECT_EQ( childNames( match->classDefaultSm() ), Lines{ "acl-default" } );
+}
+
+TEST_F( QosClassMatchSmTest, OptionMatchesAreNamedPerFamilyAndTheLastFamilyOutCleansUp ) {
+   start();
+   ipAclIs( "v4", {} );
+   ip6AclIs( "v6", {} );
+   classMapIs( "both", { { Qos::matchOptionIpAcl, "v4" }, { Qos::matchOptionIpv6Acl, "v6" } } );
+   classMapIs( "vlan", { { Qos::matchOptionVlan, "" } } );
+   classMapIs( "builtin", { { Qos::matchOptionBuiltIn, "" } } );
+   classIs( "gold", "both" );
+   classIs( "gold", "vlan" );
+   classIs( "gold", "builtin" );
+   applyIs( "gold", { intf( "Ethernet1" ) } );
+
+   auto both = classSm( "both" );
+   EXPECT_EQ( both->classData()->matchData( Qos::matchOptionIpAcl )->priority(), 7u );
+   EXPECT_EQ( both->classData()->matchData( Qos::matchOptionIpv6Acl )->priority(), 6u );
+   auto vlan = classSm( "vlan" )->classMatchSm( Qos::matchOptionVlan );
+   EXPECT_EQ( childNames( vlan->matchOptionSm() ), ( Lines{ "vlan-acl-7", "vlan-acl-ipv6-7" } ) );
+   auto builtin = classSm( "builtin" )->classMatchSm( Qos::matchOptionBuiltIn );
+   EXPECT_EQ( childNames( builtin->matchOptionSm() ), ( Lines{ "-7", "-7" } ) )
+         << "the built-in option has no base name";
+   EXPECT_EQ( helper->pmapState( pmapKey( "gold" ) )->pmapAclTypes(), Nev::ipv4v6Both );
+
+   helper->clearCalls();
+   qosStatus->servicePolicyStatusDel( spKey( "gold" ) );
+   Lines destroys;
+   for( auto const& line : helper->calls() ) {
+      if( line.rfind( "destroyAcl", 0 ) == 0 || line.rfind( "cleanupAcl", 0 ) == 0 ) {
+         destroys.push_back( line );
+      }
+   }
+   // Classes leave in key order; in each, access groups, then options, then defaults.
+   EXPECT_EQ(
+         destroys,
+         ( Lines{ "destroyAcl pmap=gold option=matchOptionIpAcl aclKey=v4",
+                  "cleanupAcl pmap=gold option=matchOptionIpAcl aclKey=v4",
+                  "destroyAcl pmap=gold option=matchOptionIpv6Acl aclKey=v6:ipv6",
+                  "cleanupAcl pmap=gold option=matchOptionIpv6Acl aclKey=v6:ipv6",
+                  "destroyAcl pmap=gold option=matchOptionBuiltIn aclKey=-7",
+                  "destroyAcl pmap=gold option=matchOptionBuiltIn aclKey=-7:ipv6",
+                  "cleanupAcl pmap=gold option=matchOptionBuiltIn aclKey=-7:ipv6",
+                  "destroyAcl pmap=gold option=matchOptionVlan aclKey=vlan-acl-7",
+                  "destroyAcl pmap=gold option=matchOptionVlan aclKey=vlan-acl-ipv6-7:ipv6",
+                  "cleanupAcl pmap=gold option=matchOptionVlan aclKey=vlan-acl-ipv6-7:ipv6" } ) );
+}
+
+TEST_F( QosClassMatchSmTest, AnUnconfiguredListHasNoChildAndNoCounters ) {
+   start();
+   classMapIs( "c4", { { Qos::matchOptionIpAcl, "missing" } } );
+   classIs( "gold", "c4" );
+   applyIs( "gold", { intf( "Ethernet1" ) } );
+   auto match = classSm( "c4" )->classMatchSm( Qos::matchOptionIpAcl );
+   ASSERT_TRUE( match );
+   EXPECT_EQ( match->aclSmSize(), 0u );
+   EXPECT_TRUE( match->classData()->matchDataHas( Qos::matchOptionIpAcl ) );
+   EXPECT_FALSE( match->policyData()->aclConfig() );
+   EXPECT_EQ( match->counterUpdateRequest(), Nev::QosClassCounterData() );
+   EXPECT_TRUE( helper->callsMatching( "precreateAcl" ).empty() );
+}
+
+TEST_F( QosClassMatchSmTest, ASharedCounterIsReadFromTheFirstFamilyOnly ) {
+   start();
+   ipAclIs( "v4", {} );
+   ip6AclIs( "v6", {} );
+   classMapIs( "both", { { Qos::matchOptionIpAcl, "v4" }, { Qos::matchOptionIpv6Acl, "v6" } } );
+   classMapIs( "vlan", { { Qos::matchOptionVlan, "" } } );
+   classIs( "gold", "both" );
+   classIs( "gold", "vlan" );
+   applyIs( "gold", { intf( "Ethernet1" ) } );
+   Nev::QosClassCounterData one;
+   one.pktHitsIs( 5 );
+   helper->counterDataIs( Nev::AclKey( Zub::Name( "vlan-acl-7" ), Acl::ip() ), one );
+   helper->counterDataIs( Nev::AclKey( Zub::Name( "vlan-acl-ipv6-7" ), Acl::ipv6() ), one );
+   auto vlan = classSm( "vlan" )->classMatchSm( Qos::matchOptionVlan );
+   EXPECT_EQ( vlan->counterUpdateRequest().pktHits(), 10u ) << "both families add up";
+   qosAclHwStatus->sharedQosAclTypesCounterSupportedIs( true );
+   EXPECT_EQ( vlan->counterUpdateRequest().pktHits(), 5u ) << "one counter for both families";
+}
+
+}  // namespace
+}  // namespace NevQosTest

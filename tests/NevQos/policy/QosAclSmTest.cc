@@ -1,0 +1,489 @@
+// The policy engine driven through its inputs, checked by the helper's call stream, the status
+// entities and the system log.
+#include "support/QosAclSmFixture.h"
+
+#include <algorithm>
+
+#include "NevQos/policy/QosPolicyMapSm.h"
+#include "nev/AclData.h"
+
+namespace NevQosTest {
+namespace {
+
+using Lines = std::vector< std::string >;
+
+// ---- start-up ----
+
+TEST_F( QosAclSmFixture, StartUpInitialisesTheChipSweepsStaleStatusAndStatesTheVersion ) {
+   // A hardware status left by an earlier life of the agent: one entry still configured, one
+   // not.
+   servicePolicyIs( "gold", 1, { "Ethernet1" } );
+   auto typeStatus = qosAclSliceHwStatus->pmapTypeIs( Qos::mapQos_ );
+   auto stale = Qos::PolicyMapHwStatusKey( Qos::directionInput_, Zub::Name( "old" ) );
+   typeStatus->pmapIs( stale );
+   typeStatus->pmapIs( Qos::PolicyMapHwStatusKey( Qos::directionInput_, Zub::Name( "gold" ) ) )
+         ->prgmStatusIs( Qos::hwPrgmStatusSuccess_ );
+   qosStatus->configVersionUpdateTimeIs( 42.0 );
+
+   start();
+   EXPECT_EQ( helper->calls().front(), "hwInit" );
+   EXPECT_FALSE( typeStatus->pmapHas( stale ) );
+   ASSERT_TRUE( hwStatus( "gold" ) );
+   EXPECT_EQ( hwStatus( "gold" )->prgmStatus(), Qos::hwPrgmStatusSuccess_ );
+   EXPECT_TRUE( sm->servicePolicySm( spKey( "gold" ) ) );
+   EXPECT_TRUE( sm->aclTypeConfigSm( Acl::AclType( 0 ) ) );
+   EXPECT_TRUE( sm->aclTypeConfigSm( Acl::AclType( 1 ) ) );
+   EXPECT_DOUBLE_EQ( qosAclSliceHwStatus->configVersionUpdateTime(), 42.0 );
+   EXPECT_TRUE( sm->verifyPolicy() );
+}
+
+TEST_F( QosAclSmFixture, WithoutQosFeaturesOnlyTheChipIsInitialised ) {
+   qosAclHwStatus->policyQosSupportedIs( false );
+   servicePolicyIs( "gold", 1, { "Ethernet1" } );
+   start();
+   EXPECT_EQ( helper->calls(), Lines{ "hwInit" } );
+   EXPECT_FALSE( sm->servicePolicySm( spKey( "gold" ) ) );
+   EXPECT_FALSE( sm->verifyPolicy() );
+}
+
+TEST_F( QosAclSmFixture, PdpModeAttachesEveryEthernetToTheDefaultPolicy ) {
+   hwEpochStatus->pdpModeEnabledIs( true );
+   start();
+   auto config = sm->pdpDfltSPConfig();
+   ASSERT_TRUE( config );
+   EXPECT_EQ( config->key(), Qos::ServicePolicyKey( Qos::mapPdp_, Qos::Direction( 0 ),
+                                                    Zub::Name( "default-pdp-policy" ) ) );
+   EXPECT_EQ( pdpHwCfg->configPriority(), 90u );
+   EXPECT_EQ( config->intfIdsSize(), 2u );
+   ncsd->intfIs( Mirel::IntfId( "Ethernet3" ), true );
+   ncsd->intfIs( Mirel::IntfId( "Ethernet1.10" ), true );  // subinterfaces stay out
+   ncsd->intfDel( Mirel::IntfId( "Ethernet1" ) );
+   EXPECT_TRUE( config->intfIdsHas( Mirel::IntfId( "Ethernet3" ) ) );
+   EXPECT_FALSE( config->intfIdsHas( Mirel::IntfId( "Ethernet1.10" ) ) );
+   EXPECT_FALSE( config->intfIdsHas( Mirel::IntfId( "Ethernet1" ) ) );
+}
+
+TEST_F( QosAclSmFixture, CopySystemPolicyIsNotSupportedWithPerInterfaceCopp ) {
+   qosAclHwStatus->intfCoppSupportedIs( true );
+   start();
+   EXPECT_FALSE(
+         sm->policyMapSupported( Qos::mapControlPlane_, Zub::Name( "copp-system-policy" ) ) );
+   EXPECT_TRUE( sm->policyMapSupported( Qos::mapControlPlane_, Zub::Name( "other" ) ) );
+   helper->asyncTcamOperationsSupportedIs( true );
+   EXPECT_FALSE( sm->policyMapSupported( Qos::mapControlPlane_, Zub::Name( "other" ) ) );
+}
+
+// ---- synchronous road: service policies and policy maps ----
+
+TEST_F( QosAclSmFixture, AServicePolicyCompilesOneMapPerAclGroupAndReportsSuccess ) {
+   start();
+   helper->aclGroupIs( intf( "Ethernet2" ), Zub::Name( "grp2" ) );
+   helper->clearCalls();
+   servicePolicyIs( "gold", 2, { "Ethernet1", "Ethernet2" } );
+   auto spSm = sm->servicePolicySm( spKey( "gold" ) );
+   ASSERT_TRUE( spSm );
+   EXPECT_EQ( spSm->pmapSmSize(), 2u );
+   EXPECT_TRUE( spSm->pmapSm( pmapKey( "gold", "grp2" ) ) );
+   EXPECT_EQ( hwStatus( "gold" )->prgmStatus(), Qos::hwPrgmStatusSuccess_ );
+   EXPECT_FALSE( helper->callsMatching( "batchCommitAcls" ).empty() );
+   EXPECT_TRUE( helper->pmapState( pmapKey( "gold" ) )->readyToVerify() );
+}
+
+TEST_F( QosAclSmFixture, RemovingTheLastInterfaceOfAGroupRetiresItsMap ) {
+   start();
+   helper->aclGroupIs( intf( "Ethernet2" ), Zub::Name( "grp2" ) );
+   helper->boolAnswerIs( "managedPrioritySupported", true );
+   auto status = servicePolicyIs( "gold", 1, { "Ethernet1", "Ethernet2" } );
+   auto spSm = sm->servicePolicySm( spKey( "gold" ) );
+   ASSERT_EQ( spSm->pmapSmSize(), 2u );
+   helper->clearCalls();
+   status->intfIdsDel( intf( "Ethernet2" ) );
+   EXPECT_FALSE( spSm->pmapSm( pmapKey( "gold", "grp2" ) ) );
+   EXPECT_FALSE( helper->pmapState( pmapKey( "gold", "grp2" ) ) );
+   EXPECT_TRUE( spSm->pmapSm( pmapKey( "gold" ) ) );
+   EXPECT_EQ( helper->callsMatching( "cleanupForPMap" ), Lines{ "cleanupForPMap pmap=gold@grp2" } );
+   EXPECT_TRUE( helper->callsMatching( "batchCommitAclsIntf" ).empty() )
+         << "the child was deleted, not told of the interface";
+}
+
+// Records every programming status a policy map's hardware status goes through.
+class PrgmStatusRecorder : public Qos::PolicyMapHwStatus::Notifiee {
+ public:
+   void onPrgmStatus() override { seen.push_back( notifier()->prgmStatus() ); }
+   std::vector< Qos::PolicyMapHwPrgmStatus > seen;
+};
+
+TEST_F( QosAclSmFixture, TooManyClassesFailWithoutALogOrDirtyMark ) {
+   sliceHwStatus->maxClassesPerPolicyMapIs( 3 );
+   start();
+   servicePolicyIs( "fits", 2, { "Ethernet1" } );  // 2 classes + class-default = 3
+   EXPECT_EQ( hwStatus( "fits" )->prgmStatus(), Qos::hwPrgmStatusSuccess_ );
+
+   auto recorder = Zub::make< PrgmStatusRecorder >();
+   recorder->notifierIs(
+         qosAclSliceHwStatus->pmapTypeIs( Qos::mapQos_ )
+               ->pmapIs( Qos::PolicyMapHwStatusKey( Qos::directionInput_, Zub::Name( "big" ) ) ) );
+   recorder->seen.clear();
+   helper->clearCalls();
+   auto status = servicePolicyIs( "big", 3, { "Ethernet1" } );
+   status->intfIdsIs( intf( "Ethernet2" ), true );
+   status->intfIdsDel( intf( "Ethernet1" ) );
+   // Until its first interface the policy has nothing to program; from the compile on, the
+   // failure stands, and no interface update after it writes success over it.
+   auto const& seen = recorder->seen;
+   auto const failed = std::find( seen.begin(), seen.end(), Qos::hwPrgmStatusFail_ );
+   ASSERT_NE( failed, seen.end() );
+   EXPECT_EQ( std::count( seen.begin(), failed, Qos::hwPrgmStatusFail_ ), 0 );
+   EXPECT_EQ( std::count( failed, seen.end(), Qos::hwPrgmStatusSuccess_ ), 0 );
+   EXPECT_EQ( hwStatus( "big" )->prgmStatus(), Qos::hwPrgmStatusFail_ );
+   EXPECT_EQ( hwStatus( "big" )->prgmStatusErrMessage(), "Insufficient hardware resources" );
+   EXPECT_FALSE( helper->pmapState( pmapKey( "big" ) )->dirty() );
+   EXPECT_TRUE( helper->callsMatching( "batchCommitAclsIntf" ).empty() ) << "nothing to move";
+
+   // A budget that allows the map is taken at the next change.
+   sliceHwStatus->maxClassesPerPolicyMapIs( 4 );
+   status->intfIdsIs( intf( "Ethernet1" ), true );
+   EXPECT_EQ( hwStatus( "big" )->prgmStatus(), Qos::hwPrgmStatusSuccess_ );
+   EXPECT_EQ(
+         sm->servicePolicySm( spKey( "big" ) )->pmapSm( pmapKey( "big" ) )->policyClassSmSize(),
+         3u );
+}
+
+TEST_F( QosAclSmFixture, AFailedMapOfASelfReportingChipIsVerifiedWithoutTheStatusItOwns ) {
+   qosAclHwStatus->selfReportedPrgmStatusIs( true );
+   start();
+   ipAclIs( "v4", { Acl::IpRuleConfig() } );
+   classMapIs( "c1", { { Qos::matchOptionIpAcl, "v4" } } );
+   classIs( "gold", "c1" );
+   auto status = applyIs( "gold", { intf( "Ethernet1" ) } );
+   loop->runUntilIdle();
+   // A new version that the chip can't take, with no interface change after it: the engine
+   // leaves the status to the chip, which has said nothing yet.
+   helper->aclCreateErrorIs( "commitAcl", Nev::aclCreateErrorOutOfTcam );
+   policyMap( "gold" )->versionIs( 2 );
+   status->versionIs( 2 );
+   loop->runUntilIdle();
+   takeLogs();
+   ASSERT_EQ( hwStatus( "gold" )->prgmStatus(), Qos::hwPrgmStatusInProgress_ );
+   ASSERT_TRUE( helper->pmapState( pmapKey( "gold" ) )->readyToVerify() );
+   sm->schedulePolicyVerify();
+   sm->handleVerify();
+   EXPECT_FALSE( sm->verifyPolicy() ) << "the run went through";
+}
+
+TEST_F( QosAclSmFixture, ExhaustionLogsFullOnceRemovesTheMapAndRecoveryLogsNormalOnce ) {
+   start();
+   servicePolicyIs( "gold", 1, { "Ethernet1" } );
+   auto pmapSm = sm->servicePolicySm( spKey( "gold" ) )->pmapSm( pmapKey( "gold" ) );
+   helper->clearCalls();
+
+   // A compile step runs out of TCAM.
+   EXPECT_TRUE( sm->updatePolicyMapErrorState( Nev::aclCreateErrorOutOfTcam, pmapKey( "gold" ),
+                                               nullptr ) );
+   EXPECT_TRUE( helper->dirty() );
+   EXPECT_EQ( takeLogs(), Lines{ "QOS_POLICY_HW_RESOURCE_FULL: Insufficient hardware resources to "
+                                 "program the input policy-map gold." } );
+   EXPECT_TRUE( helper->unableToProgram( spKey( "gold" ) ) );
+   EXPECT_EQ( qosAclSliceHwStatus->status(), Qos::HwProgrammingStatus( 0 ) );
+   EXPECT_TRUE( helper->calls().empty() ) << "the cleanup waits for the next turn";
+   loop->runOnce();
+   EXPECT_EQ( helper->callsMatching( "cleanupForPMap" ), Lines{ "cleanupForPMap pmap=gold" } );
+   sm->setPolicyMapHwPrgmStatus( pmapKey( "gold" ) );
+   EXPECT_EQ( hwStatus( "gold" )->prgmStatus(), Qos::hwPrgmStatusFail_ );
+
+   // A new version compiles cleanly: one NORMAL, and the mark is gone.
+   policyMap( "gold" )->versionIs( 2 );
+   qosStatus->servicePolicyStatus( spKey( "gold" ) )->versionIs( 2 );
+   EXPECT_EQ( hwStatus( "gold" )->prgmStatus(), Qos::hwPrgmStatusSuccess_ );
+   EXPECT_EQ( hwStatus( "gold" )->prgmStatusErrMessage(), "Insufficient hardware resources" );
+   EXPECT_EQ( hwStatus( "gold" )->version(), 2u );
+   EXPECT_EQ( takeLogs(), Lines{ "QOS_POLICY_HW_RESOURCE_NORMAL: Programmed input policy-map "
+                                 "gold in hardware." } );
+   EXPECT_FALSE( helper->unableToProgramHas( spKey( "gold" ) ) );
+   sm->setPolicyMapHwPrgmStatus( pmapKey( "gold" ) );
+   EXPECT_TRUE( takeLogs().empty() );
+   EXPECT_EQ( pmapSm, sm->servicePolicySm( spKey( "gold" ) )->pmapSm( pmapKey( "gold" ) ) );
+}
+
+TEST_F( QosAclSmFixture, DeferredDeletionDoesNothingOnceTheMapIsClean ) {
+   start();
+   servicePolicyIs( "gold", 1, { "Ethernet1" } );
+   sm->updatePolicyMapErrorState( Nev::aclCreateErrorOutOfTcam, pmapKey( "gold" ), nullptr );
+   takeLogs();
+   helper->pmapState( pmapKey( "gold" ) )->dirtyIs( false );  // a rebuild came first
+   helper->clearCalls();
+   loop->runUntilIdle();
+   EXPECT_TRUE( helper->calls().empty() );
+}
+
+TEST_F( QosAclSmFixture, IgnoredErrorsAreNotFailures ) {
+   start();
+   servicePolicyIs( "gold", 1, { "Ethernet1" } );
+   auto aclData = Zub::make< Nev::AclData >( Nev::AclKey( Zub::Name( "a" ), Acl::ip() ) );
+   aclData->dirtyIs( true );
+   EXPECT_FALSE( sm->updatePolicyMapErrorState( Nev::aclCreateErrorRuleIgnored, pmapKey( "gold" ),
+                                                aclData ) );
+   EXPECT_FALSE( aclData->dirty() );
+   // An error for a map without state: the helper is dirty, the result true, nothing fires.
+   EXPECT_TRUE( sm->updatePolicyMapErrorState( Nev::aclCreateErrorOutOfTcam, pmapKey( "none" ),
+                                               aclData ) );
+   EXPECT_TRUE( aclData->dirty() );
+   EXPECT_TRUE( helper->dirty() );
+}
+
+TEST_F( QosAclSmFixture, TwoGroupsOneDirtyFailsTheServicePolicyButTheCleanOneIsVerifiable ) {
+   start();
+   helper->aclGroupIs( intf( "Ethernet2" ), Zub::Name( "grp2" ) );
+   servicePolicyIs( "gold", 1, { "Ethernet1", "Ethernet2" } );
+   helper->pmapState( pmapKey( "gold", "grp2" ) )->dirtyIs( true );
+   takeLogs();
+   helper->pmapState( pmapKey( "gold" ) )->readyToVerifyIs( false );
+   sm->setPolicyMapHwPrgmStatus( pmapKey( "gold" ) );
+   EXPECT_EQ( hwStatus( "gold" )->prgmStatus(), Qos::hwPrgmStatusFail_ );
+   EXPECT_TRUE( helper->pmapState( pmapKey( "gold" ) )->readyToVerify() );
+}
+
+TEST_F( QosAclSmFixture, AParkedSviIsReleasedByTheFirstInterfaceToArrive ) {
+   ncsd->intfsReadyIs( false );
+   helper->boolAnswerIs( "delaySviPmapSmCreation", true );
+   start();
+   servicePolicyIs( "gold", 1, { "Vlan10" } );
+   EXPECT_TRUE( sm->delayedSviIntfId().has( intf( "Vlan10" ) ) );
+   auto spSm = sm->servicePolicySm( spKey( "gold" ) );
+   EXPECT_EQ( spSm->pmapSmSize(), 0u );
+   ncsd->intfDel( Mirel::IntfId( "Ethernet2" ) );  // a removal releases nothing
+   EXPECT_TRUE( sm->delayedSviIntfId().has( intf( "Vlan10" ) ) );
+   ncsd->intfIs( Mirel::IntfId( "Ethernet7" ), true );
+   EXPECT_TRUE( sm->delayedSviIntfId().empty() );
+   EXPECT_EQ( spSm->pmapSmSize(), 1u );
+}
+
+TEST_F( QosAclSmFixture, RemovingTheServicePolicyDeletesItsMachineAndStatus ) {
+   start();
+   servicePolicyIs( "gold", 1, { "Ethernet1" } );
+   qosStatus->servicePolicyStatusDel( spKey( "gold" ) );
+   EXPECT_FALSE( sm->servicePolicySm( spKey( "gold" ) ) );
+   EXPECT_FALSE( hwStatus( "gold" ) );
+   EXPECT_FALSE( helper->pmapState( pmapKey( "gold" ) ) );
+}
+
+TEST_F( QosAclSmFixture, PolicersSubinterfacesAndDriverRequestsReachTheirHandlers ) {
+   auto policer = qosStatus->namedPolicerIs( Zub::Name( "police1" ) );
+   auto subIntf = subIntfStatusDir->intfStatusIs( Mirel::IntfId( "Ethernet1.10" ) );
+   start();
+   servicePolicyIs( "gold", 1, { "Ethernet1", "Ethernet2" } );
+   helper->clearCalls();
+
+   policer->paramChangeVersionIs( 1 );
+   subIntf->forwardingModelIs( Interface::forwardingModelRouted );
+   subIntfStatusDir->intfStatusDel( Mirel::IntfId( "Ethernet1.10" ) );
+   qosStatus->routedPortSubIntfQosAclSharingIs( true );
+   EXPECT_EQ( helper->calls(), ( Lines{ "updatePolicer policerName=police1",
+                                        "handleSubIntfForwardingModel intfId=Ethernet1.10",
+                                        "handleSubIntfDeletion intfId=Ethernet1.10",
+                                        "handleRoutedPortSubIntfAclSharing" } ) );
+
+   // The driver asks for one interface to be reprogrammed: removed, then added again.
+   helper->clearCalls();
+   helper->intfUpdateCallback( intf( "Ethernet2" ), Qos::directionInput_ );
+   EXPECT_EQ( helper->callsMatching( "batchCommitAclsIntf" ),
+              ( Lines{ "batchCommitAclsIntf pmap=gold intf=Ethernet2 add=false",
+                       "batchCommitAclsIntf pmap=gold intf=Ethernet2 add=true" } ) );
+
+   // The driver asks for every policy map anew: a new machine per service policy.
+   auto before = sm->servicePolicySm( spKey( "gold" ) );
+   helper->reprogramAllPMapsRequestTimeIs( loop->now() );
+   EXPECT_NE( sm->servicePolicySm( spKey( "gold" ) ), before );
+   EXPECT_EQ( hwStatus( "gold" )->prgmStatus(), Qos::hwPrgmStatusSuccess_ );
+}
+
+TEST_F( QosAclSmFixture, ACounterRequestStartsFromClearedClassCounters ) {
+   start();
+   servicePolicyIs( "gold", 1, { "Ethernet1" } );
+   auto cmap = hwStatus( "gold" )->cmapIs( Zub::Name( "gold-class0" ) );
+   auto policer = cmap->policerHwStatusIs( Zub::Name( "p" ) );
+   cmap->outCountIs( 5 );
+   cmap->dropBytesIs( 6 );
+   policer->pktInCountIs( 7 );
+   policer->yellowByteInCountIs( 8 );
+   sm->servicePolicySm( spKey( "gold" ) )->counterUpdateRequest();
+   EXPECT_EQ( cmap->outCount() + cmap->dropBytes(), 0u );
+   EXPECT_EQ( policer->pktInCount() + policer->yellowByteInCount(), 0u );
+}
+
+using QosAclSmDeathTest = QosAclSmFixture;
+
+TEST_F( QosAclSmDeathTest, DeletingTheControlPlaneMapTypeIsFatal ) {
+   qosStatus->pmapTypeIs( Qos::mapControlPlane_ );
+   qosStatus->pmapTypeIs( Qos::mapPdp_ );
+   start();
+   qosStatus->pmapTypeDel( Qos::mapPdp_ );  // ignored
+   EXPECT_TRUE( sm->pmapTypeSm( Qos::mapPdp_ ) );
+   EXPECT_DEATH( qosStatus->pmapTypeDel( Qos::mapControlPlane_ ),
+                 "Failed\\(false\\) Can't delete control-plane policy-map type" );
+}
+
+// ---- asynchronous road: the update queue ----
+
+class QosAclSmAsyncTest : public QosAclSmFixture {
+ protected:
+   void startAsync() {
+      helper->asyncTcamOperationsSupportedIs( true );
+      start();
+      servicePolicyIs( "gold", 1, { "Ethernet1" } );
+      loop->runUntilIdle();
+      helper->clearCalls();
+   }
+};
+
+TEST_F( QosAclSmAsyncTest, IdenticalRequestsInARowEnterOnce ) {
+   startAsync();
+   auto a = aclRequest( Nev::updateReasonAclChange, "acl-a", false );
+   auto b = aclRequest( Nev::updateReasonAclChange, "acl-b", false );
+   sm->enqueueRequestIs( a );
+   sm->enqueueRequestIs( a );
+   EXPECT_EQ( sm->pendingPolicyUpdate().size(), 1u );
+   sm->enqueueRequestIs( b );
+   sm->enqueueRequestIs( a );
+   EXPECT_EQ( sm->pendingPolicyUpdate().size(), 3u );
+}
+
+TEST_F( QosAclSmAsyncTest, OneOperationInFlightAndTheResultWakesTheQueue ) {
+   startAsync();
+   sm->pendingOperationTimeoutIs( 30.0 );
+   sm->enqueueRequestIs( aclRequest( Nev::updateReasonAclChange, "acl-a", false ) );
+   EXPECT_TRUE( helper->calls().empty() ) << "served on a later turn";
+   loop->runOnce();
+   EXPECT_EQ( helper->calls(),
+              ( Lines{ "precreateAcl pmap=gold option=matchOptionIpAcl aclKey=acl-a",
+                       "commitAcl option=matchOptionIpAcl aclKey=acl-a" } ) );
+   EXPECT_EQ( sm->asyncState(), Nev::asyncInProgress );
+   sm->enqueueRequestIs(
+         aclRequest( Nev::updateReasonIntfChange, "acl-a", false, intf( "Ethernet2" ) ) );
+   helper->clearCalls();
+   loop->runUntil( loop->now() + 10.0 );
+   EXPECT_TRUE( helper->calls().empty() ) << "the second request waits for the result";
+
+   helper->asyncOperationResultIs( Nev::AsyncOperationResult( "", 0.0 ) );  // no result
+   EXPECT_EQ( sm->asyncState(), Nev::asyncInProgress );
+   helper->completeAsync( "done" );
+   EXPECT_EQ( sm->asyncState(), Nev::asyncNone );
+   EXPECT_EQ( sm->error(), "done" );
+   EXPECT_EQ( helper->asyncOperationResult().time(), 0.0 ) << "cleared for the next result";
+   EXPECT_EQ( hwStatus( "gold" )->prgmStatus(), Qos::hwPrgmStatusSuccess_ );
+   loop->runOnce();
+   EXPECT_EQ( helper->calls(), ( Lines{ "updatePortForAcl pmap=gold option=matchOptionIpAcl "
+                                        "aclKey=acl-a intf=Ethernet2 add=true" } ) );
+}
+
+TEST_F( QosAclSmAsyncTest, TheTimeOutActsOnlyOnAPendingOperation ) {
+   startAsync();
+   sm->pendingOperationTimeoutIs( 5.0 );
+   sm->enqueueRequestIs( aclRequest( Nev::updateReasonAclChange, "acl-a", false ) );
+   loop->runOnce();
+   helper->clearCalls();
+   loop->runUntil( loop->now() + 60.0 );
+   EXPECT_EQ( sm->asyncState(), Nev::asyncInProgress ) << "in progress is never abandoned";
+   EXPECT_TRUE( helper->calls().empty() );
+
+   sm->asyncStateIs( Nev::asyncPending );
+   sm->pendingOperationTimeoutClock()->timeMinIs( loop->now() );
+   loop->runOnce();
+   EXPECT_EQ( helper->calls(), Lines{ "handlePendingOperationTimeout" } );
+   EXPECT_EQ( sm->error(), "Hardware commit timed out" );
+   EXPECT_EQ( sm->asyncState(), Nev::asyncNone );
+}
+
+TEST_F( QosAclSmAsyncTest, RemovingAnAclThatNeverReachedTheChipSkipsDestroyButCleansUp ) {
+   startAsync();
+   auto remove = aclRequest( Nev::updateReasonAclChange, "acl-a", true );
+   auto matchData = classData->matchData( Qos::matchOptionIpAcl );
+   ASSERT_EQ( matchData->aclData( Nev::AclKey( Zub::Name( "acl-a" ), Acl::ip() ) )->aclNumber(),
+              -1 );
+   sm->enqueueRequestIs( remove );
+   loop->runOnce();
+   EXPECT_EQ( helper->calls(),
+              Lines{ "cleanupAcl pmap=gold option=matchOptionIpAcl aclKey=acl-a" } );
+   EXPECT_EQ( sm->asyncState(), Nev::asyncNone );
+   EXPECT_FALSE( classData->matchDataHas( Qos::matchOptionIpAcl ) );
+}
+
+TEST_F( QosAclSmAsyncTest, RemovingAProgrammedAclDestroysItThenCleansUpOnTheResult ) {
+   startAsync();
+   auto remove = aclRequest( Nev::updateReasonAclChange, "acl-a", true );
+   auto aclData = classData->matchData( Qos::matchOptionIpAcl )
+                        ->aclData( Nev::AclKey( Zub::Name( "acl-a" ), Acl::ip() ) );
+   aclData->aclNumberIs( 0x307 );
+   aclData->installedIs( true );
+   sm->enqueueRequestIs( remove );
+   loop->runOnce();
+   EXPECT_EQ( helper->calls(),
+              Lines{ "destroyAcl pmap=gold option=matchOptionIpAcl aclKey=acl-a" } );
+   helper->completeAsync();
+   EXPECT_EQ( helper->calls().back(), "cleanupAcl pmap=gold option=matchOptionIpAcl aclKey=acl-a" );
+   EXPECT_EQ( aclData->aclNumber(), -1 );
+   EXPECT_TRUE( aclData->dirty() );
+   EXPECT_FALSE( aclData->installed() );
+   EXPECT_FALSE( classData->matchDataHas( Qos::matchOptionIpAcl ) );
+}
+
+// A chip whose operations take simulated time, so that a drain pass meets its budget.
+class SlowRecordingHelper : public RecordingQosAclHelper {
+ public:
+   using RecordingQosAclHelper::RecordingQosAclHelper;
+   void cleanupAcl( Nev::QosPolicyMapState const& ps, Nev::QosClassData const& cd,
+                    Qos::ClassMapMatchOption mo, Nev::AclKey const& ak ) override {
+      RecordingQosAclHelper::cleanupAcl( ps, cd, mo, ak );
+      Zub::activityManager()->timeIs( Zub::System::currentTime() + 0.3 );
+   }
+};
+
+TEST_F( QosAclSmAsyncTest, APassYieldsAfterItsBudgetOfSynchronousCompletions ) {
+   helper = Zub::make< SlowRecordingHelper >( qosStatus, qosAclSliceHwStatus, mainAclConfig );
+   startAsync();
+   for( char const* name : { "a1", "a2", "a3", "a4", "a5", "a6" } ) {
+      classData = nullptr;  // each removal ends its own class's match data
+      sm->enqueueRequestIs( aclRequest( Nev::updateReasonAclChange, name, true ) );
+   }
+   ASSERT_EQ( sm->pendingPolicyUpdate().size(), 6u );
+   loop->runOnce();
+   // 0.3 s each: the fourth request starts at 0.9 s, before the 1.0 s deadline, and ends it.
+   EXPECT_EQ( helper->callsMatching( "cleanupAcl" ).size(), 4u );
+   EXPECT_EQ( sm->pendingPolicyUpdate().size(), 2u );
+   EXPECT_TRUE( sm->tcamRequestClock()->timeMin() <= loop->now() ) << "the drain yielded";
+   loop->runOnce();
+   EXPECT_EQ( sm->pendingPolicyUpdate().size(), 0u );
+}
+
+TEST_F( QosAclSmAsyncTest, ConfigVersionIsStatedAfterEverythingQueuedBeforeIt ) {
+   startAsync();
+   sm->enqueueRequestIs( aclRequest( Nev::updateReasonAclChange, "acl-a", false ) );
+   qosStatus->configVersionUpdateTimeIs( 7.0 );
+   EXPECT_EQ( sm->pendingPolicyUpdate().size(), 2u );
+   loop->runOnce();
+   EXPECT_NE( qosAclSliceHwStatus->configVersionUpdateTime(), 7.0 );
+   helper->completeAsync();
+   loop->runOnce();
+   EXPECT_DOUBLE_EQ( qosAclSliceHwStatus->configVersionUpdateTime(), 7.0 );
+}
+
+TEST_F( QosAclSmAsyncTest, ADeletedServicePolicyGoesAtOnceAndMayComeBackBeforeTheQueueIsServed ) {
+   startAsync();
+   auto const old = sm->servicePolicySm( spKey( "gold" ) );
+   qosStatus->servicePolicyStatusDel( spKey( "gold" ) );
+   EXPECT_FALSE( sm->servicePolicySm( spKey( "gold" ) ) );
+   EXPECT_FALSE( hwStatus( "gold" ) );
+   EXPECT_EQ( sm->pendingPolicyUpdate().size(), 1u ) << "the map's leaving, still to be served";
+
+   qosStatus->servicePolicyStatusIs( spKey( "gold" ) )->intfIdsIs( intf( "Ethernet1" ), true );
+   auto const again = sm->servicePolicySm( spKey( "gold" ) );
+   ASSERT_TRUE( again );
+   EXPECT_NE( again, old );
+   loop->runUntilIdle();
+   EXPECT_EQ( sm->asyncState(), Nev::asyncNone );
+   EXPECT_TRUE( again->pmapSm( pmapKey( "gold" ) ) ) << "the queue leaves the new map alone";
+   EXPECT_EQ( hwStatus( "gold" )->prgmStatus(), Qos::hwPrgmStatusSuccess_ );
+}
+
+}  // namespace
+}  // namespace NevQosTest

@@ -1,0 +1,78 @@
+#include "NevQos/policy/QosPolicyMapSm.h"
+#include "NevQos/policy/QosPolicyUpdateRequest.h"
+
+#include <gtest/gtest.h>
+
+#include "zub/Exception.h"
+
+namespace {
+
+using Nev::QosPolicyUpdateRequest;
+
+TEST( QosPolicyUpdateRequestTest, EmptyRequest ) {
+   QosPolicyUpdateRequest empty;
+   EXPECT_TRUE( !empty );
+   EXPECT_EQ( empty, QosPolicyUpdateRequest( Nev::updateReasonPolicyChange, "", false ) );
+   EXPECT_EQ( empty.pmapKey(), Nev::QosPolicyMapKey() );
+   EXPECT_EQ( empty.intfPair(), Qos::IntfPairKey() );
+   EXPECT_FALSE( !QosPolicyUpdateRequest( Nev::updateReasonPolicyChange, "", true ) );
+   QosPolicyUpdateRequest withKey;
+   withKey.pmapKeyIs( Nev::QosPolicyMapKey( "p", Qos::mapQos_, Qos::directionInput_ ) );
+   EXPECT_FALSE( !withKey );
+}
+
+TEST( QosPolicyUpdateRequestTest, OrdersFieldByField ) {
+   using R = QosPolicyUpdateRequest;
+   EXPECT_LT( R( Nev::updateReasonAclChange, "z", true ),
+              R( Nev::updateReasonIntfChange, "a", false ) );
+   EXPECT_LT( R( Nev::updateReasonAclChange, "a", true ),
+              R( Nev::updateReasonAclChange, "b", false ) );
+   EXPECT_LT( R( Nev::updateReasonAclChange, "a", false ),
+              R( Nev::updateReasonAclChange, "a", true ) );
+
+   // policyData compares by identity, before pmapKey and intfPair.
+   auto d1 = Zub::make< Nev::QosPolicyMapClassData >( nullptr, nullptr, nullptr );
+   auto d2 = Zub::make< Nev::QosPolicyMapClassData >( nullptr, nullptr, nullptr );
+   R a( Nev::updateReasonAclChange, "k", false ), b( a );
+   a.policyDataIs( d1 );
+   b.policyDataIs( d2 );
+   b.pmapKeyIs( Nev::QosPolicyMapKey( "", Qos::mapControlPlane_, Qos::directionInput_, "" ) );
+   EXPECT_NE( a, b );
+   EXPECT_EQ( a < b, d1.ptr() < d2.ptr() );
+   b.policyDataIs( d1 );
+   EXPECT_LT( b, a );  // "" group before "Default"
+   b.pmapKeyIs( a.pmapKey() );
+   EXPECT_EQ( a, b );
+   b.intfPairIs( Qos::IntfPairKey( Mirel::IntfId( "Ethernet1" ) ) );
+   EXPECT_LT( a, b );
+}
+
+TEST( QosPolicyUpdateRequestTest, ValueFormRoundTrips ) {
+   QosPolicyUpdateRequest r( Nev::updateReasonIntfChange, "pmapSmDel", true );
+   r.pmapKeyIs( Nev::QosPolicyMapKey( "p", Qos::mapPdp_, Qos::directionOutput_ ) );
+   r.intfPairIs( Qos::IntfPairKey( Mirel::IntfId( "Ethernet7" ) ) );
+   Zub::String text = valueToStrep( r );
+   EXPECT_EQ( text,
+              "Value('Nev::QosPolicyUpdateRequest', ** {'reasonType': 'updateReasonIntfChange', "
+              "'reasonKey': 'pmapSmDel', 'remove': True, 'policyData': None, 'pmapKey': "
+              "Value('Nev::QosPolicyMapKey', ** {'pmapName': 'p', 'pmapType': 'mapPdp', "
+              "'direction': 'output', 'aclGroup': 'Default'}), 'intfPair': "
+              "Value('Qos::IntfPairKey', ** {'intfId': 'Ethernet7', 'lagIntfId': ''})})" );
+   EXPECT_EQ( QosPolicyUpdateRequest( text.begin(), text.end() ), r );
+   // A request that points at class data prints the pointer, which cannot be read back.
+   r.policyDataIs( Zub::make< Nev::QosPolicyMapClassData >( nullptr, nullptr, nullptr ) );
+   Zub::String withData = valueToStrep( r );
+   EXPECT_THROW( QosPolicyUpdateRequest( withData.begin(), withData.end() ), Zub::ParseException );
+}
+
+TEST( QosPolicyUpdateRequestTest, ReasonTexts ) {
+   for( auto reason : { Nev::updateReasonPolicyChange, Nev::updateReasonConfigVersionUpdateTime,
+                        Nev::updateReasonAclChange, Nev::updateReasonIntfChange } ) {
+      EXPECT_EQ( Nev::QosPolicyUpdateReasonInstance( stringValue( reason ) ), reason );
+   }
+   EXPECT_EQ( stringValue( Nev::updateReasonConfigVersionUpdateTime ),
+              "updateReasonConfigVersionUpdateTime" );
+   EXPECT_THROW( Nev::QosPolicyUpdateReasonInstance( "updateReasonNone" ), Zub::RangeException );
+}
+
+}  // namespace

@@ -1,0 +1,81 @@
+// The few behaviours of the input and status entities that the engine relies on beyond the
+// declarations themselves. Every entity header is included, so that a declaration no user
+// includes yet still has to compile.
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <vector>
+
+#include "entities/AclConfig.h"
+#include "entities/AclHwStatus.h"
+#include "entities/AclSliceHwStatus.h"
+#include "entities/CounterConfig.h"
+#include "entities/EthPhyIntfStatus.h"
+#include "entities/HwEpochStatus.h"
+#include "entities/HwStatus.h"
+#include "entities/InputConfig.h"
+#include "entities/QosStatus.h"
+#include "entities/SliceHwStatus.h"
+#include "entities/SubIntfStatus.h"
+#include "nev/KernelCoPPConfig.h"
+#include "nev/KernelCoPPStatus.h"
+#include "nev/NexthopGroupStatus.h"
+#include "support/OneAtATime.h"
+
+namespace {
+
+// A global map slot without configuration reads as its type's sentinel, which tells the
+// reader to fall back to the chip's default; writing the sentinel back unconfigures it.
+TEST( StatusEntitiesTest, UnconfiguredMapSlotReadsAsSentinel ) {
+   auto status = Zub::make< Qos::Status >( Zub::Name( "qos" ) );
+   EXPECT_FALSE( status->cosToTcMap( Qos::Cos( 3 ) ).isValid() );
+   EXPECT_EQ( status->tcToTxQueueMap( Qos::TrafficClass( 16 ) ).value(), 16 );
+   EXPECT_EQ( status->tcToDscpMap( Qos::TrafficClass( 0 ) ).value(), 64 );
+   status->cosToTcMapIs( Qos::Cos( 3 ), Qos::TrafficClass( 5 ) );
+   EXPECT_EQ( status->cosToTcMap( Qos::Cos( 3 ) ).value(), 5 );
+   status->cosToTcMapIs( Qos::Cos( 3 ), Qos::TrafficClass() );
+   EXPECT_FALSE( status->cosToTcMap( Qos::Cos( 3 ) ).isValid() );
+
+   // The chip's own defaults are real values, not sentinels.
+   auto hw = Zub::make< Qos::HwStatus >( Zub::Name( "hw" ) );
+   EXPECT_TRUE( hw->defaultDropPrecedence().isValid() );
+   EXPECT_TRUE( hw->defaultCos().isValid() );
+   EXPECT_TRUE( hw->defaultDscp().isValid() );
+}
+
+// Matches and actions know their own key, and walk in ascending order of it.
+TEST( StatusEntitiesTest, MatchesAndActionsWalkInKeyOrder ) {
+   auto cmap = Zub::make< Qos::ClassMapStatus >( Zub::Name( "c1" ) );
+   cmap->matchIs( Qos::matchOptionMac )->strValueIs( "macAcl" );
+   cmap->matchIs( Qos::matchOptionIpAcl )->strValueIs( "ipAcl" );
+   auto it = cmap->match().iter();
+   EXPECT_EQ( ( *it )->option(), Qos::matchOptionIpAcl );
+   EXPECT_EQ( ( *it )->strValue(), "ipAcl" );
+   ++it;
+   EXPECT_EQ( ( *it )->option(), Qos::matchOptionMac );
+
+   auto caction = Zub::make< Qos::ClassAction >( Zub::Name( "c1" ) );
+   caction->actionIs( Qos::actionSetTc_ )->valueIs( 3 );
+   caction->actionIs( Qos::actionSetDscp_ )->valueIs( 46 );
+   EXPECT_EQ( ( *caction->action().iter() )->actionType(), Qos::actionSetDscp_ );
+   EXPECT_EQ( caction->action( Qos::actionSetTc_ )->value(), 3u );
+}
+
+TEST( StatusEntitiesTest, ModIdPortQueueKey ) {
+   Nev::ModIdPortQueueKey a( 1, 2, 3 ), b( 1, 3, 0 );
+   EXPECT_LT( a, b );
+   EXPECT_TRUE( !Nev::ModIdPortQueueKey() );
+   EXPECT_FALSE( !a );
+
+   std::vector< std::uint8_t > bytes;
+   TypesTest::appendLe( bytes, 1, 4 );
+   TypesTest::appendLe( bytes, 2, 4 );
+   TypesTest::appendLe( bytes, 3, 4 );
+   EXPECT_EQ( a.hash(), TypesTest::oneAtATime( bytes ) );
+
+   std::ostringstream os;
+   os << a;
+   EXPECT_EQ( os.str(), "Value('Nev::ModIdPortQueueKey', ** {'modId': 1, 'port': 2, 'queue': 3})" );
+}
+
+}  // namespace

@@ -1,0 +1,51 @@
+#include "support/SimProgram.h"
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <fstream>
+#include <sstream>
+#include <string>
+
+namespace NevQosTest {
+
+namespace {
+
+std::string quoted( std::string const& s ) {
+   return "'" + s + "'";
+}
+
+}  // namespace
+
+SimRun runSim( std::vector< std::string > const& args ) {
+   // One file per run: ctest runs the tests in parallel processes, which share the directory.
+   static int runs = 0;
+   std::string const errFile = ::testing::TempDir() + "nevqos-sim-" + std::to_string( getpid() ) +
+                               "-" + std::to_string( ++runs ) + ".err";
+   std::string command = quoted( NEVQOS_SIM_PROGRAM );
+   for( std::string const& a : args )
+      command += " " + quoted( a );
+   command += " 2>" + quoted( errFile );
+   SimRun run;
+   FILE* pipe = popen( command.c_str(), "r" );
+   if( !pipe ) return run;
+   char buf[ 4096 ];
+   for( std::size_t n; ( n = fread( buf, 1, sizeof buf, pipe ) ) > 0; )
+      run.out.append( buf, n );
+   int const status = pclose( pipe );
+   run.exitCode = WIFEXITED( status ) ? WEXITSTATUS( status ) : -1;
+   std::ifstream in( errFile );
+   std::ostringstream err;
+   err << in.rdbuf();
+   run.err = err.str();
+   std::remove( errFile.c_str() );
+   return run;
+}
+
+std::string example( std::string const& name ) {
+   return std::string( NEVQOS_EXAMPLES_DIR ) + "/" + name;
+}
+
+}  // namespace NevQosTest
