@@ -15,12 +15,12 @@
 #include <string_view>
 #include <type_traits>
 
+#include "NevQos/policy/QosPolicyUpdateRequest.h"
 #include "NevQos/types/IntfUpdateCallbackData.h"
 #include "NevQos/types/L2ParamsInfo.h"
 #include "NevQos/types/QosClassDataKey.h"
 #include "NevQos/types/QosClassMapKey.h"
 #include "NevQos/types/QosPolicyMapKey.h"
-#include "NevQos/policy/QosPolicyUpdateRequest.h"
 #include "NevQos/types/TcpFlag.h"
 #include "entities/QosTypes.h"
 #include "mirel/IntfId.h"

@@ -71,7 +71,8 @@ bool readRows( std::string const& cell, std::set< int >& rows ) {
       if( !std::regex_match( part, m, item ) ) return false;
       int const low = std::stoi( m[ 1 ] );
       int const high = m[ 2 ].matched ? std::stoi( m[ 2 ] ) : low;
-      for( int r = low; r <= high; ++r ) rows.insert( r );
+      for( int r = low; r <= high; ++r )
+         rows.insert( r );
    }
    return true;
 }
@@ -170,8 +171,8 @@ std::vector< std::string > checkIncludes( LayerTable& table,
          continue;
       }
       findings.push_back( where + "includes " + inc.header + ": " + from + " (row " +
-                          std::to_string( fromRow->second ) + ") may not include " + to +
-                          " (row " + std::to_string( toRow->second ) + ")" );
+                          std::to_string( fromRow->second ) + ") may not include " + to + " (row " +
+                          std::to_string( toRow->second ) + ")" );
    }
    for( UpwardInclude const& u : table.upward ) {
       if( !u.used ) {
@@ -182,7 +183,8 @@ std::vector< std::string > checkIncludes( LayerTable& table,
    return findings;
 }
 
-std::vector< Include > includesUnder( fs::path const& top, std::vector< std::string > const& roots ) {
+std::vector< Include > includesUnder( fs::path const& top,
+                                      std::vector< std::string > const& roots ) {
    std::vector< Include > includes;
    static std::regex const quoted( R"re(^\s*#\s*include\s*"([^"]+)")re" );
    for( std::string const& root : roots ) {
@@ -196,7 +198,8 @@ std::vector< Include > includesUnder( fs::path const& top, std::vector< std::str
          while( std::getline( in, line ) ) {
             ++number;
             std::smatch m;
-            if( std::regex_search( line, m, quoted ) ) includes.push_back( { file, number, m[ 1 ] } );
+            if( std::regex_search( line, m, quoted ) )
+               includes.push_back( { file, number, m[ 1 ] } );
          }
       }
    }
@@ -205,7 +208,8 @@ std::vector< Include > includesUnder( fs::path const& top, std::vector< std::str
 
 std::string joined( std::vector< std::string > const& lines ) {
    std::string out;
-   for( auto const& l : lines ) out += l + "\n";
+   for( auto const& l : lines )
+      out += l + "\n";
    return out;
 }
 
@@ -258,14 +262,14 @@ TEST( LayersTest, TheCheckerFindsUpwardIncludesAndStaleExceptions ) {
    LayerTable table = readLayerTable( doc );
    EXPECT_EQ( table.rowOf.size(), 4u );
    std::vector< Include > const includes = {
-      { "NevQos/policy/A.cc", 1, "NevQos/helpers/H.h" },   // downward: fine
-      { "NevQos/policy/A.cc", 2, "NevQos/policy/A.h" },    // own folder: fine
-      { "NevQos/types/T.h", 3, "zub/Ptr.h" },              // platform root: fine
-      { "NevQos/types/T.cc", 4, "NevQos/policy/Queue.h" }, // named upward include: fine
-      { "NevQos/types/T.cc", 5, "NevQos/policy/Other.h" }, // not through the named file
-      { "NevQos/helpers/H.h", 6, "NevQos/policy/A.h" },    // upward
-      { "NevQos/helpers/H.h", 7, "NevQos/other/O.h" },     // no row
-      { "sim/chip/C.cc", 8, "NevQos/types/T.h" },          // no row for the source's folder
+      { "NevQos/policy/A.cc", 1, "NevQos/helpers/H.h" },    // downward: fine
+      { "NevQos/policy/A.cc", 2, "NevQos/policy/A.h" },     // own folder: fine
+      { "NevQos/types/T.h", 3, "zub/Ptr.h" },               // platform root: fine
+      { "NevQos/types/T.cc", 4, "NevQos/policy/Queue.h" },  // named upward include: fine
+      { "NevQos/types/T.cc", 5, "NevQos/policy/Other.h" },  // not through the named file
+      { "NevQos/helpers/H.h", 6, "NevQos/policy/A.h" },     // upward
+      { "NevQos/helpers/H.h", 7, "NevQos/other/O.h" },      // no row
+      { "sim/chip/C.cc", 8, "NevQos/types/T.h" },           // no row for the source's folder
    };
    EXPECT_EQ( joined( checkIncludes( table, includes ) ),
               "NevQos/types/T.cc:5: includes NevQos/policy/Other.h: NevQos/types (row 2) may not "
@@ -280,8 +284,9 @@ TEST( LayersTest, TheCheckerFindsUpwardIncludesAndStaleExceptions ) {
 }
 
 TEST( LayersTest, AnUnreadableRowIsAFinding ) {
-   std::istringstream doc( "## Layers\n| Row | Folder | What | Stands on |\n|---|---|---|---|\n"
-                           "| 1 | `platform/zub` | base | one |\n" );
+   std::istringstream doc(
+         "## Layers\n| Row | Folder | What | Stands on |\n|---|---|---|---|\n"
+         "| 1 | `platform/zub` | base | one |\n" );
    LayerTable table = readLayerTable( doc );
    auto const findings = checkIncludes( table, {} );
    ASSERT_EQ( findings.size(), 2u );

@@ -18,8 +18,8 @@
 #include <cstdint>
 #include <optional>
 
-#include "NevQos/types/CbfFecMap.h"
 #include "NevQos/helpers/CbfFecMappingHelper.h"
+#include "NevQos/types/CbfFecMap.h"
 #include "entities/FecOverride.h"
 #include "kesh/TimerTask.h"
 #include "nev/FecIdToHwFecId.h"

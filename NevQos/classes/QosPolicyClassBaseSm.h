@@ -7,8 +7,8 @@
 #include <cstdint>
 
 #include "NevQos/classes/QosClassActionSm.h"
-#include "NevQos/types/QosClassData.h"
 #include "NevQos/match/QosClassMatchSm.h"
+#include "NevQos/types/QosClassData.h"
 #include "NevQos/types/QosClassMapKey.h"
 #include "entities/AclSliceHwStatus.h"
 #include "entities/ClassMapStatus.h"

@@ -17,12 +17,12 @@
 #include <cstdint>
 
 #include "NevQos/helpers/ModIdQueueKeys.h"
-#include "NevQos/types/QosPolicyMapState.h"
 #include "NevQos/types/AclCreateError.h"
 #include "NevQos/types/IntfUpdateCallbackData.h"
 #include "NevQos/types/QosClassCounterData.h"
 #include "NevQos/types/QosClassMapKey.h"
 #include "NevQos/types/QosPolicyMapKey.h"
+#include "NevQos/types/QosPolicyMapState.h"
 #include "NevQos/types/TcpFlag.h"
 #include "entities/AclConfig.h"
 #include "entities/AclRuleConfig.h"

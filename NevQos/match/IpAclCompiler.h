@@ -5,9 +5,9 @@
 
 #include <cstdint>
 
+#include "NevQos/types/AclCreateError.h"
 #include "NevQos/types/QosClassData.h"
 #include "NevQos/types/QosPolicyMapState.h"
-#include "NevQos/types/AclCreateError.h"
 #include "entities/AclConfig.h"
 #include "entities/AclRuleConfig.h"
 #include "nev/AclData.h"

@@ -14,9 +14,9 @@
 #include <utility>
 #include <vector>
 
-#include "NevQos/types/QosClassData.h"
 #include "NevQos/types/AclCreateError.h"
 #include "NevQos/types/L2ParamsInfo.h"
+#include "NevQos/types/QosClassData.h"
 #include "entities/AclRuleConfig.h"
 #include "entities/ClassMapMatchValues.h"
 #include "entities/ClassMapStatus.h"

@@ -6,9 +6,9 @@
 
 #include <cstdint>
 
-#include "NevQos/types/QosClassData.h"
-#include "NevQos/types/QosClassCounterData.h"
 #include "NevQos/policy/QosPolicyUpdateRequest.h"
+#include "NevQos/types/QosClassCounterData.h"
+#include "NevQos/types/QosClassData.h"
 #include "entities/QosTypes.h"
 #include "nev/AclData.h"
 #include "nev/AclKey.h"

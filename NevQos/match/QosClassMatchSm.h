@@ -5,15 +5,15 @@
 
 #include <cstdint>
 
-#include "NevQos/types/QosClassData.h"
 #include "NevQos/match/QosClassMatchAclSm.h"
 #include "NevQos/match/QosClassMatchDefaultSm.h"
 #include "NevQos/match/QosClassMatchMplsTrafficClassSm.h"
 #include "NevQos/match/QosClassMatchOptionSm.h"
 #include "NevQos/policy/QosPolicyMapClassData.h"
-#include "NevQos/types/QosClassCounterData.h"
-#include "NevQos/types/QosClassMapKey.h"
 #include "NevQos/policy/QosPolicyUpdateRequest.h"
+#include "NevQos/types/QosClassCounterData.h"
+#include "NevQos/types/QosClassData.h"
+#include "NevQos/types/QosClassMapKey.h"
 #include "entities/ClassMapStatus.h"
 #include "entities/QosTypes.h"
 #include "nev/AclKey.h"

@@ -5,12 +5,12 @@
 
 #include <cstdint>
 
-#include "NevQos/policy/QosCounterUpdateSm.h"
 #include "NevQos/helpers/QosAclHelper.h"
 #include "NevQos/policy/QosAclTypeConfigSm.h"
+#include "NevQos/policy/QosCounterUpdateSm.h"
 #include "NevQos/policy/QosPolicyMapTypeSm.h"
-#include "NevQos/policy/QosServicePolicySm.h"
 #include "NevQos/policy/QosPolicyUpdateRequest.h"
+#include "NevQos/policy/QosServicePolicySm.h"
 #include "entities/AclConfig.h"
 #include "entities/AclHwStatus.h"
 #include "entities/AclSliceHwStatus.h"

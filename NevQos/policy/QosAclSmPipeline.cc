@@ -2,8 +2,8 @@
 // that must reach the hardware becomes a request here, and one request at a time is turned into
 // helper calls.
 #include "NevQos/log/TraceHandles.h"
-#include "NevQos/policy/QosPolicyMapClassData.h"
 #include "NevQos/policy/QosAclSm.h"
+#include "NevQos/policy/QosPolicyMapClassData.h"
 #include "NevQos/policy/QosPolicyMapSm.h"
 #include "nev/AclData.h"
 #include "zub/Assert.h"

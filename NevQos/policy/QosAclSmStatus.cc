@@ -3,8 +3,8 @@
 // system log.
 #include "NevQos/log/QosLogHandles.h"
 #include "NevQos/log/TraceHandles.h"
-#include "NevQos/policy/QosPolicyMapClassData.h"
 #include "NevQos/policy/QosAclSm.h"
+#include "NevQos/policy/QosPolicyMapClassData.h"
 #include "NevQos/policy/QosPolicyMapSm.h"
 #include "nev/AclData.h"
 #include "zub/Assert.h"

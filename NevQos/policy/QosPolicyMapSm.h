@@ -7,9 +7,9 @@
 #include <tuple>
 
 #include "NevQos/classes/QosPolicyClassSm.h"
-#include "NevQos/types/QosPolicyMapState.h"
 #include "NevQos/types/QosClassMapKey.h"
 #include "NevQos/types/QosPolicyMapKey.h"
+#include "NevQos/types/QosPolicyMapState.h"
 #include "entities/AclSliceHwStatus.h"
 #include "entities/ClassMapStatus.h"
 #include "entities/PolicyMapStatus.h"

@@ -9,11 +9,11 @@
 #include "NevQos/policy/QosPolicyMapClassData.h"
 #include "NevQos/types/QosPolicyMapKey.h"
 #include "entities/QosTypes.h"
-#include "zub/ValueText.h"
 #include "nev/AclKey.h"
 #include "zub/Ptr.h"
 #include "zub/Strep.h"
 #include "zub/String.h"
+#include "zub/ValueText.h"
 
 namespace Nev {
 

@@ -5,11 +5,11 @@
 
 #include <cstdint>
 
-#include "NevQos/types/QosClassActionData.h"
-#include "NevQos/types/QosPolicerData.h"
 #include "NevQos/types/ClassMapMatchL2Params.h"
-#include "NevQos/types/QosClassMatchData.h"
+#include "NevQos/types/QosClassActionData.h"
 #include "NevQos/types/QosClassDataKey.h"
+#include "NevQos/types/QosClassMatchData.h"
+#include "NevQos/types/QosPolicerData.h"
 #include "entities/ClassMapMatchValues.h"
 #include "entities/QosTypes.h"
 #include "mirel/IntfId.h"

@@ -2,8 +2,8 @@
 
 #include <ostream>
 
-#include "zub/ValueText.h"
 #include "zub/Exception.h"
+#include "zub/ValueText.h"
 
 namespace NevHelper {
 

@@ -10,10 +10,10 @@
 #include <iosfwd>
 #include <utility>
 
-#include "zub/ValueText.h"
 #include "mirel/Ip6AddrWithMask.h"
 #include "mirel/IpAddrWithMask.h"
 #include "zub/String.h"
+#include "zub/ValueText.h"
 
 namespace Acl {
 

@@ -9,11 +9,11 @@
 #include <utility>
 
 #include "entities/QosUnits.h"
-#include "zub/ValueText.h"
 #include "mirel/IntfId.h"
 #include "zub/Exception.h"
 #include "zub/Strep.h"
 #include "zub/String.h"
+#include "zub/ValueText.h"
 
 namespace Qos {
 

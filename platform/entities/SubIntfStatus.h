@@ -3,9 +3,9 @@
 
 #include <cstdint>
 
-#include "zub/ValueText.h"
 #include "mirel/IntfId.h"
 #include "zub/Entity.h"
+#include "zub/ValueText.h"
 
 namespace Interface {
 

@@ -52,7 +52,8 @@ std::optional< std::vector< Rule > > parseEnableList( std::string_view enableLis
    while( !enableList.empty() ) {
       auto comma = enableList.find( ',' );
       std::string_view item = enableList.substr( 0, comma );
-      enableList = comma == std::string_view::npos ? std::string_view() : enableList.substr( comma + 1 );
+      enableList =
+            comma == std::string_view::npos ? std::string_view() : enableList.substr( comma + 1 );
       if( item.empty() ) continue;
       auto slash = item.find( '/' );
       std::string_view name = item.substr( 0, slash );

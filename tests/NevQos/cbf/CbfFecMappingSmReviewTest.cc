@@ -48,8 +48,7 @@ Lines logsOf( Sim::SimSwitch const& sw ) {
    return out;
 }
 
-TEST( CbfFecMappingSmReviewTest,
-      RefusedOverridesBeyondOneRunAreRetriedOnceASecondUntilSettled ) {
+TEST( CbfFecMappingSmReviewTest, RefusedOverridesBeyondOneRunAreRetriedOnceASecondUntilSettled ) {
    // 165 overrides, 64 slots (the default chip), 100 keys to a run of the review task.
    Sim::Scenario const s = Sim::loadScenarioText( manyOverrides( 165 ), "many.yaml" );
    Sim::SimSwitch sw( s );

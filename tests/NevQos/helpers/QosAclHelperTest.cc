@@ -45,9 +45,10 @@ class QosAclHelperTest : public ::testing::Test {
                                     Zub::make< Acl::Config >( Zub::Name( "acl" ) ) );
    QosPolicyMapKey const gold{ Zub::Name( "gold" ), Qos::mapQos_, Qos::directionInput_ };
    Zub::Ptr< Nev::QosPolicyMapState > ps = helper->pmapStateIs( gold );
-   Zub::Ptr< Nev::QosClassData > const classData = Zub::make< Nev::QosClassData >(
-         Nev::QosClassDataKey( QosPolicyMapKey{ Zub::Name( "gold" ), Qos::mapQos_, Qos::directionInput_ },
-                               Zub::Name( "c1" ), Qos::mapQos_, Zub::Name( "Default" ) ) );
+   Zub::Ptr< Nev::QosClassData > const classData =
+         Zub::make< Nev::QosClassData >( Nev::QosClassDataKey(
+               QosPolicyMapKey{ Zub::Name( "gold" ), Qos::mapQos_, Qos::directionInput_ },
+               Zub::Name( "c1" ), Qos::mapQos_, Zub::Name( "Default" ) ) );
    Nev::QosClassData const& cd = *classData;
    Nev::AclKey const ak{ Zub::Name( "acl-1" ), Acl::ip() };
    Nev::ModIdPortQueueKey const queue{ 1, 2, 3 };
@@ -70,9 +71,9 @@ TEST_F( QosAclHelperDeathTest, UnimplementedOperationsStopWithTheirOwnText ) {
       { "hwInit", [ this ] { helper->hwInit(); }, "Unimplemented function QosAclHelper::hwInit()" },
       { "createIpAclSubrule",
         [ this ] {
-           helper->createIpAclSubrule( Acl::ip(), Acl::RuleConfig(), Acl::UniqueId( 1 ),
-                                       *ps, cd, ak, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0,
-                                       false, 0, 0 );
+           helper->createIpAclSubrule( Acl::ip(), Acl::RuleConfig(), Acl::UniqueId( 1 ), *ps, cd,
+                                       ak, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, false, 0,
+                                       0 );
         },
         "Call to unimplemented function QosSm::createIpAclSubrule" },
       { "commitAcl", [ this, mo ] { helper->commitAcl( cd, mo, ak ); },
@@ -124,12 +125,12 @@ TEST_F( QosAclHelperDeathTest, DdeCoppQueriesAssertEvenOnANoOpAgent ) {
 TEST_F( QosAclHelperTest, AnEmptyNoOpSwitchCountsAsSetAndGivesTheNeutralAnswers ) {
    setenv( "NEV_NOOP_AGENT", "", 1 );
    auto const mo = Qos::matchOptionVlan;
-   EXPECT_EQ( helper->createIpAclSubrule( Acl::ipv6(), Acl::RuleConfig(),
-                                          Acl::UniqueId( 1 ), *ps, cd, ak, 0, 0, 0, 0, 0, 0, 0, 0,
-                                          0, 0, 0, 0, 0, 0, 0, true, 0, 0 ),
-              Nev::aclCreateErrorNone );
-   EXPECT_EQ( helper->createIpFragRule( *ps, cd, ak, Acl::IpRuleConfig(),
-                                        Acl::UniqueId( 1 ), 0, 0, 0, 0 ),
+   EXPECT_EQ(
+         helper->createIpAclSubrule( Acl::ipv6(), Acl::RuleConfig(), Acl::UniqueId( 1 ), *ps, cd,
+                                     ak, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, true, 0, 0 ),
+         Nev::aclCreateErrorNone );
+   EXPECT_EQ( helper->createIpFragRule( *ps, cd, ak, Acl::IpRuleConfig(), Acl::UniqueId( 1 ), 0, 0,
+                                        0, 0 ),
               Nev::aclCreateErrorNone );
    EXPECT_EQ( helper->createDefaultRule( *ps, cd, mo, ak ), Nev::aclCreateErrorNone );
    EXPECT_EQ( helper->createDscpEcnRule( *ps, cd, mo, ak, 0 ), Nev::aclCreateErrorNone );

@@ -3,8 +3,8 @@
 // entries must be those worked out from the rules alone.
 #include <gtest/gtest.h>
 
-#include "support/QosAclSmFixture.h"
 #include "sim/classbench/ClassBench.h"
+#include "support/QosAclSmFixture.h"
 
 namespace NevQosTest {
 namespace {

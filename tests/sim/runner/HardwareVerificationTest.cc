@@ -6,11 +6,11 @@
 #include <string>
 #include <vector>
 
-#include "support/QosAclSmFixture.h"
-#include "support/SimProgram.h"
 #include "sim/chip/SimQosAclHelper.h"
 #include "sim/runner/SimSwitch.h"
 #include "sim/scenario/ScenarioLoader.h"
+#include "support/QosAclSmFixture.h"
+#include "support/SimProgram.h"
 
 namespace NevQosTest {
 namespace {

@@ -6,9 +6,9 @@
 #include <fstream>
 #include <string>
 
-#include "support/SimProgram.h"
 #include "sim/runner/SimSwitch.h"
 #include "sim/scenario/ScenarioLoader.h"
+#include "support/SimProgram.h"
 
 namespace NevQosTest {
 namespace {

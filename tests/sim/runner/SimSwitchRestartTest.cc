@@ -8,10 +8,10 @@
 #include <string>
 #include <vector>
 
-#include "support/SimProgram.h"
 #include "sim/chip/ChipText.h"
 #include "sim/runner/SimSwitch.h"
 #include "sim/scenario/ScenarioLoader.h"
+#include "support/SimProgram.h"
 #include "zub/Trace.h"
 
 namespace NevQosTest {

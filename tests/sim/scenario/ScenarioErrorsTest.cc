@@ -47,7 +47,8 @@ TEST( ScenarioErrorsTest, TextThatIsNotOneYamlMapping ) {
          { "- chip\n", "bad.yaml:1:1: scenario: expected a mapping, found a sequence" },
          // The JSON report holds UTF-8 only: a stray byte, a truncated sequence at the end, an
          // overlong form and a surrogate are refused where they stand.
-         { "chip: {}\ndescription: \"a\xec" "b\"\n",
+         { "chip: {}\ndescription: \"a\xec"
+           "b\"\n",
            "bad.yaml:2:16: the text is not UTF-8 (byte 0xec)" },
          { "description: x\xc3", "bad.yaml:1:15: the text is not UTF-8 (byte 0xc3)" },
          { "description: \xc0\xaf\n", "bad.yaml:1:14: the text is not UTF-8 (byte 0xc0)" },
