@@ -24,10 +24,8 @@ struct CbfRule {
 class SimCbfFecMappingHelper : public NevHelper::CbfFecMappingHelper {
  public:
    using NotReady = std::function< bool() >;
-   // `notReady` tells whether the table is not ready now; `clock` stamps the calls recorded into
-   // `callLog`.
-   SimCbfFecMappingHelper( std::uint32_t slots, NotReady notReady,
-                           Zub::Ptr< Kesh::TimerWheel > clock, std::vector< ChipCall >* callLog );
+   // `notReady` tells whether the table is not ready now.
+   SimCbfFecMappingHelper( std::uint32_t slots, NotReady notReady );
 
    std::uint32_t slots() const { return slots_; }
    std::map< Qos::Glarn::OverrideKey, CbfRule > const& rules() const { return rules_; }
@@ -45,14 +43,11 @@ class SimCbfFecMappingHelper : public NevHelper::CbfFecMappingHelper {
    std::vector< NevHelper::CbfFecMapHwRule > hwFecOverrideRules() override;
 
  private:
-   ChipCall& record( char const* op, Qos::Glarn::OverrideKey const& key );
    // The lowest free slot, or none.
    bool freeSlot( Qos::Hardware::FecOverrideRuleId& id ) const;
 
    std::uint32_t slots_;
    NotReady notReady_;
-   Zub::Ptr< Kesh::TimerWheel > clock_;
-   std::vector< ChipCall >* callLog_;
    std::map< Qos::Glarn::OverrideKey, CbfRule > rules_;
 };
 

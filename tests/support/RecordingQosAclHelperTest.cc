@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "NevQos/types/QosClassData.h"
 #include "support/RecordingQosAclHelper.h"
 #include "zub/ActivityManager.h"
 

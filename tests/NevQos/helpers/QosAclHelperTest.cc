@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "NevQos/helpers/QosAclHelper.h"
+#include "NevQos/types/QosClassData.h"
 
 namespace {
 
