@@ -26,10 +26,13 @@ std::vector< std::string > CallRecorder::callsMatching( std::string_view prefix 
    std::vector< std::string > out;
    for( ChipCall const& call : *log_ ) {
       std::string line = callText( call );
-      if( !line.starts_with( prefix ) ) continue;
+      // Matched from the operation on: the helper's name before it is not asked for.
+      std::string_view const text = std::string_view( line ).substr(
+            call.helper == "acl" ? 0 : call.helper.size() + 1 );
+      if( !text.starts_with( prefix ) ) continue;
       // A bare name must end where the operation's name ends.
-      if( line.size() > prefix.size() && prefix.find( ' ' ) == std::string_view::npos &&
-          line[ prefix.size() ] != ' ' ) {
+      if( text.size() > prefix.size() && prefix.find( ' ' ) == std::string_view::npos &&
+          text[ prefix.size() ] != ' ' ) {
          continue;
       }
       out.push_back( std::move( line ) );
@@ -71,7 +74,10 @@ CallRecorder::Answers& CallRecorder::checked( std::string_view op, std::type_inf
    if( it == operations_.end() ) {
       throw std::invalid_argument( helper_ + " helper has no operation " + std::string( op ) );
    }
-   if( it->second != std::type_index( type ) ) {
+   // An operation that answers nothing takes an action.
+   std::type_index const wanted =
+         it->second == typeid( void ) ? std::type_index( typeid( Action ) ) : it->second;
+   if( wanted != std::type_index( type ) ) {
       throw std::invalid_argument( "operation " + std::string( op ) +
                                    " gives no answer of that type" );
    }

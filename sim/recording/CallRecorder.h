@@ -34,8 +34,9 @@ class CallRecorder {
    // calls between them; null records into the decorator's own.
    void callLogIs( std::vector< ChipCall >* log ) { log_ = log ? log : &own_; }
    void callsForget() { log_->clear(); }
-   // The lines (callText) of the calls, in order, that begin with `prefix`. A bare operation
-   // name matches that operation only, not one whose name merely starts with it.
+   // The lines (callText) of the calls, in order, whose text from the operation on begins with
+   // `prefix`. A bare operation name matches that operation only, not one whose name merely
+   // starts with it.
    std::vector< std::string > callsMatching( std::string_view prefix ) const;
    // All lines, each ended by a line break: readable in a failed comparison.
    std::string callsText() const;
@@ -52,8 +53,10 @@ class CallRecorder {
 
    // ---- Scripted answers. An operation answers, in this order: the next answer queued for it,
    // then its standing answer, then the wrapped helper. A scripted answer takes the wrapped
-   // helper's place: the call is recorded but not forwarded. Naming an operation the helper does
-   // not have, or one that answers another type (or nothing), throws std::invalid_argument.
+   // helper's place: the call is recorded but not forwarded. An operation that answers nothing
+   // takes an Action instead, run in the wrapped helper's place (a failure a chip would report
+   // through the status, say). Naming an operation the helper does not have, or an answer of
+   // another type, throws std::invalid_argument.
 
    template< class T >
    void answerIs( std::string_view op, T const& answer ) {
@@ -63,6 +66,9 @@ class CallRecorder {
    void answerEnq( std::string_view op, T const& answer ) {
       checked( op, typeid( T ) ).queued.push_back( answer );
    }
+   using Action = std::function< void() >;
+   void actionIs( std::string_view op, Action const& action ) { answerIs( op, action ); }
+   void actionEnq( std::string_view op, Action const& action ) { answerEnq( op, action ); }
    // Drops the standing and the queued answers of `op`: the wrapped helper answers again.
    void answerDel( std::string_view op );
 
@@ -92,6 +98,13 @@ class CallRecorder {
       }
       if( a.standing.has_value() ) return std::any_cast< T >( a.standing );
       return std::nullopt;
+   }
+
+   // Runs the scripted action of `op`, if any, and tells whether it ran.
+   bool acted( char const* op ) {
+      auto const action = scripted< Action >( op );
+      if( action && *action ) ( *action )();
+      return action.has_value();
    }
 
  private:

@@ -60,6 +60,7 @@ NevHelper::CbfFecMappingUpdateStatus RecordingCbfFecMappingHelper::syncMapping(
 
 void RecordingCbfFecMappingHelper::deleteMapping( Qos::Glarn::OverrideKey const& ruleKey ) {
    if( taking( "deleteMapping" ) ) record( "deleteMapping", { { "key", textOf( ruleKey ) } } );
+   if( acted( "deleteMapping" ) ) return;
    inner_->deleteMapping( ruleKey );
 }
 

@@ -300,6 +300,7 @@ void RecordingQosAclHelper::updatePortForAcl( Nev::QosPolicyMapState const& pmap
                                     { "intfPair", intfText( intfPair ) },
                                     { "add", boolText( add ) } } );
    }
+   if( acted( "updatePortForAcl" ) ) return;
    inner_->updatePortForAcl( pmapState, classData, matchOption, aclKey, intfPair, add );
 }
 
@@ -307,6 +308,7 @@ void RecordingQosAclHelper::updatePolicer( Zub::Name const& policerName ) {
    if( taking( "updatePolicer" ) ) {
       record( "updatePolicer", { { "policerName", textOf( policerName ) } } );
    }
+   if( acted( "updatePolicer" ) ) return;
    inner_->updatePolicer( policerName );
 }
 
@@ -331,6 +333,7 @@ void RecordingQosAclHelper::destroyAcl( Nev::QosPolicyMapState const& pmapState,
       record( "destroyAcl", { { "classData", classText( classData ) },
                               { "aclKey", aclKeyText( aclKey ) } } );
    }
+   if( acted( "destroyAcl" ) ) return;
    inner_->destroyAcl( pmapState, classData, matchOption, aclKey );
 }
 
@@ -342,11 +345,13 @@ void RecordingQosAclHelper::cleanupAcl( Nev::QosPolicyMapState const& pmapState,
       record( "cleanupAcl", { { "classData", classText( classData ) },
                               { "aclKey", aclKeyText( aclKey ) } } );
    }
+   if( acted( "cleanupAcl" ) ) return;
    inner_->cleanupAcl( pmapState, classData, matchOption, aclKey );
 }
 
 void RecordingQosAclHelper::prepareToCommit() {
    if( taking( "prepareToCommit" ) ) record( "prepareToCommit", {} );
+   if( acted( "prepareToCommit" ) ) return;
    inner_->prepareToCommit();
 }
 
@@ -365,6 +370,7 @@ void RecordingQosAclHelper::batchCommitAcls( Nev::QosPolicyMapState const& pmapS
    if( taking( "batchCommitAcls" ) ) {
       record( "batchCommitAcls", { { "pmapState", pmapText( pmapState.key() ) } } );
    }
+   if( acted( "batchCommitAcls" ) ) return;
    inner_->batchCommitAcls( pmapState );
 }
 
@@ -375,11 +381,13 @@ void RecordingQosAclHelper::batchCommitAclsIntf( Nev::QosPolicyMapState const& p
                                        { "intfPair", intfText( intfPair ) },
                                        { "add", boolText( add ) } } );
    }
+   if( acted( "batchCommitAclsIntf" ) ) return;
    inner_->batchCommitAclsIntf( pmapState, intfPair, add );
 }
 
 void RecordingQosAclHelper::handlePendingOperationTimeout() {
    if( taking( "handlePendingOperationTimeout" ) ) record( "handlePendingOperationTimeout", {} );
+   if( acted( "handlePendingOperationTimeout" ) ) return;
    inner_->handlePendingOperationTimeout();
 }
 
@@ -395,6 +403,7 @@ void RecordingQosAclHelper::coppDeallocateCpuQ( Nev::QosClassData const& classDa
    if( taking( "coppDeallocateCpuQ" ) ) {
       record( "coppDeallocateCpuQ", { { "classData", classText( classData ) } } );
    }
+   if( acted( "coppDeallocateCpuQ" ) ) return;
    inner_->coppDeallocateCpuQ( classData );
 }
 
@@ -434,6 +443,7 @@ bool RecordingQosAclHelper::checkKernelCoppEntryExists( Nev::ModIdPortQueueKey c
 
 void RecordingQosAclHelper::createDefaultCoppRates() {
    if( taking( "createDefaultCoppRates" ) ) record( "createDefaultCoppRates", {} );
+   if( acted( "createDefaultCoppRates" ) ) return;
    inner_->createDefaultCoppRates();
 }
 
@@ -449,6 +459,7 @@ void RecordingQosAclHelper::destroyPolicer( Nev::QosClassData const& classData )
    if( taking( "destroyPolicer" ) ) {
       record( "destroyPolicer", { { "classData", classText( classData ) } } );
    }
+   if( acted( "destroyPolicer" ) ) return;
    inner_->destroyPolicer( classData );
 }
 
@@ -464,6 +475,7 @@ void RecordingQosAclHelper::destroyCoppPolicer( Nev::QosClassData const& classDa
    if( taking( "destroyCoppPolicer" ) ) {
       record( "destroyCoppPolicer", { { "classData", classText( classData ) } } );
    }
+   if( acted( "destroyCoppPolicer" ) ) return;
    inner_->destroyCoppPolicer( classData );
 }
 
@@ -479,6 +491,7 @@ void RecordingQosAclHelper::destroyCoppPolicerByPortQueue( Nev::ModIdPortQueueKe
    if( taking( "destroyCoppPolicerByPortQueue" ) ) {
       record( "destroyCoppPolicerByPortQueue", { { "key", portQueueText( key ) } } );
    }
+   if( acted( "destroyCoppPolicerByPortQueue" ) ) return;
    inner_->destroyCoppPolicerByPortQueue( key );
 }
 
@@ -486,6 +499,7 @@ void RecordingQosAclHelper::createAndAttachCounter( Nev::QosClassData const& cla
    if( taking( "createAndAttachCounter" ) ) {
       record( "createAndAttachCounter", { { "classData", classText( classData ) } } );
    }
+   if( acted( "createAndAttachCounter" ) ) return;
    inner_->createAndAttachCounter( classData );
 }
 
@@ -493,6 +507,7 @@ void RecordingQosAclHelper::destroyCounter( Nev::QosClassData const& classData )
    if( taking( "destroyCounter" ) ) {
       record( "destroyCounter", { { "classData", classText( classData ) } } );
    }
+   if( acted( "destroyCounter" ) ) return;
    inner_->destroyCounter( classData );
 }
 
@@ -500,12 +515,14 @@ void RecordingQosAclHelper::showAclPolicyHeader( std::uint32_t socket, std::uint
                                                  Nev::QosPolicyMapState const& pmapState,
                                                  Nev::QosPolicyMapKey const& pmapKey ) {
    taking( "showAclPolicyHeader" );
+   if( acted( "showAclPolicyHeader" ) ) return;
    inner_->showAclPolicyHeader( socket, unit, pmapState, pmapKey );
 }
 
 void RecordingQosAclHelper::showAclClassHeader( std::uint32_t socket, std::uint32_t unit,
                                                 Nev::QosClassMapKey const& cmapKey ) {
    taking( "showAclClassHeader" );
+   if( acted( "showAclClassHeader" ) ) return;
    inner_->showAclClassHeader( socket, unit, cmapKey );
 }
 
@@ -514,6 +531,7 @@ void RecordingQosAclHelper::showAclHeader( std::uint32_t socket, std::uint32_t u
                                            Qos::ClassMapMatchOption matchOption,
                                            Nev::AclKey const& aclKey ) {
    taking( "showAclHeader" );
+   if( acted( "showAclHeader" ) ) return;
    inner_->showAclHeader( socket, unit, detail, classData, matchOption, aclKey );
 }
 
@@ -522,6 +540,7 @@ void RecordingQosAclHelper::showIpAclRule( std::uint32_t socket, std::uint32_t u
                                            Nev::AclKey const& aclKey, std::uint32_t sequence,
                                            Acl::UniqueId const& id ) {
    taking( "showIpAclRule" );
+   if( acted( "showIpAclRule" ) ) return;
    inner_->showIpAclRule( socket, unit, classData, aclKey, sequence, id );
 }
 
@@ -531,6 +550,7 @@ void RecordingQosAclHelper::showDefaultRule( std::uint32_t socket, std::uint32_t
                                              Qos::ClassMapMatchOption matchOption,
                                              Nev::AclKey const& aclKey ) {
    taking( "showDefaultRule" );
+   if( acted( "showDefaultRule" ) ) return;
    inner_->showDefaultRule( socket, unit, pmapState, classData, matchOption, aclKey );
 }
 
@@ -540,6 +560,7 @@ void RecordingQosAclHelper::showL2ParamsRule( std::uint32_t socket, std::uint32_
                                               Qos::ClassMapMatchOption matchOption,
                                               Nev::AclKey const& aclKey ) {
    taking( "showL2ParamsRule" );
+   if( acted( "showL2ParamsRule" ) ) return;
    inner_->showL2ParamsRule( socket, unit, pmapState, classData, matchOption, aclKey );
 }
 
@@ -549,6 +570,7 @@ void RecordingQosAclHelper::showMplsTrafficClassRule( std::uint32_t socket, std:
                                                       Qos::ClassMapMatchOption matchOption,
                                                       Nev::AclKey const& aclKey ) {
    taking( "showMplsTrafficClassRule" );
+   if( acted( "showMplsTrafficClassRule" ) ) return;
    inner_->showMplsTrafficClassRule( socket, unit, pmapState, classData, matchOption, aclKey );
 }
 
@@ -558,6 +580,7 @@ void RecordingQosAclHelper::showDscpEcnRule( std::uint32_t socket, std::uint32_t
                                              Qos::ClassMapMatchOption matchOption,
                                              Nev::AclKey const& aclKey ) {
    taking( "showDscpEcnRule" );
+   if( acted( "showDscpEcnRule" ) ) return;
    inner_->showDscpEcnRule( socket, unit, pmapState, classData, matchOption, aclKey );
 }
 
@@ -567,6 +590,7 @@ void RecordingQosAclHelper::showMacAclRule( std::uint32_t socket, std::uint32_t 
                                             Qos::ClassMapMatchOption matchOption,
                                             Nev::AclKey const& aclKey ) {
    taking( "showMacAclRule" );
+   if( acted( "showMacAclRule" ) ) return;
    inner_->showMacAclRule( socket, unit, pmapState, classData, matchOption, aclKey );
 }
 
@@ -647,11 +671,13 @@ void RecordingQosAclHelper::cleanupForPMap( Nev::QosPolicyMapKey const& pmapKey 
    if( taking( "cleanupForPMap" ) ) {
       record( "cleanupForPMap", { { "pmapKey", pmapText( pmapKey ) } } );
    }
+   if( acted( "cleanupForPMap" ) ) return;
    inner_->cleanupForPMap( pmapKey );
 }
 
 void RecordingQosAclHelper::hwInit() {
    if( taking( "hwInit" ) ) record( "hwInit", {} );
+   if( acted( "hwInit" ) ) return;
    inner_->hwInit();
 }
 
@@ -668,6 +694,7 @@ void RecordingQosAclHelper::verifyTcamData( Nev::QosClassData const& classData,
       record( "verifyTcamData", { { "classData", classText( classData ) },
                                   { "aclKey", aclKeyText( aclKey ) } } );
    }
+   if( acted( "verifyTcamData" ) ) return;
    inner_->verifyTcamData( classData, matchOption, aclKey );
 }
 
@@ -677,6 +704,7 @@ void RecordingQosAclHelper::verifyIpRuleGeneral( Nev::QosClassData const& classD
                                                  std::uint32_t subruleNum,
                                                  std::uint32_t sequence ) {
    taking( "verifyIpRuleGeneral" );
+   if( acted( "verifyIpRuleGeneral" ) ) return;
    inner_->verifyIpRuleGeneral( classData, aclKey, aclId, ruleNum, subruleNum, sequence );
 }
 
@@ -686,6 +714,7 @@ void RecordingQosAclHelper::verifyIpRuleAction( Nev::QosClassData const& classDa
                                                 std::uint32_t subruleNum, std::uint32_t sequence,
                                                 Acl::Action action ) {
    taking( "verifyIpRuleAction" );
+   if( acted( "verifyIpRuleAction" ) ) return;
    inner_->verifyIpRuleAction( classData, aclKey, aclId, ruleNum, subruleNum, sequence, action );
 }
 
@@ -695,6 +724,7 @@ void RecordingQosAclHelper::verifyIpRuleIpProto( Nev::QosClassData const& classD
                                                  std::uint32_t subruleNum, std::uint32_t sequence,
                                                  std::uint8_t expectedProto, bool valid ) {
    taking( "verifyIpRuleIpProto" );
+   if( acted( "verifyIpRuleIpProto" ) ) return;
    inner_->verifyIpRuleIpProto( classData, aclKey, aclId, ruleNum, subruleNum, sequence,
                                 expectedProto, valid );
 }
@@ -706,6 +736,7 @@ void RecordingQosAclHelper::verifyIpRuleSrcIp( Nev::QosClassData const& classDat
                                                std::uint32_t expectedAddr,
                                                std::uint32_t expectedMask, bool valid ) {
    taking( "verifyIpRuleSrcIp" );
+   if( acted( "verifyIpRuleSrcIp" ) ) return;
    inner_->verifyIpRuleSrcIp( classData, aclKey, aclId, ruleNum, subruleNum, sequence, expectedAddr,
                               expectedMask, valid );
 }
@@ -717,6 +748,7 @@ void RecordingQosAclHelper::verifyIpRuleDstIp( Nev::QosClassData const& classDat
                                                std::uint32_t expectedAddr,
                                                std::uint32_t expectedMask, bool valid ) {
    taking( "verifyIpRuleDstIp" );
+   if( acted( "verifyIpRuleDstIp" ) ) return;
    inner_->verifyIpRuleDstIp( classData, aclKey, aclId, ruleNum, subruleNum, sequence, expectedAddr,
                               expectedMask, valid );
 }
@@ -727,6 +759,7 @@ void RecordingQosAclHelper::verifyIpRuleDscp( Nev::QosClassData const& classData
                                               std::uint32_t sequence, std::uint8_t expectedDscp,
                                               bool valid ) {
    taking( "verifyIpRuleDscp" );
+   if( acted( "verifyIpRuleDscp" ) ) return;
    inner_->verifyIpRuleDscp( classData, aclKey, aclId, ruleNum, subruleNum, sequence, expectedDscp,
                              valid );
 }
@@ -737,6 +770,7 @@ void RecordingQosAclHelper::verifyIpRuleTcIp6( Nev::QosClassData const& classDat
                                                std::uint32_t subruleNum, std::uint32_t sequence,
                                                std::uint8_t expectedDscp, bool valid ) {
    taking( "verifyIpRuleTcIp6" );
+   if( acted( "verifyIpRuleTcIp6" ) ) return;
    inner_->verifyIpRuleTcIp6( classData, aclKey, aclId, ruleNum, subruleNum, sequence, expectedDscp,
                               valid );
 }
@@ -747,6 +781,7 @@ void RecordingQosAclHelper::verifyIpRuleEcn( Nev::QosClassData const& classData,
                                              std::uint32_t sequence, std::uint8_t ecnData,
                                              std::uint8_t ecnMask ) {
    taking( "verifyIpRuleEcn" );
+   if( acted( "verifyIpRuleEcn" ) ) return;
    inner_->verifyIpRuleEcn( classData, aclKey, aclId, ruleNum, subruleNum, sequence, ecnData,
                             ecnMask );
 }
@@ -757,6 +792,7 @@ void RecordingQosAclHelper::verifyIpRuleEcnIp6( Nev::QosClassData const& classDa
                                                 std::uint32_t subruleNum, std::uint32_t sequence,
                                                 std::uint8_t ecnData, std::uint8_t ecnMask ) {
    taking( "verifyIpRuleEcnIp6" );
+   if( acted( "verifyIpRuleEcnIp6" ) ) return;
    inner_->verifyIpRuleEcnIp6( classData, aclKey, aclId, ruleNum, subruleNum, sequence, ecnData,
                                ecnMask );
 }
@@ -768,6 +804,7 @@ void RecordingQosAclHelper::verifyIpRuleSrcIp6( Nev::QosClassData const& classDa
                                                 Mirel::Ip6AddrWithMask const& expectedDstAddr,
                                                 bool valid ) {
    taking( "verifyIpRuleSrcIp6" );
+   if( acted( "verifyIpRuleSrcIp6" ) ) return;
    inner_->verifyIpRuleSrcIp6( classData, aclKey, aclId, ruleNum, subruleNum, sequence,
                                expectedDstAddr, valid );
 }
@@ -779,6 +816,7 @@ void RecordingQosAclHelper::verifyIpRuleDstIp6( Nev::QosClassData const& classDa
                                                 Mirel::Ip6AddrWithMask const& expectedDstAddr,
                                                 bool valid ) {
    taking( "verifyIpRuleDstIp6" );
+   if( acted( "verifyIpRuleDstIp6" ) ) return;
    inner_->verifyIpRuleDstIp6( classData, aclKey, aclId, ruleNum, subruleNum, sequence,
                                expectedDstAddr, valid );
 }
@@ -790,6 +828,7 @@ void RecordingQosAclHelper::verifyIpRuleFragments( Nev::QosClassData const& clas
                                                    std::uint32_t sequence, bool matchHeadOnly,
                                                    bool matchFragmentsOnly ) {
    taking( "verifyIpRuleFragments" );
+   if( acted( "verifyIpRuleFragments" ) ) return;
    inner_->verifyIpRuleFragments( classData, aclKey, aclId, ruleNum, subruleNum, sequence,
                                   matchHeadOnly, matchFragmentsOnly );
 }
@@ -800,6 +839,7 @@ void RecordingQosAclHelper::verifyIpRuleTcpFlags( Nev::QosClassData const& class
                                                   std::uint32_t subruleNum, std::uint32_t sequence,
                                                   std::uint8_t expectedTcpFlags, bool valid ) {
    taking( "verifyIpRuleTcpFlags" );
+   if( acted( "verifyIpRuleTcpFlags" ) ) return;
    inner_->verifyIpRuleTcpFlags( classData, aclKey, aclId, ruleNum, subruleNum, sequence,
                                  expectedTcpFlags, valid );
 }
@@ -812,6 +852,7 @@ void RecordingQosAclHelper::verifyIpRuleIcmp( Nev::QosClassData const& classData
                                               std::uint8_t expectedIcmpCode, bool icmpTypeValid,
                                               bool icmpCodeValid ) {
    taking( "verifyIpRuleIcmp" );
+   if( acted( "verifyIpRuleIcmp" ) ) return;
    inner_->verifyIpRuleIcmp( classData, aclKey, aclId, ruleNum, subruleNum, sequence,
                              expexctedIcmpType, expectedIcmpCode, icmpTypeValid, icmpCodeValid );
 }
@@ -823,6 +864,7 @@ void RecordingQosAclHelper::verifyIpRuleSrcPort( Nev::QosClassData const& classD
                                                  std::uint16_t expectedLow,
                                                  std::uint16_t expectedHigh, bool valid ) {
    taking( "verifyIpRuleSrcPort" );
+   if( acted( "verifyIpRuleSrcPort" ) ) return;
    inner_->verifyIpRuleSrcPort( classData, aclKey, aclId, ruleNum, subruleNum, sequence,
                                 expectedLow, expectedHigh, valid );
 }
@@ -834,6 +876,7 @@ void RecordingQosAclHelper::verifyIpRuleDstPort( Nev::QosClassData const& classD
                                                  std::uint16_t expectedLow,
                                                  std::uint16_t expectedHigh, bool valid ) {
    taking( "verifyIpRuleDstPort" );
+   if( acted( "verifyIpRuleDstPort" ) ) return;
    inner_->verifyIpRuleDstPort( classData, aclKey, aclId, ruleNum, subruleNum, sequence,
                                 expectedLow, expectedHigh, valid );
 }
@@ -845,6 +888,7 @@ void RecordingQosAclHelper::verifyIpRuleVlanMatch( Nev::QosClassData const& clas
                                                    std::uint16_t expectedVlanId,
                                                    std::uint16_t expectedVlanIdMask, bool valid ) {
    taking( "verifyIpRuleVlanMatch" );
+   if( acted( "verifyIpRuleVlanMatch" ) ) return;
    inner_->verifyIpRuleVlanMatch( classData, aclKey, aclId, ruleNum, subruleNum, expectedVlanId,
                                   expectedVlanIdMask, valid );
 }
@@ -856,6 +900,7 @@ void RecordingQosAclHelper::verifyAclGeneral( Nev::QosClassData const& classData
       record( "verifyAclGeneral", { { "classData", classText( classData ) },
                                     { "aclKey", aclKeyText( aclKey ) } } );
    }
+   if( acted( "verifyAclGeneral" ) ) return;
    inner_->verifyAclGeneral( classData, matchOption, aclKey );
 }
 
@@ -866,6 +911,7 @@ void RecordingQosAclHelper::verifyRulePorts( Nev::QosPolicyMapState const& pmapS
                                              std::uint32_t ruleNum, std::uint32_t subruleNum,
                                              std::uint32_t sequence, Acl::Action action ) {
    taking( "verifyRulePorts" );
+   if( acted( "verifyRulePorts" ) ) return;
    inner_->verifyRulePorts( pmapState, classData, matchOption, aclKey, aclId, ruleNum, subruleNum,
                             sequence, action );
 }
@@ -878,6 +924,7 @@ void RecordingQosAclHelper::verifyDefaultRule( Nev::QosPolicyMapState const& pma
       record( "verifyDefaultRule", { { "classData", classText( classData ) },
                                      { "aclKey", aclKeyText( aclKey ) } } );
    }
+   if( acted( "verifyDefaultRule" ) ) return;
    inner_->verifyDefaultRule( pmapState, classData, matchOption, aclKey );
 }
 
@@ -889,6 +936,7 @@ void RecordingQosAclHelper::verifyL2ParamsRule( Nev::QosPolicyMapState const& pm
       record( "verifyL2ParamsRule", { { "classData", classText( classData ) },
                                       { "aclKey", aclKeyText( aclKey ) } } );
    }
+   if( acted( "verifyL2ParamsRule" ) ) return;
    inner_->verifyL2ParamsRule( pmapState, classData, matchOption, aclKey );
 }
 
@@ -900,6 +948,7 @@ void RecordingQosAclHelper::verifyMplsTrafficClassRule( Nev::QosPolicyMapState c
       record( "verifyMplsTrafficClassRule", { { "classData", classText( classData ) },
                                               { "aclKey", aclKeyText( aclKey ) } } );
    }
+   if( acted( "verifyMplsTrafficClassRule" ) ) return;
    inner_->verifyMplsTrafficClassRule( pmapState, classData, matchOption, aclKey );
 }
 
@@ -911,6 +960,7 @@ void RecordingQosAclHelper::verifyDscpEcnRule( Nev::QosPolicyMapState const& pma
       record( "verifyDscpEcnRule", { { "classData", classText( classData ) },
                                      { "aclKey", aclKeyText( aclKey ) } } );
    }
+   if( acted( "verifyDscpEcnRule" ) ) return;
    inner_->verifyDscpEcnRule( pmapState, classData, matchOption, aclKey );
 }
 
@@ -922,6 +972,7 @@ void RecordingQosAclHelper::verifyMacAclRule( Nev::QosPolicyMapState const& pmap
       record( "verifyMacAclRule", { { "classData", classText( classData ) },
                                     { "aclKey", aclKeyText( aclKey ) } } );
    }
+   if( acted( "verifyMacAclRule" ) ) return;
    inner_->verifyMacAclRule( pmapState, classData, matchOption, aclKey );
 }
 
@@ -929,6 +980,7 @@ void RecordingQosAclHelper::verifyPolicer( Nev::QosClassData const& classData ) 
    if( taking( "verifyPolicer" ) ) {
       record( "verifyPolicer", { { "classData", classText( classData ) } } );
    }
+   if( acted( "verifyPolicer" ) ) return;
    inner_->verifyPolicer( classData );
 }
 
@@ -936,21 +988,25 @@ void RecordingQosAclHelper::verifyCounter( Nev::QosClassData const& classData ) 
    if( taking( "verifyCounter" ) ) {
       record( "verifyCounter", { { "classData", classText( classData ) } } );
    }
+   if( acted( "verifyCounter" ) ) return;
    inner_->verifyCounter( classData );
 }
 
 void RecordingQosAclHelper::handleRoutedPortSubIntfAclSharing() {
    taking( "handleRoutedPortSubIntfAclSharing" );
+   if( acted( "handleRoutedPortSubIntfAclSharing" ) ) return;
    inner_->handleRoutedPortSubIntfAclSharing();
 }
 
 void RecordingQosAclHelper::handleSubIntfForwardingModel( Mirel::IntfId const& intfId ) {
    taking( "handleSubIntfForwardingModel" );
+   if( acted( "handleSubIntfForwardingModel" ) ) return;
    inner_->handleSubIntfForwardingModel( intfId );
 }
 
 void RecordingQosAclHelper::handleSubIntfDeletion( Mirel::IntfId const& intfId ) {
    taking( "handleSubIntfDeletion" );
+   if( acted( "handleSubIntfDeletion" ) ) return;
    inner_->handleSubIntfDeletion( intfId );
 }
 

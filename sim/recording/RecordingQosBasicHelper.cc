@@ -91,6 +91,7 @@ bool RecordingQosBasicHelper::shapeRateIsValid( Qos::ShapeRate const& shapeRate 
 
 void RecordingQosBasicHelper::initializationComplete() {
    if( taking( "initializationComplete" ) ) record( "initializationComplete", {} );
+   if( acted( "initializationComplete" ) ) return;
    inner_->initializationComplete();
 }
 
@@ -98,16 +99,19 @@ void RecordingQosBasicHelper::handleEthPhyIntfStatusActive( Mirel::IntfId const&
    if( taking( "handleEthPhyIntfStatusActive" ) ) {
       record( "handleEthPhyIntfStatusActive", { { "intfId", intfName( intfId ) } } );
    }
+   if( acted( "handleEthPhyIntfStatusActive" ) ) return;
    inner_->handleEthPhyIntfStatusActive( intfId );
 }
 
 void RecordingQosBasicHelper::hwInit() {
    if( taking( "hwInit" ) ) record( "hwInit", {} );
+   if( acted( "hwInit" ) ) return;
    inner_->hwInit();
 }
 
 void RecordingQosBasicHelper::programCosToTcMap( Qos::Cos cos ) {
    if( taking( "programCosToTcMap" ) ) record( "programCosToTcMap", { { "cos", textOf( cos ) } } );
+   if( acted( "programCosToTcMap" ) ) return;
    inner_->programCosToTcMap( cos );
 }
 
@@ -115,6 +119,7 @@ void RecordingQosBasicHelper::programDscpToTcMap( Qos::Dscp dscp ) {
    if( taking( "programDscpToTcMap" ) ) {
       record( "programDscpToTcMap", { { "dscp", textOf( dscp ) } } );
    }
+   if( acted( "programDscpToTcMap" ) ) return;
    inner_->programDscpToTcMap( dscp );
 }
 
@@ -122,36 +127,43 @@ void RecordingQosBasicHelper::programDscpToDpMap( Qos::Dscp dscp ) {
    if( taking( "programDscpToDpMap" ) ) {
       record( "programDscpToDpMap", { { "dscp", textOf( dscp ) } } );
    }
+   if( acted( "programDscpToDpMap" ) ) return;
    inner_->programDscpToDpMap( dscp );
 }
 
 void RecordingQosBasicHelper::programExpToTcMap( Qos::Exp exp ) {
    if( taking( "programExpToTcMap" ) ) record( "programExpToTcMap", { { "exp", textOf( exp ) } } );
+   if( acted( "programExpToTcMap" ) ) return;
    inner_->programExpToTcMap( exp );
 }
 
 void RecordingQosBasicHelper::programTcToCosMap( Qos::TrafficClass tc ) {
    if( taking( "programTcToCosMap" ) ) record( "programTcToCosMap", { { "tc", textOf( tc ) } } );
+   if( acted( "programTcToCosMap" ) ) return;
    inner_->programTcToCosMap( tc );
 }
 
 void RecordingQosBasicHelper::programTcToDscpMap( Qos::TrafficClass tc ) {
    if( taking( "programTcToDscpMap" ) ) record( "programTcToDscpMap", { { "tc", textOf( tc ) } } );
+   if( acted( "programTcToDscpMap" ) ) return;
    inner_->programTcToDscpMap( tc );
 }
 
 void RecordingQosBasicHelper::programTcToExpMap( Qos::TrafficClass tc ) {
    if( taking( "programTcToExpMap" ) ) record( "programTcToExpMap", { { "tc", textOf( tc ) } } );
+   if( acted( "programTcToExpMap" ) ) return;
    inner_->programTcToExpMap( tc );
 }
 
 void RecordingQosBasicHelper::programCosRewriteEnabled() {
    if( taking( "programCosRewriteEnabled" ) ) record( "programCosRewriteEnabled", {} );
+   if( acted( "programCosRewriteEnabled" ) ) return;
    inner_->programCosRewriteEnabled();
 }
 
 void RecordingQosBasicHelper::programDscpRewriteEnabled() {
    if( taking( "programDscpRewriteEnabled" ) ) record( "programDscpRewriteEnabled", {} );
+   if( acted( "programDscpRewriteEnabled" ) ) return;
    inner_->programDscpRewriteEnabled();
 }
 
@@ -159,6 +171,7 @@ void RecordingQosBasicHelper::programTcToUcTxQueueMap( Qos::TrafficClass tc ) {
    if( taking( "programTcToUcTxQueueMap" ) ) {
       record( "programTcToUcTxQueueMap", { { "tc", textOf( tc ) } } );
    }
+   if( acted( "programTcToUcTxQueueMap" ) ) return;
    inner_->programTcToUcTxQueueMap( tc );
 }
 
@@ -166,11 +179,13 @@ void RecordingQosBasicHelper::programTcToMcTxQueueMap( Qos::TrafficClass tc ) {
    if( taking( "programTcToMcTxQueueMap" ) ) {
       record( "programTcToMcTxQueueMap", { { "tc", textOf( tc ) } } );
    }
+   if( acted( "programTcToMcTxQueueMap" ) ) return;
    inner_->programTcToMcTxQueueMap( tc );
 }
 
 void RecordingQosBasicHelper::programGlobalEcn() {
    if( taking( "programGlobalEcn" ) ) record( "programGlobalEcn", {} );
+   if( acted( "programGlobalEcn" ) ) return;
    inner_->programGlobalEcn();
 }
 
@@ -178,6 +193,7 @@ void RecordingQosBasicHelper::programIntfTrustModeCos( Qos::IntfStatus const& in
    if( taking( "programIntfTrustModeCos" ) ) {
       record( "programIntfTrustModeCos", { { "intfStatus", intfName( intfStatus.key() ) } } );
    }
+   if( acted( "programIntfTrustModeCos" ) ) return;
    inner_->programIntfTrustModeCos( intfStatus );
 }
 
@@ -185,6 +201,7 @@ void RecordingQosBasicHelper::programIntfTrustModeDscp( Qos::IntfStatus const& i
    if( taking( "programIntfTrustModeDscp" ) ) {
       record( "programIntfTrustModeDscp", { { "intfStatus", intfName( intfStatus.key() ) } } );
    }
+   if( acted( "programIntfTrustModeDscp" ) ) return;
    inner_->programIntfTrustModeDscp( intfStatus );
 }
 
@@ -192,6 +209,7 @@ void RecordingQosBasicHelper::programIntfTrustModeUntrusted( Qos::IntfStatus con
    if( taking( "programIntfTrustModeUntrusted" ) ) {
       record( "programIntfTrustModeUntrusted", { { "intfStatus", intfName( intfStatus.key() ) } } );
    }
+   if( acted( "programIntfTrustModeUntrusted" ) ) return;
    inner_->programIntfTrustModeUntrusted( intfStatus );
 }
 
@@ -199,6 +217,7 @@ void RecordingQosBasicHelper::programIntfDefaultCos( Qos::IntfStatus const& intf
    if( taking( "programIntfDefaultCos" ) ) {
       record( "programIntfDefaultCos", { { "intfStatus", intfName( intfStatus.key() ) } } );
    }
+   if( acted( "programIntfDefaultCos" ) ) return;
    inner_->programIntfDefaultCos( intfStatus );
 }
 
@@ -206,6 +225,7 @@ void RecordingQosBasicHelper::programIntfDefaultDscp( Qos::IntfStatus const& int
    if( taking( "programIntfDefaultDscp" ) ) {
       record( "programIntfDefaultDscp", { { "intfStatus", intfName( intfStatus.key() ) } } );
    }
+   if( acted( "programIntfDefaultDscp" ) ) return;
    inner_->programIntfDefaultDscp( intfStatus );
 }
 
@@ -213,6 +233,7 @@ void RecordingQosBasicHelper::programIntfShapeRate( Qos::IntfStatus const& intfS
    if( taking( "programIntfShapeRate" ) ) {
       record( "programIntfShapeRate", { { "intfStatus", intfName( intfStatus.key() ) } } );
    }
+   if( acted( "programIntfShapeRate" ) ) return;
    inner_->programIntfShapeRate( intfStatus );
 }
 
@@ -220,11 +241,13 @@ void RecordingQosBasicHelper::programIntfDefaults( Qos::IntfStatus const& intfSt
    if( taking( "programIntfDefaults" ) ) {
       record( "programIntfDefaults", { { "intfStatus", intfName( intfStatus.key() ) } } );
    }
+   if( acted( "programIntfDefaults" ) ) return;
    inner_->programIntfDefaults( intfStatus );
 }
 
 void RecordingQosBasicHelper::handleQosVerify() {
    if( taking( "handleQosVerify" ) ) record( "handleQosVerify", {} );
+   if( acted( "handleQosVerify" ) ) return;
    inner_->handleQosVerify();
 }
 
@@ -235,6 +258,7 @@ void RecordingQosBasicHelper::programIntfTxQueuePriority(
               { { "intfStatus", intfName( intfStatus.key() ) },
                 { "txQueueStatus", queueText( txQueueStatus.key() ) } } );
    }
+   if( acted( "programIntfTxQueuePriority" ) ) return;
    inner_->programIntfTxQueuePriority( intfStatus, txQueueStatus );
 }
 
@@ -245,6 +269,7 @@ void RecordingQosBasicHelper::programIntfTxQueueShapeRate(
               { { "intfStatus", intfName( intfStatus.key() ) },
                 { "txQueueStatus", queueText( txQueueStatus.key() ) } } );
    }
+   if( acted( "programIntfTxQueueShapeRate" ) ) return;
    inner_->programIntfTxQueueShapeRate( intfStatus, txQueueStatus );
 }
 
@@ -255,6 +280,7 @@ void RecordingQosBasicHelper::programIntfTxQueueGuaranteedBw(
               { { "intfStatus", intfName( intfStatus.key() ) },
                 { "txQueueStatus", queueText( txQueueStatus.key() ) } } );
    }
+   if( acted( "programIntfTxQueueGuaranteedBw" ) ) return;
    inner_->programIntfTxQueueGuaranteedBw( intfStatus, txQueueStatus );
 }
 
@@ -264,6 +290,7 @@ void RecordingQosBasicHelper::programIntfTxQueueEcn( Qos::IntfStatus const& intf
       record( "programIntfTxQueueEcn", { { "intfStatus", intfName( intfStatus.key() ) },
                                          { "txQueueStatus", queueText( txQueueStatus.key() ) } } );
    }
+   if( acted( "programIntfTxQueueEcn" ) ) return;
    inner_->programIntfTxQueueEcn( intfStatus, txQueueStatus );
 }
 
@@ -274,6 +301,7 @@ void RecordingQosBasicHelper::programIntfTxQueueNonEct( Qos::IntfStatus const& i
               { { "intfStatus", intfName( intfStatus.key() ) },
                 { "txQueueStatus", queueText( txQueueStatus.key() ) } } );
    }
+   if( acted( "programIntfTxQueueNonEct" ) ) return;
    inner_->programIntfTxQueueNonEct( intfStatus, txQueueStatus );
 }
 
@@ -287,6 +315,7 @@ void RecordingQosBasicHelper::programIntfTxQueueEcnDelayThreshold(
                 { "delayEcnEnabled", boolText( delayEcnEnabled ) },
                 { "ecnDelayThreshold", textOf( ecnDelayThreshold ) } } );
    }
+   if( acted( "programIntfTxQueueEcnDelayThreshold" ) ) return;
    inner_->programIntfTxQueueEcnDelayThreshold( intfStatus, txQueueId, delayEcnEnabled,
                                                 ecnDelayThreshold );
 }
@@ -308,6 +337,7 @@ void RecordingQosBasicHelper::programIntfTxQueueWred( Qos::IntfStatus const& int
       record( "programIntfTxQueueWred", { { "intfStatus", intfName( intfStatus.key() ) },
                                           { "txQueueStatus", queueText( txQueueStatus.key() ) } } );
    }
+   if( acted( "programIntfTxQueueWred" ) ) return;
    inner_->programIntfTxQueueWred( intfStatus, txQueueStatus );
 }
 
@@ -320,6 +350,7 @@ void RecordingQosBasicHelper::programIntfTxQueueDropThresholdForDp(
                 { "txQueueStatus", queueText( txQueueStatus.key() ) },
                 { "dp", textOf( dp ) } } );
    }
+   if( acted( "programIntfTxQueueDropThresholdForDp" ) ) return;
    inner_->programIntfTxQueueDropThresholdForDp( intfStatus, txQueueStatus, dp );
 }
 
@@ -330,6 +361,7 @@ void RecordingQosBasicHelper::programIntfTxQueueDropThresholdDefaults(
               { { "intfStatus", intfName( intfStatus.key() ) },
                 { "txQueueStatus", queueText( txQueueStatus.key() ) } } );
    }
+   if( acted( "programIntfTxQueueDropThresholdDefaults" ) ) return;
    inner_->programIntfTxQueueDropThresholdDefaults( intfStatus, txQueueStatus );
 }
 
@@ -340,6 +372,7 @@ void RecordingQosBasicHelper::programIntfTxQueueDefaults(
               { { "intfStatus", intfName( intfStatus.key() ) },
                 { "txQueueStatus", queueText( txQueueStatus.key() ) } } );
    }
+   if( acted( "programIntfTxQueueDefaults" ) ) return;
    inner_->programIntfTxQueueDefaults( intfStatus, txQueueStatus );
 }
 
@@ -347,11 +380,13 @@ void RecordingQosBasicHelper::programDscpMap( Zub::Name const& mapName ) {
    if( taking( "programDscpMap" ) ) {
       record( "programDscpMap", { { "mapName", textOf( mapName ) } } );
    }
+   if( acted( "programDscpMap" ) ) return;
    inner_->programDscpMap( mapName );
 }
 
 void RecordingQosBasicHelper::deleteDscpMap( Zub::Name const& mapName ) {
    if( taking( "deleteDscpMap" ) ) record( "deleteDscpMap", { { "mapName", textOf( mapName ) } } );
+   if( acted( "deleteDscpMap" ) ) return;
    inner_->deleteDscpMap( mapName );
 }
 
@@ -359,6 +394,7 @@ void RecordingQosBasicHelper::programIntfToDscpRewriteMap( Qos::IntfStatus const
    if( taking( "programIntfToDscpRewriteMap" ) ) {
       record( "programIntfToDscpRewriteMap", { { "intfStatus", intfName( intfStatus.key() ) } } );
    }
+   if( acted( "programIntfToDscpRewriteMap" ) ) return;
    inner_->programIntfToDscpRewriteMap( intfStatus );
 }
 
@@ -369,11 +405,13 @@ void RecordingQosBasicHelper::updateTcToDscpMapping( Zub::Name const& mapName,
               { { "mapName", textOf( mapName ) },
                 { "tc", textOf( tc ) } } );
    }
+   if( acted( "updateTcToDscpMapping" ) ) return;
    inner_->updateTcToDscpMapping( mapName, tc );
 }
 
 void RecordingQosBasicHelper::handleServicePolicyDP1Status() {
    if( taking( "handleServicePolicyDP1Status" ) ) record( "handleServicePolicyDP1Status", {} );
+   if( acted( "handleServicePolicyDP1Status" ) ) return;
    inner_->handleServicePolicyDP1Status();
 }
 
@@ -381,6 +419,7 @@ void RecordingQosBasicHelper::addCosToTcProfile( Zub::Name const& profileName ) 
    if( taking( "addCosToTcProfile" ) ) {
       record( "addCosToTcProfile", { { "profileName", textOf( profileName ) } } );
    }
+   if( acted( "addCosToTcProfile" ) ) return;
    inner_->addCosToTcProfile( profileName );
 }
 
@@ -388,6 +427,7 @@ void RecordingQosBasicHelper::removeCosToTcProfile( Zub::Name const& profileName
    if( taking( "removeCosToTcProfile" ) ) {
       record( "removeCosToTcProfile", { { "profileName", textOf( profileName ) } } );
    }
+   if( acted( "removeCosToTcProfile" ) ) return;
    inner_->removeCosToTcProfile( profileName );
 }
 
@@ -397,6 +437,7 @@ void RecordingQosBasicHelper::handleIntfToCosToTcProfile( Mirel::IntfId const& i
       record( "handleIntfToCosToTcProfile", { { "intfId", intfName( intfId ) },
                                               { "restoration", boolText( restoration ) } } );
    }
+   if( acted( "handleIntfToCosToTcProfile" ) ) return;
    inner_->handleIntfToCosToTcProfile( intfId, restoration );
 }
 
@@ -406,6 +447,7 @@ void RecordingQosBasicHelper::updateCosToTcProfileMapping( Zub::Name const& prof
       record( "updateCosToTcProfileMapping", { { "profileName", textOf( profileName ) },
                                                { "cos", textOf( cos ) } } );
    }
+   if( acted( "updateCosToTcProfileMapping" ) ) return;
    inner_->updateCosToTcProfileMapping( profileName, cos );
 }
 
