@@ -32,6 +32,10 @@ class SimCbfFecMappingHelper : public NevHelper::CbfFecMappingHelper {
    // The driver's start-up: the table comes up empty. The engine has no start-up call for this
    // helper, so the simulated switch makes it where it starts the driver.
    void rulesDelAll() { rules_.clear(); }
+   // A rule the table holds without the engine having asked: one an earlier life of the agent
+   // left, or one a fault of the hardware changed.
+   void ruleIs( Qos::Glarn::OverrideKey const& key, CbfRule const& rule ) { rules_[ key ] = rule; }
+   void ruleDel( Qos::Glarn::OverrideKey const& key ) { rules_.erase( key ); }
 
    NevHelper::CbfFecMappingUpdateStatus createOrUpdateMapping(
          Nev::CbfFecMapRule const& rule ) override;

@@ -69,6 +69,15 @@ void CallRecorder::answerDel( std::string_view op ) {
    if( auto const it = answers_.find( op ); it != answers_.end() ) answers_.erase( it );
 }
 
+void CallRecorder::forwardEnq( std::string_view op ) {
+   if( !operations_.contains( op ) ) {
+      throw std::invalid_argument( helper_ + " helper has no operation " + std::string( op ) );
+   }
+   auto found = answers_.find( op );
+   if( found == answers_.end() ) found = answers_.emplace( std::string( op ), Answers{} ).first;
+   found->second.queued.emplace_back();
+}
+
 CallRecorder::Answers& CallRecorder::checked( std::string_view op, std::type_info const& type ) {
    auto const it = operations_.find( op );
    if( it == operations_.end() ) {

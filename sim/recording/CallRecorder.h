@@ -66,6 +66,9 @@ class CallRecorder {
    void answerEnq( std::string_view op, T const& answer ) {
       checked( op, typeid( T ) ).queued.push_back( answer );
    }
+   // Queues a turn of the wrapped helper: the next call of `op` still queued behind this one
+   // reaches it, so that scripted and real answers can alternate.
+   void forwardEnq( std::string_view op );
    using Action = std::function< void() >;
    void actionIs( std::string_view op, Action const& action ) { answerIs( op, action ); }
    void actionEnq( std::string_view op, Action const& action ) { answerEnq( op, action ); }
@@ -92,9 +95,11 @@ class CallRecorder {
       if( it == answers_.end() ) return std::nullopt;
       Answers& a = it->second;
       if( !a.queued.empty() ) {
-         T const answer = std::any_cast< T >( a.queued.front() );
+         std::any const front = std::move( a.queued.front() );
          a.queued.pop_front();
-         return answer;
+         // An empty answer is a turn of the wrapped helper.
+         if( !front.has_value() ) return std::nullopt;
+         return std::any_cast< T >( front );
       }
       if( a.standing.has_value() ) return std::any_cast< T >( a.standing );
       return std::nullopt;
