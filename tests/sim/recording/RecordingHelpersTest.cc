@@ -36,6 +36,8 @@ class PlainAclHelper : public NevHelper::QosAclHelper {
    using QosAclHelper::QosAclHelper;
    bool createAndAttachPolicer( Nev::QosClassData const& ) override { return true; }
    int coppAllocateCpuQ( Nev::QosClassData const& ) override { return 7; }
+   void coppDeallocateCpuQ( Nev::QosClassData const& ) override { ++deallocated; }
+   int deallocated = 0;
    void complete( char const* message, Zub::Seconds t ) {
       asyncOperationResultIs( Nev::AsyncOperationResult( Zub::String( message ), t ) );
    }
@@ -114,6 +116,7 @@ TEST_F( RecordingHelpersTest, AScriptedRefusalStandsInForTheChipAndFailsTheMap )
 TEST_F( RecordingHelpersTest, QueuedAnswersGoFirstThenTheStandingOneThenTheWrappedHelper ) {
    auto const rec = plain();
    Nev::QosClassData const& data = *classData;
+   // In the queue, 0 stands for a turn of the wrapped helper.
    struct Case {
       char const* what;
       std::vector< int > queued;
@@ -124,16 +127,36 @@ TEST_F( RecordingHelpersTest, QueuedAnswersGoFirstThenTheStandingOneThenTheWrapp
               { "the helper alone", {}, std::nullopt, { 7, 7 } },
               { "queued, once each", { 1, 2 }, std::nullopt, { 1, 2, 7 } },
               { "standing", {}, 3, { 3, 3 } },
-              { "queued before standing", { 1 }, 3, { 1, 3, 3 } } } ) {
+              { "queued before standing", { 1 }, 3, { 1, 3, 3 } },
+              { "a turn of the helper in the queue", { 1, 0, 2 }, 3, { 1, 7, 2, 3 } } } ) {
       rec->answerDel( "coppAllocateCpuQ" );
-      for( int q : c.queued )
-         rec->answerEnq( "coppAllocateCpuQ", q );
+      for( int q : c.queued ) {
+         if( q == 0 ) {
+            rec->forwardEnq( "coppAllocateCpuQ" );
+         } else {
+            rec->answerEnq( "coppAllocateCpuQ", q );
+         }
+      }
       if( c.standing ) rec->answerIs( "coppAllocateCpuQ", *c.standing );
       std::vector< int > got;
       for( std::size_t i = 0; i < c.answers.size(); ++i )
          got.push_back( rec->coppAllocateCpuQ( data ) );
       EXPECT_EQ( got, c.answers ) << c.what;
    }
+}
+
+TEST_F( RecordingHelpersTest, AScriptedActionStandsInForTheHelperWhereNothingIsAnswered ) {
+   auto inner = Zub::make< PlainAclHelper >( qosStatus, qosAclSliceHwStatus, mainAclConfig );
+   auto const rec = Zub::make< Sim::RecordingQosAclHelper >( inner, clock );
+   plain();  // the class to ask about
+   int ran = 0;
+   rec->actionEnq( "coppDeallocateCpuQ", [ &ran ] { ++ran; } );
+   rec->coppDeallocateCpuQ( *classData );
+   rec->coppDeallocateCpuQ( *classData );
+   EXPECT_EQ( ran, 1 );
+   EXPECT_EQ( inner->deallocated, 1 );
+   // Both calls are recorded all the same.
+   EXPECT_EQ( rec->callsMatching( "coppDeallocateCpuQ" ).size(), 2u );
 }
 
 TEST_F( RecordingHelpersTest, AMisspeltOperationOrAnAnswerOfTheWrongTypeThrows ) {
@@ -144,6 +167,8 @@ TEST_F( RecordingHelpersTest, AMisspeltOperationOrAnAnswerOfTheWrongTypeThrows )
    // An operation that answers nothing takes no answer.
    EXPECT_THROW( rec->answerIs( "destroyAcl", true ), std::invalid_argument );
    EXPECT_THROW( rec->answerDel( "noSuchOperation" ), std::invalid_argument );
+   EXPECT_THROW( rec->forwardEnq( "noSuchOperation" ), std::invalid_argument );
+   EXPECT_THROW( rec->actionIs( "createAndAttachPolicer", [] {} ), std::invalid_argument );
    EXPECT_NO_THROW( rec->answerIs( "createAndAttachPolicer", false ) );
    EXPECT_FALSE( rec->createAndAttachPolicer( *classData ) );
 }
