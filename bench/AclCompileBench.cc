@@ -154,11 +154,11 @@ void engineCompile( benchmark::State& state, std::string const& set, Mode mode )
    // One compile outside the timing shows that an iteration compiles every rule.
    gold.apply();
    agent.settle();
-   checkCounts( "the engine", agent.chip().counts, want, mode );
+   checkCounts( "the engine", agent.chip().counts(), want, mode );
    agent.checkProgrammed( "gold" );
    gold.unapply();
    agent.settle();
-   agent.chip().counts = Counts();
+   agent.chip().countsForget();
    for( auto _ : state ) {
       gold.apply();
       state.PauseTiming();
@@ -167,7 +167,7 @@ void engineCompile( benchmark::State& state, std::string const& set, Mode mode )
       agent.settle();
       state.ResumeTiming();
    }
-   checkIterations( "the engine's timed iterations", state, agent.chip().counts, want, mode );
+   checkIterations( "the engine's timed iterations", state, agent.chip().counts(), want, mode );
    countersIs( state, rules.size(), want );
 }
 
@@ -180,14 +180,14 @@ void engineRecompile( benchmark::State& state, std::string const& set, Mode mode
    Agent& agent = gold.agent();
    gold.apply();
    agent.settle();
-   agent.chip().counts = Counts();
+   agent.chip().countsForget();
    for( auto _ : state ) {
       agent.newVersionIs( "gold" );
       state.PauseTiming();
       agent.settle();
       state.ResumeTiming();
    }
-   checkIterations( "the engine's recompiles", state, agent.chip().counts, want, mode );
+   checkIterations( "the engine's recompiles", state, agent.chip().counts(), want, mode );
    agent.checkProgrammed( "gold" );
    countersIs( state, rules.size(), want );
 }
@@ -354,13 +354,13 @@ void engineCompileBaseline( benchmark::State& state, std::string const& set, Mod
    benchmark::DoNotOptimize( sink );
    BareCompiler compiler( *sink, *pmapState, *classData, aclKey );
    compiler.compile( rules );
-   checkCounts( "the baseline", chip->counts, want, mode );
-   chip->counts = Counts();
+   checkCounts( "the baseline", chip->counts(), want, mode );
+   chip->countsForget();
    for( auto _ : state ) {
       compiler.compile( rules );
       benchmark::ClobberMemory();
    }
-   checkIterations( "the baseline's timed iterations", state, chip->counts, want, mode );
+   checkIterations( "the baseline's timed iterations", state, chip->counts(), want, mode );
    countersIs( state, rules.size(), want );
 }
 

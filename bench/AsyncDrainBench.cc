@@ -66,7 +66,7 @@ void BM_AsyncDrain( benchmark::State& state ) {
       state.PauseTiming();
       agent.settle();
       agent.checkProgrammed( "drain" );
-      requests += agent.chip().counts.asyncOperations;
+      requests += agent.chip().counts().asyncOperations;
       state.ResumeTiming();
    }
    state.counters[ "figure_s" ] = longestTurn;

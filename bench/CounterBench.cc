@@ -42,12 +42,12 @@ void BM_CounterRequest( benchmark::State& state ) {
    agent.settle();
    agent.checkProgrammed( "counted" );
    agent.counterRequestIs();  // the client's first request makes its machine
-   agent.chip().counts.counterQueries = 0;
+   agent.chip().countsForget();
    for( auto _ : state ) {
       agent.loop().timeIs( agent.loop().now() + 1.0 );
       agent.counterRequestIs();
    }
-   auto const reads = agent.chip().counts.counterQueries;
+   auto const reads = agent.chip().counts().counterQueries;
    if( reads != static_cast< std::uint64_t >( state.iterations() ) * classes * matchesPerClass ) {
       Bench::fail( Bench::named( "counters: chip reads per request were not 4 per class: ",
                                  static_cast< unsigned >( reads / state.iterations() ) ) );

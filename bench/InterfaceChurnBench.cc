@@ -63,7 +63,7 @@ void BM_InterfaceChurn( benchmark::State& state ) {
       }
       if( timed ) state.PauseTiming();
       agent.checkProgrammed( "churn" );
-      policersAtFull = agent.chip().counts.policers;
+      policersAtFull = agent.chip().counts().policers;
       if( timed ) state.ResumeTiming();
       for( unsigned i = 1; i <= n; ++i ) {
          agent.intfIs( "churn", Agent::ethernet( i ), false );
@@ -80,7 +80,7 @@ void BM_InterfaceChurn( benchmark::State& state ) {
    if( policersAtFull != n * operatorClasses ) {
       Bench::fail( Bench::named( "churn: wrong policer count on interfaces: ", n ) );
    }
-   if( agent.chip().counts.policers != 0 ) Bench::fail( "churn: policers left behind" );
+   if( agent.chip().counts().policers != 0 ) Bench::fail( "churn: policers left behind" );
    state.SetItemsProcessed( static_cast< std::int64_t >( state.iterations() * 2 * n ) );
    state.counters[ "interfaces" ] = n;
 }
@@ -105,7 +105,7 @@ void BM_InterfaceChurnMarginal( benchmark::State& state ) {
       agent.settle();
    }
    agent.checkProgrammed( "churn" );
-   if( agent.chip().counts.policers != ( n - 1 ) * operatorClasses ) {
+   if( agent.chip().counts().policers != ( n - 1 ) * operatorClasses ) {
       Bench::fail( Bench::named( "churn: wrong policer count on interfaces: ", n - 1 ) );
    }
    state.SetItemsProcessed( static_cast< std::int64_t >( state.iterations() * 2 ) );

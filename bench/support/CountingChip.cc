@@ -4,6 +4,7 @@
 
 #include "nev/AsyncOperation.h"
 #include "zub/ActivityManager.h"
+#include "zub/Clock.h"
 
 namespace Bench {
 
@@ -20,37 +21,128 @@ bool needsChecker( std::uint16_t mask, std::uint16_t low, std::uint16_t high ) {
 
 }  // namespace
 
-// Answers the operations started, one per turn, as a chip's completion interrupt would.
-class CountingChip::Completer : public Zub::Clock::NotifieeConst {
+// The helper behind the counting decorator: the answers a chip that holds nothing gives where
+// the contract's defaults would stop the process or answer otherwise.
+class CountingChip::Answers : public NevHelper::QosAclHelper {
  public:
-   explicit Completer( CountingChip* chip ) : chip_( chip ) {}
-   void started() {
-      ++pending_;
-      timeMinIs( Zub::activityManager()->now() );
+   Answers( Zub::Ptr< Qos::Status const > qosStatus,
+            Zub::Ptr< Qos::AclSliceHwStatus > sliceHwStatus,
+            Zub::Ptr< Acl::Config const > aclConfig, Mode mode, bool async )
+       : QosAclHelper( std::move( qosStatus ), std::move( sliceHwStatus ),
+                       std::move( aclConfig ) )
+       , mode_( mode ) {
+      asyncTcamOperationsSupportedIs( async );
+      if( async ) {
+         completer_ = Zub::make< Completer >( this );
+         completer_->notifierIs( Zub::activityManager()->clock() );
+      }
    }
-   void onTime() override {
-      if( pending_ == 0 ) return;
-      --pending_;
-      Zub::Seconds const now = Zub::activityManager()->now();
-      chip_->asyncOperationResultIs( Nev::AsyncOperationResult( Zub::String( "" ), now ) );
-      if( pending_ > 0 ) timeMinIs( now );
+
+   // The refusals of the expand mode, which the count of calls cannot tell.
+   std::uint64_t refused = 0;
+   // The counter queries answered, which the answers count up.
+   std::uint64_t queries = 0;
+
+   Nev::AclCreateError createIpAclSubrule(
+         Acl::AclType, Acl::RuleConfig const&, Acl::UniqueId const&,
+         Nev::QosPolicyMapState const&, Nev::QosClassData const&, Nev::AclKey const&,
+         std::uint32_t, std::uint32_t, std::uint16_t, std::uint16_t srcMask, std::uint16_t,
+         std::uint16_t dstMask, std::uint16_t srcLow, std::uint16_t srcHigh, std::uint16_t dstLow,
+         std::uint16_t dstHigh, std::uint16_t, std::uint16_t, std::uint16_t, std::uint16_t,
+         std::uint8_t, bool, std::uint8_t, std::uint8_t ) override {
+      if( mode_ == Mode::expand && ( needsChecker( srcMask, srcLow, srcHigh ) ||
+                                     needsChecker( dstMask, dstLow, dstHigh ) ) ) {
+         ++refused;
+         return Nev::aclCreateErrorTooManyL4PortRanges;
+      }
+      return Nev::aclCreateErrorNone;
+   }
+   Nev::AclCreateError createIpFragRule( Nev::QosPolicyMapState const&, Nev::QosClassData const&,
+                                         Nev::AclKey const&, Acl::IpRuleConfig const&,
+                                         Acl::UniqueId const&, std::uint32_t, std::uint32_t,
+                                         std::uint8_t, std::uint8_t ) override {
+      return Nev::aclCreateErrorNone;
+   }
+   Nev::AclCreateError createDefaultRule( Nev::QosPolicyMapState const&, Nev::QosClassData const&,
+                                          Qos::ClassMapMatchOption, Nev::AclKey const& ) override {
+      return Nev::aclCreateErrorNone;
+   }
+   Nev::AclCreateError createL2ParamsRule( Nev::QosPolicyMapState const&, Nev::QosClassData const&,
+                                           Qos::ClassMapMatchOption, Nev::AclKey const&,
+                                           std::uint32_t ) override {
+      return Nev::aclCreateErrorNone;
+   }
+   Nev::AclCreateError createDscpEcnRule( Nev::QosPolicyMapState const&, Nev::QosClassData const&,
+                                          Qos::ClassMapMatchOption, Nev::AclKey const&,
+                                          std::uint32_t ) override {
+      return Nev::aclCreateErrorNone;
+   }
+   Nev::AclCreateError commitAcl( Nev::QosClassData const&, Qos::ClassMapMatchOption,
+                                  Nev::AclKey const& ) override {
+      startOperation();
+      return Nev::aclCreateErrorNone;
+   }
+   void updatePortForAcl( Nev::QosPolicyMapState const&, Nev::QosClassData const&,
+                          Qos::ClassMapMatchOption, Nev::AclKey const&, Qos::IntfPairKey const&,
+                          bool ) override {
+      startOperation();
+   }
+   void destroyAcl( Nev::QosPolicyMapState const&, Nev::QosClassData const&,
+                    Qos::ClassMapMatchOption, Nev::AclKey const& ) override {
+      startOperation();
+   }
+   void cleanupAcl( Nev::QosPolicyMapState const&, Nev::QosClassData const&,
+                    Qos::ClassMapMatchOption, Nev::AclKey const& ) override {}
+   bool createAndAttachPolicer( Nev::QosClassData const& ) override { return true; }
+   void destroyPolicer( Nev::QosClassData const& ) override {}
+   void hwInit() override {}
+   Nev::QosClassCounterData counterUpdateRequest( Nev::QosClassData const&,
+                                                  Nev::AclKey const& ) override {
+      ++queries;
+      Nev::QosClassCounterData data;
+      data.pktHitsIs( queries );
+      data.byteHitsIs( 64 * queries );
+      return data;
    }
 
  private:
-   CountingChip* chip_;
-   unsigned pending_ = 0;
+   // Answers the operations started, one per turn, as a chip's completion interrupt would.
+   class Completer : public Zub::Clock::NotifieeConst {
+    public:
+      explicit Completer( Answers* chip ) : chip_( chip ) {}
+      void started() {
+         ++pending_;
+         timeMinIs( Zub::activityManager()->now() );
+      }
+      void onTime() override {
+         if( pending_ == 0 ) return;
+         --pending_;
+         Zub::Seconds const now = Zub::activityManager()->now();
+         chip_->asyncOperationResultIs( Nev::AsyncOperationResult( Zub::String( "" ), now ) );
+         if( pending_ > 0 ) timeMinIs( now );
+      }
+
+    private:
+      Answers* chip_;
+      unsigned pending_ = 0;
+   };
+   void startOperation() {
+      if( completer_ ) completer_->started();
+   }
+
+   Mode const mode_;
+   Zub::Ptr< Completer > completer_;
 };
 
 CountingChip::CountingChip( Zub::Ptr< Qos::Status const > qosStatus,
                             Zub::Ptr< Qos::AclSliceHwStatus > sliceHwStatus,
                             Zub::Ptr< Acl::Config const > aclConfig, Mode mode, bool async )
-    : QosAclHelper( std::move( qosStatus ), std::move( sliceHwStatus ), std::move( aclConfig ) )
-    , mode_( mode ) {
-   asyncTcamOperationsSupportedIs( async );
-   if( async ) {
-      completer_ = Zub::make< Completer >( this );
-      completer_->notifierIs( Zub::activityManager()->clock() );
-   }
+    : RecordingQosAclHelper( Zub::make< Answers >( std::move( qosStatus ),
+                                                   std::move( sliceHwStatus ),
+                                                   std::move( aclConfig ), mode, async ),
+                             nullptr )
+    , async_( async ) {
+   countingIs( true );
 }
 
 CountingChip::~CountingChip() = default;
@@ -61,109 +153,32 @@ Zub::Ptr< CountingChip > CountingChip::detached( Mode mode ) {
                                      Zub::make< Acl::Config >( Zub::Name( "acl" ) ), mode, false );
 }
 
-void CountingChip::startOperation() {
-   if( !completer_ ) return;
-   ++counts.asyncOperations;
-   completer_->started();
+CountingChip::Answers& CountingChip::answers() const {
+   return static_cast< Answers& >( inner() );
 }
 
-Nev::AclCreateError CountingChip::createIpAclSubrule(
-      Acl::AclType, Acl::RuleConfig const&, Acl::UniqueId const&, Nev::QosPolicyMapState const&,
-      Nev::QosClassData const&, Nev::AclKey const&, std::uint32_t, std::uint32_t, std::uint16_t,
-      std::uint16_t srcMask, std::uint16_t, std::uint16_t dstMask, std::uint16_t srcLow,
-      std::uint16_t srcHigh, std::uint16_t dstLow, std::uint16_t dstHigh, std::uint16_t,
-      std::uint16_t, std::uint16_t, std::uint16_t, std::uint8_t, bool, std::uint8_t,
-      std::uint8_t ) {
-   if( mode_ == Mode::expand &&
-       ( needsChecker( srcMask, srcLow, srcHigh ) || needsChecker( dstMask, dstLow, dstHigh ) ) ) {
-      ++counts.refused;
-      return Nev::aclCreateErrorTooManyL4PortRanges;
+Counts CountingChip::counts() const {
+   Counts c;
+   c.refused = answers().refused;
+   c.accepted = callCount( "createIpAclSubrule" ) - c.refused;
+   c.fragments = callCount( "createIpFragRule" );
+   c.otherRules = callCount( "createDefaultRule" ) + callCount( "createL2ParamsRule" ) +
+                  callCount( "createDscpEcnRule" );
+   c.portUpdates = callCount( "updatePortForAcl" );
+   c.policers = callCount( "createAndAttachPolicer" ) - callCount( "destroyPolicer" );
+   c.counters = callCount( "createAndAttachCounter" ) - callCount( "destroyCounter" );
+   if( async_ ) {
+      c.asyncOperations = callCount( "commitAcl" ) + callCount( "updatePortForAcl" ) +
+                          callCount( "destroyAcl" );
    }
-   ++counts.accepted;
-   return Nev::aclCreateErrorNone;
+   c.counterQueries = callCount( "counterUpdateRequest" );
+   return c;
 }
 
-Nev::AclCreateError CountingChip::createIpFragRule( Nev::QosPolicyMapState const&,
-                                                    Nev::QosClassData const&, Nev::AclKey const&,
-                                                    Acl::IpRuleConfig const&, Acl::UniqueId const&,
-                                                    std::uint32_t, std::uint32_t, std::uint8_t,
-                                                    std::uint8_t ) {
-   ++counts.fragments;
-   return Nev::aclCreateErrorNone;
-}
-
-Nev::AclCreateError CountingChip::createDefaultRule( Nev::QosPolicyMapState const&,
-                                                     Nev::QosClassData const&,
-                                                     Qos::ClassMapMatchOption,
-                                                     Nev::AclKey const& ) {
-   ++counts.otherRules;
-   return Nev::aclCreateErrorNone;
-}
-
-Nev::AclCreateError CountingChip::createL2ParamsRule( Nev::QosPolicyMapState const&,
-                                                      Nev::QosClassData const&,
-                                                      Qos::ClassMapMatchOption, Nev::AclKey const&,
-                                                      std::uint32_t ) {
-   ++counts.otherRules;
-   return Nev::aclCreateErrorNone;
-}
-
-Nev::AclCreateError CountingChip::createDscpEcnRule( Nev::QosPolicyMapState const&,
-                                                     Nev::QosClassData const&,
-                                                     Qos::ClassMapMatchOption, Nev::AclKey const&,
-                                                     std::uint32_t ) {
-   ++counts.otherRules;
-   return Nev::aclCreateErrorNone;
-}
-
-Nev::AclCreateError CountingChip::precreateAcl( Nev::QosPolicyMapState const&,
-                                                Nev::QosClassData const&, Qos::ClassMapMatchOption,
-                                                Nev::AclKey const& ) {
-   return Nev::aclCreateErrorNone;
-}
-
-Nev::AclCreateError CountingChip::commitAcl( Nev::QosClassData const&, Qos::ClassMapMatchOption,
-                                             Nev::AclKey const& ) {
-   startOperation();
-   return Nev::aclCreateErrorNone;
-}
-
-void CountingChip::updatePortForAcl( Nev::QosPolicyMapState const&, Nev::QosClassData const&,
-                                     Qos::ClassMapMatchOption, Nev::AclKey const&,
-                                     Qos::IntfPairKey const&, bool ) {
-   ++counts.portUpdates;
-   startOperation();
-}
-
-void CountingChip::destroyAcl( Nev::QosPolicyMapState const&, Nev::QosClassData const&,
-                               Qos::ClassMapMatchOption, Nev::AclKey const& ) {
-   startOperation();
-}
-
-bool CountingChip::createAndAttachPolicer( Nev::QosClassData const& ) {
-   ++counts.policers;
-   return true;
-}
-
-void CountingChip::destroyPolicer( Nev::QosClassData const& ) {
-   --counts.policers;
-}
-
-void CountingChip::createAndAttachCounter( Nev::QosClassData const& ) {
-   ++counts.counters;
-}
-
-void CountingChip::destroyCounter( Nev::QosClassData const& ) {
-   --counts.counters;
-}
-
-Nev::QosClassCounterData CountingChip::counterUpdateRequest( Nev::QosClassData const&,
-                                                             Nev::AclKey const& ) {
-   ++counts.counterQueries;
-   Nev::QosClassCounterData data;
-   data.pktHitsIs( counts.counterQueries );
-   data.byteHitsIs( 64 * counts.counterQueries );
-   return data;
+void CountingChip::countsForget() {
+   callCountsForget();
+   answers().refused = 0;
+   answers().queries = 0;
 }
 
 }  // namespace Bench

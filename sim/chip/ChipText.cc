@@ -26,4 +26,37 @@ std::string portQueueText( Nev::ModIdPortQueueKey const& key ) {
    return os.str();
 }
 
+std::string boolText( bool b ) {
+   return b ? "true" : "false";
+}
+
+namespace {
+
+char const* mapTypeText( Qos::MapType type ) {
+   switch( type ) {
+      case Qos::mapControlPlane_:
+         return "control-plane";
+      case Qos::mapQos_:
+         return "qos";
+      case Qos::mapPdp_:
+         return "pdp";
+   }
+   return "?";
+}
+
+}  // namespace
+
+std::string aclKeyText( Nev::AclKey const& aclKey ) {
+   return textOf( aclKey.aclName() ) + "(" + textOf( aclKey.aclType() ) + ")";
+}
+
+std::string pmapText( Nev::QosPolicyMapKey const& k ) {
+   return textOf( k.pmapName() ) + "(" + mapTypeText( k.pmapType() ) + "," +
+          textOf( k.direction() ) + ")";
+}
+
+std::string queueText( Qos::TxQueue const& queue ) {
+   return ( queue.type() == Qos::multicastQueue_ ? "MC" : "UC" ) + textOf( queue.id() );
+}
+
 }  // namespace Sim

@@ -7,24 +7,10 @@
 
 namespace Sim {
 
-SimCbfFecMappingHelper::SimCbfFecMappingHelper( std::uint32_t slots, NotReady notReady,
-                                                Zub::Ptr< Kesh::TimerWheel > clock,
-                                                std::vector< ChipCall >* callLog )
+SimCbfFecMappingHelper::SimCbfFecMappingHelper( std::uint32_t slots, NotReady notReady )
     : CbfFecMappingHelper( Zub::Name( "cbfFecMappingHelper" ) )
     , slots_( slots )
-    , notReady_( std::move( notReady ) )
-    , clock_( std::move( clock ) )
-    , callLog_( callLog ) {}
-
-ChipCall& SimCbfFecMappingHelper::record( char const* op, Qos::Glarn::OverrideKey const& key ) {
-   ChipCall call;
-   call.t = clock_->now();
-   call.op = op;
-   call.helper = "cbf";
-   call.args.emplace_back( "key", textOf( key ) );
-   callLog_->push_back( std::move( call ) );
-   return callLog_->back();
-}
+    , notReady_( std::move( notReady ) ) {}
 
 bool SimCbfFecMappingHelper::freeSlot( Qos::Hardware::FecOverrideRuleId& id ) const {
    std::set< Qos::Hardware::FecOverrideRuleId > used;
@@ -39,9 +25,6 @@ bool SimCbfFecMappingHelper::freeSlot( Qos::Hardware::FecOverrideRuleId& id ) co
 // An unchanged rule is accepted again; a changed one is rewritten in its slot.
 NevHelper::CbfFecMappingUpdateStatus SimCbfFecMappingHelper::createOrUpdateMapping(
       Nev::CbfFecMapRule const& rule ) {
-   ChipCall& call = record( "createOrUpdateMapping", rule.key() );
-   call.args.emplace_back( "hwFecId", textOf( rule.hwFecId() ) );
-   call.args.emplace_back( "overridingHwFecId", textOf( rule.overridingHwFecId() ) );
    if( notReady_ && notReady_() ) return NevHelper::cbfMapUpdateNotReady;
    auto it = rules_.find( rule.key() );
    if( it == rules_.end() ) {
@@ -56,14 +39,12 @@ NevHelper::CbfFecMappingUpdateStatus SimCbfFecMappingHelper::createOrUpdateMappi
 
 NevHelper::CbfFecMappingUpdateStatus SimCbfFecMappingHelper::syncMapping(
       Nev::CbfFecMapRule const& rule, Qos::Hardware::FecOverrideRuleId hwRuleId ) {
-   record( "syncMapping", rule.key() ).args.emplace_back( "hwRuleId", textOf( hwRuleId ) );
    if( hwRuleId >= slots_ ) return NevHelper::cbfMapUpdateFailed;
    rules_[ rule.key() ] = CbfRule{ hwRuleId, rule.hwFecId(), rule.overridingHwFecId() };
    return NevHelper::cbfMapUpdateSuccess;
 }
 
 void SimCbfFecMappingHelper::deleteMapping( Qos::Glarn::OverrideKey const& ruleKey ) {
-   record( "deleteMapping", ruleKey );
    rules_.erase( ruleKey );
 }
 
@@ -73,7 +54,6 @@ Qos::Hardware::FecOverrideRuleId SimCbfFecMappingHelper::hwFecOverrideRuleId(
    return it == rules_.end() ? Qos::Hardware::invalidFecOverrideRuleId : it->second.id;
 }
 
-// Not recorded: verification's questions are not calls the engine programs with.
 std::vector< NevHelper::CbfFecMapHwRule > SimCbfFecMappingHelper::hwFecOverrideRules() {
    std::vector< NevHelper::CbfFecMapHwRule > out;
    for( auto const& [ key, rule ] : rules_ )

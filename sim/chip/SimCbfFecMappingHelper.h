@@ -24,16 +24,18 @@ struct CbfRule {
 class SimCbfFecMappingHelper : public NevHelper::CbfFecMappingHelper {
  public:
    using NotReady = std::function< bool() >;
-   // `notReady` tells whether the table is not ready now; `clock` stamps the calls recorded into
-   // `callLog`.
-   SimCbfFecMappingHelper( std::uint32_t slots, NotReady notReady,
-                           Zub::Ptr< Kesh::TimerWheel > clock, std::vector< ChipCall >* callLog );
+   // `notReady` tells whether the table is not ready now.
+   SimCbfFecMappingHelper( std::uint32_t slots, NotReady notReady );
 
    std::uint32_t slots() const { return slots_; }
    std::map< Qos::Glarn::OverrideKey, CbfRule > const& rules() const { return rules_; }
    // The driver's start-up: the table comes up empty. The engine has no start-up call for this
    // helper, so the simulated switch makes it where it starts the driver.
    void rulesDelAll() { rules_.clear(); }
+   // A rule the table holds without the engine having asked: one an earlier life of the agent
+   // left, or one a fault of the hardware changed.
+   void ruleIs( Qos::Glarn::OverrideKey const& key, CbfRule const& rule ) { rules_[ key ] = rule; }
+   void ruleDel( Qos::Glarn::OverrideKey const& key ) { rules_.erase( key ); }
 
    NevHelper::CbfFecMappingUpdateStatus createOrUpdateMapping(
          Nev::CbfFecMapRule const& rule ) override;
@@ -45,14 +47,11 @@ class SimCbfFecMappingHelper : public NevHelper::CbfFecMappingHelper {
    std::vector< NevHelper::CbfFecMapHwRule > hwFecOverrideRules() override;
 
  private:
-   ChipCall& record( char const* op, Qos::Glarn::OverrideKey const& key );
    // The lowest free slot, or none.
    bool freeSlot( Qos::Hardware::FecOverrideRuleId& id ) const;
 
    std::uint32_t slots_;
    NotReady notReady_;
-   Zub::Ptr< Kesh::TimerWheel > clock_;
-   std::vector< ChipCall >* callLog_;
    std::map< Qos::Glarn::OverrideKey, CbfRule > rules_;
 };
 

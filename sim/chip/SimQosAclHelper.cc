@@ -13,27 +13,6 @@ namespace Sim {
 
 namespace {
 
-char const* mapTypeText( Qos::MapType type ) {
-   switch( type ) {
-      case Qos::mapControlPlane_:
-         return "control-plane";
-      case Qos::mapQos_:
-         return "qos";
-      case Qos::mapPdp_:
-         return "pdp";
-   }
-   return "?";
-}
-
-std::string aclKeyText( Nev::AclKey const& aclKey ) {
-   return textOf( aclKey.aclName() ) + "(" + textOf( aclKey.aclType() ) + ")";
-}
-
-std::string pmapText( Nev::QosPolicyMapKey const& k ) {
-   return textOf( k.pmapName() ) + "(" + mapTypeText( k.pmapType() ) + "," +
-          textOf( k.direction() ) + ")";
-}
-
 std::string sliceOf( Nev::AclKey const& aclKey ) {
    if( aclKey.aclType() == Acl::ipv6() ) return "ipv6";
    if( aclKey.aclType() == Acl::mac() ) return "mac";
@@ -199,21 +178,6 @@ std::string SimQosAclHelper::aclIdOf( Nev::QosClassData const& classData,
    return classKeyOf( classData ) + " " + aclKeyText( aclKey );
 }
 
-ChipCall& SimQosAclHelper::record( char const* op, Nev::QosClassData const* classData,
-                                   Nev::AclKey const* aclKey ) {
-   ChipCall call;
-   call.t = clock_->now();
-   call.op = op;
-   if( classData ) call.args.emplace_back( "classData", classKeyOf( *classData ) );
-   if( aclKey ) call.args.emplace_back( "aclKey", aclKeyText( *aclKey ) );
-   callLog_->push_back( std::move( call ) );
-   return callLog_->back();
-}
-
-void SimQosAclHelper::recordPortQueue( char const* op, Nev::ModIdPortQueueKey const& key ) {
-   record( op, nullptr, nullptr ).args.emplace_back( "key", portQueueText( key ) );
-}
-
 void SimQosAclHelper::faultIs( std::size_t index, bool on ) {
    ZUB_ASSERT_TEXT( index < faultSwitchedOff_.size(), "the chip has no such fault" );
    faultSwitchedOff_[ index ] = !on;
@@ -301,7 +265,9 @@ void SimQosAclHelper::startOperation() {
    std::string message;
    if( asyncFailure_ ) {
       message = Nev::aclCreateErrorText( asyncFailure_->error ).stdString();
-      if( auto const state = pmapState( asyncFailure_->pmap ) ) state->dirtyIs( true );
+      if( auto const state = engineHelper_->pmapState( asyncFailure_->pmap ) ) {
+         state->dirtyIs( true );
+      }
       asyncFailure_.reset();
    }
    // Always at least one turn later: the engine marks the operation in flight after the call.
@@ -318,10 +284,8 @@ void SimQosAclHelper::trafficIs( ChipTraffic const& traffic ) {
 
 Nev::AclCreateError SimQosAclHelper::precreateAcl( Nev::QosPolicyMapState const&,
                                                    Nev::QosClassData const& classData,
-                                                   Qos::ClassMapMatchOption matchOption,
+                                                   Qos::ClassMapMatchOption,
                                                    Nev::AclKey const& aclKey ) {
-   record( "precreateAcl", &classData, &aclKey )
-         .args.emplace_back( "matchOption", textOf( matchOption ) );
    if( auto const fault = faultFor( "precreateAcl" ) ) return answer( *fault, classData );
    openAcl( aclIdOf( classData, aclKey ), sliceOf( aclKey ), classData, &aclKey );
    aclPorts_.erase( aclIdOf( classData, aclKey ) );
@@ -337,26 +301,6 @@ Nev::AclCreateError SimQosAclHelper::createIpAclSubrule(
       std::uint16_t dstPortHigh, std::uint16_t ipLen, std::uint16_t ipLenMask,
       std::uint16_t ipLenLow, std::uint16_t ipLenHigh, std::uint8_t tcpFlags, bool l4Rule,
       std::uint8_t ecnData, std::uint8_t ecnMask ) {
-   ChipCall& call = record( "createIpAclSubrule", &classData, &aclKey );
-   call.args.insert( call.args.end(), { { "aclType", textOf( aclType ) },
-                                        { "ruleNum", textOf( ruleNum ) },
-                                        { "subruleNum", textOf( subruleNum ) },
-                                        { "srcL4Port", textOf( srcL4Port ) },
-                                        { "srcL4PortMask", hexText( srcL4PortMask ) },
-                                        { "dstL4Port", textOf( dstL4Port ) },
-                                        { "dstL4PortMask", hexText( dstL4PortMask ) },
-                                        { "srcPortLow", textOf( srcPortLow ) },
-                                        { "srcPortHigh", textOf( srcPortHigh ) },
-                                        { "dstPortLow", textOf( dstPortLow ) },
-                                        { "dstPortHigh", textOf( dstPortHigh ) },
-                                        { "ipLen", textOf( ipLen ) },
-                                        { "ipLenMask", hexText( ipLenMask ) },
-                                        { "ipLenLow", textOf( ipLenLow ) },
-                                        { "ipLenHigh", textOf( ipLenHigh ) },
-                                        { "tcpFlags", hexText( tcpFlags ) },
-                                        { "l4Rule", l4Rule ? "true" : "false" },
-                                        { "ecnData", textOf( unsigned( ecnData ) ) },
-                                        { "ecnMask", hexText( ecnMask ) } } );
    if( auto const fault = faultFor( "createIpAclSubrule" ) ) return answer( *fault, classData );
    // Only permit rules take entries: a packet no permit rule matches is not in the class.
    if( rule.action != Acl::actionPermit ) return Nev::aclCreateErrorNone;
@@ -424,7 +368,6 @@ Nev::AclCreateError SimQosAclHelper::createIpFragRule(
       Nev::QosPolicyMapState const&, Nev::QosClassData const& classData, Nev::AclKey const& aclKey,
       Acl::IpRuleConfig const& rule, Acl::UniqueId const& aclId, std::uint32_t ruleNum,
       std::uint32_t subRuleNum, std::uint8_t ecnData, std::uint8_t ecnMask ) {
-   record( "createIpFragRule", &classData, &aclKey );
    // A deny rule's fragment entry is written all the same: the engine counts its layer-3 match
    // as served, so a later permit rule of that match makes none of its own.
    TcamEntry entry{ "ipFrag", ruleNum, subRuleNum, {}, aclId.value() };
@@ -440,7 +383,6 @@ Nev::AclCreateError SimQosAclHelper::createDefaultRule( Nev::QosPolicyMapState c
                                                         Nev::QosClassData const& classData,
                                                         Qos::ClassMapMatchOption,
                                                         Nev::AclKey const& aclKey ) {
-   record( "createDefaultRule", &classData, &aclKey );
    return createRule( "createDefaultRule", aclIdOf( classData, aclKey ), sliceOf( aclKey ),
                       classData, &aclKey, defaultEntry() );
 }
@@ -450,8 +392,6 @@ Nev::AclCreateError SimQosAclHelper::createL2ParamsRule( Nev::QosPolicyMapState 
                                                          Qos::ClassMapMatchOption,
                                                          Nev::AclKey const& aclKey,
                                                          std::uint32_t ruleNum ) {
-   record( "createL2ParamsRule", &classData, &aclKey )
-         .args.emplace_back( "ruleNum", textOf( ruleNum ) );
    return createRule( "createL2ParamsRule", aclIdOf( classData, aclKey ), sliceOf( aclKey ),
                       classData, &aclKey, l2EntryOf( classData, ruleNum ) );
 }
@@ -476,8 +416,6 @@ Nev::AclCreateError SimQosAclHelper::createMplsTrafficClassRule( Nev::QosPolicyM
                                                                  Qos::ClassMapMatchOption,
                                                                  Nev::AclKey const& aclKey,
                                                                  std::uint32_t ruleNum ) {
-   record( "createMplsTrafficClassRule", &classData, &aclKey )
-         .args.emplace_back( "ruleNum", textOf( ruleNum ) );
    return createRule( "createMplsTrafficClassRule", aclIdOf( classData, aclKey ), sliceOf( aclKey ),
                       classData, &aclKey, mplsEntryOf( classData, ruleNum ) );
 }
@@ -497,8 +435,6 @@ Nev::AclCreateError SimQosAclHelper::createDscpEcnRule( Nev::QosPolicyMapState c
                                                         Qos::ClassMapMatchOption,
                                                         Nev::AclKey const& aclKey,
                                                         std::uint32_t ruleNum ) {
-   record( "createDscpEcnRule", &classData, &aclKey )
-         .args.emplace_back( "ruleNum", textOf( ruleNum ) );
    return createRule( "createDscpEcnRule", aclIdOf( classData, aclKey ), sliceOf( aclKey ),
                       classData, &aclKey, dscpEcnEntryOf( classData, ruleNum ) );
 }
@@ -526,8 +462,6 @@ Nev::AclCreateError SimQosAclHelper::createMacAclRule( Nev::QosPolicyMapState co
                                                        Qos::ClassMapMatchOption,
                                                        Nev::AclKey const& aclKey,
                                                        std::uint32_t ruleNum ) {
-   record( "createMacAclRule", &classData, &aclKey )
-         .args.emplace_back( "ruleNum", textOf( ruleNum ) );
    return createRule( "createMacAclRule", aclIdOf( classData, aclKey ), sliceOf( aclKey ),
                       classData, &aclKey, macEntryOf( classData, ruleNum ) );
 }
@@ -543,7 +477,6 @@ TcamEntry SimQosAclHelper::macEntryOf( Nev::QosClassData const& classData, std::
 Nev::AclCreateError SimQosAclHelper::createBuiltInClassMatchRule(
       Nev::QosPolicyMapState const&, Nev::QosClassData const& classData, Qos::ClassMapMatchOption,
       std::uint32_t ruleNum ) {
-   record( "createBuiltInClassMatchRule", &classData, nullptr );
    // The built-in classes live in the IPv4 slice, under an ACL of their own per class.
    std::string const id = classKeyOf( classData ) + " built-in";
    TcamEntry entry{ "builtIn",
@@ -558,16 +491,12 @@ void SimQosAclHelper::updatePortForAcl( Nev::QosPolicyMapState const&,
                                         Nev::QosClassData const& classData,
                                         Qos::ClassMapMatchOption, Nev::AclKey const& aclKey,
                                         Qos::IntfPairKey const& intfPair, bool add ) {
-   ChipCall& call = record( "updatePortForAcl", &classData, &aclKey );
-   call.args.emplace_back( "intfPair", intfText( intfPair ) );
-   call.args.emplace_back( "add", add ? "true" : "false" );
    bind( aclPorts_[ aclIdOf( classData, aclKey ) ], intfPair, add );
    if( async() ) startOperation();
 }
 
 void SimQosAclHelper::destroyAcl( Nev::QosPolicyMapState const&, Nev::QosClassData const& classData,
                                   Qos::ClassMapMatchOption, Nev::AclKey const& aclKey ) {
-   record( "destroyAcl", &classData, &aclKey );
    closeAcl( aclIdOf( classData, aclKey ) );
    aclPorts_.erase( aclIdOf( classData, aclKey ) );
    if( async() ) startOperation();
@@ -575,7 +504,6 @@ void SimQosAclHelper::destroyAcl( Nev::QosPolicyMapState const&, Nev::QosClassDa
 
 void SimQosAclHelper::cleanupAcl( Nev::QosPolicyMapState const&, Nev::QosClassData const& classData,
                                   Qos::ClassMapMatchOption, Nev::AclKey const& aclKey ) {
-   record( "cleanupAcl", &classData, &aclKey );
    closeAcl( aclIdOf( classData, aclKey ) );
    closeAcl( classKeyOf( classData ) + " built-in" );
    aclPorts_.erase( aclIdOf( classData, aclKey ) );
@@ -584,7 +512,6 @@ void SimQosAclHelper::cleanupAcl( Nev::QosPolicyMapState const&, Nev::QosClassDa
 Nev::AclCreateError SimQosAclHelper::commitAcl( Nev::QosClassData const& classData,
                                                 Qos::ClassMapMatchOption,
                                                 Nev::AclKey const& aclKey ) {
-   record( "commitAcl", &classData, &aclKey );
    Nev::AclCreateError error = faultFor( "commitAcl" ).value_or( Nev::aclCreateErrorNone );
    if( error == Nev::aclCreateErrorNone ) {
       std::string const id = aclIdOf( classData, aclKey );
@@ -599,37 +526,20 @@ Nev::AclCreateError SimQosAclHelper::commitAcl( Nev::QosClassData const& classDa
    return error;
 }
 
-void SimQosAclHelper::prepareToCommit() {
-   record( "prepareToCommit", nullptr, nullptr );
-}
+void SimQosAclHelper::prepareToCommit() {}
 
-void SimQosAclHelper::batchCommitAcls( Nev::QosPolicyMapState const& pmapState ) {
-   record( "batchCommitAcls", nullptr, nullptr )
-         .args.emplace_back( "pmapState", pmapText( pmapState.key() ) );
-}
+void SimQosAclHelper::batchCommitAcls( Nev::QosPolicyMapState const& ) {}
 
-void SimQosAclHelper::batchCommitAclsIntf( Nev::QosPolicyMapState const& pmapState,
-                                           Qos::IntfPairKey const& intfPair, bool add ) {
-   ChipCall& call = record( "batchCommitAclsIntf", nullptr, nullptr );
-   call.args.emplace_back( "pmapState", pmapText( pmapState.key() ) );
-   call.args.emplace_back( "intfPair", intfText( intfPair ) );
-   call.args.emplace_back( "add", add ? "true" : "false" );
-}
+void SimQosAclHelper::batchCommitAclsIntf( Nev::QosPolicyMapState const&,
+                                           Qos::IntfPairKey const&, bool ) {}
 
-bool SimQosAclHelper::createSmForPMap( Nev::QosPolicyMapState const& pmapState ) {
-   record( "createSmForPMap", nullptr, nullptr )
-         .args.emplace_back( "pmapState", pmapText( pmapState.key() ) );
+bool SimQosAclHelper::createSmForPMap( Nev::QosPolicyMapState const& ) {
    return true;
 }
 
-void SimQosAclHelper::cleanupForPMap( Nev::QosPolicyMapKey const& pmapKey ) {
-   record( "cleanupForPMap", nullptr, nullptr ).args.emplace_back( "pmapKey", pmapText( pmapKey ) );
-}
+void SimQosAclHelper::cleanupForPMap( Nev::QosPolicyMapKey const& ) {}
 
-void SimQosAclHelper::updatePolicer( Zub::Name const& policerName ) {
-   record( "updatePolicer", nullptr, nullptr )
-         .args.emplace_back( "policerName", textOf( policerName ) );
-}
+void SimQosAclHelper::updatePolicer( Zub::Name const& ) {}
 
 void SimQosAclHelper::bind( std::set< std::string >& ports, Qos::IntfPairKey const& intfPair,
                             bool add ) {
@@ -641,7 +551,6 @@ void SimQosAclHelper::bind( std::set< std::string >& ports, Qos::IntfPairKey con
 }
 
 void SimQosAclHelper::handlePendingOperationTimeout() {
-   record( "handlePendingOperationTimeout", nullptr, nullptr );
    // The engine has given the operation up: it no longer waits on the chip.
    std::erase_if( pending_, []( PendingOperation const& op ) { return op.hangs && op.reported; } );
 }
@@ -649,7 +558,6 @@ void SimQosAclHelper::handlePendingOperationTimeout() {
 // ---- Policers, counters, CPU queues
 
 int SimQosAclHelper::coppAllocateCpuQ( Nev::QosClassData const& classData ) {
-   record( "coppAllocateCpuQ", &classData, nullptr );
    std::string const key = classKeyOf( classData );
    if( auto it = cpuQueues_.find( key ); it != cpuQueues_.end() ) return it->second;
    std::set< int > used;
@@ -664,21 +572,14 @@ int SimQosAclHelper::coppAllocateCpuQ( Nev::QosClassData const& classData ) {
 }
 
 void SimQosAclHelper::coppDeallocateCpuQ( Nev::QosClassData const& classData ) {
-   record( "coppDeallocateCpuQ", &classData, nullptr );
    cpuQueues_.erase( classKeyOf( classData ) );
 }
 
 bool SimQosAclHelper::createAndAttachPolicer( Nev::QosClassData const& classData ) {
-   ChipCall& call = record( "createAndAttachPolicer", &classData, nullptr );
-   if( auto const p = classData.policerData() ) {
-      call.args.emplace_back( "cir", textOf( p->cir() ) + textOf( p->cirUnit() ) );
-      call.args.emplace_back( "bc", textOf( p->bc() ) + textOf( p->bcUnit() ) );
-   }
    return takePolicer( classData );
 }
 
 bool SimQosAclHelper::createAndAttachCoppPolicer( Nev::QosClassData const& classData ) {
-   record( "createAndAttachCoppPolicer", &classData, nullptr );
    return takePolicer( classData );
 }
 
@@ -690,12 +591,10 @@ bool SimQosAclHelper::takePolicer( Nev::QosClassData const& classData ) {
 }
 
 void SimQosAclHelper::destroyPolicer( Nev::QosClassData const& classData ) {
-   record( "destroyPolicer", &classData, nullptr );
    policers_.erase( classKeyOf( classData ) );
 }
 
 void SimQosAclHelper::createAndAttachCounter( Nev::QosClassData const& classData ) {
-   record( "createAndAttachCounter", &classData, nullptr );
    if( counters_.size() >= config_.counters ) {
       // The driver reports a counter it cannot make; the engine has no failure path for it.
       Zub::log( Nev::QOS_POLICY_COUNTER_HW_RESOURCE_FULL, classData.key().cmapName(),
@@ -708,14 +607,12 @@ void SimQosAclHelper::createAndAttachCounter( Nev::QosClassData const& classData
 }
 
 void SimQosAclHelper::destroyCounter( Nev::QosClassData const& classData ) {
-   record( "destroyCounter", &classData, nullptr );
    counters_.erase( classKeyOf( classData ) );
    refusedCounters_.erase( classKeyOf( classData ) );
 }
 
 Nev::QosClassCounterData SimQosAclHelper::counterUpdateRequest( Nev::QosClassData const& classData,
                                                                 Nev::AclKey const& aclKey ) {
-   record( "counterUpdateRequest", &classData, &aclKey );
    // A class's traffic is counted once, on its first installed ACL.
    std::string const key = classKeyOf( classData );
    for( auto const& [ id, acl ] : tcam_.acls() ) {
@@ -737,19 +634,16 @@ Nev::QosClassCounterData SimQosAclHelper::counterUpdateRequest( Nev::QosClassDat
 
 // ---- Control plane and start-up
 
-bool SimQosAclHelper::checkUserCoppEntryExists( Nev::ModIdPortQueueKey const& key ) {
-   recordPortQueue( "checkUserCoppEntryExists", key );
+bool SimQosAclHelper::checkUserCoppEntryExists( Nev::ModIdPortQueueKey const& ) {
    return false;
 }
 
 bool SimQosAclHelper::checkKernelCoppEntryExists( Nev::ModIdPortQueueKey const& key ) {
-   recordPortQueue( "checkKernelCoppEntryExists", key );
    return portCpuQueuePolicers_.contains( key );
 }
 
 // A queue reported saturated again keeps its one policer.
 bool SimQosAclHelper::createCoppPolicerByPortQueue( Nev::ModIdPortQueueKey const& key ) {
-   recordPortQueue( "createCoppPolicerByPortQueue", key );
    if( portCpuQueuePolicers_.contains( key ) ) return true;
    if( portCpuQueuePolicers_.size() >= config_.portCpuQueuePolicers ) return false;
    portCpuQueuePolicers_.insert( key );
@@ -758,16 +652,12 @@ bool SimQosAclHelper::createCoppPolicerByPortQueue( Nev::ModIdPortQueueKey const
 
 // Also called for a queue that never got its policer; there is nothing to free then.
 void SimQosAclHelper::destroyCoppPolicerByPortQueue( Nev::ModIdPortQueueKey const& key ) {
-   recordPortQueue( "destroyCoppPolicerByPortQueue", key );
    portCpuQueuePolicers_.erase( key );
 }
 
-void SimQosAclHelper::createDefaultCoppRates() {
-   record( "createDefaultCoppRates", nullptr, nullptr );
-}
+void SimQosAclHelper::createDefaultCoppRates() {}
 
 void SimQosAclHelper::destroyCoppPolicer( Nev::QosClassData const& classData ) {
-   record( "destroyCoppPolicer", &classData, nullptr );
    policers_.erase( classKeyOf( classData ) );
 }
 
@@ -778,7 +668,6 @@ void SimQosAclHelper::destroyCoppPolicer( Nev::QosClassData const& classData ) {
 // between for ever, with their policers and counters. Fault switches and the counts that a
 // fault's `nth` reads belong to the scenario and carry on.
 void SimQosAclHelper::hwInit() {
-   record( "hwInit", nullptr, nullptr );
    tcam_ = Tcam( config_.tcamSliceEntries, config_.rangeCheckers );
    aclRecords_.clear();
    aclPorts_.clear();
@@ -790,8 +679,8 @@ void SimQosAclHelper::hwInit() {
    traffic_.clear();
    pending_.clear();
    asyncFailure_.reset();
-   pmapStateDelAll();
-   unableToProgramDelAll();
+   engineHelper_->pmapStateDelAll();
+   engineHelper_->unableToProgramDelAll();
 }
 
 Zub::String SimQosAclHelper::cpuQIdToClassMapName( std::uint32_t cpuQId ) {

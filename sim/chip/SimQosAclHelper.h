@@ -23,15 +23,6 @@
 
 namespace Sim {
 
-// One helper call, as the runner reports it.
-struct ChipCall {
-   Zub::Seconds t = 0.0;
-   std::string op;
-   std::vector< std::pair< std::string, std::string > > args;
-   // Which helper took the call: "acl" or "basic".
-   std::string helper = "acl";
-};
-
 // Packets that reach one class of a policy map on one interface.
 struct ChipTraffic {
    Qos::ServicePolicyKey servicePolicy;
@@ -50,10 +41,12 @@ class SimQosAclHelper : public NevHelper::QosAclHelper {
 
    ChipConfig const& config() const { return config_; }
    Tcam const& tcam() const { return tcam_; }
-   std::vector< ChipCall > const& calls() const { return *callLog_; }
-   // Records the calls into `log` from now on, so that chips sharing one log keep the order of
-   // their calls between them; null records into the chip's own.
-   void callLogIs( std::vector< ChipCall >* log ) { callLog_ = log ? log : &calls_; }
+   // The helper the engine holds, whose base-class state (policy map states, unableToProgram)
+   // the chip marks and clears: the chip itself, unless a decorator stands between them (see
+   // sim/recording/RecordingQosAclHelper.h). Null means the chip itself again.
+   void engineHelperIs( NevHelper::QosAclHelper* helper ) {
+      engineHelper_ = helper ? helper : this;
+   }
    std::uint32_t policersUsed() const { return static_cast< std::uint32_t >( policers_.size() ); }
    std::uint32_t countersUsed() const { return static_cast< std::uint32_t >( counters_.size() ); }
    std::uint32_t cpuQueuesUsed() const { return static_cast< std::uint32_t >( cpuQueues_.size() ); }
@@ -359,10 +352,6 @@ class SimQosAclHelper : public NevHelper::QosAclHelper {
    };
 
    bool async() const { return config_.tcamMode == TcamMode::asynchronous; }
-   ChipCall& record( char const* op, Nev::QosClassData const* classData,
-                     Nev::AclKey const* aclKey );
-   // A call about one CPU queue of a port.
-   void recordPortQueue( char const* op, Nev::ModIdPortQueueKey const& key );
    // The answer a scripted fault gives to this call of `op`, if any.
    std::optional< Nev::AclCreateError > faultFor( std::string const& op );
    bool active( FaultConfig const& fault ) const;
@@ -373,7 +362,7 @@ class SimQosAclHelper : public NevHelper::QosAclHelper {
                  Nev::QosClassData const& classData, Nev::AclKey const* aclKey );
    // Frees the ACL in the TCAM and forgets its record.
    void closeAcl( std::string const& aclId );
-   // A rule operation after its call is recorded: a scripted fault, or the entry written into
+   // A rule operation: a scripted fault, or the entry written into
    // the ACL, opened in `slice` if need be.
    Nev::AclCreateError createRule( std::string const& op, std::string const& aclId,
                                    std::string const& slice, Nev::QosClassData const& classData,
@@ -444,8 +433,7 @@ class SimQosAclHelper : public NevHelper::QosAclHelper {
    Tcam tcam_;
    Zub::Ptr< Kesh::TimerWheel > clock_;
    Zub::Ptr< Completer > completer_;
-   std::vector< ChipCall > calls_;
-   std::vector< ChipCall >* callLog_ = &calls_;
+   NevHelper::QosAclHelper* engineHelper_ = this;
    std::map< std::string, std::uint32_t > opCalls_;
    std::uint32_t asyncOperations_ = 0;
    // The first failure since the asynchronous operation began, and the map it failed.

@@ -206,14 +206,12 @@ void SimQosAclHelper::checkPortsBound( Nev::QosClassData const& classData,
 
 void SimQosAclHelper::verifyAclGeneral( Nev::QosClassData const& classData,
                                         Qos::ClassMapMatchOption, Nev::AclKey const& aclKey ) {
-   record( "verifyAclGeneral", &classData, &aclKey );
    if( checkInstalled( classData, aclKey ) ) checkPortsBound( classData, aclKey );
 }
 
 void SimQosAclHelper::verifyTcamData( Nev::QosClassData const& classData,
                                       Qos::ClassMapMatchOption matchOption,
                                       Nev::AclKey const& aclKey ) {
-   record( "verifyTcamData", &classData, &aclKey );
    compareWritten( classData, aclKey, aclIdOf( classData, aclKey ) );
    // The built-in classes keep their entries in an ACL of the class's own.
    if( matchOption == Qos::matchOptionBuiltIn ) {
@@ -505,14 +503,12 @@ void SimQosAclHelper::checkRuleEntry( Nev::QosClassData const& classData, Nev::A
 void SimQosAclHelper::verifyDefaultRule( Nev::QosPolicyMapState const&,
                                          Nev::QosClassData const& classData,
                                          Qos::ClassMapMatchOption, Nev::AclKey const& aclKey ) {
-   record( "verifyDefaultRule", &classData, &aclKey );
    checkRuleEntry( classData, aclKey, defaultEntry() );
 }
 
 void SimQosAclHelper::verifyL2ParamsRule( Nev::QosPolicyMapState const&,
                                           Nev::QosClassData const& classData,
                                           Qos::ClassMapMatchOption, Nev::AclKey const& aclKey ) {
-   record( "verifyL2ParamsRule", &classData, &aclKey );
    checkRuleEntry( classData, aclKey, l2EntryOf( classData, 0 ) );
 }
 
@@ -520,21 +516,18 @@ void SimQosAclHelper::verifyMplsTrafficClassRule( Nev::QosPolicyMapState const&,
                                                   Nev::QosClassData const& classData,
                                                   Qos::ClassMapMatchOption,
                                                   Nev::AclKey const& aclKey ) {
-   record( "verifyMplsTrafficClassRule", &classData, &aclKey );
    checkRuleEntry( classData, aclKey, mplsEntryOf( classData, 0 ) );
 }
 
 void SimQosAclHelper::verifyDscpEcnRule( Nev::QosPolicyMapState const&,
                                          Nev::QosClassData const& classData,
                                          Qos::ClassMapMatchOption, Nev::AclKey const& aclKey ) {
-   record( "verifyDscpEcnRule", &classData, &aclKey );
    checkRuleEntry( classData, aclKey, dscpEcnEntryOf( classData, 0 ) );
 }
 
 void SimQosAclHelper::verifyMacAclRule( Nev::QosPolicyMapState const&,
                                         Nev::QosClassData const& classData,
                                         Qos::ClassMapMatchOption, Nev::AclKey const& aclKey ) {
-   record( "verifyMacAclRule", &classData, &aclKey );
    checkRuleEntry( classData, aclKey, macEntryOf( classData, 0 ) );
 }
 
@@ -543,7 +536,6 @@ void SimQosAclHelper::verifyMacAclRule( Nev::QosPolicyMapState const&,
 // The engine's belief is the policer data's createdInHw: a policer the chip refused, which the
 // engine went on without, is expected absent.
 void SimQosAclHelper::verifyPolicer( Nev::QosClassData const& classData ) {
-   record( "verifyPolicer", &classData, nullptr );
    auto const policer = classData.policerData();
    if( !policer ) return;
    bool const held = policers_.contains( classKeyOf( classData ) );
@@ -556,7 +548,6 @@ void SimQosAclHelper::verifyPolicer( Nev::QosClassData const& classData ) {
 // The engine learns nothing of a counter the chip refused: the chip logged it, and expects it
 // absent.
 void SimQosAclHelper::verifyCounter( Nev::QosClassData const& classData ) {
-   record( "verifyCounter", &classData, nullptr );
    std::string const key = classKeyOf( classData );
    if( counters_.contains( key ) || refusedCounters_.contains( key ) ) return;
    reportMismatch( "counter of class " + key + " is not in hardware" );

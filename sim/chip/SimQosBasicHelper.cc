@@ -8,15 +8,6 @@ namespace Sim {
 
 namespace {
 
-std::string boolText( bool b ) {
-   return b ? "true" : "false";
-}
-
-// "UC3", "MC0".
-std::string queueText( Qos::TxQueue const& queue ) {
-   return ( queue.type() == Qos::multicastQueue_ ? "MC" : "UC" ) + textOf( queue.id() );
-}
-
 // What goes into each kind of profile; empty when the queue needs none.
 std::string ecnSettings( BasicQueueSettings const& q ) {
    std::string out;
@@ -54,13 +45,11 @@ bool ppsUnit( Qos::GuaranteedBw const& bw ) {
 SimQosBasicHelper::SimQosBasicHelper(
       ChipConfig config, Zub::Ptr< Qos::Status const > qosStatus,
       Zub::Ptr< Qos::HwStatus > qosHwStatus, Zub::Ptr< Qos::SliceHwStatus > qosSliceHwStatus,
-      Zub::Ptr< Interface::AllEthPhyIntfStatusDir const > ethPhyIntfStatusDir,
-      Zub::Ptr< Kesh::TimerWheel > clock )
+      Zub::Ptr< Interface::AllEthPhyIntfStatusDir const > ethPhyIntfStatusDir )
     : QosBasicHelper( std::move( qosStatus ), std::move( qosHwStatus ),
                       std::move( qosSliceHwStatus ) )
     , config_( std::move( config ) )
     , ethPhyIntfStatusDir_( std::move( ethPhyIntfStatusDir ) )
-    , clock_( std::move( clock ) )
     , ecnProfiles_( config_.ecnProfiles )
     , wredProfiles_( config_.wredProfiles )
     , dropThresholdProfiles_( config_.dropThresholdProfiles ) {}
@@ -69,16 +58,6 @@ SimQosBasicHelper::~SimQosBasicHelper() = default;
 
 std::string SimQosBasicHelper::queueName( Mirel::IntfId intf, Qos::TxQueue const& queue ) {
    return intfName( intf ) + " " + queueText( queue );
-}
-
-void SimQosBasicHelper::record( char const* op, Args args ) {
-   callLog_->push_back( ChipCall{ clock_ ? clock_->now() : 0.0, op, std::move( args ), "basic" } );
-}
-
-void SimQosBasicHelper::recordQueue( char const* op, Qos::IntfStatus const& intfStatus,
-                                     Qos::TxQueueStatus const& txQueueStatus ) {
-   record( op, { { "intfStatus", intfName( intfStatus.key() ) },
-                 { "txQueueStatus", queueText( txQueueStatus.key() ) } } );
 }
 
 BasicPortSettings SimQosBasicHelper::portDefaults() const {
@@ -107,12 +86,9 @@ void SimQosBasicHelper::fail( Qos::FeatureName feature, Zub::LogHandle& handle,
 
 // ---- Start-up and verification
 
-void SimQosBasicHelper::initializationComplete() {
-   record( "initializationComplete" );
-}
+void SimQosBasicHelper::initializationComplete() {}
 
 void SimQosBasicHelper::handleEthPhyIntfStatusActive( Mirel::IntfId const& intfId ) {
-   record( "handleEthPhyIntfStatusActive", { { "intfId", intfName( intfId ) } } );
    // The link speed is known now: percent guarantees of the port are taken of it again.
    for( auto& [ key, q ] : queues_ ) {
       if( key.intf != intfId || q.guaranteedBw.unit != Qos::guaranteedBwUnitPercent_ ) continue;
@@ -122,7 +98,6 @@ void SimQosBasicHelper::handleEthPhyIntfStatusActive( Mirel::IntfId const& intfI
 }
 
 void SimQosBasicHelper::hwInit() {
-   record( "hwInit" );
    // The chip comes up with its default maps and nothing else programmed.
    Qos::HwStatus const& hw = *qosHwStatus();
    globals_ = BasicGlobalTables();
@@ -153,18 +128,13 @@ void SimQosBasicHelper::hwInit() {
    ecnCounters_.clear();
 }
 
-void SimQosBasicHelper::handleQosVerify() {
-   record( "handleQosVerify" );
-}
+void SimQosBasicHelper::handleQosVerify() {}
 
-void SimQosBasicHelper::handleServicePolicyDP1Status() {
-   record( "handleServicePolicyDP1Status" );
-}
+void SimQosBasicHelper::handleServicePolicyDP1Status() {}
 
 // ---- Global maps
 
 void SimQosBasicHelper::programCosToTcMap( Qos::Cos cos ) {
-   record( "programCosToTcMap", { { "cos", textOf( cos ) } } );
    globals_.cosToTc.at( cos ) = cosToTc( cos );
    // Profiles follow the global map in the slots their configuration leaves out.
    for( auto& [ name, table ] : cosToTcProfiles_ )
@@ -172,96 +142,78 @@ void SimQosBasicHelper::programCosToTcMap( Qos::Cos cos ) {
 }
 
 void SimQosBasicHelper::programDscpToTcMap( Qos::Dscp dscp ) {
-   record( "programDscpToTcMap", { { "dscp", textOf( dscp ) } } );
    globals_.dscpToTc.at( dscp ) = dscpToTc( dscp );
 }
 
 void SimQosBasicHelper::programDscpToDpMap( Qos::Dscp dscp ) {
-   record( "programDscpToDpMap", { { "dscp", textOf( dscp ) } } );
    globals_.dscpToDp.at( dscp ) = dscpToDp( dscp );
 }
 
 void SimQosBasicHelper::programExpToTcMap( Qos::Exp exp ) {
-   record( "programExpToTcMap", { { "exp", textOf( exp ) } } );
    globals_.expToTc.at( exp ) = expToTc( exp );
 }
 
 void SimQosBasicHelper::programTcToCosMap( Qos::TrafficClass tc ) {
-   record( "programTcToCosMap", { { "tc", textOf( tc ) } } );
    globals_.tcToCos.at( tc ) = tcToCos( tc );
 }
 
 void SimQosBasicHelper::programTcToDscpMap( Qos::TrafficClass tc ) {
-   record( "programTcToDscpMap", { { "tc", textOf( tc ) } } );
    globals_.tcToDscp.at( tc ) = tcToDscp( tc );
    for( auto& [ name, table ] : dscpRewriteMaps_ )
       table.at( tc ) = dscpRewriteSlot( name, tc );
 }
 
 void SimQosBasicHelper::programTcToExpMap( Qos::TrafficClass tc ) {
-   record( "programTcToExpMap", { { "tc", textOf( tc ) } } );
    globals_.tcToExp.at( tc ) = tcToExp( tc );
 }
 
 void SimQosBasicHelper::programCosRewriteEnabled() {
-   record( "programCosRewriteEnabled" );
    globals_.cosRewriteEnabled = cosRewriteEnabled();
 }
 
 void SimQosBasicHelper::programDscpRewriteEnabled() {
-   record( "programDscpRewriteEnabled" );
    globals_.dscpRewriteEnabled = dscpRewriteEnabled();
 }
 
 void SimQosBasicHelper::programTcToUcTxQueueMap( Qos::TrafficClass tc ) {
-   record( "programTcToUcTxQueueMap", { { "tc", textOf( tc ) } } );
    globals_.tcToUcTxQueue.at( tc ) = tcToUcTxQueue( tc );
 }
 
 void SimQosBasicHelper::programTcToMcTxQueueMap( Qos::TrafficClass tc ) {
-   record( "programTcToMcTxQueueMap", { { "tc", textOf( tc ) } } );
    globals_.tcToMcTxQueue.at( tc ) = tcToMcTxQueue( tc );
 }
 
 void SimQosBasicHelper::programGlobalEcn() {
-   record( "programGlobalEcn" );
    globals_.ecn = qosStatus()->globalEcnStatus();
 }
 
 // ---- Ports
 
 void SimQosBasicHelper::programIntfTrustModeCos( Qos::IntfStatus const& intfStatus ) {
-   record( "programIntfTrustModeCos", { { "intfStatus", intfName( intfStatus.key() ) } } );
    port( intfStatus.key() ).trustMode = Qos::trustCos_;
 }
 
 void SimQosBasicHelper::programIntfTrustModeDscp( Qos::IntfStatus const& intfStatus ) {
-   record( "programIntfTrustModeDscp", { { "intfStatus", intfName( intfStatus.key() ) } } );
    port( intfStatus.key() ).trustMode = Qos::trustDscp_;
 }
 
 void SimQosBasicHelper::programIntfTrustModeUntrusted( Qos::IntfStatus const& intfStatus ) {
-   record( "programIntfTrustModeUntrusted", { { "intfStatus", intfName( intfStatus.key() ) } } );
    port( intfStatus.key() ).trustMode = Qos::untrusted_;
 }
 
 void SimQosBasicHelper::programIntfDefaultCos( Qos::IntfStatus const& intfStatus ) {
-   record( "programIntfDefaultCos", { { "intfStatus", intfName( intfStatus.key() ) } } );
    port( intfStatus.key() ).defaultCos = defaultCos( &intfStatus );
 }
 
 void SimQosBasicHelper::programIntfDefaultDscp( Qos::IntfStatus const& intfStatus ) {
-   record( "programIntfDefaultDscp", { { "intfStatus", intfName( intfStatus.key() ) } } );
    port( intfStatus.key() ).defaultDscp = defaultDscp( &intfStatus );
 }
 
 void SimQosBasicHelper::programIntfShapeRate( Qos::IntfStatus const& intfStatus ) {
-   record( "programIntfShapeRate", { { "intfStatus", intfName( intfStatus.key() ) } } );
    port( intfStatus.key() ).shapeRate = intfStatus.shapeRate();
 }
 
 void SimQosBasicHelper::programIntfDefaults( Qos::IntfStatus const& intfStatus ) {
-   record( "programIntfDefaults", { { "intfStatus", intfName( intfStatus.key() ) } } );
    port( intfStatus.key() ) = portDefaults();
    qosSliceHwStatus()->intfToCosToTcProfileDel( intfStatus.key() );
 }
@@ -270,13 +222,11 @@ void SimQosBasicHelper::programIntfDefaults( Qos::IntfStatus const& intfStatus )
 
 void SimQosBasicHelper::programIntfTxQueuePriority( Qos::IntfStatus const& intfStatus,
                                                     Qos::TxQueueStatus const& txQueueStatus ) {
-   recordQueue( "programIntfTxQueuePriority", intfStatus, txQueueStatus );
    queue( intfStatus.key(), txQueueStatus.key() ).priority = txQueueStatus.priority();
 }
 
 void SimQosBasicHelper::programIntfTxQueueShapeRate( Qos::IntfStatus const& intfStatus,
                                                      Qos::TxQueueStatus const& txQueueStatus ) {
-   recordQueue( "programIntfTxQueueShapeRate", intfStatus, txQueueStatus );
    BasicQueueSettings& q = queue( intfStatus.key(), txQueueStatus.key() );
    q.shapeRate = txQueueStatus.shapeRate();
    // The hardware holds a guarantee only in the shape rate's unit.
@@ -287,7 +237,6 @@ void SimQosBasicHelper::programIntfTxQueueShapeRate( Qos::IntfStatus const& intf
 
 void SimQosBasicHelper::programIntfTxQueueGuaranteedBw( Qos::IntfStatus const& intfStatus,
                                                         Qos::TxQueueStatus const& txQueueStatus ) {
-   recordQueue( "programIntfTxQueueGuaranteedBw", intfStatus, txQueueStatus );
    guaranteeIs( intfStatus.key(), txQueueStatus, queue( intfStatus.key(), txQueueStatus.key() ),
                 true );
 }
@@ -342,7 +291,6 @@ bool SimQosBasicHelper::ecnProfileIs( Mirel::IntfId intf, Qos::TxQueue const& tx
 
 void SimQosBasicHelper::programIntfTxQueueEcn( Qos::IntfStatus const& intfStatus,
                                                Qos::TxQueueStatus const& txQueueStatus ) {
-   recordQueue( "programIntfTxQueueEcn", intfStatus, txQueueStatus );
    BasicQueueSettings& q = queue( intfStatus.key(), txQueueStatus.key() );
    BasicQueueSettings wanted = q;
    wanted.ecn = txQueueStatus.ecnStatus();
@@ -353,7 +301,6 @@ void SimQosBasicHelper::programIntfTxQueueEcn( Qos::IntfStatus const& intfStatus
 
 void SimQosBasicHelper::programIntfTxQueueNonEct( Qos::IntfStatus const& intfStatus,
                                                   Qos::TxQueueStatus const& txQueueStatus ) {
-   recordQueue( "programIntfTxQueueNonEct", intfStatus, txQueueStatus );
    BasicQueueSettings& q = queue( intfStatus.key(), txQueueStatus.key() );
    BasicQueueSettings wanted = q;
    wanted.nonEct = txQueueStatus.nonEctStatus();
@@ -365,11 +312,6 @@ void SimQosBasicHelper::programIntfTxQueueNonEct( Qos::IntfStatus const& intfSta
 void SimQosBasicHelper::programIntfTxQueueEcnDelayThreshold(
       Qos::IntfStatus const& intfStatus, Qos::TxQueue const& txQueueId, bool delayEcnEnabled,
       Qos::EcnDelayThreshold ecnDelayThreshold ) {
-   record( "programIntfTxQueueEcnDelayThreshold",
-           { { "intfStatus", intfName( intfStatus.key() ) },
-             { "txQueueId", queueText( txQueueId ) },
-             { "delayEcnEnabled", boolText( delayEcnEnabled ) },
-             { "ecnDelayThreshold", textOf( ecnDelayThreshold ) } } );
    BasicQueueSettings& q = queue( intfStatus.key(), txQueueId );
    BasicQueueSettings wanted = q;
    wanted.delayEcnEnabled = delayEcnEnabled;
@@ -382,9 +324,6 @@ void SimQosBasicHelper::programIntfTxQueueEcnDelayThreshold(
 
 bool SimQosBasicHelper::programIntfTxQueueEcnCount( Mirel::IntfId const& intfId,
                                                     Qos::TxQueueId txQueueId, bool enable ) {
-   record( "programIntfTxQueueEcnCount", { { "intfId", intfName( intfId ) },
-                                           { "txQueueId", textOf( txQueueId ) },
-                                           { "enable", boolText( enable ) } } );
    auto const key = std::make_pair( intfId, std::uint32_t( txQueueId ) );
    if( !enable ) {
       ecnCounters_.erase( key );
@@ -402,7 +341,6 @@ bool SimQosBasicHelper::programIntfTxQueueEcnCount( Mirel::IntfId const& intfId,
 
 void SimQosBasicHelper::programIntfTxQueueWred( Qos::IntfStatus const& intfStatus,
                                                 Qos::TxQueueStatus const& txQueueStatus ) {
-   recordQueue( "programIntfTxQueueWred", intfStatus, txQueueStatus );
    BasicQueueSettings& q = queue( intfStatus.key(), txQueueStatus.key() );
    BasicQueueSettings wanted = q;
    wanted.wred = txQueueStatus.wredStatus();
@@ -421,10 +359,6 @@ void SimQosBasicHelper::programIntfTxQueueWred( Qos::IntfStatus const& intfStatu
 void SimQosBasicHelper::programIntfTxQueueDropThresholdForDp(
       Qos::IntfStatus const& intfStatus, Qos::TxQueueStatus const& txQueueStatus,
       Qos::DropPrecedence dp ) {
-   record( "programIntfTxQueueDropThresholdForDp",
-           { { "intfStatus", intfName( intfStatus.key() ) },
-             { "txQueueStatus", queueText( txQueueStatus.key() ) },
-             { "dp", textOf( dp ) } } );
    BasicQueueSettings& q = queue( intfStatus.key(), txQueueStatus.key() );
    BasicQueueSettings wanted = q;
    if( txQueueStatus.dropThresholdsHas( dp ) ) {
@@ -446,7 +380,6 @@ void SimQosBasicHelper::programIntfTxQueueDropThresholdForDp(
 
 void SimQosBasicHelper::programIntfTxQueueDropThresholdDefaults(
       Qos::IntfStatus const& intfStatus, Qos::TxQueueStatus const& txQueueStatus ) {
-   recordQueue( "programIntfTxQueueDropThresholdDefaults", intfStatus, txQueueStatus );
    auto const q = queues_.find( BasicQueueKey{ intfStatus.key(), txQueueStatus.key() } );
    if( q != queues_.end() ) q->second.dropThresholds.clear();
    dropThresholdProfiles_.release( queueName( intfStatus.key(), txQueueStatus.key() ) );
@@ -454,7 +387,6 @@ void SimQosBasicHelper::programIntfTxQueueDropThresholdDefaults(
 
 void SimQosBasicHelper::programIntfTxQueueDefaults( Qos::IntfStatus const& intfStatus,
                                                     Qos::TxQueueStatus const& txQueueStatus ) {
-   recordQueue( "programIntfTxQueueDefaults", intfStatus, txQueueStatus );
    std::string const user = queueName( intfStatus.key(), txQueueStatus.key() );
    ecnProfiles_.release( user );
    wredProfiles_.release( user );
@@ -495,12 +427,10 @@ bool SimQosBasicHelper::loadCosToTcProfile( Zub::Name const& profileName ) {
 }
 
 void SimQosBasicHelper::programDscpMap( Zub::Name const& mapName ) {
-   record( "programDscpMap", { { "mapName", textOf( mapName ) } } );
    loadDscpRewriteMap( mapName );
 }
 
 void SimQosBasicHelper::deleteDscpMap( Zub::Name const& mapName ) {
-   record( "deleteDscpMap", { { "mapName", textOf( mapName ) } } );
    dscpRewriteMaps_.erase( mapName );
    // Ports of the map go back to the global one.
    for( auto& [ intf, p ] : ports_ ) {
@@ -509,7 +439,6 @@ void SimQosBasicHelper::deleteDscpMap( Zub::Name const& mapName ) {
 }
 
 void SimQosBasicHelper::programIntfToDscpRewriteMap( Qos::IntfStatus const& intfStatus ) {
-   record( "programIntfToDscpRewriteMap", { { "intfStatus", intfName( intfStatus.key() ) } } );
    Zub::Name name = intfStatus.dscpRewriteMapName();
    // A map the chip does not hold yet is written first; one nobody configured binds nothing.
    if( !name.empty() && !dscpRewriteMaps_.contains( name ) && !loadDscpRewriteMap( name ) ) {
@@ -519,7 +448,6 @@ void SimQosBasicHelper::programIntfToDscpRewriteMap( Qos::IntfStatus const& intf
 }
 
 void SimQosBasicHelper::updateTcToDscpMapping( Zub::Name const& mapName, Qos::TrafficClass tc ) {
-   record( "updateTcToDscpMapping", { { "mapName", textOf( mapName ) }, { "tc", textOf( tc ) } } );
    auto const table = dscpRewriteMaps_.find( mapName );
    if( table == dscpRewriteMaps_.end() ) {
       loadDscpRewriteMap( mapName );
@@ -529,12 +457,10 @@ void SimQosBasicHelper::updateTcToDscpMapping( Zub::Name const& mapName, Qos::Tr
 }
 
 void SimQosBasicHelper::addCosToTcProfile( Zub::Name const& profileName ) {
-   record( "addCosToTcProfile", { { "profileName", textOf( profileName ) } } );
    loadCosToTcProfile( profileName );
 }
 
 void SimQosBasicHelper::removeCosToTcProfile( Zub::Name const& profileName ) {
-   record( "removeCosToTcProfile", { { "profileName", textOf( profileName ) } } );
    cosToTcProfiles_.erase( profileName );
    for( auto& [ intf, p ] : ports_ ) {
       if( p.cosToTcProfile != profileName ) continue;
@@ -544,9 +470,7 @@ void SimQosBasicHelper::removeCosToTcProfile( Zub::Name const& profileName ) {
 }
 
 void SimQosBasicHelper::handleIntfToCosToTcProfile( Mirel::IntfId const& intfId,
-                                                    bool restoration ) {
-   record( "handleIntfToCosToTcProfile",
-           { { "intfId", intfName( intfId ) }, { "restoration", boolText( restoration ) } } );
+                                                    bool ) {
    auto const intfStatus = qosStatus()->intfStatus( intfId );
    Zub::Name name = intfStatus ? intfStatus->cosToTcProfileName() : Zub::Name();
    if( !name.empty() && !cosToTcProfiles_.contains( name ) && !loadCosToTcProfile( name ) ) {
@@ -564,8 +488,6 @@ void SimQosBasicHelper::handleIntfToCosToTcProfile( Mirel::IntfId const& intfId,
 }
 
 void SimQosBasicHelper::updateCosToTcProfileMapping( Zub::Name const& profileName, Qos::Cos cos ) {
-   record( "updateCosToTcProfileMapping",
-           { { "profileName", textOf( profileName ) }, { "cos", textOf( cos ) } } );
    auto const table = cosToTcProfiles_.find( profileName );
    if( table == cosToTcProfiles_.end() ) {
       loadCosToTcProfile( profileName );

@@ -3,7 +3,7 @@
 // WRED and tail-drop settings live in finite pools of profiles that queues with equal settings
 // share; a queue that needs a new profile when none is free keeps what it had, the chip logs the
 // shortage and lowers the feature's record in Qos::SliceHwStatus. ECN counters are a finite pool
-// too. Every call is recorded in order.
+// too. The calls are recorded by a decorator of sim/recording, not here.
 #pragma once
 
 #include <array>
@@ -86,21 +86,16 @@ struct BasicQueueSettings {
 class SimQosBasicHelper : public NevHelper::QosBasicHelper {
  public:
    // `ethPhyIntfStatusDir` gives the link speeds that percent guarantees are taken of; without
-   // it (null) such a guarantee programs 0. `clock` stamps the calls; null stamps 0.
+   // it (null) such a guarantee programs 0.
    SimQosBasicHelper( ChipConfig config, Zub::Ptr< Qos::Status const > qosStatus,
                       Zub::Ptr< Qos::HwStatus > qosHwStatus,
                       Zub::Ptr< Qos::SliceHwStatus > qosSliceHwStatus,
-                      Zub::Ptr< Interface::AllEthPhyIntfStatusDir const > ethPhyIntfStatusDir,
-                      Zub::Ptr< Kesh::TimerWheel > clock );
+                      Zub::Ptr< Interface::AllEthPhyIntfStatusDir const > ethPhyIntfStatusDir );
    ~SimQosBasicHelper() override;
 
    // ---- The chip's state, for a report
 
    ChipConfig const& config() const { return config_; }
-   std::vector< ChipCall > const& calls() const { return *callLog_; }
-   // Records the calls into `log` from now on, so that chips sharing one log keep the order of
-   // their calls between them; null records into the chip's own.
-   void callLogIs( std::vector< ChipCall >* log ) { callLog_ = log ? log : &calls_; }
    BasicGlobalTables const& globals() const { return globals_; }
    // Ports the engine has programmed, with what they hold now.
    std::map< Mirel::IntfId, BasicPortSettings > const& ports() const { return ports_; }
@@ -182,10 +177,6 @@ class SimQosBasicHelper : public NevHelper::QosBasicHelper {
    void updateCosToTcProfileMapping( Zub::Name const& profileName, Qos::Cos cos ) override;
 
  private:
-   using Args = std::vector< std::pair< std::string, std::string > >;
-   void record( char const* op, Args args = {} );
-   void recordQueue( char const* op, Qos::IntfStatus const& intfStatus,
-                     Qos::TxQueueStatus const& txQueueStatus );
    BasicPortSettings portDefaults() const;
    BasicPortSettings& port( Mirel::IntfId intf );
    BasicQueueSettings& queue( Mirel::IntfId intf, Qos::TxQueue const& txQueue );
@@ -210,9 +201,6 @@ class SimQosBasicHelper : public NevHelper::QosBasicHelper {
 
    ChipConfig config_;
    Zub::Ptr< Interface::AllEthPhyIntfStatusDir const > ethPhyIntfStatusDir_;
-   Zub::Ptr< Kesh::TimerWheel > clock_;
-   std::vector< ChipCall > calls_;
-   std::vector< ChipCall >* callLog_ = &calls_;
    BasicGlobalTables globals_;
    std::map< Mirel::IntfId, BasicPortSettings > ports_;
    std::map< BasicQueueKey, BasicQueueSettings > queues_;

@@ -86,11 +86,15 @@ void SimSwitch::entitiesIs( ChipConfig const& chip ) {
    aclConfig_ = Zub::make< Acl::Config >( Zub::Name( "acl" ) );
    clock_ = Zub::make< Kesh::TimerWheel >();
    chip_ = Zub::make< SimQosAclHelper >( chip, qosStatus_, aclSliceHwStatus_, aclConfig_, clock_ );
-   chip_->callLogIs( &calls_ );
    chip_->verifyDataIs( ncsd_->verifyData() );
+   // The engines hold the chips through the recording decorators, which write every call into
+   // the one log in order.
+   aclRecorder_ = Zub::make< RecordingQosAclHelper >( chip_, clock_ );
+   aclRecorder_->callLogIs( &calls_ );
    basicChip_ = Zub::make< SimQosBasicHelper >( chip, qosStatus_, hwStatus_, sliceHwStatus_,
-                                                ethPhyIntfStatusDir_, clock_ );
-   basicChip_->callLogIs( &calls_ );
+                                                ethPhyIntfStatusDir_ );
+   basicRecorder_ = Zub::make< RecordingQosBasicHelper >( basicChip_, clock_ );
+   basicRecorder_->callLogIs( &calls_ );
    kernelCoppStatus_ = Zub::make< Nev::KernelCoPPStatus >( Zub::Name( "kernelCopp" ) );
    pktDrv_ = Zub::make< SimPktDrv >();
    cbfTablesIs( chip );
@@ -117,34 +121,36 @@ void SimSwitch::cbfTablesIs( ChipConfig const& chip ) {
    taskScheduler_ = Zub::make< Kesh::TaskScheduler >();
    cbfChip_ = Zub::make< SimCbfFecMappingHelper >(
          chip.cbfRules,
-         [ acl = chip_.ptr() ] { return acl->faultOn( FaultConfig::Kind::cbfNotReady ); }, clock_,
-         &calls_ );
+         [ acl = chip_.ptr() ] { return acl->faultOn( FaultConfig::Kind::cbfNotReady ); } );
+   cbfRecorder_ = Zub::make< RecordingCbfFecMappingHelper >( cbfChip_, clock_ );
+   cbfRecorder_->callLogIs( &calls_ );
 }
 
 void SimSwitch::engineIs() {
    engine_ = Nev::QosAclSmIs(
          ncsd_, cliCounterConfig_, counterConfigDir_, qosStatus_, hwStatus_, sliceHwStatusDir_,
          aclHwStatus_, aclSliceHwStatus_, subIntfStatusDir_, pdpHwCfg_, hwEpochStatus_, aclConfig_,
-         Zub::Ptr< NevHelper::QosAclHelper >( chip_ ), clock_, nullptr, nullptr, nullptr );
+         Zub::Ptr< NevHelper::QosAclHelper >( aclRecorder_ ), clock_, nullptr, nullptr, nullptr );
    // The agent's part of the asynchronous road: how long an operation may stay pending, and
    // marking pending the operation the chip says it left so.
    engine_->pendingOperationTimeoutIs( chip_->config().asyncTimeout );
    chip_->operationLeftPendingHandlerIs( [ engine = engine_.ptr() ] {
       if( engine->asyncState() == Nev::asyncInProgress ) engine->asyncStateIs( Nev::asyncPending );
    } );
-   basicEngine_ = Nev::qosBasicSmFactory( ncsd_, qosStatus_, hwStatus_, sliceHwStatus_, basicChip_,
-                                          ethPhyIntfStatusDir_, cliCounterConfig_, clock_ );
+   basicEngine_ = Nev::qosBasicSmFactory( ncsd_, qosStatus_, hwStatus_, sliceHwStatus_,
+                                          basicRecorder_, ethPhyIntfStatusDir_, cliCounterConfig_,
+                                          clock_ );
    // The per-port CoPP machine shares the policy engine's helper.
-   coppEngine_ = Nev::dynamicPerPortCoppSmFactory( clock_, kernelCoppStatus_,
-                                                   Zub::Ptr< NevHelper::QosAclHelper >( chip_ ) );
+   coppEngine_ = Nev::dynamicPerPortCoppSmFactory(
+         clock_, kernelCoppStatus_, Zub::Ptr< NevHelper::QosAclHelper >( aclRecorder_ ) );
    kernelEngine_ = Nev::qosKernelStatusSmFactory( pktDrv_, qosStatus_, hwStatus_ );
    // The rule table comes up empty with the driver, as the chip's other tables do at hwInit();
    // the engine has no start-up call for it, so it is cleared here.
    cbfChip_->rulesDelAll();
    // One VRF; the machine starts at once, over the overrides published so far.
-   cbfEngine_ =
-         Nev::cbfFecMappingSmFactory( 1, fecOverrideConfigView_, fecOverrideStatus_,
-                                      hwFecIdRequest_, fecServiceView_, taskScheduler_, cbfChip_ );
+   cbfEngine_ = Nev::cbfFecMappingSmFactory( 1, fecOverrideConfigView_, fecOverrideStatus_,
+                                             hwFecIdRequest_, fecServiceView_, taskScheduler_,
+                                             cbfRecorder_ );
    cbfEngine_->verifyDataIs( ncsd_->verifyData() );
    loop_->runUntil( loop_->now() );
 }

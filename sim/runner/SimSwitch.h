@@ -24,6 +24,9 @@
 #include "sim/chip/SimPktDrv.h"
 #include "sim/chip/SimQosAclHelper.h"
 #include "sim/chip/SimQosBasicHelper.h"
+#include "sim/recording/RecordingCbfFecMappingHelper.h"
+#include "sim/recording/RecordingQosAclHelper.h"
+#include "sim/recording/RecordingQosBasicHelper.h"
 #include "sim/scenario/ConfigPublisher.h"
 #include "sim/scenario/Scenario.h"
 #include "zub/ActivityManager.h"
@@ -75,7 +78,7 @@ class SimSwitch {
 
    SimQosAclHelper const& chip() const { return *chip_; }
    SimQosBasicHelper const& basicChip() const { return *basicChip_; }
-   // Every call of both engines on the chip, in order.
+   // Every call of the engines on the chip, in order, as the recording decorators took them.
    std::vector< ChipCall > const& calls() const { return calls_; }
    // Drops the calls recorded so far, so that a long run keeps its memory flat.
    void callsForget() { calls_.clear(); }
@@ -121,8 +124,10 @@ class SimSwitch {
    Zub::Ptr< Acl::Config > aclConfig_;
    Zub::Ptr< Kesh::TimerWheel > clock_;
    Zub::Ptr< SimQosAclHelper > chip_;
+   Zub::Ptr< RecordingQosAclHelper > aclRecorder_;
    Zub::Ptr< Nev::QosAclSm > engine_;
    Zub::Ptr< SimQosBasicHelper > basicChip_;
+   Zub::Ptr< RecordingQosBasicHelper > basicRecorder_;
    Zub::Ptr< Nev::QosBasicSm > basicEngine_;
    Zub::Ptr< Nev::KernelCoPPStatus > kernelCoppStatus_;
    Zub::Ptr< Nev::DynamicPerPortCoppSm > coppEngine_;
@@ -138,6 +143,7 @@ class SimSwitch {
    Zub::Ptr< Nev::FecIdToHwFecIdResponse > fecServiceView_;
    Zub::Ptr< Kesh::TaskScheduler > taskScheduler_;
    Zub::Ptr< SimCbfFecMappingHelper > cbfChip_;
+   Zub::Ptr< RecordingCbfFecMappingHelper > cbfRecorder_;
    Zub::Ptr< Nev::CbfFecMappingSm > cbfEngine_;
    std::unique_ptr< ConfigPublisher > publisher_;
    std::vector< LogLine > logs_;

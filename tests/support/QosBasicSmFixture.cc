@@ -23,8 +23,10 @@ void QosBasicSmFixture::SetUp() {
    ethPhyIntfStatusDir =
          Zub::make< Interface::AllEthPhyIntfStatusDir >( Zub::Name( "ethPhyIntfStatus" ) );
    counterConfig = Zub::make< Qos::CounterConfig >( Zub::Name( "counterConfig" ) );
-   helper = Zub::make< RecordingQosBasicHelper >( qosStatus, qosHwStatus, sliceHwStatus );
    clock = Zub::make< Kesh::TimerWheel >();
+   chip = Zub::make< Sim::SimQosBasicHelper >( Sim::ChipConfig(), qosStatus, qosHwStatus,
+                                               sliceHwStatus, ethPhyIntfStatusDir );
+   helper = Zub::make< Sim::RecordingQosBasicHelper >( chip, clock );
 }
 
 void QosBasicSmFixture::TearDown() {
@@ -39,7 +41,7 @@ void QosBasicSmFixture::start() {
    sm = Nev::qosBasicSmFactory( ncsd, qosStatus, qosHwStatus, sliceHwStatus, helper,
                                 ethPhyIntfStatusDir, counterConfig, clock );
    // Nothing is programmed before the loop turns.
-   ASSERT_EQ( helper->calls(), std::vector< std::string >{} );
+   ASSERT_EQ( takeCalls(), std::vector< std::string >{} );
    loop->runOnce();
    ASSERT_TRUE( sm->initialized() );
 }
@@ -65,9 +67,18 @@ Zub::Ptr< Interface::EthPhyIntfStatus > QosBasicSmFixture::portIs( char const* n
 }
 
 std::vector< std::string > QosBasicSmFixture::takeCalls() {
-   std::vector< std::string > calls = helper->calls();
-   helper->clearCalls();
+   std::vector< std::string > calls;
+   for( Sim::ChipCall const& call : helper->calls() )
+      calls.push_back( Sim::callText( call ) );
+   helper->callsForget();
    return calls;
+}
+
+void QosBasicSmFixture::failIs( char const* op, Qos::FeatureName feature ) {
+   helper->actionIs( op, [ slice = sliceHwStatus, feature ] {
+      slice->hwProgrammingVersionAndStatusIs( feature )->hwProgrammingStatusIs(
+            Qos::hwProgrammingFailed_ );
+   } );
 }
 
 std::vector< std::string > QosBasicSmFixture::takeLogs() {

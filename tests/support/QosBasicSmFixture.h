@@ -1,6 +1,6 @@
-// An agent in miniature for tests of basic QoS: the input entities, a recording helper, a
-// simulated-time loop, and a capture of the system log that fails the test on any line the
-// test did not expect.
+// An agent in miniature for tests of basic QoS: the input entities, the reference chip behind a
+// recording decorator as the helper, a simulated-time loop, and a capture of the system log that
+// fails the test on any line the test did not expect.
 //
 // The chip of a fresh fixture knows 8 traffic classes and 8 transmit queues and nothing else;
 // a test sets the capabilities it needs before start().
@@ -12,7 +12,8 @@
 #include <vector>
 
 #include "NevQos/basic/QosBasicSm.h"
-#include "support/RecordingQosBasicHelper.h"
+#include "sim/chip/SimQosBasicHelper.h"
+#include "sim/recording/RecordingQosBasicHelper.h"
 #include "zub/ActivityManager.h"
 
 namespace NevQosTest {
@@ -40,8 +41,12 @@ class QosBasicSmFixture : public ::testing::Test {
       return sliceHwStatus->hwProgrammingVersionAndStatusIs( feature );
    }
    bool sliceFailed() const { return sliceHwStatus->status() == Qos::hwProgrammingFailed_; }
-   // The recorded calls since the last call of this, in order.
+   // The recorded calls since the last call of this, in order, as the runner prints them.
    std::vector< std::string > takeCalls();
+   // Every later call of `op` fails as a chip short of a resource fails it: the record of
+   // `feature` in the slice's status goes down, and the chip is not reached; until failDel( op ).
+   void failIs( char const* op, Qos::FeatureName feature );
+   void failDel( char const* op ) { helper->answerDel( op ); }
    // The log lines written since the last call; the test has seen them.
    std::vector< std::string > takeLogs();
 
@@ -53,7 +58,8 @@ class QosBasicSmFixture : public ::testing::Test {
    Zub::Ptr< Qos::SliceHwStatus > sliceHwStatus;
    Zub::Ptr< Interface::AllEthPhyIntfStatusDir > ethPhyIntfStatusDir;
    Zub::Ptr< Qos::CounterConfig > counterConfig;
-   Zub::Ptr< RecordingQosBasicHelper > helper;
+   Zub::Ptr< Sim::SimQosBasicHelper > chip;
+   Zub::Ptr< Sim::RecordingQosBasicHelper > helper;
    Zub::Ptr< Kesh::TimerWheel > clock;
    Zub::Ptr< Nev::QosBasicSm > sm;
 

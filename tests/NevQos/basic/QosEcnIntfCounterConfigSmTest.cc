@@ -24,8 +24,8 @@ class QosEcnIntfCounterConfigSmTest : public QosBasicSmFixture {
       return counterConfig->ecnIntfCounterConfigIs( Mirel::IntfId( intf ) );
    }
    static std::string count( unsigned queue, bool enable ) {
-      return "programIntfTxQueueEcnCount intf=Ethernet1 txQueueId=" + std::to_string( queue ) +
-             " enable=" + ( enable ? "true" : "false" );
+      return "basic programIntfTxQueueEcnCount intfId=Ethernet1 txQueueId=" +
+             std::to_string( queue ) + " enable=" + ( enable ? "true" : "false" );
    }
 };
 
@@ -97,7 +97,7 @@ TEST_F( QosEcnIntfCounterConfigSmTest, AChipOutOfCountersShowsInTheStatus ) {
    verifyData->doVerify();
    qosStatus->configVersionUpdateTimeIs( 3.0 );
    verifyData->doVerify();
-   helper->ecnCountAnswerIs( false );
+   helper->answerIs( "programIntfTxQueueEcnCount", false );
    config->ecnTxQueueCounterConfigIs( TxQueueId( 4 ), true );
    auto const rec = record( Qos::featureEcnQueueCounters_ );
    EXPECT_EQ( rec->hwProgrammingStatus(), Qos::hwProgrammingFailed_ );
@@ -106,7 +106,7 @@ TEST_F( QosEcnIntfCounterConfigSmTest, AChipOutOfCountersShowsInTheStatus ) {
    EXPECT_TRUE( sliceFailed() );
    EXPECT_FALSE( verifyData->verifyRequested() );
 
-   helper->ecnCountAnswerIs( true );
+   helper->answerIs( "programIntfTxQueueEcnCount", true );
    config->ecnTxQueueCounterConfigIs( TxQueueId( 5 ), true );
    EXPECT_EQ( rec->hwProgrammingStatus(), Qos::hwProgrammingSucceeded_ );
    EXPECT_EQ( rec->errMessage(), "Ecn queue counter resource exhausted" );

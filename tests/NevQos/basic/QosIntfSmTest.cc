@@ -23,14 +23,16 @@ TEST_F( QosIntfSmTest, StartUpProgramsTheInterfaceThenItsQueues ) {
    auto intf = intfIs( "Ethernet1", { 2, 1 } );
    EXPECT_EQ(
          takeCalls(),
-         ( Lines{ "programIntfTrustModeCos intf=Ethernet1", "programIntfDefaultCos intf=Ethernet1",
-                  "programIntfDefaultDscp intf=Ethernet1", "programIntfShapeRate intf=Ethernet1",
-                  "programIntfToDscpRewriteMap intf=Ethernet1",
-                  "handleIntfToCosToTcProfile intf=Ethernet1 restoration=false",
-                  "programIntfTxQueuePriority intf=Ethernet1 txQueue=uc2",
-                  "programIntfTxQueueShapeRate intf=Ethernet1 txQueue=uc2",
-                  "programIntfTxQueuePriority intf=Ethernet1 txQueue=uc1",
-                  "programIntfTxQueueShapeRate intf=Ethernet1 txQueue=uc1" } ) );
+         ( Lines{ "basic programIntfTrustModeCos intfStatus=Ethernet1",
+                  "basic programIntfDefaultCos intfStatus=Ethernet1",
+                  "basic programIntfDefaultDscp intfStatus=Ethernet1",
+                  "basic programIntfShapeRate intfStatus=Ethernet1",
+                  "basic programIntfToDscpRewriteMap intfStatus=Ethernet1",
+                  "basic handleIntfToCosToTcProfile intfId=Ethernet1 restoration=false",
+                  "basic programIntfTxQueuePriority intfStatus=Ethernet1 txQueueStatus=UC2",
+                  "basic programIntfTxQueueShapeRate intfStatus=Ethernet1 txQueueStatus=UC2",
+                  "basic programIntfTxQueuePriority intfStatus=Ethernet1 txQueueStatus=UC1",
+                  "basic programIntfTxQueueShapeRate intfStatus=Ethernet1 txQueueStatus=UC1" } ) );
    auto const intfSm = sm->qosIntfSm( Mirel::IntfId( "Ethernet1" ) );
    ASSERT_TRUE( intfSm );
    EXPECT_TRUE( intfSm->initialized() );
@@ -39,9 +41,10 @@ TEST_F( QosIntfSmTest, StartUpProgramsTheInterfaceThenItsQueues ) {
    intf->dscpRewriteMapNameIs( Zub::Name( "m1" ) );
    intf->cosToTcProfileNameIs( Zub::Name( "p1" ) );
    intf->shapeRateIs( Qos::ShapeRate{ 5000, Qos::shapeRateUnitKbps_ } );
-   EXPECT_EQ( takeCalls(), ( Lines{ "programIntfToDscpRewriteMap intf=Ethernet1",
-                                    "handleIntfToCosToTcProfile intf=Ethernet1 restoration=false",
-                                    "programIntfShapeRate intf=Ethernet1" } ) );
+   EXPECT_EQ( takeCalls(), ( Lines{ "basic programIntfToDscpRewriteMap intfStatus=Ethernet1",
+                                    "basic handleIntfToCosToTcProfile intfId=Ethernet1 "
+                                    "restoration=false",
+                                    "basic programIntfShapeRate intfStatus=Ethernet1" } ) );
 }
 
 TEST_F( QosIntfSmTest, PerInterfaceMapsNeedTheChipsSupportOnChangesToo ) {
@@ -59,7 +62,7 @@ TEST_F( QosIntfSmTest, TrustModeChoosesTheDriverCallAndFilesItsFailure ) {
    intf->trustModeIs( Qos::trustDscp_ );
    start();
    EXPECT_EQ( helper->callsMatching( "programIntfTrustModeDscp" ),
-              Lines{ "programIntfTrustModeDscp intf=Ethernet1" } );
+              Lines{ "basic programIntfTrustModeDscp intfStatus=Ethernet1" } );
    takeCalls();
    intf->trustModeIs( Qos::untrusted_ );
    intf->trustModeIs( Qos::trustModeInvalid_ );
@@ -69,12 +72,12 @@ TEST_F( QosIntfSmTest, TrustModeChoosesTheDriverCallAndFilesItsFailure ) {
    intf->trustModeIs( Qos::TrustMode( 7 ) );
    EXPECT_EQ( record( Qos::featureTrustMode_ )->hwProgrammingStatus(),
               Qos::hwProgrammingSucceeded_ );
-   EXPECT_EQ( takeCalls(), ( Lines{ "programIntfTrustModeUntrusted intf=Ethernet1",
-                                    "programIntfTrustModeCos intf=Ethernet1",
-                                    "programIntfTrustModeCos intf=Ethernet1" } ) );
+   EXPECT_EQ( takeCalls(), ( Lines{ "basic programIntfTrustModeUntrusted intfStatus=Ethernet1",
+                                    "basic programIntfTrustModeCos intfStatus=Ethernet1",
+                                    "basic programIntfTrustModeCos intfStatus=Ethernet1" } ) );
 
-   helper->failIs( "programIntfTrustModeDscp", Qos::featureTrustMode_ );
-   helper->failIs( "programIntfDefaultCos", Qos::featureDefaultCos_ );
+   failIs( "programIntfTrustModeDscp", Qos::featureTrustMode_ );
+   failIs( "programIntfDefaultCos", Qos::featureDefaultCos_ );
    intf->trustModeIs( Qos::trustDscp_ );
    intf->defaultCosIs( Qos::Cos( 3 ) );
    EXPECT_EQ( record( Qos::featureTrustMode_ )->errMessage(), "Out of TCAM entries" );
@@ -89,14 +92,18 @@ TEST_F( QosIntfSmTest, QueuesAndTheInterfaceAreResetBeforeTheirMachinesGo ) {
    auto const intfSm = sm->qosIntfSm( Mirel::IntfId( "Ethernet1" ) );
    takeCalls();
    intf->txQueueStatusDel( uc( 1 ) );
-   EXPECT_EQ( takeCalls(), ( Lines{ "programIntfTxQueueDefaults intf=Ethernet1 txQueue=uc1",
-                                    "programIntfTxQueueDefaults intf=Ethernet1 txQueue=uc1" } ) );
+   EXPECT_EQ( takeCalls(), ( Lines{ "basic programIntfTxQueueDefaults intfStatus=Ethernet1 "
+                                    "txQueueStatus=UC1",
+                                    "basic programIntfTxQueueDefaults intfStatus=Ethernet1 "
+                                    "txQueueStatus=UC1" } ) );
    EXPECT_FALSE( intfSm->qosIntfTxQueueSmHas( uc( 1 ) ) );
 
    qosStatus->intfStatusDel( Mirel::IntfId( "Ethernet1" ) );
-   EXPECT_EQ( takeCalls(), ( Lines{ "programIntfDefaults intf=Ethernet1",
-                                    "programIntfTxQueueDefaults intf=Ethernet1 txQueue=uc2",
-                                    "programIntfTxQueueDefaults intf=Ethernet1 txQueue=uc2" } ) );
+   EXPECT_EQ( takeCalls(), ( Lines{ "basic programIntfDefaults intfStatus=Ethernet1",
+                                    "basic programIntfTxQueueDefaults intfStatus=Ethernet1 "
+                                    "txQueueStatus=UC2",
+                                    "basic programIntfTxQueueDefaults intfStatus=Ethernet1 "
+                                    "txQueueStatus=UC2" } ) );
    EXPECT_FALSE( sm->qosIntfSmHas( Mirel::IntfId( "Ethernet1" ) ) );
    EXPECT_EQ( intfSm->qosIntfTxQueueSmSize(), 0u );
 }
@@ -113,12 +120,14 @@ TEST_F( QosIntfSmTest, ReinitReprogramsTheLiveMachines ) {
    intfSm->handleInitialized( true );
    EXPECT_EQ(
          takeCalls(),
-         ( Lines{ "programIntfTrustModeCos intf=Ethernet1", "programIntfDefaultCos intf=Ethernet1",
-                  "programIntfDefaultDscp intf=Ethernet1", "programIntfShapeRate intf=Ethernet1",
-                  "programIntfTxQueuePriority intf=Ethernet1 txQueue=uc1",
-                  "programIntfTxQueueShapeRate intf=Ethernet1 txQueue=uc1",
-                  "programIntfTxQueuePriority intf=Ethernet1 txQueue=uc2",
-                  "programIntfTxQueueShapeRate intf=Ethernet1 txQueue=uc2" } ) );
+         ( Lines{ "basic programIntfTrustModeCos intfStatus=Ethernet1",
+                  "basic programIntfDefaultCos intfStatus=Ethernet1",
+                  "basic programIntfDefaultDscp intfStatus=Ethernet1",
+                  "basic programIntfShapeRate intfStatus=Ethernet1",
+                  "basic programIntfTxQueuePriority intfStatus=Ethernet1 txQueueStatus=UC1",
+                  "basic programIntfTxQueueShapeRate intfStatus=Ethernet1 txQueueStatus=UC1",
+                  "basic programIntfTxQueuePriority intfStatus=Ethernet1 txQueueStatus=UC2",
+                  "basic programIntfTxQueueShapeRate intfStatus=Ethernet1 txQueueStatus=UC2" } ) );
    EXPECT_EQ( intfSm->qosIntfTxQueueSm( uc( 1 ) ), queue1 );
    EXPECT_TRUE( intfSm->qosIntfTxQueueSmHas( uc( 2 ) ) );
 }
@@ -144,7 +153,8 @@ TEST_F( QosIntfSmTest, ASpeedChangeDerivesPercentBandwidthAgain ) {
    takeCalls();
    port->speedIs( 40000 );
    ethernet2->speedIs( 40000 );
-   EXPECT_EQ( takeCalls(), Lines{ "programIntfTxQueueGuaranteedBw intf=Ethernet1 txQueue=uc1" } );
+   EXPECT_EQ( takeCalls(), Lines{ "basic programIntfTxQueueGuaranteedBw intfStatus=Ethernet1 "
+                                  "txQueueStatus=UC1" } );
 }
 
 }  // namespace

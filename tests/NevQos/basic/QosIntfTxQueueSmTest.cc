@@ -39,39 +39,49 @@ TEST_F( QosIntfTxQueueSmTest, StartUpProgramsWhatTheChipHas ) {
    auto q = queueIs();
    q->ecnDelayThresholdIs( Qos::EcnDelayThreshold{ 0 } );
    EXPECT_EQ( takeCalls(),
-              ( Lines{ "programIntfTxQueuePriority intf=Ethernet1 txQueue=uc1",
-                       "programIntfTxQueueShapeRate intf=Ethernet1 txQueue=uc1",
-                       "programIntfTxQueueEcn intf=Ethernet1 txQueue=uc1",
-                       "programIntfTxQueueNonEct intf=Ethernet1 txQueue=uc1",
-                       "programIntfTxQueueEcnDelayThreshold intf=Ethernet1 txQueue=uc1 "
-                       "delayEcnEnabled=false ecnDelayThreshold=0",
-                       "programIntfTxQueueWred intf=Ethernet1 txQueue=uc1",
-                       "programIntfTxQueueDropThresholdForDp intf=Ethernet1 txQueue=uc1 dp=0",
-                       "programIntfTxQueueDropThresholdForDp intf=Ethernet1 txQueue=uc1 dp=1",
-                       "programIntfTxQueueDropThresholdForDp intf=Ethernet1 txQueue=uc1 dp=2",
-                       "programIntfTxQueueDropThresholdForDp intf=Ethernet1 txQueue=uc1 dp=3",
-                       "programIntfTxQueueGuaranteedBw intf=Ethernet1 txQueue=uc1" } ) );
+              ( Lines{ "basic programIntfTxQueuePriority intfStatus=Ethernet1 txQueueStatus=UC1",
+                       "basic programIntfTxQueueShapeRate intfStatus=Ethernet1 txQueueStatus=UC1",
+                       "basic programIntfTxQueueEcn intfStatus=Ethernet1 txQueueStatus=UC1",
+                       "basic programIntfTxQueueNonEct intfStatus=Ethernet1 txQueueStatus=UC1",
+                       "basic programIntfTxQueueEcnDelayThreshold intfStatus=Ethernet1 "
+                       "txQueueId=UC1 "
+                       "delayEcnEnabled=false ecnDelayThreshold=0 us",
+                       "basic programIntfTxQueueWred intfStatus=Ethernet1 txQueueStatus=UC1",
+                       "basic programIntfTxQueueDropThresholdForDp intfStatus=Ethernet1 "
+                       "txQueueStatus=UC1 dp=0",
+                       "basic programIntfTxQueueDropThresholdForDp intfStatus=Ethernet1 "
+                       "txQueueStatus=UC1 dp=1",
+                       "basic programIntfTxQueueDropThresholdForDp intfStatus=Ethernet1 "
+                       "txQueueStatus=UC1 dp=2",
+                       "basic programIntfTxQueueDropThresholdForDp intfStatus=Ethernet1 "
+                       "txQueueStatus=UC1 dp=3",
+                       "basic programIntfTxQueueGuaranteedBw intfStatus=Ethernet1 "
+                       "txQueueStatus=UC1" } ) );
 }
 
 // Capabilities are asked at start-up only; a change reaches the driver on any chip. The delay
 // threshold takes effect when its switch is written.
 TEST_F( QosIntfTxQueueSmTest, ChangesReachTheDriverOnEveryChip ) {
    auto q = queueIs();
-   EXPECT_EQ( takeCalls(), ( Lines{ "programIntfTxQueuePriority intf=Ethernet1 txQueue=uc1",
-                                    "programIntfTxQueueShapeRate intf=Ethernet1 txQueue=uc1" } ) );
+   EXPECT_EQ( takeCalls(), ( Lines{ "basic programIntfTxQueuePriority intfStatus=Ethernet1 "
+                                    "txQueueStatus=UC1",
+                                    "basic programIntfTxQueueShapeRate intfStatus=Ethernet1 "
+                                    "txQueueStatus=UC1" } ) );
    q->ecnStatusIs( Qos::EcnStatus{ true, 1000, 2000, 10 } );
    q->wredStatusIs( Qos::WredStatus{ true, 1000, 2000, 10 } );
    q->dropThresholdsIs( Qos::DropPrecedence( 2 ), 4096 );
    q->guaranteedBwIs( Qos::GuaranteedBw{ 10, Qos::guaranteedBwUnitPercent_ } );
    q->ecnDelayThresholdIs( Qos::EcnDelayThreshold{ 250 } );
    EXPECT_EQ( takeCalls(),
-              ( Lines{ "programIntfTxQueueEcn intf=Ethernet1 txQueue=uc1",
-                       "programIntfTxQueueWred intf=Ethernet1 txQueue=uc1",
-                       "programIntfTxQueueDropThresholdForDp intf=Ethernet1 txQueue=uc1 dp=2",
-                       "programIntfTxQueueGuaranteedBw intf=Ethernet1 txQueue=uc1" } ) );
+              ( Lines{ "basic programIntfTxQueueEcn intfStatus=Ethernet1 txQueueStatus=UC1",
+                       "basic programIntfTxQueueWred intfStatus=Ethernet1 txQueueStatus=UC1",
+                       "basic programIntfTxQueueDropThresholdForDp intfStatus=Ethernet1 "
+                       "txQueueStatus=UC1 dp=2",
+                       "basic programIntfTxQueueGuaranteedBw intfStatus=Ethernet1 "
+                       "txQueueStatus=UC1" } ) );
    q->delayEcnEnabledIs( true );
-   EXPECT_EQ( takeCalls(), Lines{ "programIntfTxQueueEcnDelayThreshold intf=Ethernet1 "
-                                  "txQueue=uc1 delayEcnEnabled=true ecnDelayThreshold=250" } );
+   EXPECT_EQ( takeCalls(), Lines{ "basic programIntfTxQueueEcnDelayThreshold intfStatus=Ethernet1 "
+                                  "txQueueId=UC1 delayEcnEnabled=true ecnDelayThreshold=250 us" } );
 }
 
 TEST_F( QosIntfTxQueueSmTest, ExhaustedProfilesAreFiledUnderTheirFeature ) {
@@ -108,14 +118,14 @@ TEST_F( QosIntfTxQueueSmTest, ExhaustedProfilesAreFiledUnderTheirFeature ) {
       qosStatus->configVersionUpdateTimeIs( n );
       auto const rec = record( c.feature );
       rec->errMessageIs( "" );
-      helper->failIs( c.op, c.feature );
+      failIs( c.op, c.feature );
       c.change( n++ );
       EXPECT_EQ( rec->hwProgrammingStatus(), Qos::hwProgrammingFailed_ );
       EXPECT_EQ( rec->errMessage(), c.text );
       EXPECT_EQ( rec->version(), n - 1 );
       EXPECT_TRUE( sliceFailed() );
       // The next change of the same setting tries again.
-      helper->failDel( c.op );
+      failDel( c.op );
       c.change( n++ );
       EXPECT_EQ( rec->hwProgrammingStatus(), Qos::hwProgrammingSucceeded_ );
    }
@@ -128,19 +138,20 @@ TEST_F( QosIntfTxQueueSmTest, TheResetFilesEachFailureUnderItsFeature ) {
    takeCalls();
    // The same defaults call runs once under the ECN record and once under the WRED record:
    // a chip out of WRED profiles fails only the second, and the first doesn't stop the rest.
-   helper->failIs( "programIntfTxQueueDefaults", Qos::featureWred_ );
+   failIs( "programIntfTxQueueDefaults", Qos::featureWred_ );
    intf->txQueueStatusDel( uc( 1 ) );
    EXPECT_EQ( takeCalls(),
-              ( Lines{ "programIntfTxQueueDefaults intf=Ethernet1 txQueue=uc1",
-                       "programIntfTxQueueDefaults intf=Ethernet1 txQueue=uc1",
-                       "programIntfTxQueueDropThresholdDefaults intf=Ethernet1 txQueue=uc1" } ) );
+              ( Lines{ "basic programIntfTxQueueDefaults intfStatus=Ethernet1 txQueueStatus=UC1",
+                       "basic programIntfTxQueueDefaults intfStatus=Ethernet1 txQueueStatus=UC1",
+                       "basic programIntfTxQueueDropThresholdDefaults intfStatus=Ethernet1 "
+                       "txQueueStatus=UC1" } ) );
    EXPECT_EQ( record( Qos::featureEcnStatus_ )->hwProgrammingStatus(),
               Qos::hwProgrammingSucceeded_ );
    EXPECT_EQ( record( Qos::featureWred_ )->hwProgrammingStatus(), Qos::hwProgrammingFailed_ );
    EXPECT_EQ( record( Qos::featureWred_ )->errMessage(), "WRED profiles exhausted" );
 
-   helper->failIs( "programIntfTxQueueDefaults", Qos::featureEcnStatus_ );
-   helper->failIs( "programIntfTxQueueDropThresholdDefaults", Qos::featureDropThresholds_ );
+   failIs( "programIntfTxQueueDefaults", Qos::featureEcnStatus_ );
+   failIs( "programIntfTxQueueDropThresholdDefaults", Qos::featureDropThresholds_ );
    intf->txQueueStatusDel( uc( 2 ) );
    EXPECT_EQ( takeCalls().size(), 3u );
    EXPECT_EQ( record( Qos::featureEcnStatus_ )->errMessage(), "ECN profiles exhausted" );
@@ -151,8 +162,10 @@ TEST_F( QosIntfTxQueueSmTest, TheResetFilesEachFailureUnderItsFeature ) {
    // Without drop-precedence thresholds there is no third step.
    qosHwStatus->dropPrecedenceThresholdSupportedIs( false );
    intf->txQueueStatusDel( uc( 3 ) );
-   EXPECT_EQ( takeCalls(), ( Lines{ "programIntfTxQueueDefaults intf=Ethernet1 txQueue=uc3",
-                                    "programIntfTxQueueDefaults intf=Ethernet1 txQueue=uc3" } ) );
+   EXPECT_EQ( takeCalls(), ( Lines{ "basic programIntfTxQueueDefaults intfStatus=Ethernet1 "
+                                    "txQueueStatus=UC3",
+                                    "basic programIntfTxQueueDefaults intfStatus=Ethernet1 "
+                                    "txQueueStatus=UC3" } ) );
 }
 
 }  // namespace

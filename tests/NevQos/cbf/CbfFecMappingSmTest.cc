@@ -1,14 +1,14 @@
 #include <gtest/gtest.h>
 
-#include <deque>
 #include <functional>
 #include <map>
-#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "NevQos/cbf/CbfFecMappingSm.h"
+#include "sim/chip/SimCbfFecMappingHelper.h"
+#include "sim/recording/RecordingCbfFecMappingHelper.h"
 #include "zub/ActivityManager.h"
 #include "zub/Log.h"
 #include "zub/Trace.h"
@@ -19,47 +19,6 @@ namespace {
 using Lines = std::vector< std::string >;
 using NevHelper::CbfFecMappingUpdateStatus;
 using Qos::Glarn::OverrideKey;
-
-// A driver that records each call as a line and answers what the test queued (success once
-// the queue is empty); rule handles are 100. Like a driver that keeps its rules across a
-// restart, it holds what it installed until told to delete it.
-class RecordingCbfHelper : public NevHelper::CbfFecMappingHelper {
- public:
-   RecordingCbfHelper() : CbfFecMappingHelper( Zub::Name( "cbf" ) ) {}
-   CbfFecMappingUpdateStatus createOrUpdateMapping( Nev::CbfFecMapRule const& rule ) override {
-      std::ostringstream os;
-      os << "create " << rule.key() << " hw " << rule.hwFecId() << "->" << rule.overridingHwFecId();
-      calls.push_back( os.str() );
-      CbfFecMappingUpdateStatus a = NevHelper::cbfMapUpdateSuccess;
-      if( !answers.empty() ) {
-         a = answers.front();
-         answers.pop_front();
-      }
-      if( a == NevHelper::cbfMapUpdateSuccess ) {
-         held[ rule.key() ] = { rule.key(), 100, rule.hwFecId(), rule.overridingHwFecId() };
-      }
-      return a;
-   }
-   void deleteMapping( OverrideKey const& key ) override {
-      std::ostringstream os;
-      os << "delete " << key;
-      calls.push_back( os.str() );
-      held.erase( key );
-   }
-   Qos::Hardware::FecOverrideRuleId hwFecOverrideRuleId( OverrideKey const& ) override {
-      return 100;
-   }
-   std::vector< NevHelper::CbfFecMapHwRule > hwFecOverrideRules() override {
-      std::vector< NevHelper::CbfFecMapHwRule > out;
-      for( auto const& [ k, rule ] : held )
-         out.push_back( rule );
-      return out;
-   }
-   Lines take() { return std::exchange( calls, {} ); }
-   Lines calls;
-   std::deque< CbfFecMappingUpdateStatus > answers;
-   std::map< OverrideKey, NevHelper::CbfFecMapHwRule > held;
-};
 
 OverrideKey key( unsigned dscp, Glarn::Fib::FecId fecId ) {
    return OverrideKey{ Mirel::ipv4, Qos::Dscp( dscp ), fecId };
@@ -91,7 +50,10 @@ class CbfFecMappingSmTest : public ::testing::Test {
       responseView = Zub::make< Nev::FecIdToHwFecIdResponse >(
             responseStore, Nev::FecIdToHwFecIdResponse::Access::readOnly );
       scheduler = Zub::make< Kesh::TaskScheduler >();
-      helper = Zub::make< RecordingCbfHelper >();
+      // The reference chip's rule table behind the recording decorator: the decorator answers
+      // what a test scripts, the table the rest.
+      table = Zub::make< Sim::SimCbfFecMappingHelper >( 16, nullptr );
+      helper = Zub::make< Sim::RecordingCbfFecMappingHelper >( table, nullptr );
    }
    void TearDown() override {
       sm = nullptr;
@@ -128,6 +90,25 @@ class CbfFecMappingSmTest : public ::testing::Test {
       return found ? e.status : 0;
    }
    Lines takeLogs() { return std::exchange( logs_, {} ); }
+   // The driver calls since the last call of this, as the runner prints them.
+   Lines takeCalls() {
+      Lines out;
+      for( Sim::ChipCall const& call : helper->calls() )
+         out.push_back( Sim::callText( call ) );
+      helper->callsForget();
+      return out;
+   }
+   // The next answers of createOrUpdateMapping, in order: a success is the table's own.
+   void answersAre( std::vector< CbfFecMappingUpdateStatus > const& answers ) {
+      helper->answerDel( "createOrUpdateMapping" );
+      for( CbfFecMappingUpdateStatus a : answers ) {
+         if( a == NevHelper::cbfMapUpdateSuccess ) {
+            helper->forwardEnq( "createOrUpdateMapping" );
+         } else {
+            helper->answerEnq( "createOrUpdateMapping", a );
+         }
+      }
+   }
    // The findings of one verification run.
    Lines verify() {
       if( !sm->verifyData() ) sm->verifyDataIs( verifyData );
@@ -148,7 +129,8 @@ class CbfFecMappingSmTest : public ::testing::Test {
    Zub::Ptr< Nev::FecIdToHwFecIdResponse > responses;
    Zub::Ptr< Nev::FecIdToHwFecIdResponse > responseView;
    Zub::Ptr< Kesh::TaskScheduler > scheduler;
-   Zub::Ptr< RecordingCbfHelper > helper;
+   Zub::Ptr< Sim::SimCbfFecMappingHelper > table;
+   Zub::Ptr< Sim::RecordingCbfFecMappingHelper > helper;
    Zub::Ptr< Nev::VerifyData > verifyData = Zub::make< Nev::VerifyData >( Zub::Name( "verify" ) );
    Zub::Ptr< Nev::CbfFecMappingSm > sm;
 
@@ -190,25 +172,26 @@ TEST_F( CbfFecMappingSmTest, KeysAreProgrammedOnceBothFecsAreKnownAndUnprogramme
    review();
    // Neither FEC known: waiting, and the driver hears nothing.
    EXPECT_EQ( statusOf( key( 10, 1 ) ), 3u );
-   EXPECT_EQ( helper->take(), Lines{} );
+   EXPECT_EQ( takeCalls(), Lines{} );
    EXPECT_TRUE( sm->policyOverrideReviewQueue().empty() );
 
    known( 1 );
    known( 2 );
    review();
-   EXPECT_EQ( helper->take(), Lines{ "create ipv4/10/1 hw 1001->1002" } );
+   EXPECT_EQ( takeCalls(), Lines{ "cbf createOrUpdateMapping key=ipv4/10/1 hwFecId=1001 "
+                                  "overridingHwFecId=1002" } );
    EXPECT_EQ( statusOf( key( 10, 1 ) ), 1u );
 
    // The overriding FEC vanishes: the rule goes, the key waits again.
    responses->hwFecIdDel( 2 );
    review();
-   EXPECT_EQ( helper->take(), Lines{ "delete ipv4/10/1" } );
+   EXPECT_EQ( takeCalls(), Lines{ "cbf deleteMapping key=ipv4/10/1" } );
    EXPECT_EQ( statusOf( key( 10, 1 ) ), 3u );
 
    // Removed while not programmed: its status goes, the driver hears nothing.
    config->overrideDel( key( 10, 1 ) );
    review();
-   EXPECT_EQ( helper->take(), Lines{} );
+   EXPECT_EQ( takeCalls(), Lines{} );
    EXPECT_EQ( statusOf( key( 10, 1 ) ), 0u );
 }
 
@@ -219,7 +202,7 @@ TEST_F( CbfFecMappingSmTest, ADeletionWithoutACachedCopyUsesTheDefaultEntry ) {
    EXPECT_EQ( requested(), ( Fecs{ 1, 2 } ) ) << "the real key's FECs are untouched";
    EXPECT_TRUE( sm->policyOverrideReviewQueue().has( key( 11, 3 ) ) );
    review();
-   EXPECT_EQ( helper->take(), Lines{} );
+   EXPECT_EQ( takeCalls(), Lines{} );
 }
 
 TEST_F( CbfFecMappingSmTest, RetriesComeSlowlyOnlyWhileFullAndTheLastKeyFailed ) {
@@ -227,14 +210,14 @@ TEST_F( CbfFecMappingSmTest, RetriesComeSlowlyOnlyWhileFullAndTheLastKeyFailed )
    known( 2 );
    start();
    // Not ready, not full: the next review 0.01 s later.
-   helper->answers = { NevHelper::cbfMapUpdateNotReady };
+   answersAre( { NevHelper::cbfMapUpdateNotReady } );
    want( key( 10, 1 ), 2 );
    review();
    EXPECT_EQ( statusOf( key( 10, 1 ) ), 4u );
    EXPECT_NEAR( sm->policyOverrideTask()->taskScheduledTime() - loop->now(), 0.01, 1e-9 );
 
    // Out of room, twice: one FULL log, and reviews a second apart.
-   helper->answers = { NevHelper::cbfMapUpdateFailed, NevHelper::cbfMapUpdateFailed };
+   answersAre( { NevHelper::cbfMapUpdateFailed, NevHelper::cbfMapUpdateFailed } );
    loop->runUntil( loop->now() + 0.01 );
    EXPECT_EQ( statusOf( key( 10, 1 ) ), 2u );
    EXPECT_TRUE( sm->resourceFull() );
@@ -244,7 +227,7 @@ TEST_F( CbfFecMappingSmTest, RetriesComeSlowlyOnlyWhileFullAndTheLastKeyFailed )
 
    // Still full, but the last key of the walk succeeds while an earlier one fails: 0.01 s.
    want( key( 20, 1 ), 2 );
-   helper->answers = { NevHelper::cbfMapUpdateFailed, NevHelper::cbfMapUpdateSuccess };
+   answersAre( { NevHelper::cbfMapUpdateFailed, NevHelper::cbfMapUpdateSuccess } );
    review();
    EXPECT_EQ( statusOf( key( 20, 1 ) ), 1u );
    EXPECT_NEAR( sm->policyOverrideTask()->taskScheduledTime() - loop->now(), 0.01, 1e-9 );
@@ -264,7 +247,8 @@ TEST_F( CbfFecMappingSmTest, AReviewCutIntoRunsTriesEveryKeyOnceAndEndsOnce ) {
    auto const creates = []( std::vector< unsigned > const& dscps ) {
       Lines out;
       for( unsigned d : dscps )
-         out.push_back( "create ipv4/" + std::to_string( d ) + "/1 hw 1001->1002" );
+         out.push_back( "cbf createOrUpdateMapping key=ipv4/" + std::to_string( d ) +
+                        "/1 hwFecId=1001 overridingHwFecId=1002" );
       return out;
    };
    scheduler->workQuantumIs( 2 );
@@ -273,23 +257,23 @@ TEST_F( CbfFecMappingSmTest, AReviewCutIntoRunsTriesEveryKeyOnceAndEndsOnce ) {
    start();
    for( unsigned d : { 0, 10, 20, 30, 40 } )
       want( key( d, 1 ), 2 );
-   helper->answers = { cbfMapUpdateFailed, cbfMapUpdateSuccess, cbfMapUpdateFailed,
-                       cbfMapUpdateFailed, cbfMapUpdateFailed,  cbfMapUpdateFailed };
+   answersAre( { cbfMapUpdateFailed, cbfMapUpdateSuccess, cbfMapUpdateFailed,
+                       cbfMapUpdateFailed, cbfMapUpdateFailed,  cbfMapUpdateFailed } );
    loop->runOnce();
-   EXPECT_EQ( helper->take(), creates( { 0, 10 } ) );
+   EXPECT_EQ( takeCalls(), creates( { 0, 10 } ) );
    want( key( 25, 1 ), 2 );
    want( key( 5, 1 ), 2 );
    loop->runOnce();
-   EXPECT_EQ( helper->take(), creates( { 20, 25 } ) );
+   EXPECT_EQ( takeCalls(), creates( { 20, 25 } ) );
    loop->runOnce();
-   EXPECT_EQ( helper->take(), creates( { 30, 40 } ) );
+   EXPECT_EQ( takeCalls(), creates( { 30, 40 } ) );
    EXPECT_EQ( sm->policyOverrideTask()->taskScheduledTime(), loop->now() );
 
-   helper->answers = { cbfMapUpdateFailed, cbfMapUpdateSuccess, cbfMapUpdateFailed,
-                       cbfMapUpdateFailed, cbfMapUpdateFailed,  cbfMapUpdateFailed };
+   answersAre( { cbfMapUpdateFailed, cbfMapUpdateSuccess, cbfMapUpdateFailed,
+                       cbfMapUpdateFailed, cbfMapUpdateFailed,  cbfMapUpdateFailed } );
    for( int run = 0; run < 3; ++run )
       loop->runOnce();
-   EXPECT_EQ( helper->take(), creates( { 0, 5, 20, 25, 30, 40 } ) );
+   EXPECT_EQ( takeCalls(), creates( { 0, 5, 20, 25, 30, 40 } ) );
    EXPECT_NEAR( sm->policyOverrideTask()->taskScheduledTime() - loop->now(), 1.0, 1e-9 );
    std::uint64_t const runs = sm->policyOverrideTask()->taskRuns();
    review();
@@ -298,10 +282,10 @@ TEST_F( CbfFecMappingSmTest, AReviewCutIntoRunsTriesEveryKeyOnceAndEndsOnce ) {
 
    // All settle in the next review, over three runs; the shortage ends once, at its end.
    loop->runOnce();
-   EXPECT_EQ( helper->take().size(), 2u );
+   EXPECT_EQ( takeCalls().size(), 2u );
    EXPECT_TRUE( sm->resourceFull() );
    review();
-   EXPECT_EQ( helper->take().size(), 3u );
+   EXPECT_EQ( takeCalls().size(), 3u );
    EXPECT_TRUE( sm->policyOverrideReviewQueue().empty() );
    EXPECT_FALSE( sm->policyOverrideTask()->taskScheduled() );
    EXPECT_EQ( takeLogs(), Lines{ "ROUTING_CBF_HW_RESOURCE_NORMAL" } );
@@ -323,15 +307,15 @@ TEST_F( CbfFecMappingSmTest, StartUpSweepsTheStatusAndRulesOfOverridesRemovedWhi
    statusIs( key( 20, 1 ), fecOverrideProgrammed, 8 );
    statusIs( key( 30, 1 ), fecOverrideWaitingForHwFecId, Qos::Hardware::invalidFecOverrideRuleId );
    statusIs( key( 40, 1 ), fecOverrideOutOfResource, Qos::Hardware::invalidFecOverrideRuleId );
-   helper->held[ key( 10, 1 ) ] = { key( 10, 1 ), 7, 1001, 1002 };
-   helper->held[ key( 20, 1 ) ] = { key( 20, 1 ), 8, 1001, 1002 };
+   table->ruleIs( key( 10, 1 ), Sim::CbfRule{ 7, 1001, 1002 } );
+   table->ruleIs( key( 20, 1 ), Sim::CbfRule{ 8, 1001, 1002 } );
    want( key( 10, 1 ), 2 );
    known( 1 );
    known( 2 );
    start();
    Zub::traceSinkIs( {} );
    Zub::traceDisableAll();
-   EXPECT_EQ( helper->take(), Lines{ "delete ipv4/20/1" } );
+   EXPECT_EQ( takeCalls(), Lines{ "cbf deleteMapping key=ipv4/20/1" } );
    EXPECT_EQ( trace, ( Lines{ " deleting stale fecOverrideStatus ipv4/20/1",
                               " deleting stale fecOverrideStatus ipv4/30/1",
                               " deleting stale fecOverrideStatus ipv4/40/1" } ) );
@@ -341,7 +325,8 @@ TEST_F( CbfFecMappingSmTest, StartUpSweepsTheStatusAndRulesOfOverridesRemovedWhi
    EXPECT_TRUE( sm->resourceFull() );
 
    review();
-   EXPECT_EQ( helper->take(), Lines{ "create ipv4/10/1 hw 1001->1002" } );
+   EXPECT_EQ( takeCalls(), Lines{ "cbf createOrUpdateMapping key=ipv4/10/1 hwFecId=1001 "
+                                  "overridingHwFecId=1002" } );
    EXPECT_FALSE( sm->resourceFull() );
    EXPECT_EQ( takeLogs(), Lines{ "ROUTING_CBF_HW_RESOURCE_NORMAL" } );
    EXPECT_EQ( verify(), Lines{} );
@@ -352,7 +337,7 @@ TEST_F( CbfFecMappingSmTest, StartUpSweepsTheStatusAndRulesOfOverridesRemovedWhi
    statusIs( key( 40, 1 ), fecOverrideOutOfResource, Qos::Hardware::invalidFecOverrideRuleId );
    start();
    review();
-   EXPECT_EQ( helper->take(), Lines{ "delete ipv4/10/1" } );
+   EXPECT_EQ( takeCalls(), Lines{ "cbf deleteMapping key=ipv4/10/1" } );
    EXPECT_FALSE( sm->resourceFull() );
    EXPECT_EQ( takeLogs(), Lines{ "ROUTING_CBF_HW_RESOURCE_NORMAL" } );
 }
@@ -363,52 +348,58 @@ TEST_F( CbfFecMappingSmTest, VerificationComparesTheStatusWithTheRulesTheHardwar
    known( 1 );
    known( 2 );
    start();
-   helper->answers = { NevHelper::cbfMapUpdateSuccess, NevHelper::cbfMapUpdateSuccess,
-                       NevHelper::cbfMapUpdateNotReady };
+   answersAre( { NevHelper::cbfMapUpdateSuccess, NevHelper::cbfMapUpdateSuccess,
+                       NevHelper::cbfMapUpdateNotReady } );
    for( unsigned d : { 10, 20, 30 } )
       want( key( d, 1 ), 2 );
    review();
    ASSERT_EQ( statusOf( key( 30, 1 ) ), 4u );
-   helper->held[ key( 30, 1 ) ] = { key( 30, 1 ), 100, 1001, 1002 };
-   auto const baseline = helper->held;
-
-   using Held = std::map< OverrideKey, NevHelper::CbfFecMapHwRule >;
+   // The table gave the two programmed rules its first slots; the one under review holds one too.
+   table->ruleIs( key( 30, 1 ), Sim::CbfRule{ 2, 1001, 1002 } );
+   using Held = std::map< OverrideKey, Sim::CbfRule >;
+   Held const baseline = table->rules();
+   auto const holdOnly = [ this ]( Held const& rules ) {
+      table->rulesDelAll();
+      for( auto const& [ k, rule ] : rules )
+         table->ruleIs( k, rule );
+   };
    struct Case {
       char const* what;
       std::function< void( Held& ) > damage;
       Lines findings;
    };
-   std::string const ten = "FEC override ipv4/10/1 is programmed as rule 100 but ";
+   std::string const ten = "FEC override ipv4/10/1 is programmed as rule 0 but ";
    std::vector< Case > const cases = {
       { "as programmed", []( Held& ) {}, {} },
       { "rule lost",
         []( Held& h ) { h.erase( key( 10, 1 ) ); },
         { ten + "the hardware holds no rule for it" } },
       { "other handle",
-        []( Held& h ) { h[ key( 10, 1 ) ].hwRuleId = 5; },
+        []( Held& h ) { h[ key( 10, 1 ) ].id = 5; },
         { ten + "the hardware holds it as rule 5" } },
       { "other FEC",
         []( Held& h ) { h[ key( 20, 1 ) ].overridingHwFecId = 9; },
-        { "FEC override ipv4/20/1 is programmed as rule 100 but the hardware FECs are "
+        { "FEC override ipv4/20/1 is programmed as rule 1 but the hardware FECs are "
           "1001 -> 9, expected 1001 -> 1002" } },
       { "rule nobody owns",
         []( Held& h ) {
-           h[ key( 50, 1 ) ] = { key( 50, 1 ), 3, 1, 2 };
+           h[ key( 50, 1 ) ] = { 3, 1, 2 };
         },
         { "FEC override ipv4/50/1 has rule 3 in the hardware but is not programmed" } },
    };
    for( Case const& c : cases ) {
       SCOPED_TRACE( c.what );
-      helper->held = baseline;
-      c.damage( helper->held );
+      Held damaged = baseline;
+      c.damage( damaged );
+      holdOnly( damaged );
       EXPECT_EQ( verify(), c.findings );
    }
    // Once that key is settled (its override removed), a rule the hardware holds for it is found.
-   helper->held = baseline;
+   holdOnly( baseline );
    config->overrideDel( key( 30, 1 ) );
    loop->runUntil( loop->now() + sm->defaultDelay() );
    ASSERT_EQ( statusOf( key( 30, 1 ) ), 0u );
-   EXPECT_EQ( verify(), Lines{ "FEC override ipv4/30/1 has rule 100 in the hardware but is not "
+   EXPECT_EQ( verify(), Lines{ "FEC override ipv4/30/1 has rule 2 in the hardware but is not "
                                "programmed" } );
 }
 

@@ -1,59 +1,37 @@
-// A chip for tests of basic QoS: a basic helper that records every driver call it receives, in
-// order, as one text line, and fails the calls the test tells it to.
+// The recording basic QoS helper: a decorator that stands between the basic QoS engine and any
+// basic helper (by default the reference chip), forwards every operation to it, and records each
+// programming call as a Sim::ChipCall of helper "basic". The read-side questions (trustMode,
+// guaranteedBwIsValid, shapeRateIsValid) are forwarded unrecorded. See CallRecorder.h for the
+// record's text, the counting mode and the scripted answers, and RecordingQosAclHelper.h for the
+// family.
 //
-// Line format. The operation's name, then one `field=value` per argument, in argument order,
-// separated by single blanks:
-//
-//    programCosToTcMap cos=3
-//    programIntfTxQueueEcn intf=Ethernet1 txQueue=uc2
-//    programIntfTxQueueEcnDelayThreshold intf=Ethernet1 txQueue=uc2 delayEcnEnabled=true
-//       ecnDelayThreshold=500                                            (one line in the record)
-//    handleIntfToCosToTcProfile intf=Ethernet1 restoration=true
-//
-// An interface status shows as its interface (intf=), a queue status or queue as "uc<id>" or
-// "mc<id>" (txQueue=); numbers in decimal, bools as true/false, names as they are.
-//
-// Failures. A chip that runs out of a resource lowers the hwProgrammingStatus of the feature's
-// record in the slice's status while the call runs: failIs( op, feature ) makes every later
-// call of `op` do that to the record of `feature`, until failDel( op ).
-// programIntfTxQueueEcnCount reports by its result instead: ecnCountAnswerIs( false ). Naming
-// an operation that does not exist throws std::invalid_argument, so a misspelt name cannot pass
-// unnoticed. Every other call succeeds; none stops the process as the base's would.
+// Base-class state. The engine reads the helper's inputs and writes nothing of its own into it;
+// a chip reports a failure by lowering the feature's record in qosSliceHwStatus, an entity the
+// decorator and the wrapped helper share (the inputs are the wrapped helper's). The
+// asyncTcamOperationsSupported capability is copied when the decorator is made, and an
+// asynchronous result the wrapped helper writes is moved into the decorator's at once.
 #pragma once
 
-#include <map>
-#include <string>
-#include <string_view>
-#include <vector>
-
 #include "NevQos/helpers/QosBasicHelper.h"
+#include "kesh/TimerWheel.h"
+#include "sim/recording/AsyncResultMirror.h"
+#include "sim/recording/CallRecorder.h"
 
-namespace NevQosTest {
+namespace Sim {
 
-class RecordingQosBasicHelper : public NevHelper::QosBasicHelper {
+class RecordingQosBasicHelper : public NevHelper::QosBasicHelper, public CallRecorder {
  public:
-   RecordingQosBasicHelper( Zub::Ptr< Qos::Status const > qosStatus,
-                            Zub::Ptr< Qos::HwStatus > qosHwStatus,
-                            Zub::Ptr< Qos::SliceHwStatus > qosSliceHwStatus );
+   // `clock` stamps the calls; null stamps 0.
+   RecordingQosBasicHelper( Zub::Ptr< NevHelper::QosBasicHelper > inner,
+                            Zub::Ptr< Kesh::TimerWheel > clock );
+   ~RecordingQosBasicHelper() override;
 
-   // ---- The record
+   NevHelper::QosBasicHelper& inner() const { return *inner_; }
 
-   std::vector< std::string > const& calls() const { return calls_; }
-   void clearCalls() { calls_.clear(); }
-   // The lines that begin with `prefix`, in order. A bare operation name matches that operation
-   // only, not one whose name merely starts with it.
-   std::vector< std::string > callsMatching( std::string_view prefix ) const;
-   // All lines, each ended by a line break: readable in a failed comparison.
-   std::string callsText() const;
-
-   // ---- Failures
-
-   void failIs( std::string_view op, Qos::FeatureName feature );
-   void failDel( std::string_view op );
-   void ecnCountAnswerIs( bool answer ) { ecnCountAnswer_ = answer; }
-
-   // ---- The operations, recorded
-
+   // ---- The helper contract, forwarded
+   Qos::TrustMode trustMode( Qos::IntfStatus const* intfStatus ) override;
+   bool guaranteedBwIsValid( Qos::GuaranteedBw const& guaranteedBw ) override;
+   bool shapeRateIsValid( Qos::ShapeRate const& shapeRate ) override;
    void initializationComplete() override;
    void handleEthPhyIntfStatusActive( Mirel::IntfId const& intfId ) override;
    void hwInit() override;
@@ -112,14 +90,8 @@ class RecordingQosBasicHelper : public NevHelper::QosBasicHelper {
    void updateCosToTcProfileMapping( Zub::Name const& profileName, Qos::Cos cos ) override;
 
  private:
-   class Line;
-   // Records the line, then fails the call if the test asked for it.
-   void record( Line const& line );
-
-   std::vector< std::string > calls_;
-   // The feature each failing operation lowers.
-   std::map< std::string, Qos::FeatureName, std::less<> > failures_;
-   bool ecnCountAnswer_ = true;
+   Zub::Ptr< NevHelper::QosBasicHelper > inner_;
+   Zub::Ptr< AsyncResultMirror > mirror_;
 };
 
-}  // namespace NevQosTest
+}  // namespace Sim

@@ -1,0 +1,23 @@
+// Carries the asynchronous results a wrapped helper writes into the decorator the engine
+// watches, so that the asynchronous road runs through a decorator as it runs without one.
+#pragma once
+
+#include "nev/NevBaseHelper.h"
+
+namespace Sim {
+
+class AsyncResultMirror : public Nev::NevAsyncBaseHelper::Notifiee {
+ public:
+   // Watches `inner`; `outer` owns this mirror and outlives it.
+   AsyncResultMirror( Zub::Ptr< Nev::NevAsyncBaseHelper > const& inner,
+                      Nev::NevAsyncBaseHelper* outer );
+   // The wrapped helper's result is taken back to "none" before the engine hears of it, so that
+   // the same result written again (two operations completing in one moment) is heard again.
+   void onAsyncOperationResult() override;
+
+ private:
+   Nev::NevAsyncBaseHelper* inner_;
+   Nev::NevAsyncBaseHelper* outer_;
+};
+
+}  // namespace Sim
