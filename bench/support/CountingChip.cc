@@ -28,8 +28,7 @@ class CountingChip::Answers : public NevHelper::QosAclHelper {
    Answers( Zub::Ptr< Qos::Status const > qosStatus,
             Zub::Ptr< Qos::AclSliceHwStatus > sliceHwStatus,
             Zub::Ptr< Acl::Config const > aclConfig, Mode mode, bool async )
-       : QosAclHelper( std::move( qosStatus ), std::move( sliceHwStatus ),
-                       std::move( aclConfig ) )
+       : QosAclHelper( std::move( qosStatus ), std::move( sliceHwStatus ), std::move( aclConfig ) )
        , mode_( mode ) {
       asyncTcamOperationsSupportedIs( async );
       if( async ) {
@@ -44,12 +43,12 @@ class CountingChip::Answers : public NevHelper::QosAclHelper {
    std::uint64_t queries = 0;
 
    Nev::AclCreateError createIpAclSubrule(
-         Acl::AclType, Acl::RuleConfig const&, Acl::UniqueId const&,
-         Nev::QosPolicyMapState const&, Nev::QosClassData const&, Nev::AclKey const&,
-         std::uint32_t, std::uint32_t, std::uint16_t, std::uint16_t srcMask, std::uint16_t,
-         std::uint16_t dstMask, std::uint16_t srcLow, std::uint16_t srcHigh, std::uint16_t dstLow,
-         std::uint16_t dstHigh, std::uint16_t, std::uint16_t, std::uint16_t, std::uint16_t,
-         std::uint8_t, bool, std::uint8_t, std::uint8_t ) override {
+         Acl::AclType, Acl::RuleConfig const&, Acl::UniqueId const&, Nev::QosPolicyMapState const&,
+         Nev::QosClassData const&, Nev::AclKey const&, std::uint32_t, std::uint32_t, std::uint16_t,
+         std::uint16_t srcMask, std::uint16_t, std::uint16_t dstMask, std::uint16_t srcLow,
+         std::uint16_t srcHigh, std::uint16_t dstLow, std::uint16_t dstHigh, std::uint16_t,
+         std::uint16_t, std::uint16_t, std::uint16_t, std::uint8_t, bool, std::uint8_t,
+         std::uint8_t ) override {
       if( mode_ == Mode::expand && ( needsChecker( srcMask, srcLow, srcHigh ) ||
                                      needsChecker( dstMask, dstLow, dstHigh ) ) ) {
          ++refused;
@@ -137,10 +136,10 @@ class CountingChip::Answers : public NevHelper::QosAclHelper {
 CountingChip::CountingChip( Zub::Ptr< Qos::Status const > qosStatus,
                             Zub::Ptr< Qos::AclSliceHwStatus > sliceHwStatus,
                             Zub::Ptr< Acl::Config const > aclConfig, Mode mode, bool async )
-    : RecordingQosAclHelper( Zub::make< Answers >( std::move( qosStatus ),
-                                                   std::move( sliceHwStatus ),
-                                                   std::move( aclConfig ), mode, async ),
-                             nullptr )
+    : RecordingQosAclHelper(
+            Zub::make< Answers >( std::move( qosStatus ), std::move( sliceHwStatus ),
+                                  std::move( aclConfig ), mode, async ),
+            nullptr )
     , async_( async ) {
    countingIs( true );
 }
@@ -168,8 +167,8 @@ Counts CountingChip::counts() const {
    c.policers = callCount( "createAndAttachPolicer" ) - callCount( "destroyPolicer" );
    c.counters = callCount( "createAndAttachCounter" ) - callCount( "destroyCounter" );
    if( async_ ) {
-      c.asyncOperations = callCount( "commitAcl" ) + callCount( "updatePortForAcl" ) +
-                          callCount( "destroyAcl" );
+      c.asyncOperations =
+            callCount( "commitAcl" ) + callCount( "updatePortForAcl" ) + callCount( "destroyAcl" );
    }
    c.counterQueries = callCount( "counterUpdateRequest" );
    return c;

@@ -469,8 +469,7 @@ void SimQosBasicHelper::removeCosToTcProfile( Zub::Name const& profileName ) {
    }
 }
 
-void SimQosBasicHelper::handleIntfToCosToTcProfile( Mirel::IntfId const& intfId,
-                                                    bool ) {
+void SimQosBasicHelper::handleIntfToCosToTcProfile( Mirel::IntfId const& intfId, bool ) {
    auto const intfStatus = qosStatus()->intfStatus( intfId );
    Zub::Name name = intfStatus ? intfStatus->cosToTcProfileName() : Zub::Name();
    if( !name.empty() && !cosToTcProfiles_.contains( name ) && !loadCosToTcProfile( name ) ) {

@@ -27,8 +27,8 @@ std::vector< std::string > CallRecorder::callsMatching( std::string_view prefix 
    for( ChipCall const& call : *log_ ) {
       std::string line = callText( call );
       // Matched from the operation on: the helper's name before it is not asked for.
-      std::string_view const text = std::string_view( line ).substr(
-            call.helper == "acl" ? 0 : call.helper.size() + 1 );
+      std::string_view const text =
+            std::string_view( line ).substr( call.helper == "acl" ? 0 : call.helper.size() + 1 );
       if( !text.starts_with( prefix ) ) continue;
       // A bare name must end where the operation's name ends.
       if( text.size() > prefix.size() && prefix.find( ' ' ) == std::string_view::npos &&

@@ -49,8 +49,8 @@ NevHelper::CbfFecMappingUpdateStatus RecordingCbfFecMappingHelper::createOrUpdat
 NevHelper::CbfFecMappingUpdateStatus RecordingCbfFecMappingHelper::syncMapping(
       Nev::CbfFecMapRule const& rule, Qos::Hardware::FecOverrideRuleId hwRuleId ) {
    if( taking( "syncMapping" ) ) {
-      record( "syncMapping", { { "key", textOf( rule.key() ) },
-                               { "hwRuleId", textOf( hwRuleId ) } } );
+      record( "syncMapping",
+              { { "key", textOf( rule.key() ) }, { "hwRuleId", textOf( hwRuleId ) } } );
    }
    if( auto const answer = scripted< NevHelper::CbfFecMappingUpdateStatus >( "syncMapping" ) ) {
       return *answer;

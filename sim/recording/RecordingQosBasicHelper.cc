@@ -402,8 +402,7 @@ void RecordingQosBasicHelper::updateTcToDscpMapping( Zub::Name const& mapName,
                                                      Qos::TrafficClass tc ) {
    if( taking( "updateTcToDscpMapping" ) ) {
       record( "updateTcToDscpMapping",
-              { { "mapName", textOf( mapName ) },
-                { "tc", textOf( tc ) } } );
+              { { "mapName", textOf( mapName ) }, { "tc", textOf( tc ) } } );
    }
    if( acted( "updateTcToDscpMapping" ) ) return;
    inner_->updateTcToDscpMapping( mapName, tc );
@@ -434,8 +433,8 @@ void RecordingQosBasicHelper::removeCosToTcProfile( Zub::Name const& profileName
 void RecordingQosBasicHelper::handleIntfToCosToTcProfile( Mirel::IntfId const& intfId,
                                                           bool restoration ) {
    if( taking( "handleIntfToCosToTcProfile" ) ) {
-      record( "handleIntfToCosToTcProfile", { { "intfId", intfName( intfId ) },
-                                              { "restoration", boolText( restoration ) } } );
+      record( "handleIntfToCosToTcProfile",
+              { { "intfId", intfName( intfId ) }, { "restoration", boolText( restoration ) } } );
    }
    if( acted( "handleIntfToCosToTcProfile" ) ) return;
    inner_->handleIntfToCosToTcProfile( intfId, restoration );
@@ -444,8 +443,8 @@ void RecordingQosBasicHelper::handleIntfToCosToTcProfile( Mirel::IntfId const& i
 void RecordingQosBasicHelper::updateCosToTcProfileMapping( Zub::Name const& profileName,
                                                            Qos::Cos cos ) {
    if( taking( "updateCosToTcProfileMapping" ) ) {
-      record( "updateCosToTcProfileMapping", { { "profileName", textOf( profileName ) },
-                                               { "cos", textOf( cos ) } } );
+      record( "updateCosToTcProfileMapping",
+              { { "profileName", textOf( profileName ) }, { "cos", textOf( cos ) } } );
    }
    if( acted( "updateCosToTcProfileMapping" ) ) return;
    inner_->updateCosToTcProfileMapping( profileName, cos );

@@ -119,9 +119,9 @@ void SimSwitch::cbfTablesIs( ChipConfig const& chip ) {
    fecService_ = Zub::make< Nev::FecIdToHwFecIdResponse >( serviceStore, Access::writer );
    fecServiceView_ = Zub::make< Nev::FecIdToHwFecIdResponse >( serviceStore, Access::readOnly );
    taskScheduler_ = Zub::make< Kesh::TaskScheduler >();
-   cbfChip_ = Zub::make< SimCbfFecMappingHelper >(
-         chip.cbfRules,
-         [ acl = chip_.ptr() ] { return acl->faultOn( FaultConfig::Kind::cbfNotReady ); } );
+   cbfChip_ = Zub::make< SimCbfFecMappingHelper >( chip.cbfRules, [ acl = chip_.ptr() ] {
+      return acl->faultOn( FaultConfig::Kind::cbfNotReady );
+   } );
    cbfRecorder_ = Zub::make< RecordingCbfFecMappingHelper >( cbfChip_, clock_ );
    cbfRecorder_->callLogIs( &calls_ );
 }
@@ -137,9 +137,9 @@ void SimSwitch::engineIs() {
    chip_->operationLeftPendingHandlerIs( [ engine = engine_.ptr() ] {
       if( engine->asyncState() == Nev::asyncInProgress ) engine->asyncStateIs( Nev::asyncPending );
    } );
-   basicEngine_ = Nev::qosBasicSmFactory( ncsd_, qosStatus_, hwStatus_, sliceHwStatus_,
-                                          basicRecorder_, ethPhyIntfStatusDir_, cliCounterConfig_,
-                                          clock_ );
+   basicEngine_ =
+         Nev::qosBasicSmFactory( ncsd_, qosStatus_, hwStatus_, sliceHwStatus_, basicRecorder_,
+                                 ethPhyIntfStatusDir_, cliCounterConfig_, clock_ );
    // The per-port CoPP machine shares the policy engine's helper.
    coppEngine_ = Nev::dynamicPerPortCoppSmFactory(
          clock_, kernelCoppStatus_, Zub::Ptr< NevHelper::QosAclHelper >( aclRecorder_ ) );

@@ -48,28 +48,25 @@ TEST_F( QosBasicSmTest, StartUpWalksTheInputsInItsOrder ) {
    for( unsigned exp = 0; exp < 8; ++exp )
       expected.push_back( "basic programExpToTcMap exp=" + std::to_string( exp ) );
    for( std::string tc : { "0", "1" } ) {
-      for( char const* op : { "basic programTcToCosMap",
-                              "basic programTcToDscpMap",
-                              "basic programTcToExpMap",
-                              "basic programTcToUcTxQueueMap", "basic programTcToMcTxQueueMap" } ) {
+      for( char const* op :
+           { "basic programTcToCosMap", "basic programTcToDscpMap", "basic programTcToExpMap",
+             "basic programTcToUcTxQueueMap", "basic programTcToMcTxQueueMap" } ) {
          expected.push_back( op + std::string( " tc=" ) + tc );
       }
    }
-   expected.insert(
-         expected.end(),
-         { "basic programCosRewriteEnabled",
-           "basic programDscpRewriteEnabled",
-           "basic programGlobalEcn",
-           "basic programIntfTxQueueEcnCount intfId=Ethernet2 txQueueId=1 enable=true",
-           "basic programDscpMap mapName=m1",
-           "basic handleIntfToCosToTcProfile intfId=Ethernet3 restoration=true",
-           "basic programIntfTrustModeCos intfStatus=Ethernet1",
-           "basic programIntfDefaultCos intfStatus=Ethernet1",
-           "basic programIntfDefaultDscp intfStatus=Ethernet1",
-           "basic programIntfShapeRate intfStatus=Ethernet1",
-           "basic programIntfToDscpRewriteMap intfStatus=Ethernet1",
-           "basic handleIntfToCosToTcProfile intfId=Ethernet1 restoration=false",
-           "basic initializationComplete" } );
+   expected.insert( expected.end(),
+                    { "basic programCosRewriteEnabled", "basic programDscpRewriteEnabled",
+                      "basic programGlobalEcn",
+                      "basic programIntfTxQueueEcnCount intfId=Ethernet2 txQueueId=1 enable=true",
+                      "basic programDscpMap mapName=m1",
+                      "basic handleIntfToCosToTcProfile intfId=Ethernet3 restoration=true",
+                      "basic programIntfTrustModeCos intfStatus=Ethernet1",
+                      "basic programIntfDefaultCos intfStatus=Ethernet1",
+                      "basic programIntfDefaultDscp intfStatus=Ethernet1",
+                      "basic programIntfShapeRate intfStatus=Ethernet1",
+                      "basic programIntfToDscpRewriteMap intfStatus=Ethernet1",
+                      "basic handleIntfToCosToTcProfile intfId=Ethernet1 restoration=false",
+                      "basic initializationComplete" } );
    EXPECT_EQ( takeCalls(), expected );
    EXPECT_EQ( sliceHwStatus->configVersionUpdateTime(), 5.0 );
    EXPECT_EQ( record( Qos::featureGlobalMaps_ )->version(), 5.0 );
@@ -106,10 +103,9 @@ TEST_F( QosBasicSmTest, CapabilitiesGuardStartUpAndNotChanges ) {
    qosStatus->ecnDelayThresholdIs( Qos::EcnDelayThreshold{ 500 } );
    qosStatus->servicePolicyDP1StatusIs(
          Qos::ServicePolicyKey( Qos::mapQos_, Qos::directionInput_, Zub::Name( "p" ) ), true );
-   EXPECT_EQ( takeCalls(), ( Lines{ "basic programTcToMcTxQueueMap tc=3",
-                                    "basic programTcToCosMap tc=9",
-                                    "basic programGlobalEcn",
-                                    "basic handleServicePolicyDP1Status" } ) );
+   EXPECT_EQ( takeCalls(),
+              ( Lines{ "basic programTcToMcTxQueueMap tc=3", "basic programTcToCosMap tc=9",
+                       "basic programGlobalEcn", "basic handleServicePolicyDP1Status" } ) );
    // The delay threshold is the queues' business; its record is only marked good here.
    EXPECT_EQ( record( Qos::featureEcnDelayThreshold_ )->hwProgrammingStatus(),
               Qos::hwProgrammingSucceeded_ );
@@ -202,13 +198,12 @@ TEST_F( QosBasicSmTest, NamedDscpMapsAndCosToTcProfilesFollowTheConfiguration ) 
    // Entities that left the configuration are no longer heard.
    map->tcToDscpMapIs( TrafficClass( 4 ), Qos::Dscp( 10 ) );
    profile->cosToTcMapIs( Qos::Cos( 6 ), TrafficClass( 1 ) );
-   EXPECT_EQ( takeCalls(),
-              ( Lines{ "basic programDscpMap mapName=m2",
-                       "basic updateTcToDscpMapping mapName=m2 tc=3",
-                       "basic addCosToTcProfile profileName=p1",
-                       "basic updateCosToTcProfileMapping profileName=p1 cos=5",
-                       "basic deleteDscpMap mapName=m2",
-                       "basic removeCosToTcProfile profileName=p1" } ) );
+   EXPECT_EQ( takeCalls(), ( Lines{ "basic programDscpMap mapName=m2",
+                                    "basic updateTcToDscpMapping mapName=m2 tc=3",
+                                    "basic addCosToTcProfile profileName=p1",
+                                    "basic updateCosToTcProfileMapping profileName=p1 cos=5",
+                                    "basic deleteDscpMap mapName=m2",
+                                    "basic removeCosToTcProfile profileName=p1" } ) );
    EXPECT_FALSE( sm->dscpRewriteMap( Zub::Name( "m2" ) ) );
    EXPECT_FALSE( sm->cosToTcProfile( Zub::Name( "p1" ) ) );
 }

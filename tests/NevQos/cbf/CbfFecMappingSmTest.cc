@@ -257,8 +257,8 @@ TEST_F( CbfFecMappingSmTest, AReviewCutIntoRunsTriesEveryKeyOnceAndEndsOnce ) {
    start();
    for( unsigned d : { 0, 10, 20, 30, 40 } )
       want( key( d, 1 ), 2 );
-   answersAre( { cbfMapUpdateFailed, cbfMapUpdateSuccess, cbfMapUpdateFailed,
-                       cbfMapUpdateFailed, cbfMapUpdateFailed,  cbfMapUpdateFailed } );
+   answersAre( { cbfMapUpdateFailed, cbfMapUpdateSuccess, cbfMapUpdateFailed, cbfMapUpdateFailed,
+                 cbfMapUpdateFailed, cbfMapUpdateFailed } );
    loop->runOnce();
    EXPECT_EQ( takeCalls(), creates( { 0, 10 } ) );
    want( key( 25, 1 ), 2 );
@@ -269,8 +269,8 @@ TEST_F( CbfFecMappingSmTest, AReviewCutIntoRunsTriesEveryKeyOnceAndEndsOnce ) {
    EXPECT_EQ( takeCalls(), creates( { 30, 40 } ) );
    EXPECT_EQ( sm->policyOverrideTask()->taskScheduledTime(), loop->now() );
 
-   answersAre( { cbfMapUpdateFailed, cbfMapUpdateSuccess, cbfMapUpdateFailed,
-                       cbfMapUpdateFailed, cbfMapUpdateFailed,  cbfMapUpdateFailed } );
+   answersAre( { cbfMapUpdateFailed, cbfMapUpdateSuccess, cbfMapUpdateFailed, cbfMapUpdateFailed,
+                 cbfMapUpdateFailed, cbfMapUpdateFailed } );
    for( int run = 0; run < 3; ++run )
       loop->runOnce();
    EXPECT_EQ( takeCalls(), creates( { 0, 5, 20, 25, 30, 40 } ) );
@@ -349,7 +349,7 @@ TEST_F( CbfFecMappingSmTest, VerificationComparesTheStatusWithTheRulesTheHardwar
    known( 2 );
    start();
    answersAre( { NevHelper::cbfMapUpdateSuccess, NevHelper::cbfMapUpdateSuccess,
-                       NevHelper::cbfMapUpdateNotReady } );
+                 NevHelper::cbfMapUpdateNotReady } );
    for( unsigned d : { 10, 20, 30 } )
       want( key( d, 1 ), 2 );
    review();
