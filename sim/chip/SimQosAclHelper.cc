@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "NevQos/types/QosClassData.h"
 #include "NevQos/log/QosLogHandles.h"
+#include "NevQos/types/QosClassData.h"
 #include "mirel/RangeMaskGen.h"
 #include "sim/chip/ChipText.h"
 #include "zub/Assert.h"
@@ -530,8 +530,8 @@ void SimQosAclHelper::prepareToCommit() {}
 
 void SimQosAclHelper::batchCommitAcls( Nev::QosPolicyMapState const& ) {}
 
-void SimQosAclHelper::batchCommitAclsIntf( Nev::QosPolicyMapState const&,
-                                           Qos::IntfPairKey const&, bool ) {}
+void SimQosAclHelper::batchCommitAclsIntf( Nev::QosPolicyMapState const&, Qos::IntfPairKey const&,
+                                           bool ) {}
 
 bool SimQosAclHelper::createSmForPMap( Nev::QosPolicyMapState const& ) {
    return true;

@@ -183,11 +183,10 @@ Nev::AclCreateError RecordingQosAclHelper::createIpAclSubrule(
                                       { "ecnMask", hexText( ecnMask ) } } );
    }
    if( auto const answer = scripted< Nev::AclCreateError >( "createIpAclSubrule" ) ) return *answer;
-   return inner_->createIpAclSubrule( aclType, rule, aclId, pmapState, classData, aclKey, ruleNum,
-                                      subruleNum, srcL4Port, srcL4PortMask, dstL4Port,
-                                      dstL4PortMask, srcPortLow, srcPortHigh, dstPortLow,
-                                      dstPortHigh, ipLen, ipLenMask, ipLenLow, ipLenHigh, tcpFlags,
-                                      l4Rule, ecnData, ecnMask );
+   return inner_->createIpAclSubrule(
+         aclType, rule, aclId, pmapState, classData, aclKey, ruleNum, subruleNum, srcL4Port,
+         srcL4PortMask, dstL4Port, dstL4PortMask, srcPortLow, srcPortHigh, dstPortLow, dstPortHigh,
+         ipLen, ipLenMask, ipLenLow, ipLenHigh, tcpFlags, l4Rule, ecnData, ecnMask );
 }
 
 Nev::AclCreateError RecordingQosAclHelper::createIpFragRule(
@@ -196,8 +195,8 @@ Nev::AclCreateError RecordingQosAclHelper::createIpFragRule(
       std::uint32_t ruleNum, std::uint32_t subRuleNum, std::uint8_t ecnData,
       std::uint8_t ecnMask ) {
    if( taking( "createIpFragRule" ) ) {
-      record( "createIpFragRule", { { "classData", classText( classData ) },
-                                    { "aclKey", aclKeyText( aclKey ) } } );
+      record( "createIpFragRule",
+              { { "classData", classText( classData ) }, { "aclKey", aclKeyText( aclKey ) } } );
    }
    if( auto const answer = scripted< Nev::AclCreateError >( "createIpFragRule" ) ) return *answer;
    return inner_->createIpFragRule( pmapState, classData, aclKey, rule, aclId, ruleNum, subRuleNum,
@@ -208,8 +207,8 @@ Nev::AclCreateError RecordingQosAclHelper::createDefaultRule(
       Nev::QosPolicyMapState const& pmapState, Nev::QosClassData const& classData,
       Qos::ClassMapMatchOption matchOption, Nev::AclKey const& aclKey ) {
    if( taking( "createDefaultRule" ) ) {
-      record( "createDefaultRule", { { "classData", classText( classData ) },
-                                     { "aclKey", aclKeyText( aclKey ) } } );
+      record( "createDefaultRule",
+              { { "classData", classText( classData ) }, { "aclKey", aclKeyText( aclKey ) } } );
    }
    if( auto const answer = scripted< Nev::AclCreateError >( "createDefaultRule" ) ) return *answer;
    return inner_->createDefaultRule( pmapState, classData, matchOption, aclKey );
@@ -330,8 +329,8 @@ void RecordingQosAclHelper::destroyAcl( Nev::QosPolicyMapState const& pmapState,
                                         Qos::ClassMapMatchOption matchOption,
                                         Nev::AclKey const& aclKey ) {
    if( taking( "destroyAcl" ) ) {
-      record( "destroyAcl", { { "classData", classText( classData ) },
-                              { "aclKey", aclKeyText( aclKey ) } } );
+      record( "destroyAcl",
+              { { "classData", classText( classData ) }, { "aclKey", aclKeyText( aclKey ) } } );
    }
    if( acted( "destroyAcl" ) ) return;
    inner_->destroyAcl( pmapState, classData, matchOption, aclKey );
@@ -342,8 +341,8 @@ void RecordingQosAclHelper::cleanupAcl( Nev::QosPolicyMapState const& pmapState,
                                         Qos::ClassMapMatchOption matchOption,
                                         Nev::AclKey const& aclKey ) {
    if( taking( "cleanupAcl" ) ) {
-      record( "cleanupAcl", { { "classData", classText( classData ) },
-                              { "aclKey", aclKeyText( aclKey ) } } );
+      record( "cleanupAcl",
+              { { "classData", classText( classData ) }, { "aclKey", aclKeyText( aclKey ) } } );
    }
    if( acted( "cleanupAcl" ) ) return;
    inner_->cleanupAcl( pmapState, classData, matchOption, aclKey );
@@ -359,8 +358,8 @@ Nev::AclCreateError RecordingQosAclHelper::commitAcl( Nev::QosClassData const& c
                                                       Qos::ClassMapMatchOption matchOption,
                                                       Nev::AclKey const& aclKey ) {
    if( taking( "commitAcl" ) ) {
-      record( "commitAcl", { { "classData", classText( classData ) },
-                             { "aclKey", aclKeyText( aclKey ) } } );
+      record( "commitAcl",
+              { { "classData", classText( classData ) }, { "aclKey", aclKeyText( aclKey ) } } );
    }
    if( auto const answer = scripted< Nev::AclCreateError >( "commitAcl" ) ) return *answer;
    return inner_->commitAcl( classData, matchOption, aclKey );
@@ -597,8 +596,8 @@ void RecordingQosAclHelper::showMacAclRule( std::uint32_t socket, std::uint32_t 
 Nev::QosClassCounterData RecordingQosAclHelper::counterUpdateRequest(
       Nev::QosClassData const& classData, Nev::AclKey const& aclKey ) {
    if( taking( "counterUpdateRequest" ) ) {
-      record( "counterUpdateRequest", { { "classData", classText( classData ) },
-                                        { "aclKey", aclKeyText( aclKey ) } } );
+      record( "counterUpdateRequest",
+              { { "classData", classText( classData ) }, { "aclKey", aclKeyText( aclKey ) } } );
    }
    if( auto const answer = scripted< Nev::QosClassCounterData >( "counterUpdateRequest" ) ) {
       return *answer;
@@ -614,27 +613,20 @@ bool RecordingQosAclHelper::ipSubruleExists( Nev::QosClassData const& classData,
    return inner_->ipSubruleExists( classData, aclKey, aclId, ruleNum, subruleNum );
 }
 
-bool RecordingQosAclHelper::ipPortRangeSubruleExists( Nev::QosClassData const& classData,
-                                                      Nev::AclKey const& aclKey,
-                                                      Acl::UniqueId const& aclId,
-                                                      std::uint32_t ruleNum,
-                                                      std::uint32_t subruleNum,
-                                                      std::uint16_t srcLow, std::uint16_t srcHigh,
-                                                      bool srcValid, std::uint16_t dstLow,
-                                                      std::uint16_t dstHigh, bool dstValid ) {
+bool RecordingQosAclHelper::ipPortRangeSubruleExists(
+      Nev::QosClassData const& classData, Nev::AclKey const& aclKey, Acl::UniqueId const& aclId,
+      std::uint32_t ruleNum, std::uint32_t subruleNum, std::uint16_t srcLow, std::uint16_t srcHigh,
+      bool srcValid, std::uint16_t dstLow, std::uint16_t dstHigh, bool dstValid ) {
    taking( "ipPortRangeSubruleExists" );
    if( auto const answer = scripted< bool >( "ipPortRangeSubruleExists" ) ) return *answer;
    return inner_->ipPortRangeSubruleExists( classData, aclKey, aclId, ruleNum, subruleNum, srcLow,
                                             srcHigh, srcValid, dstLow, dstHigh, dstValid );
 }
 
-bool RecordingQosAclHelper::ipLenRangeSubruleExists( Nev::QosClassData const& classData,
-                                                     Nev::AclKey const& aclKey,
-                                                     Acl::UniqueId const& aclId,
-                                                     std::uint32_t ruleNum,
-                                                     std::uint32_t subruleNum,
-                                                     std::uint16_t ipLenLow,
-                                                     std::uint16_t ipLenHigh, bool ipLenValid ) {
+bool RecordingQosAclHelper::ipLenRangeSubruleExists(
+      Nev::QosClassData const& classData, Nev::AclKey const& aclKey, Acl::UniqueId const& aclId,
+      std::uint32_t ruleNum, std::uint32_t subruleNum, std::uint16_t ipLenLow,
+      std::uint16_t ipLenHigh, bool ipLenValid ) {
    taking( "ipLenRangeSubruleExists" );
    if( auto const answer = scripted< bool >( "ipLenRangeSubruleExists" ) ) return *answer;
    return inner_->ipLenRangeSubruleExists( classData, aclKey, aclId, ruleNum, subruleNum, ipLenLow,
@@ -691,8 +683,8 @@ void RecordingQosAclHelper::verifyTcamData( Nev::QosClassData const& classData,
                                             Qos::ClassMapMatchOption matchOption,
                                             Nev::AclKey const& aclKey ) {
    if( taking( "verifyTcamData" ) ) {
-      record( "verifyTcamData", { { "classData", classText( classData ) },
-                                  { "aclKey", aclKeyText( aclKey ) } } );
+      record( "verifyTcamData",
+              { { "classData", classText( classData ) }, { "aclKey", aclKeyText( aclKey ) } } );
    }
    if( acted( "verifyTcamData" ) ) return;
    inner_->verifyTcamData( classData, matchOption, aclKey );
@@ -897,8 +889,8 @@ void RecordingQosAclHelper::verifyAclGeneral( Nev::QosClassData const& classData
                                               Qos::ClassMapMatchOption matchOption,
                                               Nev::AclKey const& aclKey ) {
    if( taking( "verifyAclGeneral" ) ) {
-      record( "verifyAclGeneral", { { "classData", classText( classData ) },
-                                    { "aclKey", aclKeyText( aclKey ) } } );
+      record( "verifyAclGeneral",
+              { { "classData", classText( classData ) }, { "aclKey", aclKeyText( aclKey ) } } );
    }
    if( acted( "verifyAclGeneral" ) ) return;
    inner_->verifyAclGeneral( classData, matchOption, aclKey );
@@ -921,8 +913,8 @@ void RecordingQosAclHelper::verifyDefaultRule( Nev::QosPolicyMapState const& pma
                                                Qos::ClassMapMatchOption matchOption,
                                                Nev::AclKey const& aclKey ) {
    if( taking( "verifyDefaultRule" ) ) {
-      record( "verifyDefaultRule", { { "classData", classText( classData ) },
-                                     { "aclKey", aclKeyText( aclKey ) } } );
+      record( "verifyDefaultRule",
+              { { "classData", classText( classData ) }, { "aclKey", aclKeyText( aclKey ) } } );
    }
    if( acted( "verifyDefaultRule" ) ) return;
    inner_->verifyDefaultRule( pmapState, classData, matchOption, aclKey );
@@ -933,8 +925,8 @@ void RecordingQosAclHelper::verifyL2ParamsRule( Nev::QosPolicyMapState const& pm
                                                 Qos::ClassMapMatchOption matchOption,
                                                 Nev::AclKey const& aclKey ) {
    if( taking( "verifyL2ParamsRule" ) ) {
-      record( "verifyL2ParamsRule", { { "classData", classText( classData ) },
-                                      { "aclKey", aclKeyText( aclKey ) } } );
+      record( "verifyL2ParamsRule",
+              { { "classData", classText( classData ) }, { "aclKey", aclKeyText( aclKey ) } } );
    }
    if( acted( "verifyL2ParamsRule" ) ) return;
    inner_->verifyL2ParamsRule( pmapState, classData, matchOption, aclKey );
@@ -945,8 +937,8 @@ void RecordingQosAclHelper::verifyMplsTrafficClassRule( Nev::QosPolicyMapState c
                                                         Qos::ClassMapMatchOption matchOption,
                                                         Nev::AclKey const& aclKey ) {
    if( taking( "verifyMplsTrafficClassRule" ) ) {
-      record( "verifyMplsTrafficClassRule", { { "classData", classText( classData ) },
-                                              { "aclKey", aclKeyText( aclKey ) } } );
+      record( "verifyMplsTrafficClassRule",
+              { { "classData", classText( classData ) }, { "aclKey", aclKeyText( aclKey ) } } );
    }
    if( acted( "verifyMplsTrafficClassRule" ) ) return;
    inner_->verifyMplsTrafficClassRule( pmapState, classData, matchOption, aclKey );
@@ -957,8 +949,8 @@ void RecordingQosAclHelper::verifyDscpEcnRule( Nev::QosPolicyMapState const& pma
                                                Qos::ClassMapMatchOption matchOption,
                                                Nev::AclKey const& aclKey ) {
    if( taking( "verifyDscpEcnRule" ) ) {
-      record( "verifyDscpEcnRule", { { "classData", classText( classData ) },
-                                     { "aclKey", aclKeyText( aclKey ) } } );
+      record( "verifyDscpEcnRule",
+              { { "classData", classText( classData ) }, { "aclKey", aclKeyText( aclKey ) } } );
    }
    if( acted( "verifyDscpEcnRule" ) ) return;
    inner_->verifyDscpEcnRule( pmapState, classData, matchOption, aclKey );
@@ -969,8 +961,8 @@ void RecordingQosAclHelper::verifyMacAclRule( Nev::QosPolicyMapState const& pmap
                                               Qos::ClassMapMatchOption matchOption,
                                               Nev::AclKey const& aclKey ) {
    if( taking( "verifyMacAclRule" ) ) {
-      record( "verifyMacAclRule", { { "classData", classText( classData ) },
-                                    { "aclKey", aclKeyText( aclKey ) } } );
+      record( "verifyMacAclRule",
+              { { "classData", classText( classData ) }, { "aclKey", aclKeyText( aclKey ) } } );
    }
    if( acted( "verifyMacAclRule" ) ) return;
    inner_->verifyMacAclRule( pmapState, classData, matchOption, aclKey );

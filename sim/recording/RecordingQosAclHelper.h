@@ -45,20 +45,15 @@ class RecordingQosAclHelper : public NevHelper::QosAclHelper, public CallRecorde
    // ---- The helper contract, forwarded
    Zub::Name aclGroup( Qos::IntfPairKey const& intfPair,
                        Qos::ServicePolicyKey const& spKey ) override;
-   Nev::AclCreateError createIpAclSubrule( Acl::AclType aclType, Acl::RuleConfig const& rule,
-                                           Acl::UniqueId const& aclId,
-                                           Nev::QosPolicyMapState const& pmapState,
-                                           Nev::QosClassData const& classData,
-                                           Nev::AclKey const& aclKey, std::uint32_t ruleNum,
-                                           std::uint32_t subruleNum, std::uint16_t srcL4Port,
-                                           std::uint16_t srcL4PortMask, std::uint16_t dstL4Port,
-                                           std::uint16_t dstL4PortMask, std::uint16_t srcPortLow,
-                                           std::uint16_t srcPortHigh, std::uint16_t dstPortLow,
-                                           std::uint16_t dstPortHigh, std::uint16_t ipLen,
-                                           std::uint16_t ipLenMask, std::uint16_t ipLenLow,
-                                           std::uint16_t ipLenHigh, std::uint8_t tcpFlags,
-                                           bool l4Rule, std::uint8_t ecnData,
-                                           std::uint8_t ecnMask ) override;
+   Nev::AclCreateError createIpAclSubrule(
+         Acl::AclType aclType, Acl::RuleConfig const& rule, Acl::UniqueId const& aclId,
+         Nev::QosPolicyMapState const& pmapState, Nev::QosClassData const& classData,
+         Nev::AclKey const& aclKey, std::uint32_t ruleNum, std::uint32_t subruleNum,
+         std::uint16_t srcL4Port, std::uint16_t srcL4PortMask, std::uint16_t dstL4Port,
+         std::uint16_t dstL4PortMask, std::uint16_t srcPortLow, std::uint16_t srcPortHigh,
+         std::uint16_t dstPortLow, std::uint16_t dstPortHigh, std::uint16_t ipLen,
+         std::uint16_t ipLenMask, std::uint16_t ipLenLow, std::uint16_t ipLenHigh,
+         std::uint8_t tcpFlags, bool l4Rule, std::uint8_t ecnData, std::uint8_t ecnMask ) override;
    Nev::AclCreateError createIpFragRule( Nev::QosPolicyMapState const& pmapState,
                                          Nev::QosClassData const& classData,
                                          Nev::AclKey const& aclKey, Acl::IpRuleConfig const& rule,

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "NevQos/policy/QosPolicyMapClassData.h"
 #include "NevQos/policy/QosAclSm.h"
+#include "NevQos/policy/QosPolicyMapClassData.h"
 #include "support/RecordingQosAclHelper.h"
 #include "zub/ActivityManager.h"
 #include "zub/Log.h"

@@ -24,9 +24,10 @@ class RecordingQosAclHelperTest : public ::testing::Test {
 
    Zub::Ptr< Zub::ActivityManager > loop;
    Zub::Ptr< RecordingQosAclHelper > chip = Zub::make< RecordingQosAclHelper >();
-   Zub::Ptr< Nev::QosClassData > const classData = Zub::make< Nev::QosClassData >(
-         Nev::QosClassDataKey( QosPolicyMapKey{ Zub::Name( "gold" ), Qos::mapQos_, Qos::directionInput_ },
-                               Zub::Name( "c1" ), Qos::mapQos_, Zub::Name( "Default" ) ) );
+   Zub::Ptr< Nev::QosClassData > const classData =
+         Zub::make< Nev::QosClassData >( Nev::QosClassDataKey(
+               QosPolicyMapKey{ Zub::Name( "gold" ), Qos::mapQos_, Qos::directionInput_ },
+               Zub::Name( "c1" ), Qos::mapQos_, Zub::Name( "Default" ) ) );
    Nev::QosClassData const& cd = *classData;
    Zub::Ptr< Nev::QosPolicyMapState > gold = chip->pmapStateIs(
          QosPolicyMapKey( Zub::Name( "gold" ), Qos::mapQos_, Qos::directionInput_ ) );

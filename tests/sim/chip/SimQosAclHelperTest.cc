@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "support/QosAclSmFixture.h"
 #include "sim/chip/SimQosAclHelper.h"
+#include "support/QosAclSmFixture.h"
 
 namespace NevQosTest {
 namespace {

@@ -236,9 +236,9 @@ TEST_F( RecordingHelpersTest, CountingKeepsCountsByOperationInsteadOfRecords ) {
    rec->multipleActionsSupported();
    EXPECT_TRUE( rec->calls().empty() );
    EXPECT_EQ( rec->callCount( "createAndAttachPolicer" ), 2u );
-   EXPECT_EQ( rec->callCounts(), ( std::map< std::string, std::uint64_t >{
-                                       { "createAndAttachPolicer", 2 },
-                                       { "multipleActionsSupported", 1 } } ) );
+   EXPECT_EQ( rec->callCounts(),
+              ( std::map< std::string, std::uint64_t >{ { "createAndAttachPolicer", 2 },
+                                                        { "multipleActionsSupported", 1 } } ) );
    rec->countingIs( false );
    rec->createAndAttachPolicer( *classData );
    EXPECT_EQ( rec->calls().size(), 1u );
@@ -249,8 +249,8 @@ TEST_F( RecordingHelpersTest, DecoratorsSharingOneLogKeepTheOrderOfTheirCalls ) 
    auto const status = Zub::make< Qos::Status >( Zub::Name( "qos" ) );
    auto const hw = Zub::make< Qos::HwStatus >( Zub::Name( "hw" ) );
    auto const slice = Zub::make< Qos::SliceHwStatus >( Zub::Name( "slice" ) );
-   auto const basicChip = Zub::make< Sim::SimQosBasicHelper >( Sim::ChipConfig(), status, hw,
-                                                               slice, nullptr );
+   auto const basicChip =
+         Zub::make< Sim::SimQosBasicHelper >( Sim::ChipConfig(), status, hw, slice, nullptr );
    auto const basic = Zub::make< Sim::RecordingQosBasicHelper >( basicChip, clock );
    auto const table = Zub::make< Sim::SimCbfFecMappingHelper >( 4, nullptr );
    auto const cbf = Zub::make< Sim::RecordingCbfFecMappingHelper >( table, clock );
@@ -262,8 +262,8 @@ TEST_F( RecordingHelpersTest, DecoratorsSharingOneLogKeepTheOrderOfTheirCalls ) 
    basic->hwInit();
    basic->programDscpToTcMap( Qos::Dscp( 46 ) );
    Qos::IntfStatus const& e1 = *status->intfStatusIs( Mirel::IntfId( "Ethernet1" ) );
-   basic->programIntfTxQueueEcnDelayThreshold(
-         e1, Qos::TxQueue( 3, Qos::unicastQueue_ ), true, Qos::EcnDelayThreshold{ 20 } );
+   basic->programIntfTxQueueEcnDelayThreshold( e1, Qos::TxQueue( 3, Qos::unicastQueue_ ), true,
+                                               Qos::EcnDelayThreshold{ 20 } );
    acl->prepareToCommit();
    EXPECT_TRUE( basic->programIntfTxQueueEcnCount( Mirel::IntfId( "Ethernet2" ),
                                                    Qos::TxQueueId( 4 ), false ) );
@@ -276,17 +276,16 @@ TEST_F( RecordingHelpersTest, DecoratorsSharingOneLogKeepTheOrderOfTheirCalls ) 
    Lines lines;
    for( Sim::ChipCall const& c : log )
       lines.push_back( Sim::callText( c ) );
-   EXPECT_EQ( lines, ( Lines{ "basic hwInit",
-                              "basic programDscpToTcMap dscp=46",
-                              "basic programIntfTxQueueEcnDelayThreshold intfStatus=Ethernet1 "
-                              "txQueueId=UC3 delayEcnEnabled=true ecnDelayThreshold=20 us",
-                              "prepareToCommit",
-                              "basic programIntfTxQueueEcnCount intfId=Ethernet2 txQueueId=4 "
-                              "enable=false",
-                              "cbf createOrUpdateMapping key=" +
-                                    Sim::textOf( Qos::Glarn::OverrideKey() ) +
-                                    " hwFecId=5 overridingHwFecId=0",
-                              "basic handleQosVerify" } ) );
+   EXPECT_EQ( lines,
+              ( Lines{ "basic hwInit", "basic programDscpToTcMap dscp=46",
+                       "basic programIntfTxQueueEcnDelayThreshold intfStatus=Ethernet1 "
+                       "txQueueId=UC3 delayEcnEnabled=true ecnDelayThreshold=20 us",
+                       "prepareToCommit",
+                       "basic programIntfTxQueueEcnCount intfId=Ethernet2 txQueueId=4 "
+                       "enable=false",
+                       "cbf createOrUpdateMapping key=" + Sim::textOf( Qos::Glarn::OverrideKey() ) +
+                             " hwFecId=5 overridingHwFecId=0",
+                       "basic handleQosVerify" } ) );
    // The chip did the work.
    EXPECT_EQ( basicChip->globals().dscpToTc.at( Qos::Dscp( 46 ) ),
               basicChip->dscpToTc( Qos::Dscp( 46 ) ) );

@@ -6,9 +6,9 @@
 #include <optional>
 #include <string>
 
-#include "support/QosAclSmFixture.h"
 #include "sim/scenario/ConfigPublisher.h"
 #include "sim/scenario/ScenarioLoader.h"
+#include "support/QosAclSmFixture.h"
 
 namespace NevQosTest {
 namespace {
