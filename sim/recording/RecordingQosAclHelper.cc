@@ -1003,13 +1003,17 @@ void RecordingQosAclHelper::handleSubIntfDeletion( Mirel::IntfId const& intfId )
 }
 
 Zub::String RecordingQosAclHelper::cpuQIdToClassMapName( std::uint32_t cpuQId ) {
-   taking( "cpuQIdToClassMapName" );
+   if( taking( "cpuQIdToClassMapName" ) && namingRecorded_ ) {
+      record( "cpuQIdToClassMapName", { { "cpuQId", textOf( cpuQId ) } } );
+   }
    if( auto const answer = scripted< Zub::String >( "cpuQIdToClassMapName" ) ) return *answer;
    return inner_->cpuQIdToClassMapName( cpuQId );
 }
 
 Zub::String RecordingQosAclHelper::portToIntfName( std::uint32_t modId, std::uint32_t port ) {
-   taking( "portToIntfName" );
+   if( taking( "portToIntfName" ) && namingRecorded_ ) {
+      record( "portToIntfName", { { "modId", textOf( modId ) }, { "port", textOf( port ) } } );
+   }
    if( auto const answer = scripted< Zub::String >( "portToIntfName" ) ) return *answer;
    return inner_->portToIntfName( modId, port );
 }

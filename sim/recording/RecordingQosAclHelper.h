@@ -7,7 +7,8 @@
 // What is recorded. The operations that program, verify or ask about one object of the chip:
 // the same calls the runner's report has always shown, with the same argument texts. Questions
 // of capability, show output, single-subrule verification queries and the names of queues and
-// ports are forwarded unrecorded (they are counted in the counting mode). See CallRecorder.h
+// ports are forwarded unrecorded (they are counted in the counting mode; the names can be
+// recorded on request, namingRecordedIs). See CallRecorder.h
 // for the record's text, the counting mode and the scripted answers.
 //
 // Base-class state. The decorator is the helper the engine holds, so the state the engine keeps
@@ -41,6 +42,10 @@ class RecordingQosAclHelper : public NevHelper::QosAclHelper, public CallRecorde
    ~RecordingQosAclHelper() override;
 
    NevHelper::QosAclHelper& inner() const { return *inner_; }
+   // Records the naming queries (cpuQIdToClassMapName, portToIntfName) as well, for a test that
+   // checks what the engine asks before it logs a name. Off by default: the runner's report
+   // leaves them out.
+   void namingRecordedIs( bool recorded ) { namingRecorded_ = recorded; }
 
    // ---- The helper contract, forwarded
    Zub::Name aclGroup( Qos::IntfPairKey const& intfPair,
@@ -288,6 +293,7 @@ class RecordingQosAclHelper : public NevHelper::QosAclHelper, public CallRecorde
  private:
    Zub::Ptr< NevHelper::QosAclHelper > inner_;
    Zub::Ptr< AsyncResultMirror > mirror_;
+   bool namingRecorded_ = false;
 };
 
 }  // namespace Sim

@@ -5,7 +5,8 @@
 #include <vector>
 
 #include "NevQos/controlplane/DynamicPerPortCoppSm.h"
-#include "support/RecordingQosAclHelper.h"
+#include "sim/chip/SimQosAclHelper.h"
+#include "sim/recording/RecordingQosAclHelper.h"
 #include "zub/ActivityManager.h"
 #include "zub/Log.h"
 
@@ -16,6 +17,8 @@ using Keys = std::vector< Nev::ModIdPortQueueKey >;
 using Lines = std::vector< std::string >;
 
 constexpr char const* create = "createCoppPolicerByPortQueue";
+// How the reference chip names queue 3 of port 2 of module 1, the policer of key `a`.
+constexpr char const* policerOfA = "cpu-queue-3 on Ethernet1/2";
 
 class DynamicPerPortCoppSmTest : public ::testing::Test {
  protected:
@@ -26,8 +29,14 @@ class DynamicPerPortCoppSmTest : public ::testing::Test {
          logs_.push_back( r.handle->name().stdString() + ": " + r.text.stdString() );
       } );
       kernelCoppStatus = Zub::make< Nev::KernelCoPPStatus >( Zub::Name( "kernelCopp" ) );
-      helper = Zub::make< RecordingQosAclHelper >();
       clock = Zub::make< Kesh::TimerWheel >();
+      auto const chip = Zub::make< Sim::SimQosAclHelper >(
+            Sim::ChipConfig(), Zub::make< Qos::Status >( Zub::Name( "qos" ) ),
+            Zub::make< Qos::AclSliceHwStatus >( Zub::Name( "aclSlice" ) ),
+            Zub::make< Acl::Config >( Zub::Name( "acl" ) ), clock );
+      helper = Zub::make< Sim::RecordingQosAclHelper >( chip, clock );
+      // The engine names the policer it logs about: those questions are part of what is checked.
+      helper->namingRecordedIs( true );
    }
    void TearDown() override {
       if( sm ) sm->zubDoZombieReactors( true );
@@ -39,7 +48,7 @@ class DynamicPerPortCoppSmTest : public ::testing::Test {
 
    void start() {
       sm = Nev::dynamicPerPortCoppSmFactory( clock, kernelCoppStatus, helper );
-      ASSERT_EQ( helper->calls(), Lines{} ) << "nothing before the loop turns";
+      ASSERT_EQ( helper->callsText(), "" ) << "nothing before the loop turns";
       loop->runOnce();
       ASSERT_TRUE( sm->initialized() );
    }
@@ -52,7 +61,14 @@ class DynamicPerPortCoppSmTest : public ::testing::Test {
       kernelCoppStatus->stateIs( key, Nev::kernelCoppQueueNoReport );
       kernelCoppStatus->stateIs( key, state );
    }
-   void chipFull( bool full ) { helper->boolAnswerIs( create, !full ); }
+   // A full chip is scripted; otherwise the reference chip, with room to spare, answers.
+   void chipFull( bool full ) {
+      if( full ) {
+         helper->answerIs( create, false );
+      } else {
+         helper->answerDel( create );
+      }
+   }
    Keys waiting() const {
       Keys keys;
       for( auto const& member : sm->pendingHwCopp() )
@@ -60,8 +76,10 @@ class DynamicPerPortCoppSmTest : public ::testing::Test {
       return keys;
    }
    Lines takeCalls() {
-      Lines calls = helper->calls();
-      helper->clearCalls();
+      Lines calls;
+      for( Sim::ChipCall const& call : helper->calls() )
+         calls.push_back( Sim::callText( call ) );
+      helper->callsForget();
       return calls;
    }
    Lines takeLogs() { return std::exchange( logs_, {} ); }
@@ -82,7 +100,7 @@ class DynamicPerPortCoppSmTest : public ::testing::Test {
    Nev::ModIdPortQueueKey const c{ 0, 7, 9 };
    Zub::Ptr< Zub::ActivityManager > loop;
    Zub::Ptr< Nev::KernelCoPPStatus > kernelCoppStatus;
-   Zub::Ptr< RecordingQosAclHelper > helper;
+   Zub::Ptr< Sim::RecordingQosAclHelper > helper;
    Zub::Ptr< Kesh::TimerWheel > clock;
    Zub::Ptr< Nev::DynamicPerPortCoppSm > sm;
 
@@ -113,7 +131,7 @@ TEST_F( DynamicPerPortCoppSmTest, TwoSaturatedReportsWhileFullWaitTwiceAndArePro
    reportAgain( a );
    EXPECT_EQ( waiting(), ( Keys{ a, a } ) );
    EXPECT_EQ( takeLogs(),
-              ( Lines{ full( "cpu-queue-3 on port-1/2" ), full( "cpu-queue-3 on port-1/2" ) } ) );
+              ( Lines{ full( policerOfA ), full( policerOfA ) } ) );
    // The second failure does not push the retry back.
    EXPECT_EQ( sm->retryTime(), firstFailure + 60.0 );
    // Each failure asked the chip, then named the policer.
@@ -126,8 +144,8 @@ TEST_F( DynamicPerPortCoppSmTest, TwoSaturatedReportsWhileFullWaitTwiceAndArePro
               ( Lines{ "createCoppPolicerByPortQueue key=1/2/3", "cpuQIdToClassMapName cpuQId=3",
                        "portToIntfName modId=1 port=2", "createCoppPolicerByPortQueue key=1/2/3",
                        "cpuQIdToClassMapName cpuQId=3", "portToIntfName modId=1 port=2" } ) );
-   EXPECT_EQ( takeLogs(), ( Lines{ normal( "cpu-queue-3 on port-1/2" ),
-                                   normal( "cpu-queue-3 on port-1/2" ) } ) );
+   EXPECT_EQ( takeLogs(), ( Lines{ normal( policerOfA ),
+                                   normal( policerOfA ) } ) );
    EXPECT_EQ( waiting(), Keys{} );
    EXPECT_EQ( sm->pendingHwCoppMetadata().dequeued, 2u );
 }
@@ -141,15 +159,16 @@ TEST_F( DynamicPerPortCoppSmTest, RetryStopsAtTheFirstFailureAndKeepsTheOrder ) 
    EXPECT_EQ( takeLogs().size(), 3u );
    takeCalls();
 
-   helper->boolAnswerEnq( create, true );
-   helper->boolAnswerEnq( create, false );
+   // The first retry reaches the chip, which has room; the second is refused.
+   helper->forwardEnq( create );
+   helper->answerEnq( create, false );
    loop->runUntil( loop->now() + 60.0 );
    EXPECT_EQ( helper->callsMatching( create ),
               ( Lines{ "createCoppPolicerByPortQueue key=1/2/3",
                        "createCoppPolicerByPortQueue key=1/5/3" } ) );
    EXPECT_EQ( waiting(), ( Keys{ b, c } ) );
    // The failed retry is silent: it was reported when the key first failed.
-   EXPECT_EQ( takeLogs(), Lines{ normal( "cpu-queue-3 on port-1/2" ) } );
+   EXPECT_EQ( takeLogs(), Lines{ normal( policerOfA ) } );
 }
 
 TEST_F( DynamicPerPortCoppSmTest, TimerStaysArmedUntilTheLastWaitingKeyIsReportedUnsaturated ) {
@@ -185,7 +204,7 @@ TEST_F( DynamicPerPortCoppSmTest, OnceArmedTheTimerFiresEveryMinuteWithNothingTo
    chipFull( false );
    loop->runUntil( firstRetry );
    EXPECT_EQ( takeLogs(),
-              ( Lines{ full( "cpu-queue-3 on port-1/2" ), normal( "cpu-queue-3 on port-1/2" ) } ) );
+              ( Lines{ full( policerOfA ), normal( policerOfA ) } ) );
    takeCalls();
 
    for( int minute = 1; minute <= 3; ++minute ) {
