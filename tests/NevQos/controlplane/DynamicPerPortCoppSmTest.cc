@@ -130,8 +130,7 @@ TEST_F( DynamicPerPortCoppSmTest, TwoSaturatedReportsWhileFullWaitTwiceAndArePro
    loop->runUntil( firstFailure + 10.0 );
    reportAgain( a );
    EXPECT_EQ( waiting(), ( Keys{ a, a } ) );
-   EXPECT_EQ( takeLogs(),
-              ( Lines{ full( policerOfA ), full( policerOfA ) } ) );
+   EXPECT_EQ( takeLogs(), ( Lines{ full( policerOfA ), full( policerOfA ) } ) );
    // The second failure does not push the retry back.
    EXPECT_EQ( sm->retryTime(), firstFailure + 60.0 );
    // Each failure asked the chip, then named the policer.
@@ -144,8 +143,7 @@ TEST_F( DynamicPerPortCoppSmTest, TwoSaturatedReportsWhileFullWaitTwiceAndArePro
               ( Lines{ "createCoppPolicerByPortQueue key=1/2/3", "cpuQIdToClassMapName cpuQId=3",
                        "portToIntfName modId=1 port=2", "createCoppPolicerByPortQueue key=1/2/3",
                        "cpuQIdToClassMapName cpuQId=3", "portToIntfName modId=1 port=2" } ) );
-   EXPECT_EQ( takeLogs(), ( Lines{ normal( policerOfA ),
-                                   normal( policerOfA ) } ) );
+   EXPECT_EQ( takeLogs(), ( Lines{ normal( policerOfA ), normal( policerOfA ) } ) );
    EXPECT_EQ( waiting(), Keys{} );
    EXPECT_EQ( sm->pendingHwCoppMetadata().dequeued, 2u );
 }
@@ -203,8 +201,7 @@ TEST_F( DynamicPerPortCoppSmTest, OnceArmedTheTimerFiresEveryMinuteWithNothingTo
    Zub::Seconds const firstRetry = sm->retryTime();
    chipFull( false );
    loop->runUntil( firstRetry );
-   EXPECT_EQ( takeLogs(),
-              ( Lines{ full( policerOfA ), normal( policerOfA ) } ) );
+   EXPECT_EQ( takeLogs(), ( Lines{ full( policerOfA ), normal( policerOfA ) } ) );
    takeCalls();
 
    for( int minute = 1; minute <= 3; ++minute ) {
