@@ -29,8 +29,8 @@ void QosAclSmFixture::SetUp() {
    pdpHwCfg = Zub::make< Qos::Input::Config >( Zub::Name( "pdp" ) );
    hwEpochStatus = Zub::make< HwEpoch::Status >( Zub::Name( "epoch" ) );
    mainAclConfig = Zub::make< Acl::Config >( Zub::Name( "acl" ) );
-   helper = Zub::make< RecordingQosAclHelper >( qosStatus, qosAclSliceHwStatus, mainAclConfig );
    clock = Zub::make< Kesh::TimerWheel >();
+   chipIs( Sim::ChipConfig() );
    ncsd->intfIs( Mirel::IntfId( "Ethernet1" ), true );
    ncsd->intfIs( Mirel::IntfId( "Ethernet2" ), true );
    ncsd->intfsReadyIs( true );
@@ -42,6 +42,13 @@ void QosAclSmFixture::TearDown() {
    EXPECT_EQ( takeLogs(), std::vector< std::string >{} ) << "log lines the test did not expect";
    Zub::logSinkIs( nullptr );
    Zub::activityManagerIs( nullptr );
+}
+
+void QosAclSmFixture::chipIs( Sim::ChipConfig const& config ) {
+   chip = Zub::make< Sim::SimQosAclHelper >( config, qosStatus, qosAclSliceHwStatus, mainAclConfig,
+                                             clock );
+   chip->verifyDataIs( verifyData );
+   helper = Zub::make< Sim::RecordingQosAclHelper >( chip, clock );
 }
 
 void QosAclSmFixture::start() {

@@ -1,6 +1,6 @@
-// An agent in miniature for tests of the policy engine: every input entity, a recording helper,
-// a simulated-time loop, and a capture of the system log that fails the test on any line the
-// test did not expect.
+// An agent in miniature for tests of the policy engine: every input entity, the reference chip
+// behind the recording decorator, a simulated-time loop, and a capture of the system log that
+// fails the test on any line the test did not expect.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -10,7 +10,8 @@
 
 #include "NevQos/policy/QosAclSm.h"
 #include "NevQos/policy/QosPolicyMapClassData.h"
-#include "support/RecordingQosAclHelper.h"
+#include "sim/chip/SimQosAclHelper.h"
+#include "sim/recording/RecordingQosAclHelper.h"
 #include "zub/ActivityManager.h"
 #include "zub/Log.h"
 
@@ -21,6 +22,8 @@ class QosAclSmFixture : public ::testing::Test {
    void SetUp() override;
    void TearDown() override;
 
+   // A reference chip of this configuration in place of the default one; before start().
+   void chipIs( Sim::ChipConfig const& config );
    // Creates the engine and runs its start-up.
    void start();
    // A QoS policy map with `classes` classes, and its service policy on `intfs`.
@@ -102,8 +105,11 @@ class QosAclSmFixture : public ::testing::Test {
    Zub::Ptr< Qos::Input::Config > pdpHwCfg;
    Zub::Ptr< HwEpoch::Status > hwEpochStatus;
    Zub::Ptr< Acl::Config > mainAclConfig;
-   Zub::Ptr< RecordingQosAclHelper > helper;
-   // The helper the engine gets, when not the recorder (a test of another chip sets it).
+   // The chip, and the decorator the engine programs it through: what a test reads the calls
+   // from and scripts answers on.
+   Zub::Ptr< Sim::SimQosAclHelper > chip;
+   Zub::Ptr< Sim::RecordingQosAclHelper > helper;
+   // The helper the engine gets, when not the decorator (a test of the bare chip sets it).
    Zub::Ptr< NevHelper::QosAclHelper > engineHelper;
    Zub::Ptr< Kesh::TimerWheel > clock;
    Zub::Ptr< Nev::QosAclSm > sm;

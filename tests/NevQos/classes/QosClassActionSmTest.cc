@@ -6,14 +6,14 @@
 #include <string>
 #include <vector>
 
-#include "support/QosAclSmFixture.h"
+#include "support/LegacyQosAclSmFixture.h"
 
 namespace NevQosTest {
 namespace {
 
 using Lines = std::vector< std::string >;
 
-class QosClassActionSmTest : public QosAclSmFixture {
+class QosClassActionSmTest : public LegacyQosAclSmFixture {
  protected:
    // "gold" with class c1 matching the IPv4 list v4, applied to Ethernet1 in `direction`.
    Zub::Ptr< Qos::ClassAction > actionClassIs(

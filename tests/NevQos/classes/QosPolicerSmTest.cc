@@ -6,17 +6,17 @@
 #include <string>
 #include <vector>
 
-#include "support/QosAclSmFixture.h"
+#include "support/LegacyQosAclSmFixture.h"
 
 namespace NevQosTest {
 namespace {
 
 using Lines = std::vector< std::string >;
 
-class QosPolicerSmTest : public QosAclSmFixture {
+class QosPolicerSmTest : public LegacyQosAclSmFixture {
  protected:
    void SetUp() override {
-      QosAclSmFixture::SetUp();
+      LegacyQosAclSmFixture::SetUp();
       // The chip polices 100 kbps to 10 Mbps with bursts of 1000 to 100000 bytes.
       qosAclHwStatus->policeByteModeMinRateKbpsIs( 100 );
       qosAclHwStatus->policeByteModeMaxRateKbpsIs( 10000 );

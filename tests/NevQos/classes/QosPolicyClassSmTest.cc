@@ -5,14 +5,14 @@
 #include <string>
 #include <vector>
 
-#include "support/QosAclSmFixture.h"
+#include "support/LegacyQosAclSmFixture.h"
 
 namespace NevQosTest {
 namespace {
 
 using Lines = std::vector< std::string >;
 
-class QosPolicyClassSmTest : public QosAclSmFixture {
+class QosPolicyClassSmTest : public LegacyQosAclSmFixture {
  protected:
    // "gold" with class c1 policing through `policer`, matching the IPv4 list v4.
    Zub::Ptr< Qos::ClassAction > policedClassIs( char const* policer,

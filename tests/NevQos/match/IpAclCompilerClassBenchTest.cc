@@ -3,9 +3,7 @@
 // blocks. The entries must be those worked out from the rules alone.
 #include <gtest/gtest.h>
 
-#include "sim/chip/SimQosAclHelper.h"
 #include "sim/classbench/ClassBench.h"
-#include "sim/recording/RecordingQosAclHelper.h"
 #include "support/QosAclSmFixture.h"
 
 namespace NevQosTest {
@@ -16,10 +14,7 @@ TEST_F( QosAclSmFixture, ClassBenchAcl1kExpandsIntoThePortBlockProduct ) {
    // its blocks instead.
    Sim::ChipConfig config;
    config.rangeCheckers = 0;
-   auto const chip = Zub::make< Sim::SimQosAclHelper >( config, qosStatus, qosAclSliceHwStatus,
-                                                        mainAclConfig, clock );
-   auto const recorder = Zub::make< Sim::RecordingQosAclHelper >( chip, clock );
-   engineHelper = recorder;
+   chipIs( config );
    start();
    auto const rules = Sim::readClassBench( NEVQOS_CLASSBENCH_DIR "/acl1_1k" );
    mainAclConfig->configIs( Acl::ip() )
@@ -32,7 +27,7 @@ TEST_F( QosAclSmFixture, ClassBenchAcl1kExpandsIntoThePortBlockProduct ) {
    std::uint64_t installed = 0;
    for( auto const& [ id, acl ] : chip->tcam().acls() )
       installed += acl.entries.size();
-   std::uint64_t const fragments = recorder->callsMatching( "createIpFragRule" ).size();
+   std::uint64_t const fragments = helper->callsMatching( "createIpFragRule" ).size();
    std::uint64_t const entries = installed - fragments;
    EXPECT_EQ( entries, Sim::portBlockProduct( rules ) );
    EXPECT_EQ( entries, 1307u ) << "the figure of the data's README";
@@ -41,7 +36,7 @@ TEST_F( QosAclSmFixture, ClassBenchAcl1kExpandsIntoThePortBlockProduct ) {
       if( Sim::portBlockProduct( { rule } ) > 1 ) ++multiBlock;
    }
    // Every subrule sent either stands in the TCAM or was refused.
-   EXPECT_EQ( recorder->callsMatching( "createIpAclSubrule" ).size() - entries, multiBlock )
+   EXPECT_EQ( helper->callsMatching( "createIpAclSubrule" ).size() - entries, multiBlock )
          << "one refused attempt per rule with a port range wider than one block";
    EXPECT_EQ( fragments, Sim::fragmentEntries( rules, false ) );
    EXPECT_EQ( hwStatus( "gold" )->prgmStatus(), Qos::hwPrgmStatusSuccess_ );

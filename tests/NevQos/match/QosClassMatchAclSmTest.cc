@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "support/QosAclSmFixture.h"
+#include "support/LegacyQosAclSmFixture.h"
 
 namespace NevQosTest {
 namespace {
@@ -83,7 +83,7 @@ Acl::Ip6RuleConfig ip6Rule( std::uint8_t proto, Acl::PortCondition dst = {} ) {
    return r;
 }
 
-class QosClassMatchAclSmTest : public QosAclSmFixture {
+class QosClassMatchAclSmTest : public LegacyQosAclSmFixture {
  protected:
    // "gold": class c4 matching the IPv4 list v4, class c6 matching the IPv6 list v6, and the
    // default class, applied to Ethernet1.

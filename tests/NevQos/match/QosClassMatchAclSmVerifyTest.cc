@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "support/QosAclSmFixture.h"
+#include "support/LegacyQosAclSmFixture.h"
 
 namespace NevQosTest {
 namespace {
@@ -24,7 +24,7 @@ Acl::IpRuleConfig rule( std::uint8_t proto, Acl::PortCondition dst = {},
    return r;
 }
 
-class QosClassMatchAclSmVerifyTest : public QosAclSmFixture {
+class QosClassMatchAclSmVerifyTest : public LegacyQosAclSmFixture {
  protected:
    // Policy map "gold" with class c4 matching the IPv4 list v4, applied to `intfName`.
    void goldIs( std::vector< Acl::IpRuleConfig > const& rules,

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "support/QosAclSmFixture.h"
+#include "support/LegacyQosAclSmFixture.h"
 #include "zub/Format.h"
 
 namespace NevQosTest {
@@ -100,10 +100,10 @@ Acl::MacRuleConfig macRule( std::uint16_t etherType ) {
    return r;
 }
 
-class QosClassMatchOptionSmTest : public QosAclSmFixture {
+class QosClassMatchOptionSmTest : public LegacyQosAclSmFixture {
  protected:
    void SetUp() override {
-      QosAclSmFixture::SetUp();
+      LegacyQosAclSmFixture::SetUp();
       helper->classDataTextIs( ruleValues );
    }
    void chipMatchesIs( bool supported ) {

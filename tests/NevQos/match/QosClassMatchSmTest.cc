@@ -5,14 +5,14 @@
 #include <string>
 #include <vector>
 
-#include "support/QosAclSmFixture.h"
+#include "support/LegacyQosAclSmFixture.h"
 
 namespace NevQosTest {
 namespace {
 
 using Lines = std::vector< std::string >;
 
-class QosClassMatchSmTest : public QosAclSmFixture {
+class QosClassMatchSmTest : public LegacyQosAclSmFixture {
  protected:
    Zub::Ptr< Nev::QosPolicyClassSm > classSm( char const* cmapName ) {
       auto spSm = sm->servicePolicySm( spKey( "gold" ) );

@@ -1,6 +1,6 @@
 // The policy engine driven through its inputs, checked by the helper's call stream, the status
 // entities and the system log.
-#include "support/QosAclSmFixture.h"
+#include "support/LegacyQosAclSmFixture.h"
 
 #include <algorithm>
 
@@ -14,7 +14,7 @@ using Lines = std::vector< std::string >;
 
 // ---- start-up ----
 
-TEST_F( QosAclSmFixture, StartUpInitialisesTheChipSweepsStaleStatusAndStatesTheVersion ) {
+TEST_F( LegacyQosAclSmFixture, StartUpInitialisesTheChipSweepsStaleStatusAndStatesTheVersion ) {
    // A hardware status left by an earlier life of the agent: one entry still configured, one
    // not.
    servicePolicyIs( "gold", 1, { "Ethernet1" } );
@@ -37,7 +37,7 @@ TEST_F( QosAclSmFixture, StartUpInitialisesTheChipSweepsStaleStatusAndStatesTheV
    EXPECT_TRUE( sm->verifyPolicy() );
 }
 
-TEST_F( QosAclSmFixture, WithoutQosFeaturesOnlyTheChipIsInitialised ) {
+TEST_F( LegacyQosAclSmFixture, WithoutQosFeaturesOnlyTheChipIsInitialised ) {
    qosAclHwStatus->policyQosSupportedIs( false );
    servicePolicyIs( "gold", 1, { "Ethernet1" } );
    start();
@@ -46,7 +46,7 @@ TEST_F( QosAclSmFixture, WithoutQosFeaturesOnlyTheChipIsInitialised ) {
    EXPECT_FALSE( sm->verifyPolicy() );
 }
 
-TEST_F( QosAclSmFixture, PdpModeAttachesEveryEthernetToTheDefaultPolicy ) {
+TEST_F( LegacyQosAclSmFixture, PdpModeAttachesEveryEthernetToTheDefaultPolicy ) {
    hwEpochStatus->pdpModeEnabledIs( true );
    start();
    auto config = sm->pdpDfltSPConfig();
@@ -63,7 +63,7 @@ TEST_F( QosAclSmFixture, PdpModeAttachesEveryEthernetToTheDefaultPolicy ) {
    EXPECT_FALSE( config->intfIdsHas( Mirel::IntfId( "Ethernet1" ) ) );
 }
 
-TEST_F( QosAclSmFixture, CopySystemPolicyIsNotSupportedWithPerInterfaceCopp ) {
+TEST_F( LegacyQosAclSmFixture, CopySystemPolicyIsNotSupportedWithPerInterfaceCopp ) {
    qosAclHwStatus->intfCoppSupportedIs( true );
    start();
    EXPECT_FALSE(
@@ -75,7 +75,7 @@ TEST_F( QosAclSmFixture, CopySystemPolicyIsNotSupportedWithPerInterfaceCopp ) {
 
 // ---- synchronous road: service policies and policy maps ----
 
-TEST_F( QosAclSmFixture, AServicePolicyCompilesOneMapPerAclGroupAndReportsSuccess ) {
+TEST_F( LegacyQosAclSmFixture, AServicePolicyCompilesOneMapPerAclGroupAndReportsSuccess ) {
    start();
    helper->aclGroupIs( intf( "Ethernet2" ), Zub::Name( "grp2" ) );
    helper->clearCalls();
@@ -89,7 +89,7 @@ TEST_F( QosAclSmFixture, AServicePolicyCompilesOneMapPerAclGroupAndReportsSucces
    EXPECT_TRUE( helper->pmapState( pmapKey( "gold" ) )->readyToVerify() );
 }
 
-TEST_F( QosAclSmFixture, RemovingTheLastInterfaceOfAGroupRetiresItsMap ) {
+TEST_F( LegacyQosAclSmFixture, RemovingTheLastInterfaceOfAGroupRetiresItsMap ) {
    start();
    helper->aclGroupIs( intf( "Ethernet2" ), Zub::Name( "grp2" ) );
    helper->boolAnswerIs( "managedPrioritySupported", true );
@@ -113,7 +113,7 @@ class PrgmStatusRecorder : public Qos::PolicyMapHwStatus::Notifiee {
    std::vector< Qos::PolicyMapHwPrgmStatus > seen;
 };
 
-TEST_F( QosAclSmFixture, TooManyClassesFailWithoutALogOrDirtyMark ) {
+TEST_F( LegacyQosAclSmFixture, TooManyClassesFailWithoutALogOrDirtyMark ) {
    sliceHwStatus->maxClassesPerPolicyMapIs( 3 );
    start();
    servicePolicyIs( "fits", 2, { "Ethernet1" } );  // 2 classes + class-default = 3
@@ -149,7 +149,7 @@ TEST_F( QosAclSmFixture, TooManyClassesFailWithoutALogOrDirtyMark ) {
          3u );
 }
 
-TEST_F( QosAclSmFixture, AFailedMapOfASelfReportingChipIsVerifiedWithoutTheStatusItOwns ) {
+TEST_F( LegacyQosAclSmFixture, AFailedMapOfASelfReportingChipIsVerifiedWithoutTheStatusItOwns ) {
    qosAclHwStatus->selfReportedPrgmStatusIs( true );
    start();
    ipAclIs( "v4", { Acl::IpRuleConfig() } );
@@ -171,7 +171,7 @@ TEST_F( QosAclSmFixture, AFailedMapOfASelfReportingChipIsVerifiedWithoutTheStatu
    EXPECT_FALSE( sm->verifyPolicy() ) << "the run went through";
 }
 
-TEST_F( QosAclSmFixture, ExhaustionLogsFullOnceRemovesTheMapAndRecoveryLogsNormalOnce ) {
+TEST_F( LegacyQosAclSmFixture, ExhaustionLogsFullOnceRemovesTheMapAndRecoveryLogsNormalOnce ) {
    start();
    servicePolicyIs( "gold", 1, { "Ethernet1" } );
    auto pmapSm = sm->servicePolicySm( spKey( "gold" ) )->pmapSm( pmapKey( "gold" ) );
@@ -205,7 +205,7 @@ TEST_F( QosAclSmFixture, ExhaustionLogsFullOnceRemovesTheMapAndRecoveryLogsNorma
    EXPECT_EQ( pmapSm, sm->servicePolicySm( spKey( "gold" ) )->pmapSm( pmapKey( "gold" ) ) );
 }
 
-TEST_F( QosAclSmFixture, DeferredDeletionDoesNothingOnceTheMapIsClean ) {
+TEST_F( LegacyQosAclSmFixture, DeferredDeletionDoesNothingOnceTheMapIsClean ) {
    start();
    servicePolicyIs( "gold", 1, { "Ethernet1" } );
    sm->updatePolicyMapErrorState( Nev::aclCreateErrorOutOfTcam, pmapKey( "gold" ), nullptr );
@@ -216,7 +216,7 @@ TEST_F( QosAclSmFixture, DeferredDeletionDoesNothingOnceTheMapIsClean ) {
    EXPECT_TRUE( helper->calls().empty() );
 }
 
-TEST_F( QosAclSmFixture, IgnoredErrorsAreNotFailures ) {
+TEST_F( LegacyQosAclSmFixture, IgnoredErrorsAreNotFailures ) {
    start();
    servicePolicyIs( "gold", 1, { "Ethernet1" } );
    auto aclData = Zub::make< Nev::AclData >( Nev::AclKey( Zub::Name( "a" ), Acl::ip() ) );
@@ -231,7 +231,7 @@ TEST_F( QosAclSmFixture, IgnoredErrorsAreNotFailures ) {
    EXPECT_TRUE( helper->dirty() );
 }
 
-TEST_F( QosAclSmFixture, TwoGroupsOneDirtyFailsTheServicePolicyButTheCleanOneIsVerifiable ) {
+TEST_F( LegacyQosAclSmFixture, TwoGroupsOneDirtyFailsTheServicePolicyButTheCleanOneIsVerifiable ) {
    start();
    helper->aclGroupIs( intf( "Ethernet2" ), Zub::Name( "grp2" ) );
    servicePolicyIs( "gold", 1, { "Ethernet1", "Ethernet2" } );
@@ -243,7 +243,7 @@ TEST_F( QosAclSmFixture, TwoGroupsOneDirtyFailsTheServicePolicyButTheCleanOneIsV
    EXPECT_TRUE( helper->pmapState( pmapKey( "gold" ) )->readyToVerify() );
 }
 
-TEST_F( QosAclSmFixture, AParkedSviIsReleasedByTheFirstInterfaceToArrive ) {
+TEST_F( LegacyQosAclSmFixture, AParkedSviIsReleasedByTheFirstInterfaceToArrive ) {
    ncsd->intfsReadyIs( false );
    helper->boolAnswerIs( "delaySviPmapSmCreation", true );
    start();
@@ -258,7 +258,7 @@ TEST_F( QosAclSmFixture, AParkedSviIsReleasedByTheFirstInterfaceToArrive ) {
    EXPECT_EQ( spSm->pmapSmSize(), 1u );
 }
 
-TEST_F( QosAclSmFixture, RemovingTheServicePolicyDeletesItsMachineAndStatus ) {
+TEST_F( LegacyQosAclSmFixture, RemovingTheServicePolicyDeletesItsMachineAndStatus ) {
    start();
    servicePolicyIs( "gold", 1, { "Ethernet1" } );
    qosStatus->servicePolicyStatusDel( spKey( "gold" ) );
@@ -267,7 +267,7 @@ TEST_F( QosAclSmFixture, RemovingTheServicePolicyDeletesItsMachineAndStatus ) {
    EXPECT_FALSE( helper->pmapState( pmapKey( "gold" ) ) );
 }
 
-TEST_F( QosAclSmFixture, PolicersSubinterfacesAndDriverRequestsReachTheirHandlers ) {
+TEST_F( LegacyQosAclSmFixture, PolicersSubinterfacesAndDriverRequestsReachTheirHandlers ) {
    auto policer = qosStatus->namedPolicerIs( Zub::Name( "police1" ) );
    auto subIntf = subIntfStatusDir->intfStatusIs( Mirel::IntfId( "Ethernet1.10" ) );
    start();
@@ -297,7 +297,7 @@ TEST_F( QosAclSmFixture, PolicersSubinterfacesAndDriverRequestsReachTheirHandler
    EXPECT_EQ( hwStatus( "gold" )->prgmStatus(), Qos::hwPrgmStatusSuccess_ );
 }
 
-TEST_F( QosAclSmFixture, ACounterRequestStartsFromClearedClassCounters ) {
+TEST_F( LegacyQosAclSmFixture, ACounterRequestStartsFromClearedClassCounters ) {
    start();
    servicePolicyIs( "gold", 1, { "Ethernet1" } );
    auto cmap = hwStatus( "gold" )->cmapIs( Zub::Name( "gold-class0" ) );
@@ -311,7 +311,7 @@ TEST_F( QosAclSmFixture, ACounterRequestStartsFromClearedClassCounters ) {
    EXPECT_EQ( policer->pktInCount() + policer->yellowByteInCount(), 0u );
 }
 
-using QosAclSmDeathTest = QosAclSmFixture;
+using QosAclSmDeathTest = LegacyQosAclSmFixture;
 
 TEST_F( QosAclSmDeathTest, DeletingTheControlPlaneMapTypeIsFatal ) {
    qosStatus->pmapTypeIs( Qos::mapControlPlane_ );
@@ -325,7 +325,7 @@ TEST_F( QosAclSmDeathTest, DeletingTheControlPlaneMapTypeIsFatal ) {
 
 // ---- asynchronous road: the update queue ----
 
-class QosAclSmAsyncTest : public QosAclSmFixture {
+class QosAclSmAsyncTest : public LegacyQosAclSmFixture {
  protected:
    void startAsync() {
       helper->asyncTcamOperationsSupportedIs( true );

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "support/QosAclSmFixture.h"
+#include "support/LegacyQosAclSmFixture.h"
 
 namespace NevQosTest {
 namespace {
@@ -23,7 +23,7 @@ class TimeStampWatch : public Qos::AclSliceHwStatus::Notifiee {
    Zub::Ptr< Qos::ClassMapHwStatus > cmap_;
 };
 
-class QosCounterUpdateSmTest : public QosAclSmFixture {
+class QosCounterUpdateSmTest : public LegacyQosAclSmFixture {
  protected:
    // A client's counter configuration in the directory the engine watches.
    Zub::Ptr< Qos::CounterConfig > clientIs( char const* name ) {

@@ -23,9 +23,7 @@ Acl::IpRuleConfig tcpTo( std::uint16_t low, std::uint16_t high ) {
 class SimQosAclHelperTest : public QosAclSmFixture {
  protected:
    void startWith( Sim::ChipConfig const& config ) {
-      chip = Zub::make< Sim::SimQosAclHelper >( config, qosStatus, qosAclSliceHwStatus,
-                                                mainAclConfig, clock );
-      engineHelper = chip;
+      chipIs( config );
       start();
    }
    // "gold": class c1 matching `rules`, applied to `intfs`.
@@ -52,7 +50,6 @@ class SimQosAclHelperTest : public QosAclSmFixture {
       }
       return out;
    }
-   Zub::Ptr< Sim::SimQosAclHelper > chip;
 };
 
 TEST_F( SimQosAclHelperTest, RulesTakeEntriesAndCheckersAndGiveThemBack ) {

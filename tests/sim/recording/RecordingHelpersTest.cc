@@ -57,10 +57,7 @@ class RecordingHelpersTest : public QosAclSmFixture {
  protected:
    // The engine over the decorator over the reference chip.
    void startWith( Sim::ChipConfig const& config ) {
-      chip = Zub::make< Sim::SimQosAclHelper >( config, qosStatus, qosAclSliceHwStatus,
-                                                mainAclConfig, clock );
-      recorder = Zub::make< Sim::RecordingQosAclHelper >( chip, clock );
-      engineHelper = recorder;
+      chipIs( config );
       start();
    }
    void goldIs( std::vector< Acl::IpRuleConfig > const& rules ) {
@@ -78,8 +75,6 @@ class RecordingHelpersTest : public QosAclSmFixture {
       auto inner = Zub::make< PlainAclHelper >( qosStatus, qosAclSliceHwStatus, mainAclConfig );
       return Zub::make< Sim::RecordingQosAclHelper >( inner, clock );
    }
-   Zub::Ptr< Sim::SimQosAclHelper > chip;
-   Zub::Ptr< Sim::RecordingQosAclHelper > recorder;
 };
 
 TEST_F( RecordingHelpersTest, TheEngineProgramsTheChipThroughTheDecoratorWhichRecordsEachCall ) {
@@ -87,26 +82,26 @@ TEST_F( RecordingHelpersTest, TheEngineProgramsTheChipThroughTheDecoratorWhichRe
    goldIs( { tcpTo( 80 ) } );
    // The chip did the work: the class's ACL stands in its TCAM.
    EXPECT_TRUE( chip->tcam().acls().contains( "gold(qos,input)/c1/Default v4(ip)" ) );
-   Lines const creates = recorder->callsMatching( "createIpAclSubrule" );
+   Lines const creates = helper->callsMatching( "createIpAclSubrule" );
    ASSERT_EQ( creates.size(), 1u );
    EXPECT_EQ( creates[ 0 ].substr( 0, creates[ 0 ].find( " aclType" ) ),
               "createIpAclSubrule classData=gold(qos,input)/c1/Default aclKey=v4(ip)" );
    EXPECT_NE( creates[ 0 ].find( " dstPortLow=80 dstPortHigh=80 " ), std::string::npos );
    // A bare name matches that operation only; a longer prefix matches by its text.
-   EXPECT_EQ( recorder->callsMatching( "batchCommitAcls" ).size(),
-              recorder->callsMatching( "batchCommitAcls " ).size() );
-   EXPECT_EQ( recorder->callsMatching( "hwInit" ), Lines{ "hwInit" } );
+   EXPECT_EQ( helper->callsMatching( "batchCommitAcls" ).size(),
+              helper->callsMatching( "batchCommitAcls " ).size() );
+   EXPECT_EQ( helper->callsMatching( "hwInit" ), Lines{ "hwInit" } );
    // The runner's text of each call, in order: hwInit came first.
-   EXPECT_EQ( recorder->callsText().substr( 0, 7 ), "hwInit\n" );
-   EXPECT_EQ( recorder->calls().front().helper, "acl" );
+   EXPECT_EQ( helper->callsText().substr( 0, 7 ), "hwInit\n" );
+   EXPECT_EQ( helper->calls().front().helper, "acl" );
 }
 
 TEST_F( RecordingHelpersTest, AScriptedRefusalStandsInForTheChipAndFailsTheMap ) {
    startWith( Sim::ChipConfig() );
-   recorder->answerEnq( "createIpAclSubrule", Nev::aclCreateErrorOutOfTcam );
+   helper->answerEnq( "createIpAclSubrule", Nev::aclCreateErrorOutOfTcam );
    goldIs( { tcpTo( 80 ) } );
    // Recorded, but never reached the chip.
-   EXPECT_EQ( recorder->callsMatching( "createIpAclSubrule" ).size(), 1u );
+   EXPECT_EQ( helper->callsMatching( "createIpAclSubrule" ).size(), 1u );
    EXPECT_EQ( chip->tcam().slices().at( "ipv4" ).used, 0u );
    EXPECT_EQ( hwStatus( "gold" )->prgmStatus(), Qos::hwPrgmStatusFail_ );
    EXPECT_EQ( takeLogs(), Lines{ "QOS_POLICY_HW_RESOURCE_FULL: Insufficient hardware resources to "
@@ -212,16 +207,13 @@ TEST_F( RecordingHelpersTest, AnAsynchronousChipsFailureFailsTheMapThroughTheDec
 }
 
 TEST_F( RecordingHelpersTest, TheChipsStartUpClearsTheEnginesStateInTheDecorator ) {
-   chip = Zub::make< Sim::SimQosAclHelper >( Sim::ChipConfig(), qosStatus, qosAclSliceHwStatus,
-                                             mainAclConfig, clock );
-   recorder = Zub::make< Sim::RecordingQosAclHelper >( chip, clock );
-   recorder->pmapStateIs( pmapKey( "gold" ) );
-   recorder->unableToProgramIs( spKey( "gold" ), true );
-   recorder->hwInit();
-   EXPECT_EQ( recorder->pmapStateSize(), 0u );
-   EXPECT_EQ( recorder->unableToProgramSize(), 0u );
+   helper->pmapStateIs( pmapKey( "gold" ) );
+   helper->unableToProgramIs( spKey( "gold" ), true );
+   helper->hwInit();
+   EXPECT_EQ( helper->pmapStateSize(), 0u );
+   EXPECT_EQ( helper->unableToProgramSize(), 0u );
    // Unwrapped again, the chip clears its own.
-   recorder = nullptr;
+   helper = nullptr;
    chip->pmapStateIs( pmapKey( "gold" ) );
    chip->hwInit();
    EXPECT_EQ( chip->pmapStateSize(), 0u );

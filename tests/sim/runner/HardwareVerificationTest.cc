@@ -227,11 +227,8 @@ steps:
 class ChipVerificationTest : public QosAclSmFixture {
  protected:
    void startWith( Sim::ChipConfig const& config ) {
-      chip = Zub::make< Sim::SimQosAclHelper >( config, qosStatus, qosAclSliceHwStatus,
-                                                mainAclConfig, clock );
-      chip->verifyDataIs( verifyData );
+      chipIs( config );
       qosAclHwStatus->dscpEcnClassMatchSupportedIs( true );
-      engineHelper = chip;
       start();
    }
    // "gold" with class c1 matching v4, a DSCP class and the default class, on Ethernet1.
@@ -266,12 +263,11 @@ class ChipVerificationTest : public QosAclSmFixture {
    // Opens, fills and commits a default-rule ACL for `classData` as the engine would.
    void aclLeftIs( Nev::QosClassData const& cd, char const* aclName ) {
       Nev::AclKey const key( Zub::Name( aclName ), Acl::ip() );
-      auto const state = chip->pmapState( pmapKey( "gold" ) );
+      auto const state = helper->pmapState( pmapKey( "gold" ) );
       chip->precreateAcl( *state, cd, Qos::matchOptionIpAcl, key );
       chip->createDefaultRule( *state, cd, Qos::matchOptionIpAcl, key );
       chip->commitAcl( cd, Qos::matchOptionIpAcl, key );
    }
-   Zub::Ptr< Sim::SimQosAclHelper > chip;
 };
 
 // The default and DSCP classes on the asynchronous road are compared with what was written too.

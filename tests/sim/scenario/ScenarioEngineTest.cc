@@ -8,7 +8,7 @@
 
 #include "sim/scenario/ConfigPublisher.h"
 #include "sim/scenario/ScenarioLoader.h"
-#include "support/QosAclSmFixture.h"
+#include "support/LegacyQosAclSmFixture.h"
 
 namespace NevQosTest {
 namespace {
@@ -39,10 +39,10 @@ steps:
       - requestCounters: snmp
 )";
 
-class ScenarioEngineTest : public QosAclSmFixture {
+class ScenarioEngineTest : public LegacyQosAclSmFixture {
  protected:
    void SetUp() override {
-      QosAclSmFixture::SetUp();
+      LegacyQosAclSmFixture::SetUp();
       scenario = Sim::loadScenarioText( scenarioText, "engine.yaml" );
       // The fixture makes the entities in SetUp.
       publisher.emplace( Sim::EngineInputs{ qosStatus, mainAclConfig, qosAclHwStatus, qosHwStatus,
@@ -112,7 +112,7 @@ TEST_F( ScenarioEngineTest, ADetachedPortLeavesAndCountersArePulled ) {
 
 // Every example, published step by step into the engine on a chip that accepts everything,
 // programs each of its policy maps.
-class ExampleEngineTest : public QosAclSmFixture,
+class ExampleEngineTest : public LegacyQosAclSmFixture,
                           public ::testing::WithParamInterface< char const* > {};
 
 TEST_P( ExampleEngineTest, EveryStepLeavesEveryMapProgrammed ) {
