@@ -55,7 +55,7 @@ void LegacyQosAclSmFixture::start() {
 }
 
 Zub::Ptr< Qos::PolicyMapStatus > LegacyQosAclSmFixture::policyMap( char const* pmapName,
-                                                             Qos::MapType type ) {
+                                                                   Qos::MapType type ) {
    return qosStatus->pmapTypeIs( type )->pmapIs( Zub::Name( pmapName ) );
 }
 
@@ -76,7 +76,7 @@ Zub::Ptr< Qos::ServicePolicyStatus > LegacyQosAclSmFixture::servicePolicyIs(
 }
 
 Zub::Ptr< Qos::PolicyMapHwStatus > LegacyQosAclSmFixture::hwStatus( char const* pmapName,
-                                                              Qos::MapType type ) const {
+                                                                    Qos::MapType type ) const {
    auto typeStatus = qosAclSliceHwStatus->pmapType( type );
    if( !typeStatus ) return nullptr;
    return typeStatus->pmap(
@@ -84,8 +84,8 @@ Zub::Ptr< Qos::PolicyMapHwStatus > LegacyQosAclSmFixture::hwStatus( char const* 
 }
 
 Nev::QosPolicyUpdateRequest LegacyQosAclSmFixture::aclRequest( Nev::QosPolicyUpdateReason reason,
-                                                         char const* aclName, bool remove,
-                                                         Qos::IntfPairKey intfPair ) {
+                                                               char const* aclName, bool remove,
+                                                               Qos::IntfPairKey intfPair ) {
    auto pmapSm = sm->servicePolicySm( spKey( "gold" ) )->pmapSm( pmapKey( "gold" ) );
    if( !classData ) {
       classData = Zub::make< Nev::QosClassData >(
@@ -145,8 +145,8 @@ Zub::Ptr< Acl::AclConfig > LegacyQosAclSmFixture::ip6AclIs(
 }
 
 Zub::Ptr< Qos::ClassMapStatus > LegacyQosAclSmFixture::classMapIs( char const* name,
-                                                             Matches const& matches,
-                                                             Qos::MapType type ) {
+                                                                   Matches const& matches,
+                                                                   Qos::MapType type ) {
    auto cmap = qosStatus->cmapTypeIs( type )->cmapIs( Zub::Name( name ) );
    for( auto const& [ option, text ] : matches ) {
       cmap->matchIs( option )->strValueIs( Zub::String( text ) );
@@ -154,8 +154,9 @@ Zub::Ptr< Qos::ClassMapStatus > LegacyQosAclSmFixture::classMapIs( char const* n
    return cmap;
 }
 
-Zub::Ptr< Qos::ClassAction > LegacyQosAclSmFixture::classIs( char const* pmapName, char const* cmapName,
-                                                       Qos::MapType type ) {
+Zub::Ptr< Qos::ClassAction > LegacyQosAclSmFixture::classIs( char const* pmapName,
+                                                             char const* cmapName,
+                                                             Qos::MapType type ) {
    auto pmap = policyMap( pmapName, type );
    auto const prio = static_cast< unsigned >( pmap->classPrioSize() + 1 );
    pmap->classPrioIs( prio, Qos::ClassPriority( Zub::Name( cmapName ) ) );
@@ -199,9 +200,9 @@ void rangesIs( std::vector< std::pair< unsigned, unsigned > > const& ranges, Add
 }  // namespace
 
 Zub::Ptr< Qos::ClassMapMatch > LegacyQosAclSmFixture::l2ClassMapIs( char const* name,
-                                                              Qos::ClassMapMatchOption option,
-                                                              Ranges const& vlans,
-                                                              Ranges const& coses ) {
+                                                                    Qos::ClassMapMatchOption option,
+                                                                    Ranges const& vlans,
+                                                                    Ranges const& coses ) {
    auto match =
          qosStatus->cmapTypeIs( Qos::mapQos_ )->cmapIs( Zub::Name( name ) )->matchIs( option );
    if( option != Qos::matchOptionCos ) {
@@ -217,9 +218,10 @@ Zub::Ptr< Qos::ClassMapMatch > LegacyQosAclSmFixture::l2ClassMapIs( char const* 
    return match;
 }
 
-Zub::Ptr< Qos::ClassMapMatch > LegacyQosAclSmFixture::dscpEcnClassMapIs( char const* name, unsigned dscp,
-                                                                   Acl::Ecn ecn,
-                                                                   Ranges const& dscps ) {
+Zub::Ptr< Qos::ClassMapMatch > LegacyQosAclSmFixture::dscpEcnClassMapIs( char const* name,
+                                                                         unsigned dscp,
+                                                                         Acl::Ecn ecn,
+                                                                         Ranges const& dscps ) {
    auto match = qosStatus->cmapTypeIs( Qos::mapQos_ )
                       ->cmapIs( Zub::Name( name ) )
                       ->matchIs( Qos::matchOptionDscpEcn );
@@ -229,8 +231,8 @@ Zub::Ptr< Qos::ClassMapMatch > LegacyQosAclSmFixture::dscpEcnClassMapIs( char co
    return match;
 }
 
-Zub::Ptr< Qos::ClassMapMatch > LegacyQosAclSmFixture::mplsClassMapIs( char const* name,
-                                                                Ranges const& trafficClasses ) {
+Zub::Ptr< Qos::ClassMapMatch > LegacyQosAclSmFixture::mplsClassMapIs(
+      char const* name, Ranges const& trafficClasses ) {
    auto match = qosStatus->cmapTypeIs( Qos::mapQos_ )
                       ->cmapIs( Zub::Name( name ) )
                       ->matchIs( Qos::matchOptionMplsTrafficClass );
@@ -241,8 +243,8 @@ Zub::Ptr< Qos::ClassMapMatch > LegacyQosAclSmFixture::mplsClassMapIs( char const
    return match;
 }
 
-Zub::Ptr< Qos::ClassMapMatch > LegacyQosAclSmFixture::builtInClassMapIs( char const* name,
-                                                                   char const* builtInClass ) {
+Zub::Ptr< Qos::ClassMapMatch > LegacyQosAclSmFixture::builtInClassMapIs(
+      char const* name, char const* builtInClass ) {
    auto match = qosStatus->cmapTypeIs( Qos::mapQos_ )
                       ->cmapIs( Zub::Name( name ) )
                       ->matchIs( Qos::matchOptionBuiltIn );

@@ -6,14 +6,14 @@
 #include <string>
 #include <vector>
 
-#include "support/LegacyQosAclSmFixture.h"
+#include "support/QosAclSmFixture.h"
 
 namespace NevQosTest {
 namespace {
 
 using Lines = std::vector< std::string >;
 
-class QosClassActionSmTest : public LegacyQosAclSmFixture {
+class QosClassActionSmTest : public QosAclSmFixture {
  protected:
    // "gold" with class c1 matching the IPv4 list v4, applied to Ethernet1 in `direction`.
    Zub::Ptr< Qos::ClassAction > actionClassIs(
@@ -63,7 +63,7 @@ class QosClassActionSmTest : public LegacyQosAclSmFixture {
 
 TEST_F( QosClassActionSmTest, ASingleActionChipTakesDscpOverCosOverTrafficClassAndSaysSo ) {
    start();
-   helper->boolAnswerIs( "multipleActionsSupported", false );
+   helper->answerIs( "multipleActionsSupported", false );
    actionClassIs( { { Qos::actionSetTc_, 5 }, { Qos::actionSetDscp_, 46 } } );
    EXPECT_EQ( actionData(), Lines{ "actionSetDscp=46" } );
    auto status = cmapStatus( Qos::directionInput_ );
@@ -85,12 +85,12 @@ TEST_F( QosClassActionSmTest, ASingleActionChipTakesDscpOverCosOverTrafficClassA
 
 TEST_F( QosClassActionSmTest, OneActionIsNeverLoggedAndAMultiActionChipTakesThemAll ) {
    start();
-   helper->boolAnswerIs( "multipleActionsSupported", false );
+   helper->answerIs( "multipleActionsSupported", false );
    actionClassIs( { { Qos::actionSetTc_, 5 } } );
    EXPECT_EQ( actionData(), Lines{ "actionSetTc=5" } );
    EXPECT_TRUE( cmapStatus( Qos::directionInput_ )->tcPrgmd() );
 
-   helper->boolAnswerIs( "multipleActionsSupported", true );
+   helper->answerIs( "multipleActionsSupported", true );
    auto action = classIs( "gold", "c1" );
    action->actionIs( Qos::actionDrop_ );
    action->actionIs( Qos::actionSetDropPrecedence_ )->valueIs( 1 );
@@ -109,7 +109,7 @@ TEST_F( QosClassActionSmTest, OneActionIsNeverLoggedAndAMultiActionChipTakesThem
 
 TEST_F( QosClassActionSmTest, AnOutputPolicyStoresTheTrafficClassWithoutClaimingIt ) {
    start();
-   helper->boolAnswerIs( "multipleActionsSupported", true );
+   helper->answerIs( "multipleActionsSupported", true );
    actionClassIs( { { Qos::actionSetTc_, 6 }, { Qos::actionDrop_, 0 }, { Qos::actionSetCos_, 1 } },
                   Qos::directionOutput_ );
    EXPECT_EQ( actionData( Qos::directionOutput_ ),
@@ -145,7 +145,7 @@ TEST_F( QosClassActionSmTest, ASingleActionChipTakesADropOrADropPrecedenceWhenNo
         true },
    };
    start();
-   helper->boolAnswerIs( "multipleActionsSupported", false );
+   helper->answerIs( "multipleActionsSupported", false );
    actionClassIs( {} );
    auto const action = policyMap( "gold" )->classAction( Zub::Name( "c1" ) );
    unsigned version = 1;
@@ -189,7 +189,7 @@ class QosControlPlaneClassTest : public QosClassActionSmTest {
 
 TEST_F( QosControlPlaneClassTest, ADynamicClassHoldsAQueueUntilItGoesAndAStaticOneNever ) {
    start();
-   helper->cpuQueueIs( 7 );
+   helper->answerIs( "coppAllocateCpuQ", 7 );
    controlPlaneIs();
    ASSERT_TRUE( cpClass( "dynamic" ) && cpClass( "static" ) );
    EXPECT_EQ( cpClass( "dynamic" )->classData()->cpuQId(), 7 );
@@ -201,7 +201,7 @@ TEST_F( QosControlPlaneClassTest, ADynamicClassHoldsAQueueUntilItGoesAndAStaticO
          << "a control-plane class takes no action machines";
 
    auto dynamicData = cpClass( "dynamic" )->classData();
-   helper->clearCalls();
+   helper->callsForget();
    qosStatus->servicePolicyStatusDel( spKey( "copp-port", Qos::mapControlPlane_ ) );
    loop->runOnce();
    EXPECT_EQ( helper->callsMatching( "coppDeallocateCpuQ" ).size(), 1u )
@@ -211,7 +211,7 @@ TEST_F( QosControlPlaneClassTest, ADynamicClassHoldsAQueueUntilItGoesAndAStaticO
 
 TEST_F( QosControlPlaneClassTest, AChipOutOfCpuQueuesFailsTheMapAndIsGivenNothingBack ) {
    start();
-   helper->cpuQueueIs( -1 );
+   helper->answerIs( "coppAllocateCpuQ", -1 );
    controlPlaneIs();
    EXPECT_EQ( takeLogs(), Lines{ "QOS_COPP_HW_RESOURCE_FULL: Insufficient TCAM resources to "
                                  "program the policy map copp-port." } );

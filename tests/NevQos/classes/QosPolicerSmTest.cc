@@ -6,31 +6,22 @@
 #include <string>
 #include <vector>
 
-#include "support/LegacyQosAclSmFixture.h"
+#include "support/QosAclSmFixture.h"
 
 namespace NevQosTest {
 namespace {
 
 using Lines = std::vector< std::string >;
 
-class QosPolicerSmTest : public LegacyQosAclSmFixture {
+class QosPolicerSmTest : public QosAclSmFixture {
  protected:
    void SetUp() override {
-      LegacyQosAclSmFixture::SetUp();
+      QosAclSmFixture::SetUp();
       // The chip polices 100 kbps to 10 Mbps with bursts of 1000 to 100000 bytes.
       qosAclHwStatus->policeByteModeMinRateKbpsIs( 100 );
       qosAclHwStatus->policeByteModeMaxRateKbpsIs( 10000 );
       qosAclHwStatus->policeByteModeMinBurstBytesIs( 1000 );
       qosAclHwStatus->policeByteModeMaxBurstBytesIs( 100000 );
-      // What the chip sees of a copy when it is asked for the policer.
-      helper->classDataTextIs( []( Nev::QosClassData const& cd ) {
-         std::ostringstream os;
-         os << cd.key().policerName();
-         if( auto const p = cd.policerData() ) {
-            os << "[" << p->cir() << p->cirUnit() << "," << p->bc() << p->bcUnit() << "]";
-         }
-         return os.str();
-      } );
    }
    // `pmap` with class c1 policing through `policer`, matching the IPv4 list v4.
    Zub::Ptr< Qos::PolicerConfig > policedClassIs( char const* policer, char const* pmap = "gold",
@@ -73,7 +64,8 @@ TEST_F( QosPolicerSmTest, ClampedParametersReachTheChipAndThePolicerData ) {
    policer->yellowActionIs( Qos::actionSetDscp_ )->valueIs( 10 );
    applyIs( "gold", { intf( "Ethernet1" ) } );
    EXPECT_EQ( helper->callsMatching( "createAndAttachPolicer" ),
-              Lines{ "createAndAttachPolicer class=Ethernet1[100kbps,100000bytes]" } );
+              Lines{ "createAndAttachPolicer classData=gold(qos,input)/c1/Ethernet1 cir=100kbps "
+                     "bc=100000bytes" } );
    auto data = copy( "Ethernet1" )->classData()->policerData();
    EXPECT_EQ( data->cir(), 100u );
    EXPECT_EQ( data->bc(), 100000u );
@@ -96,7 +88,7 @@ TEST_F( QosPolicerSmTest, ClampedParametersReachTheChipAndThePolicerData ) {
    applyIs( "gold", {} );
    qosStatus->servicePolicyStatus( spKey( "gold" ) )->intfIdsDel( intf( "Ethernet1" ) );
    EXPECT_EQ( helper->callsMatching( "destroyPolicer" ),
-              Lines{ "destroyPolicer class=Ethernet1[100kbps,100000bytes]" } );
+              Lines{ "destroyPolicer classData=gold(qos,input)/c1/Ethernet1" } );
    EXPECT_EQ( data->yellowActionDataSize() + data->redActionDataSize(), 0u );
    EXPECT_FALSE( hwStatus( "gold" )
                        ->cmap( Zub::Name( "c1" ) )
@@ -106,7 +98,7 @@ TEST_F( QosPolicerSmTest, ClampedParametersReachTheChipAndThePolicerData ) {
 TEST_F( QosPolicerSmTest, ACopyMadeOnAFailedMapNeverReachesTheChip ) {
    start();
    policedClassIs( "p1" );
-   helper->aclCreateErrorIs( "createIpAclSubrule", Nev::aclCreateErrorOutOfTcam );
+   helper->answerIs( "createIpAclSubrule", Nev::aclCreateErrorOutOfTcam );
    applyIs( "gold", { intf( "Ethernet1" ) } );
    EXPECT_TRUE( helper->pmapState( pmapKey( "gold" ) )->dirty() );
    EXPECT_EQ( takeLogs(), Lines{ "QOS_POLICY_HW_RESOURCE_FULL: Insufficient hardware resources to "
@@ -127,12 +119,16 @@ TEST_F( QosPolicerSmTest, LagMembersShareOneChipPolicerThatGoesWithTheLastMember
    Qos::IntfPairKey const m1( Mirel::IntfId( "Ethernet1" ), Mirel::IntfId( "Port-Channel10" ) );
    Qos::IntfPairKey const m2( Mirel::IntfId( "Ethernet2" ), Mirel::IntfId( "Port-Channel10" ) );
    auto status = applyIs( "gold", { m1, m2 } );
-   EXPECT_EQ( helper->callsMatching( "createAndAttachPolicer" ).size(), 1u );
+   EXPECT_EQ( helper->callsMatching( "createAndAttachPolicer" ),
+              Lines{ "createAndAttachPolicer classData=gold(qos,input)/c1/Port-Channel10 "
+                     "cir=1000kbps bc=10000bytes" } );
    status->intfIdsDel( m1 );
    EXPECT_EQ( helper->callsMatching( "destroyPolicer" ).size(), 0u );
+   EXPECT_EQ( chip->policersUsed(), 1u );
    status->intfIdsDel( m2 );
    EXPECT_EQ( helper->callsMatching( "destroyPolicer" ),
-              Lines{ "destroyPolicer class=Port-Channel10[1000kbps,10000bytes]" } );
+              Lines{ "destroyPolicer classData=gold(qos,input)/c1/Port-Channel10" } );
+   EXPECT_EQ( chip->policersUsed(), 0u );
 }
 
 TEST_F( QosPolicerSmTest, ASharedNamedPolicerIsOneCopyWhoseMatchesHearEveryInterface ) {
@@ -141,7 +137,7 @@ TEST_F( QosPolicerSmTest, ASharedNamedPolicerIsOneCopyWhoseMatchesHearEveryInter
    named->sharedIs( true );
    policedClassIs( "np" )->namedIs( true );
    auto status = applyIs( "gold", { intf( "Ethernet1" ) } );
-   helper->clearCalls();
+   helper->callsForget();
    status->intfIdsIs( intf( "Ethernet2" ), true );
    auto np = copy( "np" );
    ASSERT_TRUE( np );
@@ -156,7 +152,7 @@ TEST_F( QosPolicerSmTest, ASharedNamedPolicerIsOneCopyWhoseMatchesHearEveryInter
 TEST_F( QosPolicerSmTest, ExhaustionIsLoggedAndFailsTheMapOnlyWhenTheChipSaysSo ) {
    start();
    policedClassIs( "p1" );
-   helper->boolAnswerIs( "createAndAttachPolicer", false );
+   helper->answerIs( "createAndAttachPolicer", false );
    applyIs( "gold", { intf( "Ethernet1" ) } );
    loop->runOnce();
    EXPECT_EQ( takeLogs(), Lines{ resourceFullLog( "Ethernet1" ) } );
@@ -164,7 +160,7 @@ TEST_F( QosPolicerSmTest, ExhaustionIsLoggedAndFailsTheMapOnlyWhenTheChipSaysSo 
    EXPECT_EQ( hwStatus( "gold" )->prgmStatus(), Qos::hwPrgmStatusSuccess_ )
          << "the policy stands without its police action";
 
-   helper->boolAnswerIs( "errorOnPolicerExhaustion", true );
+   helper->answerIs( "errorOnPolicerExhaustion", true );
    policyMap( "gold" )->versionIs( 2 );
    qosStatus->servicePolicyStatus( spKey( "gold" ) )->versionIs( 2 );
    loop->runOnce();

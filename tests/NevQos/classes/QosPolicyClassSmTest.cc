@@ -5,14 +5,14 @@
 #include <string>
 #include <vector>
 
-#include "support/LegacyQosAclSmFixture.h"
+#include "support/QosAclSmFixture.h"
 
 namespace NevQosTest {
 namespace {
 
 using Lines = std::vector< std::string >;
 
-class QosPolicyClassSmTest : public LegacyQosAclSmFixture {
+class QosPolicyClassSmTest : public QosAclSmFixture {
  protected:
    // "gold" with class c1 policing through `policer`, matching the IPv4 list v4.
    Zub::Ptr< Qos::ClassAction > policedClassIs( char const* policer,
@@ -127,7 +127,7 @@ TEST_F( QosPolicyClassSmTest, APdpCounterCopiesPerInterfaceUnlessThePolicerWins 
    // With a policer as well, the policer copies alone are made.
    action->policerIs( policerOf( "p1" ) );
    policyMap( "gold", Qos::mapPdp_ )->versionIs( 2 );
-   helper->clearCalls();
+   helper->callsForget();
    qosStatus->servicePolicyStatus( spKey( "gold", Qos::mapPdp_ ) )->versionIs( 2 );
    EXPECT_EQ( helper->callsMatching( "destroyCounter" ).size(), 2u );
    EXPECT_EQ( classSm( Qos::mapPdp_ )->countActionSmSize(), 0u );
@@ -156,17 +156,17 @@ TEST_F( QosPolicyClassSmTest, AnInterfaceReachesEveryAclOfTheClass ) {
    classMapIs( "c1", { { Qos::matchOptionIpAcl, "v4" } } );
    classIs( "gold", "c1" );
    auto status = applyIs( "gold", { intf( "Ethernet1" ) } );
-   helper->clearCalls();
+   helper->callsForget();
    status->intfIdsIs( intf( "Ethernet2" ), true );
    EXPECT_EQ( helper->callsMatching( "updatePortForAcl" ),
-              Lines{ "updatePortForAcl pmap=gold option=matchOptionIpAcl aclKey=v4 "
-                     "intf=Ethernet2 add=true" } );
+              Lines{ "updatePortForAcl classData=gold(qos,input)/c1/Default aclKey=v4(ip) "
+                     "intfPair=Ethernet2 add=true" } );
    EXPECT_TRUE( classSm()->classData()->intfIdHas( intf( "Ethernet2" ) ) );
-   helper->clearCalls();
+   helper->callsForget();
    status->intfIdsDel( intf( "Ethernet1" ) );
    EXPECT_EQ( helper->callsMatching( "updatePortForAcl" ),
-              Lines{ "updatePortForAcl pmap=gold option=matchOptionIpAcl aclKey=v4 "
-                     "intf=Ethernet1 add=false" } );
+              Lines{ "updatePortForAcl classData=gold(qos,input)/c1/Default aclKey=v4(ip) "
+                     "intfPair=Ethernet1 add=false" } );
    EXPECT_FALSE( classSm()->classData()->intfIdHas( intf( "Ethernet1" ) ) );
 }
 

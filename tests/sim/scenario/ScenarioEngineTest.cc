@@ -8,7 +8,7 @@
 
 #include "sim/scenario/ConfigPublisher.h"
 #include "sim/scenario/ScenarioLoader.h"
-#include "support/LegacyQosAclSmFixture.h"
+#include "support/QosAclSmFixture.h"
 
 namespace NevQosTest {
 namespace {
@@ -39,10 +39,10 @@ steps:
       - requestCounters: snmp
 )";
 
-class ScenarioEngineTest : public LegacyQosAclSmFixture {
+class ScenarioEngineTest : public QosAclSmFixture {
  protected:
    void SetUp() override {
-      LegacyQosAclSmFixture::SetUp();
+      QosAclSmFixture::SetUp();
       scenario = Sim::loadScenarioText( scenarioText, "engine.yaml" );
       // The fixture makes the entities in SetUp.
       publisher.emplace( Sim::EngineInputs{ qosStatus, mainAclConfig, qosAclHwStatus, qosHwStatus,
@@ -57,7 +57,7 @@ class ScenarioEngineTest : public LegacyQosAclSmFixture {
 };
 
 // The lines of one operation that name `what` (a policy map, an ACL, an interface).
-Lines callsOf( RecordingQosAclHelper const& helper, char const* op, std::string const& what ) {
+Lines callsOf( Sim::RecordingQosAclHelper const& helper, char const* op, std::string const& what ) {
    Lines out;
    for( auto const& line : helper.callsMatching( op ) ) {
       if( line.find( what ) != std::string::npos ) out.push_back( line );
@@ -70,20 +70,23 @@ TEST_F( ScenarioEngineTest, TheStartingConfigurationIsProgrammed ) {
    EXPECT_EQ( hwStatus( "gold" )->prgmStatus(), Qos::hwPrgmStatusSuccess_ );
    EXPECT_EQ( hwStatus( "silver" )->prgmStatus(), Qos::hwPrgmStatusSuccess_ );
    EXPECT_EQ( helper->callsMatching( "precreateAcl" ),
-              ( Lines{ "precreateAcl pmap=gold option=matchOptionIpAcl aclKey=WEB",
-                       "precreateAcl pmap=gold option=matchOptionIpAcl aclKey=acl-default",
-                       "precreateAcl pmap=silver option=matchOptionIpAcl aclKey=DNS" } ) );
+              ( Lines{ "precreateAcl classData=gold(qos,input)/web/Default aclKey=WEB(ip) "
+                       "matchOption=matchOptionIpAcl",
+                       "precreateAcl classData=gold(qos,input)/class-default/Default "
+                       "aclKey=acl-default(ip) matchOption=matchOptionIpAcl",
+                       "precreateAcl classData=silver(qos,input)/dns/Default aclKey=DNS(ip) "
+                       "matchOption=matchOptionIpAcl" } ) );
    EXPECT_EQ( callsOf( *helper, "createIpAclSubrule", "dstL4Port=80 " ).size(), 1u );
-   EXPECT_EQ( callsOf( *helper, "batchCommitAclsIntf", "pmap=gold" ).size(), 2u );
+   EXPECT_EQ( callsOf( *helper, "batchCommitAclsIntf", "pmapState=gold(" ).size(), 2u );
 }
 
 TEST_F( ScenarioEngineTest, AChangedListRecompilesOnlyTheMapThatUsesIt ) {
-   helper->clearCalls();
+   helper->callsForget();
    publisher->stepIs( scenario.steps.at( 0 ) );
    loop->runOnce();
-   EXPECT_EQ( callsOf( *helper, "createIpAclSubrule", "pmap=gold" ).size(), 1u );
+   EXPECT_EQ( callsOf( *helper, "createIpAclSubrule", "classData=gold(" ).size(), 1u );
    EXPECT_EQ( callsOf( *helper, "createIpAclSubrule", "dstL4Port=443 " ).size(), 1u );
-   EXPECT_EQ( callsOf( *helper, "precreateAcl", "pmap=silver" ), Lines{} );
+   EXPECT_EQ( callsOf( *helper, "precreateAcl", "classData=silver(" ), Lines{} );
    EXPECT_EQ( hwStatus( "gold" )->version(), 2u );
    EXPECT_EQ( hwStatus( "silver" )->version(), 1u );
    EXPECT_EQ( hwStatus( "gold" )->prgmStatus(), Qos::hwPrgmStatusSuccess_ );
@@ -95,12 +98,14 @@ TEST_F( ScenarioEngineTest, ADetachedPortLeavesAndCountersArePulled ) {
    Nev::QosClassCounterData hits;
    hits.pktHitsIs( 10 );
    hits.byteHitsIs( 1000 );
-   helper->counterDataIs( Nev::AclKey( Zub::Name( "WEB" ), Acl::ip() ), hits );
-   helper->clearCalls();
+   chip->trafficIs(
+         Sim::ChipTraffic{ spKey( "gold" ), Zub::Name( "web" ), intf( "Ethernet1" ), hits } );
+   helper->callsForget();
    publisher->stepIs( scenario.steps.at( 1 ) );
    loop->runOnce();
-   EXPECT_EQ( callsOf( *helper, "batchCommitAclsIntf", "pmap=gold" ),
-              Lines{ "batchCommitAclsIntf pmap=gold intf=Ethernet2 add=false" } );
+   EXPECT_EQ(
+         callsOf( *helper, "batchCommitAclsIntf", "pmapState=gold(" ),
+         Lines{ "batchCommitAclsIntf pmapState=gold(qos,input) intfPair=Ethernet2 add=false" } );
    EXPECT_EQ( callsOf( *helper, "precreateAcl", "" ), Lines{} ) << "no recompile";
    auto const web = hwStatus( "gold" )->cmap( Zub::Name( "web" ) );
    ASSERT_TRUE( web );
@@ -112,7 +117,7 @@ TEST_F( ScenarioEngineTest, ADetachedPortLeavesAndCountersArePulled ) {
 
 // Every example, published step by step into the engine on a chip that accepts everything,
 // programs each of its policy maps.
-class ExampleEngineTest : public LegacyQosAclSmFixture,
+class ExampleEngineTest : public QosAclSmFixture,
                           public ::testing::WithParamInterface< char const* > {};
 
 TEST_P( ExampleEngineTest, EveryStepLeavesEveryMapProgrammed ) {
