@@ -30,8 +30,6 @@ std::string boolText( bool b ) {
    return b ? "true" : "false";
 }
 
-namespace {
-
 char const* mapTypeText( Qos::MapType type ) {
    switch( type ) {
       case Qos::mapControlPlane_:
@@ -43,8 +41,6 @@ char const* mapTypeText( Qos::MapType type ) {
    }
    return "?";
 }
-
-}  // namespace
 
 std::string aclKeyText( Nev::AclKey const& aclKey ) {
    return textOf( aclKey.aclName() ) + "(" + textOf( aclKey.aclType() ) + ")";

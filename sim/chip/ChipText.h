@@ -29,6 +29,8 @@ std::string intfText( Qos::IntfPairKey const& intf );
 std::string portQueueText( Nev::ModIdPortQueueKey const& key );
 std::string boolText( bool b );
 std::string aclKeyText( Nev::AclKey const& aclKey );
+// "qos", "control-plane", "pdp".
+char const* mapTypeText( Qos::MapType type );
 std::string pmapText( Nev::QosPolicyMapKey const& k );
 // "UC3", "MC0".
 std::string queueText( Qos::TxQueue const& queue );

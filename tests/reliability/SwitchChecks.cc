@@ -9,18 +9,6 @@ namespace NevQosTest {
 
 namespace {
 
-char const* mapTypeText( Qos::MapType type ) {
-   switch( type ) {
-      case Qos::mapControlPlane_:
-         return "control-plane";
-      case Qos::mapQos_:
-         return "qos";
-      case Qos::mapPdp_:
-         return "pdp";
-   }
-   return "?";
-}
-
 struct MapStatus {
    Qos::PolicyMapHwPrgmStatus status = Qos::hwPrgmStatusInProgress_;
    std::string message;
@@ -63,7 +51,7 @@ std::map< std::string, ServicePolicyView > servicePolicies( Sim::SimSwitch const
 }  // namespace
 
 std::string pmapText( Qos::MapType type, Qos::Direction direction, std::string const& name ) {
-   return name + "(" + mapTypeText( type ) + "," + Sim::textOf( direction ) + ")";
+   return name + "(" + Sim::mapTypeText( type ) + "," + Sim::textOf( direction ) + ")";
 }
 
 std::string pmapOfAcl( std::string const& aclId ) {
