@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "support/LegacyQosAclSmFixture.h"
+#include "support/QosAclSmFixture.h"
 
 namespace NevQosTest {
 namespace {
@@ -23,7 +23,7 @@ class TimeStampWatch : public Qos::AclSliceHwStatus::Notifiee {
    Zub::Ptr< Qos::ClassMapHwStatus > cmap_;
 };
 
-class QosCounterUpdateSmTest : public LegacyQosAclSmFixture {
+class QosCounterUpdateSmTest : public QosAclSmFixture {
  protected:
    // A client's counter configuration in the directory the engine watches.
    Zub::Ptr< Qos::CounterConfig > clientIs( char const* name ) {
@@ -40,8 +40,11 @@ class QosCounterUpdateSmTest : public LegacyQosAclSmFixture {
    Zub::Ptr< Qos::ClassMapHwStatus > cmapStatus() {
       return hwStatus( "gold" )->cmap( Zub::Name( "c1" ) );
    }
-   static Nev::AclKey v4Key() { return Nev::AclKey( Zub::Name( "v4" ), Acl::ip() ); }
-   static Nev::AclKey v6Key() { return Nev::AclKey( Zub::Name( "v6" ), Acl::ipv6() ); }
+   // Packets of class c1 of gold arriving on `intfName`: the chip's counters advance.
+   void trafficIs( char const* intfName, Nev::QosClassCounterData const& data ) {
+      chip->trafficIs(
+            Sim::ChipTraffic{ spKey( "gold" ), Zub::Name( "c1" ), intf( intfName ), data } );
+   }
 };
 
 TEST_F( QosCounterUpdateSmTest, EachRequestTimeIsServedOnceAndStampedAfterTheLastCounter ) {
@@ -50,7 +53,7 @@ TEST_F( QosCounterUpdateSmTest, EachRequestTimeIsServedOnceAndStampedAfterTheLas
    classMapIs( "c1", { { Qos::matchOptionIpAcl, "v4" } } );
    classIs( "gold", "c1" );
    applyIs( "gold", { intf( "Ethernet1" ) } );
-   helper->counterDataIs( v4Key(), hits( 10, 1000 ) );
+   trafficIs( "Ethernet1", hits( 10, 1000 ) );
    auto client = clientIs( "cli" );
    ASSERT_TRUE( sm->counterUpdateSmHas( Zub::Name( "cli" ) ) );
    auto watch = Zub::make< TimeStampWatch >( cmapStatus() );
@@ -64,8 +67,8 @@ TEST_F( QosCounterUpdateSmTest, EachRequestTimeIsServedOnceAndStampedAfterTheLas
    EXPECT_EQ( watch->seen, std::vector< std::uint64_t >{ 10u } ) << "stamped after the counters";
 
    // A time not later than the one served does nothing.
-   helper->counterDataIs( v4Key(), hits( 20, 2000 ) );
-   helper->clearCalls();
+   trafficIs( "Ethernet1", hits( 10, 1000 ) );  // 20 packets in all
+   helper->callsForget();
    qosAclSliceHwStatus->pmapCounterUpdateTimeIs( 7.0 );
    client->pmapCounterUpdateRequestTimeIs( 7.0 );
    client->pmapCounterUpdateRequestTimeIs( 6.0 );
@@ -88,7 +91,9 @@ TEST_F( QosCounterUpdateSmTest, PolicerCopiesFillTheirOwnStatusAndLeaveTheClassA
    Nev::QosClassCounterData data = hits( 10, 1000 );
    data.pktDropsIs( 2 );
    data.yellowPktHitsIs( 3 );
-   helper->counterDataIs( v4Key(), data );
+   // Each interface has its own copy of the policer, counting its own packets.
+   trafficIs( "Ethernet1", data );
+   trafficIs( "Ethernet2", data );
    clientIs( "cli" )->pmapCounterUpdateRequestTimeIs( 1.0 );
    for( char const* name : { "Ethernet1", "Ethernet2" } ) {
       auto policer = cmapStatus()->policerHwStatus( Zub::Name( name ) );
@@ -112,9 +117,16 @@ TEST_F( QosCounterUpdateSmTest, SharedPolicerDropsOfOneInterfaceAddUpAcrossMatch
    Nev::QosClassCounterData v6 = hits( 2, 200 );
    v6.dropCountIntfSharedPolicerIs( Mirel::IntfId( "Ethernet1" ), 4 );
    v6.dropCountIntfSharedPolicerIs( Mirel::IntfId( "Ethernet2" ), 5 );
-   helper->counterDataIs( v4Key(), v4 );
-   helper->counterDataIs( v6Key(), v6 );
+   // The chip counts a class once; per-list figures, as a chip with a counter per list gives
+   // them, are scripted in the order the engine asks: the IPv4 list first.
+   helper->answerEnq( "counterUpdateRequest", v4 );
+   helper->answerEnq( "counterUpdateRequest", v6 );
    clientIs( "cli" )->pmapCounterUpdateRequestTimeIs( 1.0 );
+   // The scripted figures went to the lists they were meant for.
+   ASSERT_EQ(
+         helper->callsMatching( "counterUpdateRequest" ),
+         ( Lines{ "counterUpdateRequest classData=gold(qos,input)/c1/Default aclKey=v4(ip)",
+                  "counterUpdateRequest classData=gold(qos,input)/c1/Default aclKey=v6(ipv6)" } ) );
    EXPECT_EQ( cmapStatus()->outCount(), 3u );
    EXPECT_EQ( cmapStatus()->policerHwStatus( Zub::Name( "Ethernet1" ) )->pktDropCount(), 7u );
    EXPECT_EQ( cmapStatus()->policerHwStatus( Zub::Name( "Ethernet2" ) )->pktDropCount(), 5u );
