@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "support/LegacyQosAclSmFixture.h"
+#include "support/QosAclSmFixture.h"
 
 namespace NevQosTest {
 namespace {
@@ -24,7 +24,7 @@ Acl::IpRuleConfig rule( std::uint8_t proto, Acl::PortCondition dst = {},
    return r;
 }
 
-class QosClassMatchAclSmVerifyTest : public LegacyQosAclSmFixture {
+class QosClassMatchAclSmVerifyTest : public QosAclSmFixture {
  protected:
    // Policy map "gold" with class c4 matching the IPv4 list v4, applied to `intfName`.
    void goldIs( std::vector< Acl::IpRuleConfig > const& rules,
@@ -34,48 +34,56 @@ class QosClassMatchAclSmVerifyTest : public LegacyQosAclSmFixture {
       classMapIs( "c4", { { Qos::matchOptionIpAcl, "v4" } } );
       classIs( "gold", "c4" );
       applyIs( "gold", { intf( intfName ) } );
-      helper->clearCalls();
+      helper->callsForget();
    }
-   // One run of the chain, as the verify agent starts it; the report's lines.
+   // One run of the chain, as the verify agent starts it; the report's lines, the engine's and
+   // the chip's. The decorator counts the calls of the run, the single-subrule queries among
+   // them, instead of recording them.
    Lines verify() {
       verifyData->cliVerifyOutputDelAll();
+      helper->callCountsForget();
+      helper->countingIs( true );
       sm->schedulePolicyVerify();
       sm->handleVerify();
+      helper->countingIs( false );
       Lines texts;
       for( auto const& text : verifyData->cliVerifyOutputTexts() )
          texts.push_back( text.stdString() );
       return texts;
    }
-   // The subrule numbers the engine asked a query about, as "op ruleNum.subruleNum".
-   Lines queries( char const* op ) const {
-      Lines out;
-      for( std::string const& line : helper->callsMatching( op ) ) {
-         auto const field = [ & ]( std::string const& key ) {
-            auto const at = line.find( " " + key + "=" );
-            auto const from = at + key.size() + 2;
-            return line.substr( from, line.find( ' ', from ) - from );
-         };
-         out.push_back( field( "ruleNum" ) + "." + field( "subruleNum" ) );
-      }
-      return out;
+   // Damages field `field` of entry (ruleNum, subruleNum) of v4 in the chip, so that the run
+   // reports the entry, with what the engine expected of it, if and only if it checks the field.
+   void damage( std::uint32_t ruleNum, std::uint32_t subruleNum, char const* field,
+                char const* value ) {
+      ASSERT_EQ( chip->corruptEntry( "v4", ruleNum, subruleNum, field, value ), 1u );
+   }
+   // Loses entry (ruleNum, subruleNum) of v4 in the chip.
+   void lose( std::uint32_t ruleNum, std::uint32_t subruleNum ) {
+      ASSERT_EQ( chip->corruptEntry( "v4", ruleNum, subruleNum, "", "" ), 1u );
    }
 };
 
 TEST_F( QosClassMatchAclSmVerifyTest, OnlyPermitRulesAreExpectedAndEachMissingSubruleIsOneLine ) {
    goldIs( { rule( 17, {}, Acl::actionDeny ), rule( 17 ), rule( 6 ) } );
-   helper->boolAnswerIs( "ipSubruleExists", false );
+   // A chip that has lost every entry.
+   helper->answerIs( "ipSubruleExists", false );
    EXPECT_EQ( verify(), ( Lines{ "ACL v4 sequence 20 rule 1 subrule 0 doesn't exist",
                                  "ACL v4 sequence 30 rule 2 subrule 0 doesn't exist" } ) )
          << "the deny rule that the helper left out is no finding";
    EXPECT_FALSE( sm->verifyPolicy() ) << "a run disarms itself";
 
-   // A deny rule found in hardware is; the permit rules found are compared field by field.
-   helper->clearCalls();
-   helper->boolAnswerIs( "ipSubruleExists", true );
-   helper->boolAnswerIs( "ipPortRangeSubruleExists", true );
-   EXPECT_EQ( verify(), ( Lines{ "ACL v4 sequence 10 rule 0 subrule 0 exist for action 1" } ) );
-   EXPECT_EQ( queries( "verifyIpRuleGeneral" ), ( Lines{ "1.0", "2.0" } ) );
-   EXPECT_EQ( queries( "verifyIpRuleAction" ), ( Lines{ "1.0", "2.0" } ) );
+   // A deny rule found in hardware is; the permit rules found are compared field by field, as
+   // their damaged actions show.
+   helper->answerIs( "ipSubruleExists", true );
+   helper->answerIs( "ipPortRangeSubruleExists", true );
+   damage( 1, 0, "action", "deny" );
+   damage( 2, 0, "action", "deny" );
+   EXPECT_EQ( verify(),
+              ( Lines{ "ACL v4 sequence 10 rule 0 subrule 0 exist for action 1",
+                       "ACL v4 sequence 20 rule 1 subrule 0 action is deny, expected permit",
+                       "ACL v4 sequence 30 rule 2 subrule 0 action is deny, expected permit" } ) );
+   EXPECT_EQ( helper->callCount( "verifyIpRuleGeneral" ), 2u );
+   EXPECT_EQ( helper->callCount( "verifyIpRuleAction" ), 2u );
 }
 
 TEST_F( QosClassMatchAclSmVerifyTest, AVlanRuleLeftOutOnAnSviIsNoFinding ) {
@@ -84,40 +92,43 @@ TEST_F( QosClassMatchAclSmVerifyTest, AVlanRuleLeftOutOnAnSviIsNoFinding ) {
    vlan.filter.vlanMask = 0xfff;
    goldIs( { vlan }, "Vlan10" );
    takeLogs();  // the compile's note that the rule is ignored
-   helper->boolAnswerIs( "ipSubruleExists", false );
+   // The chip holds no entry of the rule, and is asked about it.
    EXPECT_EQ( verify(), Lines{} );
-   EXPECT_TRUE( helper->callsMatching( "verifyAclGeneral" ).size() == 1 ) << "the list was walked";
+   EXPECT_EQ( helper->callCount( "ipSubruleExists" ), 1u );
+   EXPECT_EQ( helper->callCount( "verifyAclGeneral" ), 1u ) << "the list was walked";
 }
 
 TEST_F( QosClassMatchAclSmVerifyTest, AnExpandedRuleIsVerifiedEntryByEntryThenItsFragmentEntry ) {
-   // Ports 80-90 are the blocks 80-87, 88-89 and 90.
+   // Without range checkers the chip has ports 80-90 expanded into the blocks 80-87, 88-89 and
+   // 90.
+   Sim::ChipConfig c;
+   c.rangeCheckers = 0;
+   chipIs( c );
    goldIs( { rule( 6, Acl::PortCondition::rangeOf( 80, 90 ) ) } );
-   helper->boolAnswerIs( "ipSubruleExists", true );
-   helper->boolAnswerIs( "ipPortRangeSubruleExists", false );
-   EXPECT_EQ( verify(), Lines{} );
-   Lines const dst = helper->callsMatching( "verifyIpRuleDstPort" );
-   ASSERT_EQ( dst.size(), 4u ) << helper->callsText();
-   EXPECT_NE( dst[ 0 ].find( "subruleNum=0 sequence=10 expectedLow=80 expectedHigh=87 valid=true" ),
-              std::string::npos )
-         << dst[ 0 ];
-   EXPECT_NE( dst[ 1 ].find( "subruleNum=1 sequence=10 expectedLow=88 expectedHigh=89" ),
-              std::string::npos )
-         << dst[ 1 ];
-   EXPECT_NE( dst[ 2 ].find( "subruleNum=2 sequence=10 expectedLow=90 expectedHigh=90" ),
-              std::string::npos )
-         << dst[ 2 ];
-   // The fourth is the fragment entry: no port to match.
-   EXPECT_NE( dst[ 3 ].find( "subruleNum=3 sequence=10 expectedLow=0 expectedHigh=65535 "
-                             "valid=false" ),
-              std::string::npos )
-         << dst[ 3 ];
-   EXPECT_EQ( queries( "ipSubruleExists" ), ( Lines{ "0.0", "0.3" } ) );
-   EXPECT_EQ( queries( "verifyRulePorts" ), ( Lines{ "0.3" } ) );
+   EXPECT_EQ( verify(), Lines{} ) << "the engine expects what it wrote";
+   // Each entry with a wrong port shows the range the engine expects of it. The fourth is the
+   // fragment entry: no port to match.
+   damage( 0, 0, "dstPort", "1/0xffff" );
+   damage( 0, 1, "dstPort", "1/0xffff" );
+   damage( 0, 2, "dstPort", "1/0xffff" );
+   damage( 0, 3, "dstPort", "1/0xffff" );
+   EXPECT_EQ( verify(),
+              ( Lines{ "ACL v4 sequence 10 rule 0 subrule 0 dstPort is 1-1, expected 80-87",
+                       "ACL v4 sequence 10 rule 0 subrule 1 dstPort is 1-1, expected 88-89",
+                       "ACL v4 sequence 10 rule 0 subrule 2 dstPort is 1-1, expected 90-90",
+                       "ACL v4 sequence 10 rule 0 subrule 3 dstPort is 1-1, expected "
+                       "0-65535" } ) );
+   EXPECT_EQ( helper->callCount( "verifyIpRuleDstPort" ), 4u );
+   // Existence is asked of the first entry and of the fragment entry; the ports of the fragment
+   // entry alone.
+   EXPECT_EQ( helper->callCount( "ipSubruleExists" ), 2u );
+   EXPECT_EQ( helper->callCount( "verifyRulePorts" ), 1u );
 }
 
 TEST_F( QosClassMatchAclSmVerifyTest, OnASimulatedSwitchTheFirstFindingStopsTheProcess ) {
    goldIs( { rule( 17 ), rule( 6 ) } );
-   helper->boolAnswerIs( "ipSubruleExists", false );
+   lose( 0, 0 );
+   lose( 1, 0 );
    EXPECT_DEATH(
          {
             setenv( "SIMULATION_VMID", "1", 1 );
@@ -154,14 +165,17 @@ class AclShowTest : public QosClassMatchAclSmVerifyTest {
       if( out_ ) std::fclose( out_ );
       QosClassMatchAclSmVerifyTest::TearDown();
    }
-   // The helper's show calls of one walk, by operation name.
+   // The helper's show calls of one walk, by operation name. The show operations are not
+   // recorded: each is taken in the chip's place and noted in order.
    Lines show( bool detail ) {
       if( !out_ ) out_ = std::tmpfile();
-      helper->clearCalls();
-      sm->showAcls( static_cast< std::uint32_t >( fileno( out_ ) ), 0, detail, Qos::mapQos_ );
       Lines ops;
-      for( std::string const& line : helper->calls() )
-         ops.push_back( line.substr( 0, line.find( ' ' ) ) );
+      for( char const* op : { "showAclPolicyHeader", "showAclClassHeader", "showAclHeader",
+                              "showIpAclRule", "showDefaultRule", "showL2ParamsRule",
+                              "showMplsTrafficClassRule", "showDscpEcnRule", "showMacAclRule" } ) {
+         helper->actionIs( op, [ &ops, op ] { ops.push_back( op ); } );
+      }
+      sm->showAcls( static_cast< std::uint32_t >( fileno( out_ ) ), 0, detail, Qos::mapQos_ );
       return ops;
    }
 

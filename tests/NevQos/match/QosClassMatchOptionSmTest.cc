@@ -1,97 +1,35 @@
 // From class maps that match without an IP access list (VLAN, COS, DSCP/ECN, MPLS traffic
 // class, MAC access group, built-in class) to the helper's rule calls, on both roads, with the
-// values that each rule writes into the class data as the helper sees them during its call.
+// entry the reference chip writes for each rule from the class data as it stands during the call.
 #include <gtest/gtest.h>
 
 #include <map>
-#include <sstream>
 #include <string>
 #include <vector>
 
-#include "support/LegacyQosAclSmFixture.h"
-#include "zub/Format.h"
+#include "support/QosAclSmFixture.h"
 
 namespace NevQosTest {
 namespace {
 
 using Lines = std::vector< std::string >;
 
-std::string hex( unsigned v ) {
-   return Zub::format( "0x%x", v ).stdString();
+// The value of argument `name` of a recorded call; empty when it has none.
+std::string argOf( Sim::ChipCall const& call, std::string const& name ) {
+   for( auto const& [ n, v ] : call.args ) {
+      if( n == name ) return v;
+   }
+   return "";
 }
 
-// The values of the rule being made, as the class data holds them: "vlan=1/0xfff,cos=8/0".
-std::string ruleValues( Nev::QosClassData const& cd ) {
-   Lines parts;
-   if( auto const l2 = cd.l2ParamsValue() ) {
-      if( auto const v = l2->vlanValue() ) {
-         parts.push_back( "vlan=" + std::to_string( v->vlan() ) + "/" + hex( v->vlanMask() ) );
-      }
-      if( auto const c = l2->cosValue() ) {
-         parts.push_back( "cos=" + std::to_string( c->cos() ) + "/" +
-                          std::to_string( c->cosMask() ) );
-      }
-   }
-   if( auto const d = cd.dscpEcnValue() ) {
-      parts.push_back( "tos=" + std::to_string( d->tosId() ) + "/" + hex( d->tosMask() ) );
-   }
-   if( auto const t = cd.mplsTrafficClassTuple() ) {
-      parts.push_back( "tc=" + std::to_string( t->mplsTrafficClassVal().value() ) + "/" +
-                       std::to_string( t->mplsTrafficClassMask().value() ) );
-   }
-   if( auto const m = cd.macValue() ) {
-      parts.push_back( "mac=" + m->aclName().str().stdString() + "/" + hex( m->etherType() ) );
-   }
-   if( !cd.builtInClassMatchValue().builtInClass().empty() ) {
-      parts.push_back( "builtIn=" + cd.builtInClassMatchValue().builtInClass().str().stdString() );
-   }
+// The fields of a chip entry as "name=value,...": what the rule call wrote, read from the class
+// data during the call. "-" for none.
+std::string valuesOf( Sim::TcamEntry const* entry ) {
+   if( !entry ) return "-";
    std::string out;
-   for( auto const& p : parts )
-      out += ( out.empty() ? "" : "," ) + p;
+   for( auto const& [ name, value ] : entry->fields )
+      out += ( out.empty() ? "" : "," ) + name + "=" + value;
    return out.empty() ? "-" : out;
-}
-
-std::map< std::string, std::string > fieldsOf( std::string const& line ) {
-   std::map< std::string, std::string > out;
-   std::istringstream in( line );
-   std::string word;
-   in >> word;
-   out[ "op" ] = word;
-   while( in >> word ) {
-      auto const eq = word.find( '=' );
-      if( eq != std::string::npos ) out[ word.substr( 0, eq ) ] = word.substr( eq + 1 );
-   }
-   return out;
-}
-
-// The compile calls in a compact form: "rule vlan-acl-7 r0 vlan=1/0xfff", "pre cos-acl-7",
-// "commit cos-acl-7", "supported?", "builtIn r0 builtIn=bfd".
-Lines compileCalls( Lines const& calls ) {
-   static std::map< std::string, std::string > const ruleOps = {
-      { "createL2ParamsRule", "rule" },
-      { "createDscpEcnRule", "rule" },
-      { "createMplsTrafficClassRule", "rule" },
-      { "createMacAclRule", "rule" },
-      { "createBuiltInClassMatchRule", "builtIn" },
-   };
-   Lines out;
-   for( auto const& line : calls ) {
-      auto f = fieldsOf( line );
-      std::string const& op = f[ "op" ];
-      if( auto it = ruleOps.find( op ); it != ruleOps.end() ) {
-         std::string const key = f.count( "aclKey" ) ? " " + f[ "aclKey" ] : "";
-         out.push_back( it->second + key + " r" + f[ "ruleNum" ] + " " + f[ "class" ] );
-      } else if( op == "precreateAcl" ) {
-         out.push_back( "pre " + f[ "aclKey" ] );
-      } else if( op == "commitAcl" ) {
-         out.push_back( "commit " + f[ "aclKey" ] );
-      } else if( op == "isSupportedMacAclRule" ) {
-         out.push_back( "supported?" );
-      } else if( op == "destroyAcl" ) {
-         out.push_back( "destroy " + f[ "aclKey" ] );
-      }
-   }
-   return out;
 }
 
 Acl::MacRuleConfig macRule( std::uint16_t etherType ) {
@@ -100,16 +38,21 @@ Acl::MacRuleConfig macRule( std::uint16_t etherType ) {
    return r;
 }
 
-class QosClassMatchOptionSmTest : public LegacyQosAclSmFixture {
+class QosClassMatchOptionSmTest : public QosAclSmFixture {
  protected:
-   void SetUp() override {
-      LegacyQosAclSmFixture::SetUp();
-      helper->classDataTextIs( ruleValues );
-   }
    void chipMatchesIs( bool supported ) {
       qosAclHwStatus->vlanClassMatchSupportedIs( supported );
       qosAclHwStatus->cosClassMatchSupportedIs( supported );
       qosAclHwStatus->dscpEcnClassMatchSupportedIs( supported );
+   }
+   // The deferred road is a chip that completes its operations later; before start().
+   void deferredIs( bool deferred ) {
+      Sim::ChipConfig c;
+      if( deferred ) {
+         c.tcamMode = Sim::TcamMode::asynchronous;
+         c.asyncDelay = 0.5;
+      }
+      chipIs( c );
    }
    // Classes named after their class maps, in this order, in "gold" on Ethernet1.
    void goldIs( std::vector< char const* > const& cmaps ) {
@@ -117,17 +60,55 @@ class QosClassMatchOptionSmTest : public LegacyQosAclSmFixture {
          classIs( "gold", c );
       applyIs( "gold", { intf( "Ethernet1" ) } );
    }
-   // Serves the deferred road to the end, completing every operation.
+   // Serves the deferred road to the end, the chip completing every operation.
    void drain() {
       for( int turns = 0; turns < 1000; ++turns ) {
-         loop->runOnce();
-         if( sm->asyncState() == Nev::asyncInProgress ) {
-            helper->completeAsync();
-         } else if( sm->pendingPolicyUpdate().empty() ) {
+         loop->runUntil( loop->now() + 1.0 );
+         if( sm->asyncState() != Nev::asyncInProgress && sm->pendingPolicyUpdate().empty() ) {
             return;
          }
       }
       FAIL() << "the queue did not drain";
+   }
+   // The compile calls in a compact form, each rule with the entry the chip holds for it:
+   // "rule vlan-acl-7(ip) r0 vlan=1/0xfff", "pre cos-acl-7(ip)", "commit cos-acl-7(ip)",
+   // "builtIn r0 class=bfd". A rule the chip holds no entry for shows "-".
+   Lines compileCalls( std::string const& op = "" ) const {
+      static std::map< std::string, std::string > const ruleOps = {
+         { "createL2ParamsRule", "rule" },
+         { "createDscpEcnRule", "rule" },
+         { "createMplsTrafficClassRule", "rule" },
+         { "createMacAclRule", "rule" },
+      };
+      Lines out;
+      for( Sim::ChipCall const& call : helper->calls() ) {
+         if( !op.empty() && call.op != op ) continue;
+         std::string const aclKey = argOf( call, "aclKey" );
+         std::string const aclId = argOf( call, "classData" ) + " " + aclKey;
+         if( auto it = ruleOps.find( call.op ); it != ruleOps.end() ) {
+            auto const ruleNum =
+                  static_cast< std::uint32_t >( std::stoul( argOf( call, "ruleNum" ) ) );
+            out.push_back( it->second + " " + aclKey + " r" + argOf( call, "ruleNum" ) + " " +
+                           valuesOf( chip->tcam().entry( aclId, ruleNum, 0 ) ) );
+         } else if( call.op == "createBuiltInClassMatchRule" ) {
+            // The chip keeps a class's built-in rules in an ACL of their own.
+            auto const acl = chip->tcam().acls().find( argOf( call, "classData" ) + " built-in" );
+            Sim::TcamEntry const* entry = nullptr;
+            if( acl != chip->tcam().acls().end() && !acl->second.entries.empty() ) {
+               entry = &acl->second.entries.front();
+            }
+            out.push_back( "builtIn " +
+                           ( entry ? "r" + std::to_string( entry->ruleNum ) + " " : "" ) +
+                           valuesOf( entry ) );
+         } else if( call.op == "precreateAcl" ) {
+            out.push_back( "pre " + aclKey );
+         } else if( call.op == "commitAcl" ) {
+            out.push_back( "commit " + aclKey );
+         } else if( call.op == "destroyAcl" ) {
+            out.push_back( "destroy " + aclKey );
+         }
+      }
+      return out;
    }
    Zub::Ptr< Nev::QosClassMatchSm > classMatchSm( char const* cmapName,
                                                   Qos::ClassMapMatchOption option ) {
@@ -144,10 +125,11 @@ class QosClassMatchOptionSmRoadTest : public QosClassMatchOptionSmTest,
                                       public ::testing::WithParamInterface< bool > {
  protected:
    void startOnRoad() {
-      helper->asyncTcamOperationsSupportedIs( GetParam() );
+      deferredIs( GetParam() );
       chipMatchesIs( true );
       start();
-      helper->clearCalls();
+      ASSERT_EQ( helper->asyncTcamOperationsSupported(), GetParam() );
+      helper->callsForget();
    }
    void settle() {
       if( GetParam() ) drain();
@@ -166,27 +148,26 @@ TEST_P( QosClassMatchOptionSmRoadTest, VlanAndCosRangesBecomeValueMaskBlocks ) {
    l2ClassMapIs( "both", Qos::matchOptionVlanCos, { { 1, 3 } }, { { 2, 5 } } );
    goldIs( { "vlan", "masked", "cos", "both" } );
    settle();
-   EXPECT_EQ( compileCalls( helper->calls() ),
-              ( Lines{
-                    "pre vlan-acl-7",
-                    "rule vlan-acl-7 r0 vlan=1/0xfff",
-                    "rule vlan-acl-7 r1 vlan=2/0xffe",
-                    "commit vlan-acl-7",
-                    "pre vlan-acl-7",
-                    "rule vlan-acl-7 r0 vlan=100/0xff0",
-                    "commit vlan-acl-7",
-                    // The whole COS space is one block without a condition.
-                    "pre cos-acl-7",
-                    "rule cos-acl-7 r0 cos=0/0",
-                    "commit cos-acl-7",
-                    // COS outside, VLAN inside.
-                    "pre vlan-cos-acl-7",
-                    "rule vlan-cos-acl-7 r0 vlan=1/0xfff,cos=2/6",
-                    "rule vlan-cos-acl-7 r1 vlan=2/0xffe,cos=2/6",
-                    "rule vlan-cos-acl-7 r2 vlan=1/0xfff,cos=4/6",
-                    "rule vlan-cos-acl-7 r3 vlan=2/0xffe,cos=4/6",
-                    "commit vlan-cos-acl-7",
-              } ) );
+   EXPECT_EQ( compileCalls(), ( Lines{
+                                    "pre vlan-acl-7(ip)",
+                                    "rule vlan-acl-7(ip) r0 vlan=1/0xfff",
+                                    "rule vlan-acl-7(ip) r1 vlan=2/0xffe",
+                                    "commit vlan-acl-7(ip)",
+                                    "pre vlan-acl-7(ip)",
+                                    "rule vlan-acl-7(ip) r0 vlan=100/0xff0",
+                                    "commit vlan-acl-7(ip)",
+                                    // The whole COS space is one block without a condition.
+                                    "pre cos-acl-7(ip)",
+                                    "rule cos-acl-7(ip) r0 cos=0/0x0",
+                                    "commit cos-acl-7(ip)",
+                                    // COS outside, VLAN inside.
+                                    "pre vlan-cos-acl-7(ip)",
+                                    "rule vlan-cos-acl-7(ip) r0 vlan=1/0xfff,cos=2/0x6",
+                                    "rule vlan-cos-acl-7(ip) r1 vlan=2/0xffe,cos=2/0x6",
+                                    "rule vlan-cos-acl-7(ip) r2 vlan=1/0xfff,cos=4/0x6",
+                                    "rule vlan-cos-acl-7(ip) r3 vlan=2/0xffe,cos=4/0x6",
+                                    "commit vlan-cos-acl-7(ip)",
+                              } ) );
    EXPECT_EQ( hwStatus( "gold" )->prgmStatus(), Qos::hwPrgmStatusSuccess_ );
 }
 
@@ -201,7 +182,7 @@ TEST_P( QosClassMatchOptionSmRoadTest, DscpAndEcnBecomeTosValuesAndMasks ) {
    goldIs( { "ef", "efEct", "ce", "af11", "cs1" } );
    settle();
    Lines rules;
-   for( auto const& line : compileCalls( helper->callsMatching( "createDscpEcnRule" ) ) )
+   for( auto const& line : compileCalls( "createDscpEcnRule" ) )
       rules.push_back( line.substr( line.find( " r" ) + 1 ) );
    EXPECT_EQ( rules, ( Lines{ "r0 tos=184/0xfc",  // 46
                               "r0 tos=185/0xff", "r1 tos=186/0xfe",
@@ -217,15 +198,18 @@ TEST_P( QosClassMatchOptionSmRoadTest, MplsTrafficClassRangesBecomeRulesAndGoOnT
    mplsClassMapIs( "none", {} );
    goldIs( { "two", "all", "none" } );
    settle();
-   EXPECT_EQ( compileCalls( helper->calls() ),
-              ( Lines{ "pre mpls-traffic-class-acl-7", "rule mpls-traffic-class-acl-7 r0 tc=1/7",
-                       "rule mpls-traffic-class-acl-7 r1 tc=2/7", "commit mpls-traffic-class-acl-7",
-                       "pre mpls-traffic-class-acl-7", "rule mpls-traffic-class-acl-7 r0 tc=0/0",
-                       "commit mpls-traffic-class-acl-7",
-                       // An empty match makes its ACL and no rule.
-                       "pre mpls-traffic-class-acl-7", "commit mpls-traffic-class-acl-7" } ) );
+   EXPECT_EQ(
+         compileCalls(),
+         ( Lines{ "pre mpls-traffic-class-acl-7(ip)",
+                  "rule mpls-traffic-class-acl-7(ip) r0 trafficClass=1/7",
+                  "rule mpls-traffic-class-acl-7(ip) r1 trafficClass=2/7",
+                  "commit mpls-traffic-class-acl-7(ip)", "pre mpls-traffic-class-acl-7(ip)",
+                  "rule mpls-traffic-class-acl-7(ip) r0 trafficClass=0/0",
+                  "commit mpls-traffic-class-acl-7(ip)",
+                  // An empty match makes its ACL and no rule.
+                  "pre mpls-traffic-class-acl-7(ip)", "commit mpls-traffic-class-acl-7(ip)" } ) );
    // Each traffic-class list goes with its class, the empty one too.
-   helper->clearCalls();
+   helper->callsForget();
    qosStatus->servicePolicyStatusDel( spKey( "gold" ) );
    settle();
    EXPECT_EQ( helper->callsMatching( "destroyAcl" ).size(), 3u );
@@ -235,18 +219,19 @@ TEST_P( QosClassMatchOptionSmRoadTest, MplsTrafficClassRangesBecomeRulesAndGoOnT
 TEST_P( QosClassMatchOptionSmRoadTest, MacRulesTheChipLacksAreLeftOutWithoutANumber ) {
    startOnRoad();
    macAclIs( "m", { macRule( 0x800 ), macRule( 0x806 ), macRule( 0x86dd ) } );
-   helper->boolAnswerEnq( "isSupportedMacAclRule", true );
-   helper->boolAnswerEnq( "isSupportedMacAclRule", false );
-   helper->boolAnswerEnq( "isSupportedMacAclRule", true );
+   helper->answerEnq( "isSupportedMacAclRule", true );
+   helper->answerEnq( "isSupportedMacAclRule", false );
+   helper->answerEnq( "isSupportedMacAclRule", true );
    classMapIs( "mac", { { Qos::matchOptionMac, "m" } } );
    builtInClassMapIs( "builtin", "bfd" );
    goldIs( { "mac", "builtin" } );
    settle();
-   EXPECT_EQ( compileCalls( helper->calls() ),
-              ( Lines{ "pre mac-acl-7", "supported?", "rule mac-acl-7 r0 mac=m/0x800", "supported?",
-                       "supported?", "rule mac-acl-7 r1 mac=m/0x86dd", "commit mac-acl-7",
+   // The rule the chip lacks is asked about and takes no number: the third rule is r1.
+   EXPECT_EQ( compileCalls(),
+              ( Lines{ "pre mac-acl-7(ip)", "rule mac-acl-7(ip) r0 etherType=0x800",
+                       "rule mac-acl-7(ip) r1 etherType=0x86dd", "commit mac-acl-7(ip)",
                        // The built-in class is one rule that the chip fills in.
-                       "pre -7", "builtIn r0 builtIn=bfd", "commit -7" } ) );
+                       "pre -7(ip)", "builtIn r0 class=bfd", "commit -7(ip)" } ) );
    EXPECT_EQ( takeLogs(), Lines{} );
 }
 
@@ -260,19 +245,19 @@ TEST_F( QosClassMatchOptionSmTest, MatchesTheChipCannotMakeAreLeftOutOnlyOnTheIm
       SCOPED_TRACE( deferred ? "deferred" : "immediate" );
       TearDown();
       SetUp();
-      helper->asyncTcamOperationsSupportedIs( deferred );
+      deferredIs( deferred );
       chipMatchesIs( false );
       start();
       l2ClassMapIs( "vlan", Qos::matchOptionVlan, { { 10, 10 } } );
       l2ClassMapIs( "cos", Qos::matchOptionCos, {}, { { 5, 5 } } );
       dscpEcnClassMapIs( "ef", 46, Acl::ecnDontCare );
-      helper->clearCalls();
+      helper->callsForget();
       goldIs( { "vlan", "cos", "ef" } );
       if( deferred ) drain();
-      Lines const calls = compileCalls( helper->calls() );
+      Lines const calls = compileCalls();
       if( !deferred ) {
-         EXPECT_EQ( calls,
-                    ( Lines{ "commit vlan-acl-7", "commit cos-acl-7", "commit dscpecn-acl-7" } ) )
+         EXPECT_EQ( calls, ( Lines{ "commit vlan-acl-7(ip)", "commit cos-acl-7(ip)",
+                                    "commit dscpecn-acl-7(ip)" } ) )
                << "nothing programmed; the empty ACLs are committed";
       } else {
          // The deferred compile tests no capability: the chip that queues takes what it gets.
@@ -288,15 +273,15 @@ TEST_F( QosClassMatchOptionSmTest, ARefusedVlanOrDscpRuleEndsItsAclAndFailsTheMa
    start();
    l2ClassMapIs( "vlan", Qos::matchOptionVlan, { { 1, 3 } } );
    dscpEcnClassMapIs( "efEct", 46, Acl::ecnEctCe );
-   helper->aclCreateErrorEnq( "createL2ParamsRule", Nev::aclCreateErrorOutOfTcam );
-   helper->aclCreateErrorEnq( "createDscpEcnRule", Nev::aclCreateErrorNone );
-   helper->aclCreateErrorEnq( "createDscpEcnRule", Nev::aclCreateErrorTooManyAcls );
-   helper->clearCalls();
+   helper->answerEnq( "createL2ParamsRule", Nev::aclCreateErrorOutOfTcam );
+   helper->forwardEnq( "createDscpEcnRule" );
+   helper->answerEnq( "createDscpEcnRule", Nev::aclCreateErrorTooManyAcls );
+   helper->callsForget();
    goldIs( { "vlan", "efEct" } );
-   EXPECT_EQ(
-         compileCalls( helper->calls() ),
-         ( Lines{ "pre vlan-acl-7", "rule vlan-acl-7 r0 vlan=1/0xfff", "pre dscpecn-acl-7",
-                  "rule dscpecn-acl-7 r0 tos=185/0xff", "rule dscpecn-acl-7 r1 tos=186/0xfe" } ) )
+   // A refused rule leaves no entry in the chip: "-".
+   EXPECT_EQ( compileCalls(),
+              ( Lines{ "pre vlan-acl-7(ip)", "rule vlan-acl-7(ip) r0 -", "pre dscpecn-acl-7(ip)",
+                       "rule dscpecn-acl-7(ip) r0 tos=185/0xff", "rule dscpecn-acl-7(ip) r1 -" } ) )
          << "the second VLAN rule is not tried, and neither ACL is committed";
    auto const vlan = classMatchSm( "vlan", Qos::matchOptionVlan );
    ASSERT_TRUE( vlan );
@@ -311,17 +296,18 @@ TEST_F( QosClassMatchOptionSmTest, ARefusedVlanOrDscpRuleEndsItsAclAndFailsTheMa
 }
 
 TEST_F( QosClassMatchOptionSmTest, ARefusedMacRuleFailsTheMapAndAnIgnoredOneDoesNot ) {
-   helper->boolAnswerIs( "isSupportedMacAclRule", true );
    start();
    macAclIs( "m", { macRule( 0x800 ), macRule( 0x806 ), macRule( 0x86dd ) } );
    classMapIs( "mac", { { Qos::matchOptionMac, "m" } } );
-   helper->aclCreateErrorEnq( "createMacAclRule", Nev::aclCreateErrorRuleIgnored );
-   helper->aclCreateErrorEnq( "createMacAclRule", Nev::aclCreateErrorOutOfTcam );
-   helper->clearCalls();
+   helper->answerEnq( "createMacAclRule", Nev::aclCreateErrorRuleIgnored );
+   helper->answerEnq( "createMacAclRule", Nev::aclCreateErrorOutOfTcam );
+   helper->callsForget();
    goldIs( { "mac" } );
-   // The ignored rule is no failure; the refused one ends the list, which is not committed.
-   EXPECT_EQ( compileCalls( helper->callsMatching( "createMacAclRule" ) ),
-              ( Lines{ "rule mac-acl-7 r0 mac=m/0x800", "rule mac-acl-7 r1 mac=m/0x806" } ) );
+   // The ignored rule is no failure; the refused one ends the list, which is not committed. Both
+   // answers stand in the chip's place, so neither leaves an entry. Both
+   // answers stand in the chip's place, so neither leaves an entry.
+   EXPECT_EQ( compileCalls( "createMacAclRule" ),
+              ( Lines{ "rule mac-acl-7(ip) r0 -", "rule mac-acl-7(ip) r1 -" } ) );
    EXPECT_EQ( helper->callsMatching( "commitAcl" ), Lines{} );
    auto const match = classMatchSm( "mac", Qos::matchOptionMac );
    ASSERT_TRUE( match );
@@ -341,13 +327,13 @@ TEST_F( QosClassMatchOptionSmTest, TheDefaultClassHasARulePerFamilyUnderTheAcces
    classMapIs( "both", { { Qos::matchOptionIpAcl, "v4" }, { Qos::matchOptionIpv6Acl, "v6" } } );
    classIs( "gold", "both" );
    classDefaultIs( "gold" );
-   helper->clearCalls();
+   helper->callsForget();
    applyIs( "gold", { intf( "Ethernet1" ) } );
    EXPECT_EQ( helper->callsMatching( "createDefaultRule" ),
-              ( Lines{ "createDefaultRule pmap=gold class=- option=matchOptionIpAcl "
-                       "aclKey=acl-default",
-                       "createDefaultRule pmap=gold class=- option=matchOptionIpv6Acl "
-                       "aclKey=acl-default-ipv6:ipv6" } ) );
+              ( Lines{ "createDefaultRule classData=gold(qos,input)/class-default/Default "
+                       "aclKey=acl-default(ip)",
+                       "createDefaultRule classData=gold(qos,input)/class-default/Default "
+                       "aclKey=acl-default-ipv6(ipv6)" } ) );
 }
 
 }  // namespace

@@ -5,14 +5,14 @@
 #include <string>
 #include <vector>
 
-#include "support/LegacyQosAclSmFixture.h"
+#include "support/QosAclSmFixture.h"
 
 namespace NevQosTest {
 namespace {
 
 using Lines = std::vector< std::string >;
 
-class QosClassMatchSmTest : public LegacyQosAclSmFixture {
+class QosClassMatchSmTest : public QosAclSmFixture {
  protected:
    Zub::Ptr< Nev::QosPolicyClassSm > classSm( char const* cmapName ) {
       auto spSm = sm->servicePolicySm( spKey( "gold" ) );
@@ -75,27 +75,28 @@ TEST_F( QosClassMatchSmTest, OptionMatchesAreNamedPerFamilyAndTheLastFamilyOutCl
          << "the built-in option has no base name";
    EXPECT_EQ( helper->pmapState( pmapKey( "gold" ) )->pmapAclTypes(), Nev::ipv4v6Both );
 
-   helper->clearCalls();
+   helper->callsForget();
    qosStatus->servicePolicyStatusDel( spKey( "gold" ) );
    Lines destroys;
-   for( auto const& line : helper->calls() ) {
-      if( line.rfind( "destroyAcl", 0 ) == 0 || line.rfind( "cleanupAcl", 0 ) == 0 ) {
-         destroys.push_back( line );
+   for( Sim::ChipCall const& call : helper->calls() ) {
+      if( call.op == "destroyAcl" || call.op == "cleanupAcl" ) {
+         destroys.push_back( Sim::callText( call ) );
       }
    }
    // Classes leave in key order; in each, access groups, then options, then defaults.
-   EXPECT_EQ(
-         destroys,
-         ( Lines{ "destroyAcl pmap=gold option=matchOptionIpAcl aclKey=v4",
-                  "cleanupAcl pmap=gold option=matchOptionIpAcl aclKey=v4",
-                  "destroyAcl pmap=gold option=matchOptionIpv6Acl aclKey=v6:ipv6",
-                  "cleanupAcl pmap=gold option=matchOptionIpv6Acl aclKey=v6:ipv6",
-                  "destroyAcl pmap=gold option=matchOptionBuiltIn aclKey=-7",
-                  "destroyAcl pmap=gold option=matchOptionBuiltIn aclKey=-7:ipv6",
-                  "cleanupAcl pmap=gold option=matchOptionBuiltIn aclKey=-7:ipv6",
-                  "destroyAcl pmap=gold option=matchOptionVlan aclKey=vlan-acl-7",
-                  "destroyAcl pmap=gold option=matchOptionVlan aclKey=vlan-acl-ipv6-7:ipv6",
-                  "cleanupAcl pmap=gold option=matchOptionVlan aclKey=vlan-acl-ipv6-7:ipv6" } ) );
+   EXPECT_EQ( destroys,
+              ( Lines{ "destroyAcl classData=gold(qos,input)/both/Default aclKey=v4(ip)",
+                       "cleanupAcl classData=gold(qos,input)/both/Default aclKey=v4(ip)",
+                       "destroyAcl classData=gold(qos,input)/both/Default aclKey=v6(ipv6)",
+                       "cleanupAcl classData=gold(qos,input)/both/Default aclKey=v6(ipv6)",
+                       "destroyAcl classData=gold(qos,input)/builtin/Default aclKey=-7(ip)",
+                       "destroyAcl classData=gold(qos,input)/builtin/Default aclKey=-7(ipv6)",
+                       "cleanupAcl classData=gold(qos,input)/builtin/Default aclKey=-7(ipv6)",
+                       "destroyAcl classData=gold(qos,input)/vlan/Default aclKey=vlan-acl-7(ip)",
+                       "destroyAcl classData=gold(qos,input)/vlan/Default "
+                       "aclKey=vlan-acl-ipv6-7(ipv6)",
+                       "cleanupAcl classData=gold(qos,input)/vlan/Default "
+                       "aclKey=vlan-acl-ipv6-7(ipv6)" } ) );
 }
 
 TEST_F( QosClassMatchSmTest, AnUnconfiguredListHasNoChildAndNoCounters ) {
@@ -121,14 +122,30 @@ TEST_F( QosClassMatchSmTest, ASharedCounterIsReadFromTheFirstFamilyOnly ) {
    classIs( "gold", "both" );
    classIs( "gold", "vlan" );
    applyIs( "gold", { intf( "Ethernet1" ) } );
-   Nev::QosClassCounterData one;
-   one.pktHitsIs( 5 );
-   helper->counterDataIs( Nev::AclKey( Zub::Name( "vlan-acl-7" ), Acl::ip() ), one );
-   helper->counterDataIs( Nev::AclKey( Zub::Name( "vlan-acl-ipv6-7" ), Acl::ipv6() ), one );
+   // Each family's list answers its own count, so that the sum tells which lists were read.
+   Nev::QosClassCounterData v4;
+   v4.pktHitsIs( 5 );
+   Nev::QosClassCounterData v6;
+   v6.pktHitsIs( 7 );
    auto vlan = classSm( "vlan" )->classMatchSm( Qos::matchOptionVlan );
-   EXPECT_EQ( vlan->counterUpdateRequest().pktHits(), 10u ) << "both families add up";
+   helper->callsForget();
+   helper->answerEnq( "counterUpdateRequest", v4 );
+   helper->answerEnq( "counterUpdateRequest", v6 );
+   EXPECT_EQ( vlan->counterUpdateRequest().pktHits(), 12u ) << "both families add up";
+   EXPECT_EQ( helper->callsMatching( "counterUpdateRequest" ),
+              ( Lines{ "counterUpdateRequest classData=gold(qos,input)/vlan/Default "
+                       "aclKey=vlan-acl-7(ip)",
+                       "counterUpdateRequest classData=gold(qos,input)/vlan/Default "
+                       "aclKey=vlan-acl-ipv6-7(ipv6)" } ) );
+   helper->callsForget();
    qosAclHwStatus->sharedQosAclTypesCounterSupportedIs( true );
+   helper->answerEnq( "counterUpdateRequest", v4 );
+   helper->answerEnq( "counterUpdateRequest", v6 );
    EXPECT_EQ( vlan->counterUpdateRequest().pktHits(), 5u ) << "one counter for both families";
+   EXPECT_EQ( helper->callsMatching( "counterUpdateRequest" ),
+              Lines{ "counterUpdateRequest classData=gold(qos,input)/vlan/Default "
+                     "aclKey=vlan-acl-7(ip)" } );
+   helper->answerDel( "counterUpdateRequest" );
 }
 
 }  // namespace
