@@ -31,8 +31,8 @@ std::vector< std::string > CallRecorder::callsMatching( std::string_view prefix 
             std::string_view( line ).substr( call.helper == "acl" ? 0 : call.helper.size() + 1 );
       if( !text.starts_with( prefix ) ) continue;
       // A bare name must end where the operation's name ends.
-      if( text.size() > prefix.size() && prefix.find( ' ' ) == std::string_view::npos &&
-          text[ prefix.size() ] != ' ' ) {
+      if( !prefix.empty() && text.size() > prefix.size() &&
+          prefix.find( ' ' ) == std::string_view::npos && text[ prefix.size() ] != ' ' ) {
          continue;
       }
       out.push_back( std::move( line ) );

@@ -36,7 +36,7 @@ class CallRecorder {
    void callsForget() { log_->clear(); }
    // The lines (callText) of the calls, in order, whose text from the operation on begins with
    // `prefix`. A bare operation name matches that operation only, not one whose name merely
-   // starts with it.
+   // starts with it. The empty prefix matches every call.
    std::vector< std::string > callsMatching( std::string_view prefix ) const;
    // All lines, each ended by a line break: readable in a failed comparison.
    std::string callsText() const;

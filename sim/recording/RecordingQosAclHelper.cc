@@ -119,6 +119,15 @@ CallRecorder::Args policerArgs( Nev::QosClassData const& classData ) {
 
 }  // namespace
 
+void RecordingQosAclHelper::recordSubrule( char const* op, Nev::QosClassData const& classData,
+                                           Nev::AclKey const& aclKey, std::uint32_t ruleNum,
+                                           std::uint32_t subruleNum ) {
+   record( op, { { "classData", classText( classData ) },
+                 { "aclKey", aclKeyText( aclKey ) },
+                 { "ruleNum", textOf( ruleNum ) },
+                 { "subruleNum", textOf( subruleNum ) } } );
+}
+
 #define SIM_RECORDING_COPY_value( Cap, name, ... ) name##Is( inner_->name() );
 #define SIM_RECORDING_COPY_keyed( ... )
 #define SIM_RECORDING_COPY_child( ... )
@@ -253,7 +262,7 @@ Nev::AclCreateError RecordingQosAclHelper::createDscpEcnRule(
 }
 
 bool RecordingQosAclHelper::isSupportedMacAclRule( Acl::MacRuleConfig const& rule ) {
-   taking( "isSupportedMacAclRule" );
+   if( taking( "isSupportedMacAclRule" ) && detailRecorded_ ) record( "isSupportedMacAclRule", {} );
    if( auto const answer = scripted< bool >( "isSupportedMacAclRule" ) ) return *answer;
    return inner_->isSupportedMacAclRule( rule );
 }
@@ -608,7 +617,9 @@ Nev::QosClassCounterData RecordingQosAclHelper::counterUpdateRequest(
 bool RecordingQosAclHelper::ipSubruleExists( Nev::QosClassData const& classData,
                                              Nev::AclKey const& aclKey, Acl::UniqueId const& aclId,
                                              std::uint32_t ruleNum, std::uint32_t subruleNum ) {
-   taking( "ipSubruleExists" );
+   if( taking( "ipSubruleExists" ) && detailRecorded_ ) {
+      recordSubrule( "ipSubruleExists", classData, aclKey, ruleNum, subruleNum );
+   }
    if( auto const answer = scripted< bool >( "ipSubruleExists" ) ) return *answer;
    return inner_->ipSubruleExists( classData, aclKey, aclId, ruleNum, subruleNum );
 }
@@ -617,7 +628,9 @@ bool RecordingQosAclHelper::ipPortRangeSubruleExists(
       Nev::QosClassData const& classData, Nev::AclKey const& aclKey, Acl::UniqueId const& aclId,
       std::uint32_t ruleNum, std::uint32_t subruleNum, std::uint16_t srcLow, std::uint16_t srcHigh,
       bool srcValid, std::uint16_t dstLow, std::uint16_t dstHigh, bool dstValid ) {
-   taking( "ipPortRangeSubruleExists" );
+   if( taking( "ipPortRangeSubruleExists" ) && detailRecorded_ ) {
+      recordSubrule( "ipPortRangeSubruleExists", classData, aclKey, ruleNum, subruleNum );
+   }
    if( auto const answer = scripted< bool >( "ipPortRangeSubruleExists" ) ) return *answer;
    return inner_->ipPortRangeSubruleExists( classData, aclKey, aclId, ruleNum, subruleNum, srcLow,
                                             srcHigh, srcValid, dstLow, dstHigh, dstValid );
@@ -627,7 +640,9 @@ bool RecordingQosAclHelper::ipLenRangeSubruleExists(
       Nev::QosClassData const& classData, Nev::AclKey const& aclKey, Acl::UniqueId const& aclId,
       std::uint32_t ruleNum, std::uint32_t subruleNum, std::uint16_t ipLenLow,
       std::uint16_t ipLenHigh, bool ipLenValid ) {
-   taking( "ipLenRangeSubruleExists" );
+   if( taking( "ipLenRangeSubruleExists" ) && detailRecorded_ ) {
+      recordSubrule( "ipLenRangeSubruleExists", classData, aclKey, ruleNum, subruleNum );
+   }
    if( auto const answer = scripted< bool >( "ipLenRangeSubruleExists" ) ) return *answer;
    return inner_->ipLenRangeSubruleExists( classData, aclKey, aclId, ruleNum, subruleNum, ipLenLow,
                                            ipLenHigh, ipLenValid );
@@ -695,7 +710,9 @@ void RecordingQosAclHelper::verifyIpRuleGeneral( Nev::QosClassData const& classD
                                                  Acl::UniqueId const& aclId, std::uint32_t ruleNum,
                                                  std::uint32_t subruleNum,
                                                  std::uint32_t sequence ) {
-   taking( "verifyIpRuleGeneral" );
+   if( taking( "verifyIpRuleGeneral" ) && detailRecorded_ ) {
+      recordSubrule( "verifyIpRuleGeneral", classData, aclKey, ruleNum, subruleNum );
+   }
    if( acted( "verifyIpRuleGeneral" ) ) return;
    inner_->verifyIpRuleGeneral( classData, aclKey, aclId, ruleNum, subruleNum, sequence );
 }
@@ -705,7 +722,9 @@ void RecordingQosAclHelper::verifyIpRuleAction( Nev::QosClassData const& classDa
                                                 Acl::UniqueId const& aclId, std::uint32_t ruleNum,
                                                 std::uint32_t subruleNum, std::uint32_t sequence,
                                                 Acl::Action action ) {
-   taking( "verifyIpRuleAction" );
+   if( taking( "verifyIpRuleAction" ) && detailRecorded_ ) {
+      recordSubrule( "verifyIpRuleAction", classData, aclKey, ruleNum, subruleNum );
+   }
    if( acted( "verifyIpRuleAction" ) ) return;
    inner_->verifyIpRuleAction( classData, aclKey, aclId, ruleNum, subruleNum, sequence, action );
 }
@@ -715,7 +734,9 @@ void RecordingQosAclHelper::verifyIpRuleIpProto( Nev::QosClassData const& classD
                                                  Acl::UniqueId const& aclId, std::uint32_t ruleNum,
                                                  std::uint32_t subruleNum, std::uint32_t sequence,
                                                  std::uint8_t expectedProto, bool valid ) {
-   taking( "verifyIpRuleIpProto" );
+   if( taking( "verifyIpRuleIpProto" ) && detailRecorded_ ) {
+      recordSubrule( "verifyIpRuleIpProto", classData, aclKey, ruleNum, subruleNum );
+   }
    if( acted( "verifyIpRuleIpProto" ) ) return;
    inner_->verifyIpRuleIpProto( classData, aclKey, aclId, ruleNum, subruleNum, sequence,
                                 expectedProto, valid );
@@ -727,7 +748,9 @@ void RecordingQosAclHelper::verifyIpRuleSrcIp( Nev::QosClassData const& classDat
                                                std::uint32_t subruleNum, std::uint32_t sequence,
                                                std::uint32_t expectedAddr,
                                                std::uint32_t expectedMask, bool valid ) {
-   taking( "verifyIpRuleSrcIp" );
+   if( taking( "verifyIpRuleSrcIp" ) && detailRecorded_ ) {
+      recordSubrule( "verifyIpRuleSrcIp", classData, aclKey, ruleNum, subruleNum );
+   }
    if( acted( "verifyIpRuleSrcIp" ) ) return;
    inner_->verifyIpRuleSrcIp( classData, aclKey, aclId, ruleNum, subruleNum, sequence, expectedAddr,
                               expectedMask, valid );
@@ -739,7 +762,9 @@ void RecordingQosAclHelper::verifyIpRuleDstIp( Nev::QosClassData const& classDat
                                                std::uint32_t subruleNum, std::uint32_t sequence,
                                                std::uint32_t expectedAddr,
                                                std::uint32_t expectedMask, bool valid ) {
-   taking( "verifyIpRuleDstIp" );
+   if( taking( "verifyIpRuleDstIp" ) && detailRecorded_ ) {
+      recordSubrule( "verifyIpRuleDstIp", classData, aclKey, ruleNum, subruleNum );
+   }
    if( acted( "verifyIpRuleDstIp" ) ) return;
    inner_->verifyIpRuleDstIp( classData, aclKey, aclId, ruleNum, subruleNum, sequence, expectedAddr,
                               expectedMask, valid );
@@ -750,7 +775,9 @@ void RecordingQosAclHelper::verifyIpRuleDscp( Nev::QosClassData const& classData
                                               std::uint32_t ruleNum, std::uint32_t subruleNum,
                                               std::uint32_t sequence, std::uint8_t expectedDscp,
                                               bool valid ) {
-   taking( "verifyIpRuleDscp" );
+   if( taking( "verifyIpRuleDscp" ) && detailRecorded_ ) {
+      recordSubrule( "verifyIpRuleDscp", classData, aclKey, ruleNum, subruleNum );
+   }
    if( acted( "verifyIpRuleDscp" ) ) return;
    inner_->verifyIpRuleDscp( classData, aclKey, aclId, ruleNum, subruleNum, sequence, expectedDscp,
                              valid );
@@ -761,7 +788,9 @@ void RecordingQosAclHelper::verifyIpRuleTcIp6( Nev::QosClassData const& classDat
                                                Acl::UniqueId const& aclId, std::uint32_t ruleNum,
                                                std::uint32_t subruleNum, std::uint32_t sequence,
                                                std::uint8_t expectedDscp, bool valid ) {
-   taking( "verifyIpRuleTcIp6" );
+   if( taking( "verifyIpRuleTcIp6" ) && detailRecorded_ ) {
+      recordSubrule( "verifyIpRuleTcIp6", classData, aclKey, ruleNum, subruleNum );
+   }
    if( acted( "verifyIpRuleTcIp6" ) ) return;
    inner_->verifyIpRuleTcIp6( classData, aclKey, aclId, ruleNum, subruleNum, sequence, expectedDscp,
                               valid );
@@ -772,7 +801,9 @@ void RecordingQosAclHelper::verifyIpRuleEcn( Nev::QosClassData const& classData,
                                              std::uint32_t ruleNum, std::uint32_t subruleNum,
                                              std::uint32_t sequence, std::uint8_t ecnData,
                                              std::uint8_t ecnMask ) {
-   taking( "verifyIpRuleEcn" );
+   if( taking( "verifyIpRuleEcn" ) && detailRecorded_ ) {
+      recordSubrule( "verifyIpRuleEcn", classData, aclKey, ruleNum, subruleNum );
+   }
    if( acted( "verifyIpRuleEcn" ) ) return;
    inner_->verifyIpRuleEcn( classData, aclKey, aclId, ruleNum, subruleNum, sequence, ecnData,
                             ecnMask );
@@ -783,7 +814,9 @@ void RecordingQosAclHelper::verifyIpRuleEcnIp6( Nev::QosClassData const& classDa
                                                 Acl::UniqueId const& aclId, std::uint32_t ruleNum,
                                                 std::uint32_t subruleNum, std::uint32_t sequence,
                                                 std::uint8_t ecnData, std::uint8_t ecnMask ) {
-   taking( "verifyIpRuleEcnIp6" );
+   if( taking( "verifyIpRuleEcnIp6" ) && detailRecorded_ ) {
+      recordSubrule( "verifyIpRuleEcnIp6", classData, aclKey, ruleNum, subruleNum );
+   }
    if( acted( "verifyIpRuleEcnIp6" ) ) return;
    inner_->verifyIpRuleEcnIp6( classData, aclKey, aclId, ruleNum, subruleNum, sequence, ecnData,
                                ecnMask );
@@ -795,7 +828,9 @@ void RecordingQosAclHelper::verifyIpRuleSrcIp6( Nev::QosClassData const& classDa
                                                 std::uint32_t subruleNum, std::uint32_t sequence,
                                                 Mirel::Ip6AddrWithMask const& expectedDstAddr,
                                                 bool valid ) {
-   taking( "verifyIpRuleSrcIp6" );
+   if( taking( "verifyIpRuleSrcIp6" ) && detailRecorded_ ) {
+      recordSubrule( "verifyIpRuleSrcIp6", classData, aclKey, ruleNum, subruleNum );
+   }
    if( acted( "verifyIpRuleSrcIp6" ) ) return;
    inner_->verifyIpRuleSrcIp6( classData, aclKey, aclId, ruleNum, subruleNum, sequence,
                                expectedDstAddr, valid );
@@ -807,7 +842,9 @@ void RecordingQosAclHelper::verifyIpRuleDstIp6( Nev::QosClassData const& classDa
                                                 std::uint32_t subruleNum, std::uint32_t sequence,
                                                 Mirel::Ip6AddrWithMask const& expectedDstAddr,
                                                 bool valid ) {
-   taking( "verifyIpRuleDstIp6" );
+   if( taking( "verifyIpRuleDstIp6" ) && detailRecorded_ ) {
+      recordSubrule( "verifyIpRuleDstIp6", classData, aclKey, ruleNum, subruleNum );
+   }
    if( acted( "verifyIpRuleDstIp6" ) ) return;
    inner_->verifyIpRuleDstIp6( classData, aclKey, aclId, ruleNum, subruleNum, sequence,
                                expectedDstAddr, valid );
@@ -819,7 +856,9 @@ void RecordingQosAclHelper::verifyIpRuleFragments( Nev::QosClassData const& clas
                                                    std::uint32_t ruleNum, std::uint32_t subruleNum,
                                                    std::uint32_t sequence, bool matchHeadOnly,
                                                    bool matchFragmentsOnly ) {
-   taking( "verifyIpRuleFragments" );
+   if( taking( "verifyIpRuleFragments" ) && detailRecorded_ ) {
+      recordSubrule( "verifyIpRuleFragments", classData, aclKey, ruleNum, subruleNum );
+   }
    if( acted( "verifyIpRuleFragments" ) ) return;
    inner_->verifyIpRuleFragments( classData, aclKey, aclId, ruleNum, subruleNum, sequence,
                                   matchHeadOnly, matchFragmentsOnly );
@@ -830,7 +869,9 @@ void RecordingQosAclHelper::verifyIpRuleTcpFlags( Nev::QosClassData const& class
                                                   Acl::UniqueId const& aclId, std::uint32_t ruleNum,
                                                   std::uint32_t subruleNum, std::uint32_t sequence,
                                                   std::uint8_t expectedTcpFlags, bool valid ) {
-   taking( "verifyIpRuleTcpFlags" );
+   if( taking( "verifyIpRuleTcpFlags" ) && detailRecorded_ ) {
+      recordSubrule( "verifyIpRuleTcpFlags", classData, aclKey, ruleNum, subruleNum );
+   }
    if( acted( "verifyIpRuleTcpFlags" ) ) return;
    inner_->verifyIpRuleTcpFlags( classData, aclKey, aclId, ruleNum, subruleNum, sequence,
                                  expectedTcpFlags, valid );
@@ -843,7 +884,9 @@ void RecordingQosAclHelper::verifyIpRuleIcmp( Nev::QosClassData const& classData
                                               std::uint8_t expexctedIcmpType,
                                               std::uint8_t expectedIcmpCode, bool icmpTypeValid,
                                               bool icmpCodeValid ) {
-   taking( "verifyIpRuleIcmp" );
+   if( taking( "verifyIpRuleIcmp" ) && detailRecorded_ ) {
+      recordSubrule( "verifyIpRuleIcmp", classData, aclKey, ruleNum, subruleNum );
+   }
    if( acted( "verifyIpRuleIcmp" ) ) return;
    inner_->verifyIpRuleIcmp( classData, aclKey, aclId, ruleNum, subruleNum, sequence,
                              expexctedIcmpType, expectedIcmpCode, icmpTypeValid, icmpCodeValid );
@@ -855,7 +898,9 @@ void RecordingQosAclHelper::verifyIpRuleSrcPort( Nev::QosClassData const& classD
                                                  std::uint32_t subruleNum, std::uint32_t sequence,
                                                  std::uint16_t expectedLow,
                                                  std::uint16_t expectedHigh, bool valid ) {
-   taking( "verifyIpRuleSrcPort" );
+   if( taking( "verifyIpRuleSrcPort" ) && detailRecorded_ ) {
+      recordSubrule( "verifyIpRuleSrcPort", classData, aclKey, ruleNum, subruleNum );
+   }
    if( acted( "verifyIpRuleSrcPort" ) ) return;
    inner_->verifyIpRuleSrcPort( classData, aclKey, aclId, ruleNum, subruleNum, sequence,
                                 expectedLow, expectedHigh, valid );
@@ -867,7 +912,9 @@ void RecordingQosAclHelper::verifyIpRuleDstPort( Nev::QosClassData const& classD
                                                  std::uint32_t subruleNum, std::uint32_t sequence,
                                                  std::uint16_t expectedLow,
                                                  std::uint16_t expectedHigh, bool valid ) {
-   taking( "verifyIpRuleDstPort" );
+   if( taking( "verifyIpRuleDstPort" ) && detailRecorded_ ) {
+      recordSubrule( "verifyIpRuleDstPort", classData, aclKey, ruleNum, subruleNum );
+   }
    if( acted( "verifyIpRuleDstPort" ) ) return;
    inner_->verifyIpRuleDstPort( classData, aclKey, aclId, ruleNum, subruleNum, sequence,
                                 expectedLow, expectedHigh, valid );
@@ -879,7 +926,9 @@ void RecordingQosAclHelper::verifyIpRuleVlanMatch( Nev::QosClassData const& clas
                                                    std::uint32_t ruleNum, std::uint32_t subruleNum,
                                                    std::uint16_t expectedVlanId,
                                                    std::uint16_t expectedVlanIdMask, bool valid ) {
-   taking( "verifyIpRuleVlanMatch" );
+   if( taking( "verifyIpRuleVlanMatch" ) && detailRecorded_ ) {
+      recordSubrule( "verifyIpRuleVlanMatch", classData, aclKey, ruleNum, subruleNum );
+   }
    if( acted( "verifyIpRuleVlanMatch" ) ) return;
    inner_->verifyIpRuleVlanMatch( classData, aclKey, aclId, ruleNum, subruleNum, expectedVlanId,
                                   expectedVlanIdMask, valid );
@@ -902,7 +951,9 @@ void RecordingQosAclHelper::verifyRulePorts( Nev::QosPolicyMapState const& pmapS
                                              Nev::AclKey const& aclKey, Acl::UniqueId const& aclId,
                                              std::uint32_t ruleNum, std::uint32_t subruleNum,
                                              std::uint32_t sequence, Acl::Action action ) {
-   taking( "verifyRulePorts" );
+   if( taking( "verifyRulePorts" ) && detailRecorded_ ) {
+      recordSubrule( "verifyRulePorts", classData, aclKey, ruleNum, subruleNum );
+   }
    if( acted( "verifyRulePorts" ) ) return;
    inner_->verifyRulePorts( pmapState, classData, matchOption, aclKey, aclId, ruleNum, subruleNum,
                             sequence, action );
@@ -985,25 +1036,30 @@ void RecordingQosAclHelper::verifyCounter( Nev::QosClassData const& classData ) 
 }
 
 void RecordingQosAclHelper::handleRoutedPortSubIntfAclSharing() {
-   taking( "handleRoutedPortSubIntfAclSharing" );
+   if( taking( "handleRoutedPortSubIntfAclSharing" ) && detailRecorded_ )
+      record( "handleRoutedPortSubIntfAclSharing", {} );
    if( acted( "handleRoutedPortSubIntfAclSharing" ) ) return;
    inner_->handleRoutedPortSubIntfAclSharing();
 }
 
 void RecordingQosAclHelper::handleSubIntfForwardingModel( Mirel::IntfId const& intfId ) {
-   taking( "handleSubIntfForwardingModel" );
+   if( taking( "handleSubIntfForwardingModel" ) && detailRecorded_ ) {
+      record( "handleSubIntfForwardingModel", { { "intfId", intfName( intfId ) } } );
+   }
    if( acted( "handleSubIntfForwardingModel" ) ) return;
    inner_->handleSubIntfForwardingModel( intfId );
 }
 
 void RecordingQosAclHelper::handleSubIntfDeletion( Mirel::IntfId const& intfId ) {
-   taking( "handleSubIntfDeletion" );
+   if( taking( "handleSubIntfDeletion" ) && detailRecorded_ ) {
+      record( "handleSubIntfDeletion", { { "intfId", intfName( intfId ) } } );
+   }
    if( acted( "handleSubIntfDeletion" ) ) return;
    inner_->handleSubIntfDeletion( intfId );
 }
 
 Zub::String RecordingQosAclHelper::cpuQIdToClassMapName( std::uint32_t cpuQId ) {
-   if( taking( "cpuQIdToClassMapName" ) && namingRecorded_ ) {
+   if( taking( "cpuQIdToClassMapName" ) && detailRecorded_ ) {
       record( "cpuQIdToClassMapName", { { "cpuQId", textOf( cpuQId ) } } );
    }
    if( auto const answer = scripted< Zub::String >( "cpuQIdToClassMapName" ) ) return *answer;
@@ -1011,7 +1067,7 @@ Zub::String RecordingQosAclHelper::cpuQIdToClassMapName( std::uint32_t cpuQId ) 
 }
 
 Zub::String RecordingQosAclHelper::portToIntfName( std::uint32_t modId, std::uint32_t port ) {
-   if( taking( "portToIntfName" ) && namingRecorded_ ) {
+   if( taking( "portToIntfName" ) && detailRecorded_ ) {
       record( "portToIntfName", { { "modId", textOf( modId ) }, { "port", textOf( port ) } } );
    }
    if( auto const answer = scripted< Zub::String >( "portToIntfName" ) ) return *answer;

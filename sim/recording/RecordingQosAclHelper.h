@@ -6,10 +6,11 @@
 //
 // What is recorded. The operations that program, verify or ask about one object of the chip:
 // the same calls the runner's report has always shown, with the same argument texts. Questions
-// of capability, show output, single-subrule verification queries and the names of queues and
-// ports are forwarded unrecorded (they are counted in the counting mode; the names can be
-// recorded on request, namingRecordedIs). See CallRecorder.h
-// for the record's text, the counting mode and the scripted answers.
+// of capability, show output, single-subrule verification queries, the per-rule MAC question, the
+// sub-interface notices and the names of queues and ports are forwarded unrecorded (they are
+// counted in the counting mode; all but capabilities and show output are recorded on request,
+// detailRecordedIs). See CallRecorder.h for the record's text, the counting mode and the scripted
+// answers.
 //
 // Base-class state. The decorator is the helper the engine holds, so the state the engine keeps
 // in its helper (policy map states, unableToProgram, unit errors, the asynchronous result it
@@ -42,10 +43,12 @@ class RecordingQosAclHelper : public NevHelper::QosAclHelper, public CallRecorde
    ~RecordingQosAclHelper() override;
 
    NevHelper::QosAclHelper& inner() const { return *inner_; }
-   // Records the naming queries (cpuQIdToClassMapName, portToIntfName) as well, for a test that
-   // checks what the engine asks before it logs a name. Off by default: the runner's report
-   // leaves them out.
-   void namingRecordedIs( bool recorded ) { namingRecorded_ = recorded; }
+   // Records as well the calls the runner's report leaves out for their number or for having no
+   // effect on the chip, for a test about what the engine asks: the naming queries
+   // (cpuQIdToClassMapName, portToIntfName), the queries and checks of one subrule (each as
+   // classData, aclKey, ruleNum and subruleNum), isSupportedMacAclRule and the sub-interface
+   // notices. Off by default.
+   void detailRecordedIs( bool recorded ) { detailRecorded_ = recorded; }
 
    // ---- The helper contract, forwarded
    Zub::Name aclGroup( Qos::IntfPairKey const& intfPair,
@@ -293,7 +296,10 @@ class RecordingQosAclHelper : public NevHelper::QosAclHelper, public CallRecorde
  private:
    Zub::Ptr< NevHelper::QosAclHelper > inner_;
    Zub::Ptr< AsyncResultMirror > mirror_;
-   bool namingRecorded_ = false;
+   bool detailRecorded_ = false;
+
+   void recordSubrule( char const* op, Nev::QosClassData const& classData,
+                       Nev::AclKey const& aclKey, std::uint32_t ruleNum, std::uint32_t subruleNum );
 };
 
 }  // namespace Sim

@@ -36,7 +36,7 @@ class DynamicPerPortCoppSmTest : public ::testing::Test {
             Zub::make< Acl::Config >( Zub::Name( "acl" ) ), clock );
       helper = Zub::make< Sim::RecordingQosAclHelper >( chip, clock );
       // The engine names the policer it logs about: those questions are part of what is checked.
-      helper->namingRecordedIs( true );
+      helper->detailRecordedIs( true );
    }
    void TearDown() override {
       if( sm ) sm->zubDoZombieReactors( true );

@@ -37,19 +37,32 @@ class QosClassMatchAclSmVerifyTest : public QosAclSmFixture {
       helper->callsForget();
    }
    // One run of the chain, as the verify agent starts it; the report's lines, the engine's and
-   // the chip's. The decorator counts the calls of the run, the single-subrule queries among
-   // them, instead of recording them.
+   // the chip's. The decorator records the run's calls, the checks of single subrules among them.
    Lines verify() {
       verifyData->cliVerifyOutputDelAll();
-      helper->callCountsForget();
-      helper->countingIs( true );
+      helper->callsForget();
+      helper->detailRecordedIs( true );
       sm->schedulePolicyVerify();
       sm->handleVerify();
-      helper->countingIs( false );
+      helper->detailRecordedIs( false );
       Lines texts;
       for( auto const& text : verifyData->cliVerifyOutputTexts() )
          texts.push_back( text.stdString() );
       return texts;
+   }
+   // The subrules the last run asked `op` about, as "ruleNum.subruleNum", in order.
+   Lines queries( char const* op ) const {
+      Lines out;
+      for( Sim::ChipCall const& call : helper->calls() ) {
+         if( call.op != op ) continue;
+         std::string rule, subrule;
+         for( auto const& [ name, value ] : call.args ) {
+            if( name == "ruleNum" ) rule = value;
+            if( name == "subruleNum" ) subrule = value;
+         }
+         out.push_back( rule + "." + subrule );
+      }
+      return out;
    }
    // Damages field `field` of entry (ruleNum, subruleNum) of v4 in the chip, so that the run
    // reports the entry, with what the engine expected of it, if and only if it checks the field.
@@ -82,8 +95,8 @@ TEST_F( QosClassMatchAclSmVerifyTest, OnlyPermitRulesAreExpectedAndEachMissingSu
               ( Lines{ "ACL v4 sequence 10 rule 0 subrule 0 exist for action 1",
                        "ACL v4 sequence 20 rule 1 subrule 0 action is deny, expected permit",
                        "ACL v4 sequence 30 rule 2 subrule 0 action is deny, expected permit" } ) );
-   EXPECT_EQ( helper->callCount( "verifyIpRuleGeneral" ), 2u );
-   EXPECT_EQ( helper->callCount( "verifyIpRuleAction" ), 2u );
+   EXPECT_EQ( queries( "verifyIpRuleGeneral" ), ( Lines{ "1.0", "2.0" } ) );
+   EXPECT_EQ( queries( "verifyIpRuleAction" ), ( Lines{ "1.0", "2.0" } ) );
 }
 
 TEST_F( QosClassMatchAclSmVerifyTest, AVlanRuleLeftOutOnAnSviIsNoFinding ) {
@@ -94,8 +107,8 @@ TEST_F( QosClassMatchAclSmVerifyTest, AVlanRuleLeftOutOnAnSviIsNoFinding ) {
    takeLogs();  // the compile's note that the rule is ignored
    // The chip holds no entry of the rule, and is asked about it.
    EXPECT_EQ( verify(), Lines{} );
-   EXPECT_EQ( helper->callCount( "ipSubruleExists" ), 1u );
-   EXPECT_EQ( helper->callCount( "verifyAclGeneral" ), 1u ) << "the list was walked";
+   EXPECT_EQ( queries( "ipSubruleExists" ), Lines{ "0.0" } );
+   EXPECT_EQ( helper->callsMatching( "verifyAclGeneral" ).size(), 1u ) << "the list was walked";
 }
 
 TEST_F( QosClassMatchAclSmVerifyTest, AnExpandedRuleIsVerifiedEntryByEntryThenItsFragmentEntry ) {
@@ -118,11 +131,11 @@ TEST_F( QosClassMatchAclSmVerifyTest, AnExpandedRuleIsVerifiedEntryByEntryThenIt
                        "ACL v4 sequence 10 rule 0 subrule 2 dstPort is 1-1, expected 90-90",
                        "ACL v4 sequence 10 rule 0 subrule 3 dstPort is 1-1, expected "
                        "0-65535" } ) );
-   EXPECT_EQ( helper->callCount( "verifyIpRuleDstPort" ), 4u );
+   EXPECT_EQ( queries( "verifyIpRuleDstPort" ), ( Lines{ "0.0", "0.1", "0.2", "0.3" } ) );
    // Existence is asked of the first entry and of the fragment entry; the ports of the fragment
    // entry alone.
-   EXPECT_EQ( helper->callCount( "ipSubruleExists" ), 2u );
-   EXPECT_EQ( helper->callCount( "verifyRulePorts" ), 1u );
+   EXPECT_EQ( queries( "ipSubruleExists" ), ( Lines{ "0.0", "0.3" } ) );
+   EXPECT_EQ( queries( "verifyRulePorts" ), Lines{ "0.3" } );
 }
 
 TEST_F( QosClassMatchAclSmVerifyTest, OnASimulatedSwitchTheFirstFindingStopsTheProcess ) {

@@ -100,6 +100,8 @@ class QosClassMatchOptionSmTest : public QosAclSmFixture {
             out.push_back( "builtIn " +
                            ( entry ? "r" + std::to_string( entry->ruleNum ) + " " : "" ) +
                            valuesOf( entry ) );
+         } else if( call.op == "isSupportedMacAclRule" ) {
+            out.push_back( "supported?" );
          } else if( call.op == "precreateAcl" ) {
             out.push_back( "pre " + aclKey );
          } else if( call.op == "commitAcl" ) {
@@ -222,14 +224,17 @@ TEST_P( QosClassMatchOptionSmRoadTest, MacRulesTheChipLacksAreLeftOutWithoutANum
    helper->answerEnq( "isSupportedMacAclRule", true );
    helper->answerEnq( "isSupportedMacAclRule", false );
    helper->answerEnq( "isSupportedMacAclRule", true );
+   helper->detailRecordedIs( true );
    classMapIs( "mac", { { Qos::matchOptionMac, "m" } } );
    builtInClassMapIs( "builtin", "bfd" );
    goldIs( { "mac", "builtin" } );
    settle();
-   // The rule the chip lacks is asked about and takes no number: the third rule is r1.
+   // Each rule is asked about before it is made; the rule the chip lacks takes no number: the
+   // third rule is r1.
    EXPECT_EQ( compileCalls(),
-              ( Lines{ "pre mac-acl-7(ip)", "rule mac-acl-7(ip) r0 etherType=0x800",
-                       "rule mac-acl-7(ip) r1 etherType=0x86dd", "commit mac-acl-7(ip)",
+              ( Lines{ "pre mac-acl-7(ip)", "supported?", "rule mac-acl-7(ip) r0 etherType=0x800",
+                       "supported?", "supported?", "rule mac-acl-7(ip) r1 etherType=0x86dd",
+                       "commit mac-acl-7(ip)",
                        // The built-in class is one rule that the chip fills in.
                        "pre -7(ip)", "builtIn r0 class=bfd", "commit -7(ip)" } ) );
    EXPECT_EQ( takeLogs(), Lines{} );

@@ -91,6 +91,7 @@ TEST_F( RecordingHelpersTest, TheEngineProgramsTheChipThroughTheDecoratorWhichRe
    EXPECT_EQ( helper->callsMatching( "batchCommitAcls" ).size(),
               helper->callsMatching( "batchCommitAcls " ).size() );
    EXPECT_EQ( helper->callsMatching( "hwInit" ), Lines{ "hwInit" } );
+   EXPECT_EQ( helper->callsMatching( "" ).size(), helper->calls().size() );
    // The runner's text of each call, in order: hwInit came first.
    EXPECT_EQ( helper->callsText().substr( 0, 7 ), "hwInit\n" );
    EXPECT_EQ( helper->calls().front().helper, "acl" );
