@@ -134,6 +134,12 @@ struct ChipConfig {
    bool dscpEcnClassMatchSupported = true;
    bool multipleActionsSupported = true;
    bool errorOnPolicerExhaustion = false;
+   // Whether the engine compiles a policy map as soon as it is made (true), or only while it
+   // has interfaces (false).
+   bool createSmForPMap = true;
+   // A switch-wide setting the agent publishes beside the chip: the chip is a fabric slice, whose
+   // basic QoS serves the fabric interface only.
+   bool isFabricSlice = false;
    bool macAclRuleSupportedPlatform = false;
    bool qosEcnSupport = true;
    bool establishedSupported = false;

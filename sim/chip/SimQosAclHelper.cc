@@ -534,7 +534,7 @@ void SimQosAclHelper::batchCommitAclsIntf( Nev::QosPolicyMapState const&, Qos::I
                                            bool ) {}
 
 bool SimQosAclHelper::createSmForPMap( Nev::QosPolicyMapState const& ) {
-   return true;
+   return config_.createSmForPMap;
 }
 
 void SimQosAclHelper::cleanupForPMap( Nev::QosPolicyMapKey const& ) {}

@@ -29,6 +29,8 @@ constexpr FlagField flagFields[] = {
    { "dscpEcnClassMatchSupported", &ChipConfig::dscpEcnClassMatchSupported },
    { "multipleActionsSupported", &ChipConfig::multipleActionsSupported },
    { "errorOnPolicerExhaustion", &ChipConfig::errorOnPolicerExhaustion },
+   { "createSmForPMap", &ChipConfig::createSmForPMap },
+   { "isFabricSlice", &ChipConfig::isFabricSlice },
    { "hwInitialized", &ChipConfig::hwInitialized },
    { "mcTxQueueMapSupported", &ChipConfig::mcTxQueueMapSupported },
    { "dscpRewriteSupported", &ChipConfig::dscpRewriteSupported },

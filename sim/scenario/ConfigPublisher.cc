@@ -47,6 +47,7 @@ ConfigPublisher::ConfigPublisher( EngineInputs inputs, std::string file )
 
 void ConfigPublisher::chipIs( ChipConfig const& chip ) {
    capabilitiesIs( *in_.aclHwStatus, *in_.hwStatus, chip );
+   in_.ncsd->isFabricSliceIs( chip.isFabricSlice );
    model_.faultsIs( chip.faults.size() );
    model_.hwInitializedIs( chip.hwInitialized );
 }

@@ -99,6 +99,8 @@ std::vector< Flag > const flags{
    { "dscpEcnClassMatchSupported", policy, true },
    { "multipleActionsSupported", policy, true },
    { "errorOnPolicerExhaustion", policy, false },
+   { "createSmForPMap", policy, true },
+   { "isFabricSlice", basic, false },
    { "hwInitialized", basic | controlPlane, true },
    { "mcTxQueueMapSupported", basic | controlPlane, false },
    { "dscpRewriteSupported", basic, true },

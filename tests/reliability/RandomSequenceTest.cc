@@ -160,12 +160,6 @@ class RandomSequenceTest : public ::testing::TestWithParam< Sim::TcamMode > {
       return config_->chip().asynchronous() && avoided( "async-map-fails-on-roomy-chip" );
    }
 
-   // Known defect subrules-missing-short-of-policers.
-   bool tolerated( std::string const& finding, Sim::SimSwitch const& ) const {
-      return finding.ends_with( " doesn't exist" ) &&
-             avoided( "subrules-missing-short-of-policers" ) && config_->chip().tight( "policers" );
-   }
-
    void checkAgainstFresh( Sim::SimSwitch& sw, bool faultsHeld, std::string const& where ) {
       RandomChip const& chip = config_->chip();
       Sim::SimSwitch fresh( scenarioOf( config_->scenarioText( chip.roomyText() ) ) );
@@ -256,11 +250,7 @@ class RandomSequenceTest : public ::testing::TestWithParam< Sim::TcamMode > {
                << logs[ i ].handle << ": " << logs[ i ].text << "\n"
                << where;
       }
-      Lines findings;
-      for( std::string const& f : sw.verify() ) {
-         if( !tolerated( f, sw ) ) findings.push_back( f );
-      }
-      EXPECT_EQ( findings, Lines{} ) << where;
+      EXPECT_EQ( sw.verify(), Lines{} ) << where;
       EXPECT_EQ( tcamMismatches( sw ), Lines{} ) << where;
       EXPECT_EQ( cbfMismatches( sw ), Lines{} ) << where;
       checkAgainstFresh( sw, faultsHeld, where );
