@@ -41,9 +41,8 @@ std::size_t callsOf( Sim::SimSwitch const& sw, std::string const& op, double fro
    return n;
 }
 
-
 std::size_t run( std::string const& chipKeys, std::string const& text, std::string const& op,
-         double from ) {
+                 double from ) {
    Sim::Scenario const s =
          Sim::loadScenarioText( "chip: { " + chipKeys + " }\n" + text, "answers.yaml" );
    Sim::SimSwitch sw( s );
@@ -84,9 +83,8 @@ TEST( ChipAnswersTest, AMapCompiledOnceItHasAnInterfaceEndsAsTheDefaultOne ) {
    // amiss in it.
    for( char const* keys : { "", "createSmForPMap: false" } ) {
       SCOPED_TRACE( keys );
-      Sim::Scenario const s =
-            Sim::loadScenarioText( std::string( "chip: { " ) + keys + " }\n" + policyOnOnePort,
-                                   "answers.yaml" );
+      Sim::Scenario const s = Sim::loadScenarioText(
+            std::string( "chip: { " ) + keys + " }\n" + policyOnOnePort, "answers.yaml" );
       Sim::SimSwitch sw( s );
       sw.runUntil( 0.5 );
       std::string const web = "gold(qos,input)/web/Default WEB(ip)";
