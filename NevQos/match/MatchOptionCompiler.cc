@@ -302,10 +302,14 @@ bool createClassMatchMplsTrafficClassAcl( MatchOptionTarget const& t,
    return compileReported( t, createMplsTrafficClassRules );
 }
 
+bool macRulesIgnoredBesideIpv6( MatchOptionTarget const& t ) {
+   return t.pmapSm.ipv6AccessGroupCount() != 0 && !helperOf( t ).isMacAclRuleSupportedPlatform();
+}
+
 bool createClassMatchMacAcl( MatchOptionTarget const& t,
                              Zub::Ptr< Qos::ClassMapMatch const > const& classMatch ) {
    copyMacValue( *classMatch, *t.classData );
-   if( t.pmapSm.ipv6AccessGroupCount() != 0 && !helperOf( t ).isMacAclRuleSupportedPlatform() ) {
+   if( macRulesIgnoredBesideIpv6( t ) ) {
       // No rule of the MAC list is programmed beside an IPv6 access group.
       Zub::log( QOS_MAC_ACL_RULE_IPV6_MISMATCH, t.pmapSm.pmapName(),
                 t.classData->key().cmapName() );

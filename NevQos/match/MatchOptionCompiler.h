@@ -108,6 +108,9 @@ bool createClassMatchDscpEcnAcl( MatchOptionTarget const& target,
                                  Zub::Ptr< Qos::ClassMapMatch const > const& classMatch );
 bool createClassMatchMplsTrafficClassAcl( MatchOptionTarget const& target,
                                           Zub::Ptr< Qos::ClassMapMatch const > const& classMatch );
+// Whether a MAC list of the target's map is left unprogrammed: the map has an IPv6 access group and
+// the chip cannot hold MAC lists beside IPv6 ones.
+bool macRulesIgnoredBesideIpv6( MatchOptionTarget const& target );
 // Reports a refused rule only by its result: dirty stays as it was.
 bool createClassMatchMacAcl( MatchOptionTarget const& target,
                              Zub::Ptr< Qos::ClassMapMatch const > const& classMatch );

@@ -33,8 +33,10 @@ bool QosClassMatchAclSm::createAcl() {
       data->dirtyIs( false );
       return true;
    }
-   if( aclType() == Acl::ipv6() && pmapSm()->macAccessRuleCount() != 0 &&
-       !helper().isMacAclRuleSupportedPlatform() ) {
+   rulesIgnoredBesideOtherFamilyIs( aclType() == Acl::ipv6() &&
+                                    pmapSm()->macAccessRuleCount() != 0 &&
+                                    !helper().isMacAclRuleSupportedPlatform() );
+   if( rulesIgnoredBesideOtherFamily() ) {
       // No rule of this list is programmed beside a MAC access group.
       Zub::log( QOS_MAC_ACL_RULE_IPV6_MISMATCH, pmapSm()->pmapName(), classMatchSm()->cmapName() );
       return false;

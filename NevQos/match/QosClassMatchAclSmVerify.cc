@@ -47,7 +47,7 @@ void QosClassMatchAclSm::handleVerify() {
    }
    reportIfDestroying();
    auto const rules = aclConfig()->currCfg();
-   if( !initialized() || !rules ) return;
+   if( !initialized() || !rules || rulesIgnoredBesideOtherFamily() ) return;
    helper().verifyAclGeneral( *classData(), matchOption(), key() );
    std::uint32_t ruleNum = 0;
    for( auto it = rules->ruleBySequence().iter(); it; ++it ) {

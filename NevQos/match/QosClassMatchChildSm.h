@@ -44,6 +44,9 @@ class QosClassMatchChildSm : public Zub::PtrInterface {
    Qos::ClassMapMatchOption matchOption() const { return matchOption_; }
    bool destroying() const { return destroying_; }
    bool initialized() const { return initialized_; }
+   // The last compile programmed no rule because the list's family may not sit beside the other
+   // family's in this map on this chip (logged): there is nothing in hardware to compare.
+   bool rulesIgnoredBesideOtherFamily() const { return rulesIgnored_; }
 
    // True when the ACL stands or needs nothing.
    virtual bool createAcl() = 0;
@@ -73,6 +76,7 @@ class QosClassMatchChildSm : public Zub::PtrInterface {
    VerifyData* verifyReport() const;
    // A child found in the walk after its teardown began is itself a mismatch.
    void reportIfDestroying() const;
+   void rulesIgnoredBesideOtherFamilyIs( bool ignored ) { rulesIgnored_ = ignored; }
    // A hook for the road-specific start of a child, before the ACL data is made.
    virtual void prepareInitialized() {}
    // Deferred mode: queues this child's ACL with the parent.
@@ -92,6 +96,7 @@ class QosClassMatchChildSm : public Zub::PtrInterface {
    Qos::ClassMapMatchOption matchOption_;
    bool destroying_ = false;
    bool initialized_ = false;
+   bool rulesIgnored_ = false;
 };
 
 }  // namespace Nev

@@ -36,6 +36,8 @@ bool QosClassMatchOptionSm::createAcl() {
       *qosAclSm(), *pmapSm(), classData(), key(), matchOption(), data
    };
    auto const& classMatch = classMatchSm()->classMatch();
+   rulesIgnoredBesideOtherFamilyIs( matchOption() == Qos::matchOptionMac &&
+                                    macRulesIgnoredBesideIpv6( target ) );
    // A match the chip cannot classify on programs nothing, and the ACL counts as standing.
    if( !chipClassifies() ) return true;
    switch( matchOption() ) {
@@ -102,7 +104,7 @@ void QosClassMatchOptionSm::handleVerify() {
       return;
    }
    reportIfDestroying();
-   if( !chipClassifies() ) return;  // nothing was programmed for it
+   if( !chipClassifies() || rulesIgnoredBesideOtherFamily() ) return;  // nothing was programmed
    switch( matchOption() ) {
       case Qos::matchOptionVlan:
       case Qos::matchOptionCos:

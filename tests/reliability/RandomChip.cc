@@ -45,6 +45,8 @@ std::vector< Flag > const flags{
    { "dscpEcnClassMatchSupported", true },
    { "multipleActionsSupported", true },
    { "errorOnPolicerExhaustion", false },
+   { "createSmForPMap", true },
+   { "isFabricSlice", false },
    { "hwInitialized", true },
    { "mcTxQueueMapSupported", false },
    { "dscpRewriteSupported", true },
