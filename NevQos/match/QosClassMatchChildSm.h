@@ -48,6 +48,9 @@ class QosClassMatchChildSm : public Zub::PtrInterface {
    // family's in this map on this chip (logged): there is nothing in hardware to compare.
    bool rulesIgnoredBesideOtherFamily() const { return rulesIgnored_; }
 
+   // The ACL's record in the class data: its number and flags; null once the match data went.
+   Zub::Ptr< AclData > aclData() const;
+
    // True when the ACL stands or needs nothing.
    virtual bool createAcl() = 0;
    virtual void intfUpdated( Qos::IntfPairKey const& intfPair, bool add );
@@ -67,7 +70,6 @@ class QosClassMatchChildSm : public Zub::PtrInterface {
    NevHelper::QosAclHelper& helper() const;
    QosPolicyMapState& pmapState() const;
    Zub::Ptr< QosClassMatchData > matchData() const;
-   Zub::Ptr< AclData > aclData() const;
    // (classData.priority << 8) | matchData.priority: the number of every non-IP ACL.
    std::int32_t optionAclNumber() const;
    // (classData.priority << 23) | (matchData.priority << 20): the number of an access group.

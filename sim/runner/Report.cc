@@ -10,6 +10,7 @@
 #include "sim/runner/BasicReport.h"
 #include "sim/runner/CbfReport.h"
 #include "sim/runner/ControlPlaneReport.h"
+#include "sim/runner/EngineReport.h"
 
 namespace Sim {
 
@@ -43,6 +44,7 @@ Json logsOf( std::vector< LogLine > const& logs ) {
       out.push_back( Json{ { "t", l.t },
                            { "handle", l.handle },
                            { "severity", l.severity },
+                           { "severityLevel", l.severityLevel },
                            { "text", l.text } } );
    }
    return out;
@@ -230,8 +232,9 @@ void printCalls( std::ostream& os, Json const& calls, std::size_t limit ) {
 void printLogs( std::ostream& os, Json const& logs ) {
    os << "\nSystem log (" << logs.size() << "):\n";
    for( Json const& l : logs ) {
-      os << seconds( l[ "t" ] ) << "  " << l[ "severity" ].get< std::string >() << " "
-         << l[ "handle" ].get< std::string >() << ": " << l[ "text" ].get< std::string >() << "\n";
+      os << seconds( l[ "t" ] ) << "  " << l[ "severity" ].get< std::string >() << "("
+         << l[ "severityLevel" ].get< int >() << ") " << l[ "handle" ].get< std::string >() << ": "
+         << l[ "text" ].get< std::string >() << "\n";
    }
 }
 
@@ -348,7 +351,8 @@ Json reportOf( Scenario const& scenario, SimSwitch const& sw ) {
                 { "controlPlane", controlPlaneOf( sw ) },
                 { "cbf", cbfOf( sw ) },
                 { "tcam", tcamOf( sw.chip() ) },
-                { "resources", resourcesOf( sw.chip() ) } };
+                { "resources", resourcesOf( sw.chip() ) },
+                { "engine", engineOf( sw.engine() ) } };
 }
 
 namespace {
@@ -380,6 +384,7 @@ void printTextReport( std::ostream& os, Json const& report, std::size_t limit ) 
    printLogs( os, report[ "logs" ] );
    printStatus( os, report[ "status" ] );
    printTcam( os, report[ "tcam" ], report[ "resources" ], limit );
+   printEngine( os, report[ "engine" ] );
    printFeatures( os, report[ "status" ] );
    printBasic( os, report[ "basic" ] );
    printControlPlane( os, report[ "controlPlane" ] );

@@ -35,13 +35,14 @@ char const* severityText( Zub::LogSeverity s ) {
 
 }  // namespace
 
-SimSwitch::SimSwitch( Scenario const& scenario, std::size_t runawayTurns )
+SimSwitch::SimSwitch( Scenario const& scenario, std::size_t runawayTurns, bool verifyOnRequest )
     : file_( scenario.file ) {
    loop_ = Zub::ActivityManager::create( Zub::ActivityManager::TimeSource::simulated,
                                          switchStartTime );
    loop_->runawayLimitIs( runawayTurns );
    enter();
    entitiesIs( scenario.chip );
+   ncsd_->verifyData()->verifyRequiredIs( verifyOnRequest );
    publisher_ = std::make_unique< ConfigPublisher >(
          EngineInputs{ qosStatus_, aclConfig_, aclHwStatus_, hwStatus_, counterConfigDir_, ncsd_,
                        cliCounterConfig_, ethPhyIntfStatusDir_, kernelCoppStatus_,
@@ -56,7 +57,8 @@ void SimSwitch::enter() {
    Zub::activityManagerIs( loop_ );
    Zub::logSinkIs( [ this ]( Zub::LogRecord const& r ) {
       logs_.push_back( LogLine{ r.time, r.handle->name().stdString(),
-                                severityText( r.handle->severity() ), r.text.stdString() } );
+                                severityText( r.handle->severity() ),
+                                static_cast< int >( r.handle->severity() ), r.text.stdString() } );
    } );
 }
 
@@ -207,6 +209,21 @@ std::vector< std::string > SimSwitch::verify() {
    // A run compares everything, not only what changed since the last one.
    engine_->schedulePolicyVerify();
    basicEngine_->scheduleQosVerify();
+   return verifyRun();
+}
+
+bool SimSwitch::verifyRequested() const {
+   return ncsd_->verifyData()->verifyRequested();
+}
+
+std::vector< std::string > SimSwitch::requestedVerify() {
+   enter();
+   ncsd_->verifyData()->cliVerifyOutputDelAll();
+   return verifyRun();
+}
+
+std::vector< std::string > SimSwitch::verifyRun() {
+   auto const data = ncsd_->verifyData();
    data->doVerify();
    loop_->runUntil( loop_->now() );
    std::vector< std::string > findings;

@@ -38,6 +38,8 @@ struct LogLine {
    Zub::Seconds t = 0.0;
    std::string handle;
    std::string severity;
+   // The catalogue's number of the severity: 0 emergency to 7 debug.
+   int severityLevel = 0;
    std::string text;
 };
 
@@ -51,7 +53,10 @@ class SimSwitch {
    // and runs every turn due at the start, without moving time on. Throws ScenarioError for a
    // configuration the publisher refuses. Whatever runs the loop throws Zub::RunawayException
    // once `runawayTurns` turns are taken within one second of virtual time (0 for no limit).
-   explicit SimSwitch( Scenario const& scenario, std::size_t runawayTurns = defaultRunawayTurns );
+   // With `verifyOnRequest`, the verify agent wants the engines to ask for a run after each
+   // change they make (verifyRequested(), requestedVerify()).
+   explicit SimSwitch( Scenario const& scenario, std::size_t runawayTurns = defaultRunawayTurns,
+                       bool verifyOnRequest = false );
    ~SimSwitch();
    SimSwitch( SimSwitch const& ) = delete;
    SimSwitch& operator=( SimSwitch const& ) = delete;
@@ -70,6 +75,10 @@ class SimSwitch {
    // Compares everything programmed with the chip's TCAM, as the platform's verify agent would
    // ask: the findings of this run, in the order they were raised.
    std::vector< std::string > verify();
+   // Whether an engine has asked for a run since the last one.
+   bool verifyRequested() const;
+   // The run an engine asked for: only what the engines marked for it is compared.
+   std::vector< std::string > requestedVerify();
    // Prints what the chip holds for the policy maps of `type` to the descriptor `fd`.
    void show( int fd, Qos::MapType type, bool detail );
    // The map types the engine has a machine for, in order.
@@ -77,6 +86,7 @@ class SimSwitch {
    Zub::Seconds now() const { return loop_->now(); }
 
    SimQosAclHelper const& chip() const { return *chip_; }
+   Nev::QosAclSm const& engine() const { return *engine_; }
    SimQosBasicHelper const& basicChip() const { return *basicChip_; }
    // Every call of the engines on the chip, in order, as the recording decorators took them.
    std::vector< ChipCall > const& calls() const { return calls_; }
@@ -101,6 +111,8 @@ class SimSwitch {
    void entitiesIs( ChipConfig const& chip );
    void engineIs();
    void enginesStop();
+   // Starts the run asked for and collects its findings.
+   std::vector< std::string > verifyRun();
    void chipChangesIs( std::vector< Change > const& changes );
    void cbfTablesIs( ChipConfig const& chip );
 

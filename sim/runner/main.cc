@@ -28,20 +28,26 @@ std::map< std::string, Qos::MapType > const showTypes{ { "qos", Qos::mapQos_ },
                                                        { "control-plane", Qos::mapControlPlane_ },
                                                        { "pdp", Qos::mapPdp_ } };
 
-// With --verify: compares the switch with its chip now and keeps what was found.
+// With --verify: compares the switch with its chip at each check point and keeps what was found.
+// By default only where an engine has asked for a run since the last check, as the platform's
+// verify agent runs; with --verify=always at every check point, over everything programmed.
 struct Verification {
-   bool on = false;
+   std::string mode;  // empty: off; "requested" or "always"
    std::size_t runs = 0;
    nlohmann::ordered_json findings = nlohmann::ordered_json::array();
 
+   bool on() const { return !mode.empty(); }
    void run( Sim::SimSwitch& sw ) {
-      if( !on ) return;
+      if( !on() ) return;
+      bool const always = mode == "always";
+      if( !always && !sw.verifyRequested() ) return;
       ++runs;
-      for( std::string const& text : sw.verify() )
+      for( std::string const& text : always ? sw.verify() : sw.requestedVerify() )
          findings.push_back( { { "t", sw.now() }, { "text", text } } );
    }
    nlohmann::ordered_json json( Sim::SimSwitch const& sw ) const {
-      return { { "runs", runs },
+      return { { "mode", mode },
+               { "runs", runs },
                { "subruleQueries", sw.chip().subruleQueries() },
                { "findings", findings } };
    }
@@ -87,9 +93,14 @@ int main( int argc, char** argv ) {
    app.add_option( "--tcam-mode", tcamMode,
                    "Run on a chip of this TCAM mode, whatever the scenario says" )
          ->check( CLI::IsMember( { "synchronous", "asynchronous" } ) );
-   app.add_flag( "--verify", verification.on,
-                 "Compare the engine's view with the chip's TCAM at the start, after each step "
-                 "and at the end; exit with 1 if anything differs" );
+   auto* const verifyOption =
+         app.add_option(
+                  "--verify", verification.mode,
+                  "Compare the engine's view with the chip at the start, after each step and at "
+                  "the end: where an engine asked for it (requested, the default), or every "
+                  "time over everything (always); exit with 1 if anything differs" )
+               ->expected( 0, 1 )
+               ->check( CLI::IsMember( { "requested", "always" } ) );
    auto* const showOption =
          app.add_option( "--show", showType,
                          "After the report, print what the chip holds for the policy maps of "
@@ -109,12 +120,13 @@ int main( int argc, char** argv ) {
       // --help is a parse "error" that exits 0.
       return app.exit( e ) == 0 ? 0 : badInput;
    }
+   if( verifyOption->count() != 0 && verification.mode.empty() ) verification.mode = "requested";
 
    try {
       Sim::Scenario scenario = Sim::loadScenario( path );
       if( tcamMode == "synchronous" ) scenario.chip.tcamMode = Sim::TcamMode::synchronous;
       if( tcamMode == "asynchronous" ) scenario.chip.tcamMode = Sim::TcamMode::asynchronous;
-      Sim::SimSwitch sw( scenario, maxTurns );
+      Sim::SimSwitch sw( scenario, maxTurns, verification.on() );
       verification.run( sw );
       for( Sim::Step const& step : scenario.steps ) {
          sw.stepIs( step );
@@ -123,7 +135,7 @@ int main( int argc, char** argv ) {
       sw.runUntil( sw.now() + settle );
       verification.run( sw );
       auto report = Sim::reportOf( scenario, sw );
-      if( verification.on ) report[ "verify" ] = verification.json( sw );
+      if( verification.on() ) report[ "verify" ] = verification.json( sw );
       if( json ) {
          std::cout << report.dump( 2 ) << "\n";
       } else {

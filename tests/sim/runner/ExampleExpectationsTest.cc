@@ -44,7 +44,8 @@ Json expectedPartOf( Json const& report ) {
                 { "resources", report[ "resources" ] },
                 { "basic", report[ "basic" ] },
                 { "controlPlane", report[ "controlPlane" ] },
-                { "cbf", report[ "cbf" ] } };
+                { "cbf", report[ "cbf" ] },
+                { "engine", report[ "engine" ] } };
 }
 
 class ExampleExpectationsTest : public ::testing::TestWithParam< char const* > {};

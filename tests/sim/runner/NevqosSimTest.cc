@@ -410,7 +410,7 @@ TEST( NevqosSimTest, EveryExampleButTheDamagedOneVerifiesClean ) {
       for( char const* mode : { "synchronous", "asynchronous" } ) {
          SCOPED_TRACE( name + " " + mode );
          SimRun const run =
-               runSim( { example( name ), "--json", "--verify", "--tcam-mode", mode } );
+               runSim( { example( name ), "--json", "--verify=always", "--tcam-mode", mode } );
          ASSERT_EQ( run.exitCode, 0 ) << run.err << run.out.substr( 0, 2000 );
          Json const verify = run.report()[ "verify" ];
          EXPECT_EQ( verify[ "findings" ], Json::array() );
@@ -444,9 +444,11 @@ servicePolicies: [ { policyMap: p, interfaces: [ Ethernet1 ] } ]
 }
 
 TEST( NevqosSimTest, DamagedEntriesAreFoundUntilTheMapIsProgrammedAgain ) {
-   SimRun const run = runSim( { example( "tcam-corruption.yaml" ), "--json", "--verify" } );
+   SimRun const run = runSim( { example( "tcam-corruption.yaml" ), "--json", "--verify=always" } );
    EXPECT_EQ( run.exitCode, 1 ) << run.err;
    Json const report = run.report();
+   EXPECT_EQ( report[ "verify" ][ "mode" ], "always" );
+   EXPECT_EQ( report[ "verify" ][ "runs" ], 6 ) << "the start, five steps' ends and the settle";
    Lines findings;
    for( Json const& f : report[ "verify" ][ "findings" ] ) {
       findings.push_back( f[ "t" ].dump() + " " + f[ "text" ].get< std::string >() );
@@ -457,6 +459,14 @@ TEST( NevqosSimTest, DamagedEntriesAreFoundUntilTheMapIsProgrammedAgain ) {
                        "3.0 ACL MGMT sequence 20 rule 1 subrule 0 doesn't exist",
                        "3.0 ACL MGMT sequence 30 rule 2 subrule 0 dstPort is 447-447, expected "
                        "443-443" } ) );
+   // Damage is no change of the engine's: a bare --verify runs only where an engine asked, after
+   // the start, the attach and the reprogramming, and so finds nothing.
+   SimRun const requested = runSim( { example( "tcam-corruption.yaml" ), "--json", "--verify" } );
+   EXPECT_EQ( requested.exitCode, 0 ) << requested.err;
+   Json const asked = requested.report()[ "verify" ];
+   EXPECT_EQ( asked[ "mode" ], "requested" );
+   EXPECT_EQ( asked[ "findings" ], Json::array() );
+   EXPECT_LT( asked[ "runs" ].get< int >(), 6 );
    // Without --verify the run is a plain run.
    EXPECT_EQ( runSim( { example( "tcam-corruption.yaml" ), "--json" } ).exitCode, 0 );
    // An entry that isn't there cannot be damaged.
@@ -465,9 +475,51 @@ TEST( NevqosSimTest, DamagedEntriesAreFoundUntilTheMapIsProgrammedAgain ) {
          << "  - at: 3\n    changes:\n      - corruptTcam: { acl: MGMT, rule: 9 }\n";
    SimRun const missing = runSim( { path } );
    EXPECT_EQ( missing.exitCode, 2 );
-   EXPECT_NE( missing.err.find( ":43:9: corruptTcam: no installed ACL MGMT has entry 9.0 now" ),
+   EXPECT_NE( missing.err.find( ":44:9: corruptTcam: no installed ACL MGMT has entry 9.0 now" ),
               std::string::npos )
          << missing.err;
+}
+
+// The engine's records beside the chip's: a list the engine committed and left out (an IPv6 list
+// beside a MAC list on a chip that cannot hold both) is in the engine's view only, with no
+// number; a policer above the chip's limit is held clamped; the warning is severity 4.
+TEST( NevqosSimTest, TheReportShowsTheEnginesOwnRecords ) {
+   std::string const path = scenarioFile( "engine-records.yaml", R"(
+chip: { policeByteModeMaxRateKbps: 1000 }
+interfaces: [ Ethernet1 ]
+acls:
+  - { name: V6, type: ipv6, rules: [ { proto: udp } ] }
+  - { name: M, type: mac, rules: [ { etherType: 0x800 } ] }
+classMaps:
+  - { name: c6, match: { ipv6: V6 } }
+  - { name: cm, match: { mac: M } }
+policyMaps:
+  - name: p
+    classes:
+      - { class: c6, police: { cir: 5000, bc: 16000, red: { drop: true } } }
+      - { class: cm, set: { cos: 2 } }
+servicePolicies: [ { policyMap: p, interfaces: [ Ethernet1 ] } ]
+)" );
+   SimRun const run = runSim( { path, "--json" } );
+   ASSERT_EQ( run.exitCode, 0 ) << run.err;
+   Json const report = run.report();
+   ASSERT_EQ( report[ "logs" ].size(), 2u );
+   EXPECT_EQ( report[ "logs" ][ 0 ][ "severityLevel" ], 4 );
+   Json const& pmap = report[ "engine" ][ "policyMaps" ][ 0 ];
+   EXPECT_EQ( pmap[ "id" ], "p(qos,input)" );
+   std::map< std::string, Json > classes;
+   for( Json const& c : pmap[ "classes" ] )
+      classes[ c[ "id" ].get< std::string >() ] = c;
+   Json const& c6 = classes.at( "p(qos,input)/c6/Ethernet1" );
+   EXPECT_EQ( c6[ "policer" ][ "cir" ], 1000 ) << "clamped to the chip's most";
+   EXPECT_EQ( c6[ "policer" ][ "cirUnit" ], "kbps" );
+   EXPECT_GT( c6[ "priority" ], classes.at( "p(qos,input)/cm/Default" )[ "priority" ] );
+   ASSERT_EQ( c6[ "acls" ].size(), 1u );
+   EXPECT_EQ( c6[ "acls" ][ 0 ][ "key" ], "V6(ipv6)" );
+   EXPECT_EQ( c6[ "acls" ][ 0 ][ "aclNumber" ], -1 ) << "never created";
+   EXPECT_EQ( c6[ "acls" ][ 0 ][ "installed" ], true ) << "yet committed";
+   for( Json const& acl : report[ "tcam" ][ "acls" ] )
+      EXPECT_EQ( acl[ "id" ].get< std::string >().find( "V6" ), std::string::npos );
 }
 
 TEST( NevqosSimTest, ShowPrintsTheTcamOfEachAclAfterTheReport ) {
