@@ -50,6 +50,22 @@ Json logsOf( std::vector< LogLine > const& logs ) {
    return out;
 }
 
+}  // namespace
+
+Json tracesOf( std::vector< TraceLine > const& traces ) {
+   Json out = Json::array();
+   for( TraceLine const& l : traces ) {
+      out.push_back( Json{ { "t", l.t },
+                           { "handle", l.handle },
+                           { "level", l.level },
+                           { "function", l.function },
+                           { "text", l.text } } );
+   }
+   return out;
+}
+
+namespace {
+
 // The action types of one colour whose status is set.
 template< class Collection >
 Json actionsOf( Collection const& actions ) {
@@ -238,6 +254,15 @@ void printLogs( std::ostream& os, Json const& logs ) {
    }
 }
 
+void printTraces( std::ostream& os, Json const& traces ) {
+   os << "\nTrace (" << traces.size() << "):\n";
+   for( Json const& l : traces ) {
+      os << seconds( l[ "t" ] ) << "  " << l[ "handle" ].get< std::string >() << "/"
+         << l[ "level" ].get< int >() << " " << l[ "function" ].get< std::string >() << ": "
+         << l[ "text" ].get< std::string >() << "\n";
+   }
+}
+
 // The names of the actions whose status is set.
 std::string actionsText( Json const& actions ) {
    std::string out;
@@ -382,6 +407,7 @@ void printTextReport( std::ostream& os, Json const& report, std::size_t limit ) 
    os << "\nRan to " << seconds( report[ "time" ] ) << " s of virtual time.\n";
    printCalls( os, report[ "calls" ], limit );
    printLogs( os, report[ "logs" ] );
+   if( report.contains( "trace" ) ) printTraces( os, report[ "trace" ] );
    printStatus( os, report[ "status" ] );
    printTcam( os, report[ "tcam" ], report[ "resources" ], limit );
    printEngine( os, report[ "engine" ] );

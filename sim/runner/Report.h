@@ -16,6 +16,8 @@
 namespace Sim {
 
 nlohmann::ordered_json reportOf( Scenario const& scenario, SimSwitch const& sw );
+// The "trace" key: the trace lines kept, in order.
+nlohmann::ordered_json tracesOf( std::vector< TraceLine > const& traces );
 
 // A finite pool of the chip: { size, used, free }, and its text "U used, F free of S".
 nlohmann::ordered_json poolOf( std::uint64_t size, std::uint64_t used );

@@ -6,6 +6,7 @@
 #include "entities/SliceHwStatus.h"
 #include "sim/scenario/ScenarioError.h"
 #include "zub/Log.h"
+#include "zub/Trace.h"
 
 namespace Sim {
 
@@ -35,14 +36,14 @@ char const* severityText( Zub::LogSeverity s ) {
 
 }  // namespace
 
-SimSwitch::SimSwitch( Scenario const& scenario, std::size_t runawayTurns, bool verifyOnRequest )
-    : file_( scenario.file ) {
+SimSwitch::SimSwitch( Scenario const& scenario, SwitchOptions const& options )
+    : file_( scenario.file ), keepTraces_( options.keepTraces ) {
    loop_ = Zub::ActivityManager::create( Zub::ActivityManager::TimeSource::simulated,
                                          switchStartTime );
-   loop_->runawayLimitIs( runawayTurns );
+   loop_->runawayLimitIs( options.runawayTurns );
    enter();
    entitiesIs( scenario.chip );
-   ncsd_->verifyData()->verifyRequiredIs( verifyOnRequest );
+   ncsd_->verifyData()->verifyRequiredIs( options.verifyOnRequest );
    publisher_ = std::make_unique< ConfigPublisher >(
          EngineInputs{ qosStatus_, aclConfig_, aclHwStatus_, hwStatus_, counterConfigDir_, ncsd_,
                        cliCounterConfig_, ethPhyIntfStatusDir_, kernelCoppStatus_,
@@ -60,11 +61,17 @@ void SimSwitch::enter() {
                                 severityText( r.handle->severity() ),
                                 static_cast< int >( r.handle->severity() ), r.text.stdString() } );
    } );
+   if( !keepTraces_ ) return;
+   Zub::traceSinkIs( [ this ]( Zub::TraceRecord const& r ) {
+      traces_.push_back( TraceLine{ loop_->now(), r.handle.stdString(), r.level,
+                                    r.function ? r.function : "", r.message.stdString() } );
+   } );
 }
 
 SimSwitch::~SimSwitch() {
    enginesStop();
    Zub::logSinkIs( nullptr );
+   if( keepTraces_ ) Zub::traceSinkIs( nullptr );
    Zub::activityManagerIs( nullptr );
 }
 

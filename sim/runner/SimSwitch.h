@@ -43,20 +43,38 @@ struct LogLine {
    std::string text;
 };
 
-class SimSwitch {
- public:
+// One line of an engine's trace, as the switch's trace handles wrote it.
+struct TraceLine {
+   Zub::Seconds t = 0.0;
+   std::string handle;
+   int level = 0;
+   std::string function;
+   std::string text;
+};
+
+// How a switch runs, beside its scenario.
+struct SwitchOptions {
    // Turns within one second of virtual time past which a run is taken for one that never
    // settles: far more than any scenario's engines take, and cut within seconds.
    static constexpr std::size_t defaultRunawayTurns = 10000;
+   std::size_t runawayTurns = defaultRunawayTurns;
+   // The verify agent wants the engines to ask for a run after each change they make
+   // (verifyRequested(), requestedVerify()).
+   bool verifyOnRequest = false;
+   // The lines of the trace handles enabled (Zub::traceEnable) are kept, in order, rather than
+   // written to standard error.
+   bool keepTraces = false;
+};
+
+class SimSwitch {
+ public:
+   static constexpr std::size_t defaultRunawayTurns = SwitchOptions::defaultRunawayTurns;
 
    // Publishes the chip's capabilities and the starting configuration, then starts the engines
    // and runs every turn due at the start, without moving time on. Throws ScenarioError for a
    // configuration the publisher refuses. Whatever runs the loop throws Zub::RunawayException
    // once `runawayTurns` turns are taken within one second of virtual time (0 for no limit).
-   // With `verifyOnRequest`, the verify agent wants the engines to ask for a run after each
-   // change they make (verifyRequested(), requestedVerify()).
-   explicit SimSwitch( Scenario const& scenario, std::size_t runawayTurns = defaultRunawayTurns,
-                       bool verifyOnRequest = false );
+   explicit SimSwitch( Scenario const& scenario, SwitchOptions const& options = {} );
    ~SimSwitch();
    SimSwitch( SimSwitch const& ) = delete;
    SimSwitch& operator=( SimSwitch const& ) = delete;
@@ -104,6 +122,8 @@ class SimSwitch {
    Qos::AclHwStatus const& aclHwStatus() const { return *aclHwStatus_; }
    ConfigModel const& model() const { return publisher_->model(); }
    std::vector< LogLine > const& logs() const { return logs_; }
+   // With keepTraces: the trace lines so far.
+   std::vector< TraceLine > const& traces() const { return traces_; }
 
  private:
    // Makes this switch's loop and log sink the thread's.
@@ -159,6 +179,8 @@ class SimSwitch {
    Zub::Ptr< Nev::CbfFecMappingSm > cbfEngine_;
    std::unique_ptr< ConfigPublisher > publisher_;
    std::vector< LogLine > logs_;
+   bool keepTraces_ = false;
+   std::vector< TraceLine > traces_;
 };
 
 }  // namespace Sim

@@ -9,11 +9,13 @@
 #include <iostream>
 #include <map>
 #include <string>
+#include <vector>
 
 #include "sim/runner/Report.h"
 #include "sim/runner/SimSwitch.h"
 #include "sim/scenario/ScenarioError.h"
 #include "sim/scenario/ScenarioLoader.h"
+#include "zub/Trace.h"
 
 namespace {
 
@@ -79,6 +81,7 @@ int main( int argc, char** argv ) {
    std::string showType;
    bool brief = false;
    std::size_t maxTurns = Sim::SimSwitch::defaultRunawayTurns;
+   std::vector< std::string > traces;
    app.add_option( "scenario", path, "The scenario file (YAML)" )->required();
    auto* const jsonFlag = app.add_flag( "--json", json, "Print the report as JSON" );
    app.add_option( "--settle", settle,
@@ -114,6 +117,11 @@ int main( int argc, char** argv ) {
                    "second of virtual time: a timer or task that never lets it settle" )
          ->capture_default_str()
          ->check( CLI::PositiveNumber );
+   app.add_option( "--trace", traces,
+                   "Keep the engines' trace lines of HANDLE at LEVELS in the report, in order "
+                   "(NevQos/0-3, NevCbfFecMappingSm/*, */0); may be given again" )
+         ->type_name( "HANDLE/LEVELS" )
+         ->multi_option_policy( CLI::MultiOptionPolicy::TakeAll );
    try {
       app.parse( argc, argv );
    } catch( CLI::ParseError const& e ) {
@@ -121,12 +129,21 @@ int main( int argc, char** argv ) {
       return app.exit( e ) == 0 ? 0 : badInput;
    }
    if( verifyOption->count() != 0 && verification.mode.empty() ) verification.mode = "requested";
+   for( std::string const& list : traces ) {
+      if( !Zub::traceEnable( list ) ) {
+         std::cerr << "nevqos-sim: --trace " << list
+                   << ": not a trace list (HANDLE/LEVELS, such as NevQos/0-3 or */0)\n";
+         return badInput;
+      }
+   }
 
    try {
       Sim::Scenario scenario = Sim::loadScenario( path );
       if( tcamMode == "synchronous" ) scenario.chip.tcamMode = Sim::TcamMode::synchronous;
       if( tcamMode == "asynchronous" ) scenario.chip.tcamMode = Sim::TcamMode::asynchronous;
-      Sim::SimSwitch sw( scenario, maxTurns, verification.on() );
+      Sim::SimSwitch sw( scenario, Sim::SwitchOptions{ .runawayTurns = maxTurns,
+                                                       .verifyOnRequest = verification.on(),
+                                                       .keepTraces = !traces.empty() } );
       verification.run( sw );
       for( Sim::Step const& step : scenario.steps ) {
          sw.stepIs( step );
@@ -136,6 +153,7 @@ int main( int argc, char** argv ) {
       verification.run( sw );
       auto report = Sim::reportOf( scenario, sw );
       if( verification.on() ) report[ "verify" ] = verification.json( sw );
+      if( !traces.empty() ) report[ "trace" ] = Sim::tracesOf( sw.traces() );
       if( json ) {
          std::cout << report.dump( 2 ) << "\n";
       } else {

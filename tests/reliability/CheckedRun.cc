@@ -43,7 +43,7 @@ void check( Sim::SimSwitch& sw, CheckedRun& run ) {
 CheckedRun checkedRun( Sim::Scenario const& scenario, CheckedRunLimits const& limits ) {
    CheckedRun run;
    try {
-      Sim::SimSwitch sw( scenario, limits.runawayTurns );
+      Sim::SimSwitch sw( scenario, Sim::SwitchOptions{ .runawayTurns = limits.runawayTurns } );
       check( sw, run );
       for( Sim::Step const& step : scenario.steps ) {
          try {

@@ -45,7 +45,7 @@ TEST( RunawayTest, TheProgramCutsARunPastItsTurnsWithExitFour ) {
 
 TEST( RunawayTest, TheSimulatedSwitchThrowsFromWhateverRunsTheLoop ) {
    Sim::Scenario const s = Sim::loadScenarioText( neverReady, "never-ready.yaml" );
-   Sim::SimSwitch sw( s, 50 );
+   Sim::SimSwitch sw( s, Sim::SwitchOptions{ .runawayTurns = 50 } );
    try {
       sw.stepIs( s.steps.at( 0 ) );
       ADD_FAILURE() << "the step ran to its end";
