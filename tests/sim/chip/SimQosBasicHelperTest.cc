@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -569,6 +570,78 @@ TEST_F( SimQosBasicFaultTest, AQueueResetFailsUnderTheRecordOfItsHalf ) {
       EXPECT_EQ( takeLogs(), c.logs );
       EXPECT_EQ( queueIn( 1 ) != nullptr, c.queueKept );
       EXPECT_EQ( chip->wredProfiles().used(), c.queueKept ? 1u : 0u );
+   }
+}
+
+// Every operation the loader lets a fault name is one the chip fails: a name it checks under
+// another spelling, or forgets to check, would be a fault that silently does nothing.
+TEST_F( SimQosBasicFaultTest, EveryOperationAFaultCanNameFails ) {
+   Mirel::IntfId const e1( "Ethernet1" );
+   Zub::Name const name( "n" );
+   auto const q = [ this ] { return std::ref( txq( 1 ) ); };
+   std::map< std::string, std::function< void() > > const calls{
+      { "programCosToTcMap", [ & ] { chip->programCosToTcMap( Qos::Cos( 1 ) ); } },
+      { "programDscpToTcMap", [ & ] { chip->programDscpToTcMap( Qos::Dscp( 1 ) ); } },
+      { "programDscpToDpMap", [ & ] { chip->programDscpToDpMap( Qos::Dscp( 1 ) ); } },
+      { "programExpToTcMap", [ & ] { chip->programExpToTcMap( Qos::Exp( 1 ) ); } },
+      { "programTcToCosMap", [ & ] { chip->programTcToCosMap( Qos::TrafficClass( 1 ) ); } },
+      { "programTcToDscpMap", [ & ] { chip->programTcToDscpMap( Qos::TrafficClass( 1 ) ); } },
+      { "programTcToExpMap", [ & ] { chip->programTcToExpMap( Qos::TrafficClass( 1 ) ); } },
+      { "programCosRewriteEnabled", [ & ] { chip->programCosRewriteEnabled(); } },
+      { "programDscpRewriteEnabled", [ & ] { chip->programDscpRewriteEnabled(); } },
+      { "programTcToUcTxQueueMap",
+        [ & ] { chip->programTcToUcTxQueueMap( Qos::TrafficClass( 1 ) ); } },
+      { "programTcToMcTxQueueMap",
+        [ & ] { chip->programTcToMcTxQueueMap( Qos::TrafficClass( 1 ) ); } },
+      { "programGlobalEcn", [ & ] { chip->programGlobalEcn(); } },
+      { "programIntfTrustModeCos", [ & ] { chip->programIntfTrustModeCos( intf() ); } },
+      { "programIntfTrustModeDscp", [ & ] { chip->programIntfTrustModeDscp( intf() ); } },
+      { "programIntfTrustModeUntrusted", [ & ] { chip->programIntfTrustModeUntrusted( intf() ); } },
+      { "programIntfDefaultCos", [ & ] { chip->programIntfDefaultCos( intf() ); } },
+      { "programIntfDefaultDscp", [ & ] { chip->programIntfDefaultDscp( intf() ); } },
+      { "programIntfShapeRate", [ & ] { chip->programIntfShapeRate( intf() ); } },
+      { "programIntfDefaults", [ & ] { chip->programIntfDefaults( intf() ); } },
+      { "programIntfTxQueuePriority", [ & ] { chip->programIntfTxQueuePriority( intf(), q() ); } },
+      { "programIntfTxQueueShapeRate",
+        [ & ] { chip->programIntfTxQueueShapeRate( intf(), q() ); } },
+      { "programIntfTxQueueGuaranteedBw",
+        [ & ] { chip->programIntfTxQueueGuaranteedBw( intf(), q() ); } },
+      { "programIntfTxQueueEcn", [ & ] { chip->programIntfTxQueueEcn( intf(), q() ); } },
+      { "programIntfTxQueueNonEct", [ & ] { chip->programIntfTxQueueNonEct( intf(), q() ); } },
+      { "programIntfTxQueueEcnDelayThreshold",
+        [ & ] {
+           chip->programIntfTxQueueEcnDelayThreshold( intf(), txq( 1 ).key(), true,
+                                                      Qos::EcnDelayThreshold() );
+        } },
+      { "programIntfTxQueueEcnCount",
+        [ & ] { chip->programIntfTxQueueEcnCount( e1, Qos::TxQueueId( 1 ), true ); } },
+      { "programIntfTxQueueWred", [ & ] { chip->programIntfTxQueueWred( intf(), q() ); } },
+      { "programIntfTxQueueDropThresholdForDp",
+        [ & ] {
+           chip->programIntfTxQueueDropThresholdForDp( intf(), q(), Qos::DropPrecedence( 1 ) );
+        } },
+      { "programIntfTxQueueDropThresholdDefaults",
+        [ & ] { chip->programIntfTxQueueDropThresholdDefaults( intf(), q() ); } },
+      { "programIntfTxQueueDefaults", [ & ] { chip->programIntfTxQueueDefaults( intf(), q() ); } },
+      { "programDscpMap", [ & ] { chip->programDscpMap( name ); } },
+      { "deleteDscpMap", [ & ] { chip->deleteDscpMap( name ); } },
+      { "programIntfToDscpRewriteMap", [ & ] { chip->programIntfToDscpRewriteMap( intf() ); } },
+      { "updateTcToDscpMapping",
+        [ & ] { chip->updateTcToDscpMapping( name, Qos::TrafficClass( 1 ) ); } },
+      { "addCosToTcProfile", [ & ] { chip->addCosToTcProfile( name ); } },
+      { "removeCosToTcProfile", [ & ] { chip->removeCosToTcProfile( name ); } },
+      { "handleIntfToCosToTcProfile", [ & ] { chip->handleIntfToCosToTcProfile( e1, false ); } },
+      { "updateCosToTcProfileMapping",
+        [ & ] { chip->updateCosToTcProfileMapping( name, Qos::Cos( 1 ) ); } },
+   };
+   EXPECT_EQ( calls.size(), Sim::basicFaultOperations.size() );
+   for( std::string_view const op : Sim::basicFaultOperations ) {
+      SCOPED_TRACE( op );
+      auto const call = calls.find( std::string( op ) );
+      ASSERT_NE( call, calls.end() ) << "no call for this operation";
+      buildWith( { operationFault( std::string( op ), 0 ) } );
+      call->second();
+      EXPECT_EQ( takeLogs().size(), 1u );
    }
 }
 
