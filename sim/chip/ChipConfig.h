@@ -31,7 +31,9 @@ struct FaultConfig {
       outOfRangeCheckers,
       // No policer can be allocated.
       policerExhaustion,
-      // The `nth` call (1 = first, 0 = every call) of operation `op` answers `error`.
+      // The `nth` call (1 = first, 0 = every call) of operation `op` fails: an ACL operation
+      // answers `error`; a basic QoS operation fails as its feature does (see
+      // SimQosBasicHelper). The operations are those of ChipFaults.h.
       operationError,
       // The `nth` asynchronous operation (1 = first) never completes: the chip reports it
       // pending, and the engine times it out.

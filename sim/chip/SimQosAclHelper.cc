@@ -153,7 +153,7 @@ SimQosAclHelper::SimQosAclHelper( ChipConfig config, Zub::Ptr< Qos::Status const
    qosEcnSupportIs( config_.qosEcnSupport );
    establishedSupportedIs( config_.establishedSupported );
    supportedTcpFlagsIs( NevHelper::TcpFlag( config_.supportedTcpFlags ) );
-   faultSwitchedOff_.assign( config_.faults.size(), false );
+   faults_ = std::make_shared< ChipFaults >( config_.faults, clock_ );
    completer_ = Zub::make< Completer >( this );
    completer_->notifierIs( clock_ );
 }
@@ -179,31 +179,20 @@ std::string SimQosAclHelper::aclIdOf( Nev::QosClassData const& classData,
 }
 
 void SimQosAclHelper::faultIs( std::size_t index, bool on ) {
-   ZUB_ASSERT_TEXT( index < faultSwitchedOff_.size(), "the chip has no such fault" );
-   faultSwitchedOff_[ index ] = !on;
+   faults_->switchIs( index, on );
 }
 
 bool SimQosAclHelper::active( FaultConfig const& fault ) const {
-   auto const index = static_cast< std::size_t >( &fault - config_.faults.data() );
-   if( index < faultSwitchedOff_.size() && faultSwitchedOff_[ index ] ) return false;
-   Zub::Seconds const now = clock_ ? clock_->now() : 0.0;
-   return !( fault.from && now < *fault.from ) && !( fault.until && now > *fault.until );
+   return faults_->holds( static_cast< std::size_t >( &fault - faults_->faults().data() ) );
 }
 
 bool SimQosAclHelper::faultOn( FaultConfig::Kind kind ) const {
-   for( FaultConfig const& f : config_.faults ) {
-      if( f.kind == kind && active( f ) ) return true;
-   }
-   return false;
+   return faults_->on( kind );
 }
 
 std::optional< Nev::AclCreateError > SimQosAclHelper::faultFor( std::string const& op ) {
-   std::uint32_t const n = ++opCalls_[ op ];
-   for( FaultConfig const& f : config_.faults ) {
-      if( f.kind != FaultConfig::Kind::operationError || f.op != op || !active( f ) ) continue;
-      if( f.nth == 0 || f.nth == n ) return f.error;
-   }
-   return std::nullopt;
+   FaultConfig const* const fault = faults_->failingCall( op );
+   return fault ? std::optional( fault->error ) : std::nullopt;
 }
 
 Nev::AclCreateError SimQosAclHelper::answer( Nev::AclCreateError error,
@@ -218,7 +207,7 @@ Nev::AclCreateError SimQosAclHelper::answer( Nev::AclCreateError error,
 Nev::AclCreateError SimQosAclHelper::install( std::string const& aclId, TcamEntry entry ) {
    auto const acl = tcam_.acls().find( aclId );
    std::optional< std::uint32_t > limit;
-   for( FaultConfig const& f : config_.faults ) {
+   for( FaultConfig const& f : faults_->faults() ) {
       if( f.kind != FaultConfig::Kind::outOfTcam || !active( f ) ) continue;
       if( acl != tcam_.acls().end() && ( f.family.empty() || f.family == acl->second.slice ) ) {
          limit = f.atEntries;
@@ -257,7 +246,7 @@ void SimQosAclHelper::startOperation() {
    ++asyncOperations_;
    bool hang = false;
    bool repeat = false;
-   for( FaultConfig const& f : config_.faults ) {
+   for( FaultConfig const& f : faults_->faults() ) {
       if( f.nth != asyncOperations_ || !active( f ) ) continue;
       hang = hang || f.kind == FaultConfig::Kind::asyncPending;
       repeat = repeat || f.kind == FaultConfig::Kind::asyncRepeated;

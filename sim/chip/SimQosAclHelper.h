@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <memory>
 #include <optional>
 #include <set>
 #include <string>
@@ -19,6 +20,7 @@
 #include "kesh/TimerWheel.h"
 #include "nev/VerifyData.h"
 #include "sim/chip/ChipConfig.h"
+#include "sim/chip/ChipFaults.h"
 #include "sim/chip/Tcam.h"
 
 namespace Sim {
@@ -72,6 +74,8 @@ class SimQosAclHelper : public NevHelper::QosAclHelper {
    void faultIs( std::size_t index, bool on );
    // Whether a fault of `kind` holds now; the chip's other helpers ask it too.
    bool faultOn( FaultConfig::Kind kind ) const;
+   // The chip's faults, which its other helpers share.
+   std::shared_ptr< ChipFaults > const& faults() const { return faults_; }
    // Called when the chip reports an operation pending that it will never complete (the
    // asyncPending fault); the agent marks the engine's operation pending so that it times out.
    void operationLeftPendingHandlerIs( std::function< void() > handler ) {
@@ -434,7 +438,6 @@ class SimQosAclHelper : public NevHelper::QosAclHelper {
    Zub::Ptr< Kesh::TimerWheel > clock_;
    Zub::Ptr< Completer > completer_;
    NevHelper::QosAclHelper* engineHelper_ = this;
-   std::map< std::string, std::uint32_t > opCalls_;
    std::uint32_t asyncOperations_ = 0;
    // The first failure since the asynchronous operation began, and the map it failed.
    struct AsyncFailure {
@@ -454,7 +457,7 @@ class SimQosAclHelper : public NevHelper::QosAclHelper {
    };
    std::vector< PendingOperation > pending_;
    std::function< void() > leftPendingHandler_;
-   std::vector< bool > faultSwitchedOff_;
+   std::shared_ptr< ChipFaults > faults_;
    std::set< std::string > policers_;
    std::set< std::string > counters_;
    // Counters the chip refused and logged: the engine has no failure path for them.

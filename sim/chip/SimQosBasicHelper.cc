@@ -52,7 +52,8 @@ SimQosBasicHelper::SimQosBasicHelper(
     , ethPhyIntfStatusDir_( std::move( ethPhyIntfStatusDir ) )
     , ecnProfiles_( config_.ecnProfiles )
     , wredProfiles_( config_.wredProfiles )
-    , dropThresholdProfiles_( config_.dropThresholdProfiles ) {}
+    , dropThresholdProfiles_( config_.dropThresholdProfiles )
+    , faults_( std::make_shared< ChipFaults >( config_.faults, nullptr ) ) {}
 
 SimQosBasicHelper::~SimQosBasicHelper() = default;
 
@@ -82,6 +83,32 @@ void SimQosBasicHelper::fail( Qos::FeatureName feature, Zub::LogHandle& handle,
    status->hwProgrammingStatusIs( Qos::hwProgrammingFailed_ );
    status->errMessageIs( Zub::logFormat( handle.format(), args ) );
    Zub::logEmit( handle, args );
+}
+
+bool SimQosBasicHelper::faulted( std::string const& op, std::optional< Qos::FeatureName > feature,
+                                 Zub::LogHandle& handle, std::vector< Zub::String > const& args ) {
+   if( !faults_->failingCall( op ) ) return false;
+   if( feature ) {
+      fail( *feature, handle, args );
+   } else {
+      Zub::logEmit( handle, args );
+   }
+   return true;
+}
+
+bool SimQosBasicHelper::tcamFaulted( std::string const& op,
+                                     std::optional< Qos::FeatureName > feature,
+                                     std::string const& what,
+                                     std::optional< Mirel::IntfId > const& intf ) {
+   return faulted( op, feature, Nev::QOS_HW_RESOURCE_FULL,
+                   { Zub::String( what ), intf ? intf->stringValue() : Zub::String( "all" ) } );
+}
+
+bool SimQosBasicHelper::queueFaulted( std::string const& op, Qos::FeatureName feature,
+                                      Zub::LogHandle& handle, Mirel::IntfId intf,
+                                      Qos::TxQueue const& txQueue ) {
+   return faulted( op, feature, handle,
+                   { Zub::String( queueText( txQueue ) ), intf.stringValue() } );
 }
 
 // ---- Start-up and verification
@@ -126,6 +153,7 @@ void SimQosBasicHelper::hwInit() {
    wredProfiles_.clear();
    dropThresholdProfiles_.clear();
    ecnCounters_.clear();
+   resetsHalfDone_.clear();
 }
 
 void SimQosBasicHelper::handleQosVerify() {}
@@ -135,6 +163,8 @@ void SimQosBasicHelper::handleServicePolicyDP1Status() {}
 // ---- Global maps
 
 void SimQosBasicHelper::programCosToTcMap( Qos::Cos cos ) {
+   if( tcamFaulted( "programCosToTcMap", Qos::featureGlobalMaps_, "COS to traffic class map" ) )
+      return;
    globals_.cosToTc.at( cos ) = cosToTc( cos );
    // Profiles follow the global map in the slots their configuration leaves out.
    for( auto& [ name, table ] : cosToTcProfiles_ )
@@ -142,78 +172,127 @@ void SimQosBasicHelper::programCosToTcMap( Qos::Cos cos ) {
 }
 
 void SimQosBasicHelper::programDscpToTcMap( Qos::Dscp dscp ) {
+   if( tcamFaulted( "programDscpToTcMap", Qos::featureGlobalMaps_, "DSCP to traffic class map" ) )
+      return;
    globals_.dscpToTc.at( dscp ) = dscpToTc( dscp );
 }
 
 void SimQosBasicHelper::programDscpToDpMap( Qos::Dscp dscp ) {
+   if( tcamFaulted( "programDscpToDpMap", Qos::featureGlobalMaps_, "DSCP to drop precedence map" ) )
+      return;
    globals_.dscpToDp.at( dscp ) = dscpToDp( dscp );
 }
 
 void SimQosBasicHelper::programExpToTcMap( Qos::Exp exp ) {
+   if( tcamFaulted( "programExpToTcMap", Qos::featureGlobalMaps_, "EXP to traffic class map" ) )
+      return;
    globals_.expToTc.at( exp ) = expToTc( exp );
 }
 
 void SimQosBasicHelper::programTcToCosMap( Qos::TrafficClass tc ) {
+   if( tcamFaulted( "programTcToCosMap", Qos::featureGlobalMaps_, "traffic class to COS map" ) )
+      return;
    globals_.tcToCos.at( tc ) = tcToCos( tc );
 }
 
 void SimQosBasicHelper::programTcToDscpMap( Qos::TrafficClass tc ) {
+   if( tcamFaulted( "programTcToDscpMap", Qos::featureGlobalMaps_, "traffic class to DSCP map" ) )
+      return;
    globals_.tcToDscp.at( tc ) = tcToDscp( tc );
    for( auto& [ name, table ] : dscpRewriteMaps_ )
       table.at( tc ) = dscpRewriteSlot( name, tc );
 }
 
 void SimQosBasicHelper::programTcToExpMap( Qos::TrafficClass tc ) {
+   if( tcamFaulted( "programTcToExpMap", Qos::featureGlobalMaps_, "traffic class to EXP map" ) )
+      return;
    globals_.tcToExp.at( tc ) = tcToExp( tc );
 }
 
 void SimQosBasicHelper::programCosRewriteEnabled() {
+   if( tcamFaulted( "programCosRewriteEnabled", Qos::featureCosRewriteEnable_, "COS rewrite" ) ) {
+      return;
+   }
    globals_.cosRewriteEnabled = cosRewriteEnabled();
 }
 
 void SimQosBasicHelper::programDscpRewriteEnabled() {
+   if( tcamFaulted( "programDscpRewriteEnabled", Qos::featureDscpRewriteEnable_,
+                    "DSCP rewrite" ) ) {
+      return;
+   }
    globals_.dscpRewriteEnabled = dscpRewriteEnabled();
 }
 
 void SimQosBasicHelper::programTcToUcTxQueueMap( Qos::TrafficClass tc ) {
+   if( tcamFaulted( "programTcToUcTxQueueMap", Qos::featureGlobalMaps_,
+                    "traffic class to unicast queue map" ) )
+      return;
    globals_.tcToUcTxQueue.at( tc ) = tcToUcTxQueue( tc );
 }
 
 void SimQosBasicHelper::programTcToMcTxQueueMap( Qos::TrafficClass tc ) {
+   if( tcamFaulted( "programTcToMcTxQueueMap", Qos::featureGlobalMaps_,
+                    "traffic class to multicast queue map" ) )
+      return;
    globals_.tcToMcTxQueue.at( tc ) = tcToMcTxQueue( tc );
 }
 
 void SimQosBasicHelper::programGlobalEcn() {
+   // Global ECN goes into every queue's ECN profile.
+   if( faulted( "programGlobalEcn", Qos::featureEcnStatus_, Nev::QOS_ECN_QUEUE_HW_FULL,
+                { Zub::String( "all" ), Zub::String( "all" ) } ) ) {
+      return;
+   }
    globals_.ecn = qosStatus()->globalEcnStatus();
 }
 
 // ---- Ports
 
 void SimQosBasicHelper::programIntfTrustModeCos( Qos::IntfStatus const& intfStatus ) {
+   if( tcamFaulted( "programIntfTrustModeCos", Qos::featureTrustMode_, "trust mode cos",
+                    intfStatus.key() ) )
+      return;
    port( intfStatus.key() ).trustMode = Qos::trustCos_;
 }
 
 void SimQosBasicHelper::programIntfTrustModeDscp( Qos::IntfStatus const& intfStatus ) {
+   if( tcamFaulted( "programIntfTrustModeDscp", Qos::featureTrustMode_, "trust mode dscp",
+                    intfStatus.key() ) )
+      return;
    port( intfStatus.key() ).trustMode = Qos::trustDscp_;
 }
 
 void SimQosBasicHelper::programIntfTrustModeUntrusted( Qos::IntfStatus const& intfStatus ) {
+   if( tcamFaulted( "programIntfTrustModeUntrusted", Qos::featureTrustMode_, "trust mode untrusted",
+                    intfStatus.key() ) )
+      return;
    port( intfStatus.key() ).trustMode = Qos::untrusted_;
 }
 
 void SimQosBasicHelper::programIntfDefaultCos( Qos::IntfStatus const& intfStatus ) {
+   if( tcamFaulted( "programIntfDefaultCos", Qos::featureDefaultCos_, "default COS",
+                    intfStatus.key() ) )
+      return;
    port( intfStatus.key() ).defaultCos = defaultCos( &intfStatus );
 }
 
 void SimQosBasicHelper::programIntfDefaultDscp( Qos::IntfStatus const& intfStatus ) {
+   if( tcamFaulted( "programIntfDefaultDscp", Qos::featureDefaultDscp_, "default DSCP",
+                    intfStatus.key() ) )
+      return;
    port( intfStatus.key() ).defaultDscp = defaultDscp( &intfStatus );
 }
 
 void SimQosBasicHelper::programIntfShapeRate( Qos::IntfStatus const& intfStatus ) {
+   if( tcamFaulted( "programIntfShapeRate", std::nullopt, "shape rate", intfStatus.key() ) ) return;
    port( intfStatus.key() ).shapeRate = intfStatus.shapeRate();
 }
 
 void SimQosBasicHelper::programIntfDefaults( Qos::IntfStatus const& intfStatus ) {
+   if( tcamFaulted( "programIntfDefaults", Qos::featureTrustMode_, "port defaults",
+                    intfStatus.key() ) )
+      return;
    port( intfStatus.key() ) = portDefaults();
    qosSliceHwStatus()->intfToCosToTcProfileDel( intfStatus.key() );
 }
@@ -222,11 +301,20 @@ void SimQosBasicHelper::programIntfDefaults( Qos::IntfStatus const& intfStatus )
 
 void SimQosBasicHelper::programIntfTxQueuePriority( Qos::IntfStatus const& intfStatus,
                                                     Qos::TxQueueStatus const& txQueueStatus ) {
+   if( tcamFaulted( "programIntfTxQueuePriority", std::nullopt,
+                    "priority of queue " + queueText( txQueueStatus.key() ), intfStatus.key() ) ) {
+      return;
+   }
    queue( intfStatus.key(), txQueueStatus.key() ).priority = txQueueStatus.priority();
 }
 
 void SimQosBasicHelper::programIntfTxQueueShapeRate( Qos::IntfStatus const& intfStatus,
                                                      Qos::TxQueueStatus const& txQueueStatus ) {
+   if( tcamFaulted( "programIntfTxQueueShapeRate", std::nullopt,
+                    "shape rate of queue " + queueText( txQueueStatus.key() ),
+                    intfStatus.key() ) ) {
+      return;
+   }
    BasicQueueSettings& q = queue( intfStatus.key(), txQueueStatus.key() );
    q.shapeRate = txQueueStatus.shapeRate();
    // The hardware holds a guarantee only in the shape rate's unit.
@@ -237,6 +325,11 @@ void SimQosBasicHelper::programIntfTxQueueShapeRate( Qos::IntfStatus const& intf
 
 void SimQosBasicHelper::programIntfTxQueueGuaranteedBw( Qos::IntfStatus const& intfStatus,
                                                         Qos::TxQueueStatus const& txQueueStatus ) {
+   if( tcamFaulted( "programIntfTxQueueGuaranteedBw", std::nullopt,
+                    "bandwidth guaranteed of queue " + queueText( txQueueStatus.key() ),
+                    intfStatus.key() ) ) {
+      return;
+   }
    guaranteeIs( intfStatus.key(), txQueueStatus, queue( intfStatus.key(), txQueueStatus.key() ),
                 true );
 }
@@ -291,6 +384,10 @@ bool SimQosBasicHelper::ecnProfileIs( Mirel::IntfId intf, Qos::TxQueue const& tx
 
 void SimQosBasicHelper::programIntfTxQueueEcn( Qos::IntfStatus const& intfStatus,
                                                Qos::TxQueueStatus const& txQueueStatus ) {
+   if( queueFaulted( "programIntfTxQueueEcn", Qos::featureEcnStatus_, Nev::QOS_ECN_QUEUE_HW_FULL,
+                     intfStatus.key(), txQueueStatus.key() ) ) {
+      return;
+   }
    BasicQueueSettings& q = queue( intfStatus.key(), txQueueStatus.key() );
    BasicQueueSettings wanted = q;
    wanted.ecn = txQueueStatus.ecnStatus();
@@ -301,6 +398,10 @@ void SimQosBasicHelper::programIntfTxQueueEcn( Qos::IntfStatus const& intfStatus
 
 void SimQosBasicHelper::programIntfTxQueueNonEct( Qos::IntfStatus const& intfStatus,
                                                   Qos::TxQueueStatus const& txQueueStatus ) {
+   if( queueFaulted( "programIntfTxQueueNonEct", Qos::featureEcnStatus_, Nev::QOS_ECN_QUEUE_HW_FULL,
+                     intfStatus.key(), txQueueStatus.key() ) ) {
+      return;
+   }
    BasicQueueSettings& q = queue( intfStatus.key(), txQueueStatus.key() );
    BasicQueueSettings wanted = q;
    wanted.nonEct = txQueueStatus.nonEctStatus();
@@ -312,6 +413,10 @@ void SimQosBasicHelper::programIntfTxQueueNonEct( Qos::IntfStatus const& intfSta
 void SimQosBasicHelper::programIntfTxQueueEcnDelayThreshold(
       Qos::IntfStatus const& intfStatus, Qos::TxQueue const& txQueueId, bool delayEcnEnabled,
       Qos::EcnDelayThreshold ecnDelayThreshold ) {
+   if( queueFaulted( "programIntfTxQueueEcnDelayThreshold", Qos::featureEcnDelayThreshold_,
+                     Nev::QOS_ECN_QUEUE_HW_FULL, intfStatus.key(), txQueueId ) ) {
+      return;
+   }
    BasicQueueSettings& q = queue( intfStatus.key(), txQueueId );
    BasicQueueSettings wanted = q;
    wanted.delayEcnEnabled = delayEcnEnabled;
@@ -325,6 +430,11 @@ void SimQosBasicHelper::programIntfTxQueueEcnDelayThreshold(
 bool SimQosBasicHelper::programIntfTxQueueEcnCount( Mirel::IntfId const& intfId,
                                                     Qos::TxQueueId txQueueId, bool enable ) {
    auto const key = std::make_pair( intfId, std::uint32_t( txQueueId ) );
+   // This call reports by its result: the engine lowers the record.
+   if( faulted( "programIntfTxQueueEcnCount", std::nullopt, Nev::QOS_ECN_QUEUE_COUNTER_HW_FULL,
+                { intfId.stringValue(), Zub::String( textOf( std::uint32_t( txQueueId ) ) ) } ) ) {
+      return false;
+   }
    if( !enable ) {
       ecnCounters_.erase( key );
       return true;
@@ -341,6 +451,10 @@ bool SimQosBasicHelper::programIntfTxQueueEcnCount( Mirel::IntfId const& intfId,
 
 void SimQosBasicHelper::programIntfTxQueueWred( Qos::IntfStatus const& intfStatus,
                                                 Qos::TxQueueStatus const& txQueueStatus ) {
+   if( queueFaulted( "programIntfTxQueueWred", Qos::featureWred_, Nev::QOS_WRED_QUEUE_HW_FULL,
+                     intfStatus.key(), txQueueStatus.key() ) ) {
+      return;
+   }
    BasicQueueSettings& q = queue( intfStatus.key(), txQueueStatus.key() );
    BasicQueueSettings wanted = q;
    wanted.wred = txQueueStatus.wredStatus();
@@ -359,6 +473,10 @@ void SimQosBasicHelper::programIntfTxQueueWred( Qos::IntfStatus const& intfStatu
 void SimQosBasicHelper::programIntfTxQueueDropThresholdForDp(
       Qos::IntfStatus const& intfStatus, Qos::TxQueueStatus const& txQueueStatus,
       Qos::DropPrecedence dp ) {
+   if( queueFaulted( "programIntfTxQueueDropThresholdForDp", Qos::featureDropThresholds_,
+                     Nev::QOS_DP_THRESHOLDS_HW_FULL, intfStatus.key(), txQueueStatus.key() ) ) {
+      return;
+   }
    BasicQueueSettings& q = queue( intfStatus.key(), txQueueStatus.key() );
    BasicQueueSettings wanted = q;
    if( txQueueStatus.dropThresholdsHas( dp ) ) {
@@ -380,6 +498,10 @@ void SimQosBasicHelper::programIntfTxQueueDropThresholdForDp(
 
 void SimQosBasicHelper::programIntfTxQueueDropThresholdDefaults(
       Qos::IntfStatus const& intfStatus, Qos::TxQueueStatus const& txQueueStatus ) {
+   if( queueFaulted( "programIntfTxQueueDropThresholdDefaults", Qos::featureDropThresholds_,
+                     Nev::QOS_DP_THRESHOLDS_HW_FULL, intfStatus.key(), txQueueStatus.key() ) ) {
+      return;
+   }
    auto const q = queues_.find( BasicQueueKey{ intfStatus.key(), txQueueStatus.key() } );
    if( q != queues_.end() ) q->second.dropThresholds.clear();
    dropThresholdProfiles_.release( queueName( intfStatus.key(), txQueueStatus.key() ) );
@@ -387,11 +509,22 @@ void SimQosBasicHelper::programIntfTxQueueDropThresholdDefaults(
 
 void SimQosBasicHelper::programIntfTxQueueDefaults( Qos::IntfStatus const& intfStatus,
                                                     Qos::TxQueueStatus const& txQueueStatus ) {
+   // The engine resets a queue with two calls in a row, the first under the ECN record and the
+   // second under the WRED record; a failure is filed under the record of its half.
+   BasicQueueKey const key{ intfStatus.key(), txQueueStatus.key() };
+   bool const wredHalf = resetsHalfDone_.erase( key ) > 0;
+   if( !wredHalf ) resetsHalfDone_.insert( key );
+   if( queueFaulted( "programIntfTxQueueDefaults",
+                     wredHalf ? Qos::featureWred_ : Qos::featureEcnStatus_,
+                     wredHalf ? Nev::QOS_WRED_QUEUE_HW_FULL : Nev::QOS_ECN_QUEUE_HW_FULL,
+                     intfStatus.key(), txQueueStatus.key() ) ) {
+      return;
+   }
    std::string const user = queueName( intfStatus.key(), txQueueStatus.key() );
    ecnProfiles_.release( user );
    wredProfiles_.release( user );
    dropThresholdProfiles_.release( user );
-   queues_.erase( BasicQueueKey{ intfStatus.key(), txQueueStatus.key() } );
+   queues_.erase( key );
 }
 
 // ---- DSCP rewrite maps and COS-to-TC profiles
@@ -427,10 +560,18 @@ bool SimQosBasicHelper::loadCosToTcProfile( Zub::Name const& profileName ) {
 }
 
 void SimQosBasicHelper::programDscpMap( Zub::Name const& mapName ) {
+   if( tcamFaulted( "programDscpMap", Qos::featureDscpRewriteEnable_,
+                    "DSCP rewrite map " + textOf( mapName ) ) ) {
+      return;
+   }
    loadDscpRewriteMap( mapName );
 }
 
 void SimQosBasicHelper::deleteDscpMap( Zub::Name const& mapName ) {
+   if( tcamFaulted( "deleteDscpMap", Qos::featureDscpRewriteEnable_,
+                    "DSCP rewrite map " + textOf( mapName ) ) ) {
+      return;
+   }
    dscpRewriteMaps_.erase( mapName );
    // Ports of the map go back to the global one.
    for( auto& [ intf, p ] : ports_ ) {
@@ -439,6 +580,11 @@ void SimQosBasicHelper::deleteDscpMap( Zub::Name const& mapName ) {
 }
 
 void SimQosBasicHelper::programIntfToDscpRewriteMap( Qos::IntfStatus const& intfStatus ) {
+   if( tcamFaulted( "programIntfToDscpRewriteMap", Qos::featureDscpRewriteEnable_,
+                    "DSCP rewrite map " + textOf( intfStatus.dscpRewriteMapName() ),
+                    intfStatus.key() ) ) {
+      return;
+   }
    Zub::Name name = intfStatus.dscpRewriteMapName();
    // A map the chip does not hold yet is written first; one nobody configured binds nothing.
    if( !name.empty() && !dscpRewriteMaps_.contains( name ) && !loadDscpRewriteMap( name ) ) {
@@ -448,6 +594,10 @@ void SimQosBasicHelper::programIntfToDscpRewriteMap( Qos::IntfStatus const& intf
 }
 
 void SimQosBasicHelper::updateTcToDscpMapping( Zub::Name const& mapName, Qos::TrafficClass tc ) {
+   if( tcamFaulted( "updateTcToDscpMapping", Qos::featureDscpRewriteEnable_,
+                    "DSCP rewrite map " + textOf( mapName ) ) ) {
+      return;
+   }
    auto const table = dscpRewriteMaps_.find( mapName );
    if( table == dscpRewriteMaps_.end() ) {
       loadDscpRewriteMap( mapName );
@@ -457,10 +607,18 @@ void SimQosBasicHelper::updateTcToDscpMapping( Zub::Name const& mapName, Qos::Tr
 }
 
 void SimQosBasicHelper::addCosToTcProfile( Zub::Name const& profileName ) {
+   if( tcamFaulted( "addCosToTcProfile", Qos::featureGlobalMaps_,
+                    "COS to traffic class profile " + textOf( profileName ) ) ) {
+      return;
+   }
    loadCosToTcProfile( profileName );
 }
 
 void SimQosBasicHelper::removeCosToTcProfile( Zub::Name const& profileName ) {
+   if( tcamFaulted( "removeCosToTcProfile", Qos::featureGlobalMaps_,
+                    "COS to traffic class profile " + textOf( profileName ) ) ) {
+      return;
+   }
    cosToTcProfiles_.erase( profileName );
    for( auto& [ intf, p ] : ports_ ) {
       if( p.cosToTcProfile != profileName ) continue;
@@ -472,6 +630,10 @@ void SimQosBasicHelper::removeCosToTcProfile( Zub::Name const& profileName ) {
 void SimQosBasicHelper::handleIntfToCosToTcProfile( Mirel::IntfId const& intfId, bool ) {
    auto const intfStatus = qosStatus()->intfStatus( intfId );
    Zub::Name name = intfStatus ? intfStatus->cosToTcProfileName() : Zub::Name();
+   if( tcamFaulted( "handleIntfToCosToTcProfile", Qos::featureGlobalMaps_,
+                    "COS to traffic class profile " + textOf( name ), intfId ) ) {
+      return;
+   }
    if( !name.empty() && !cosToTcProfiles_.contains( name ) && !loadCosToTcProfile( name ) ) {
       name = Zub::Name();
    }
@@ -487,6 +649,10 @@ void SimQosBasicHelper::handleIntfToCosToTcProfile( Mirel::IntfId const& intfId,
 }
 
 void SimQosBasicHelper::updateCosToTcProfileMapping( Zub::Name const& profileName, Qos::Cos cos ) {
+   if( tcamFaulted( "updateCosToTcProfileMapping", Qos::featureGlobalMaps_,
+                    "COS to traffic class profile " + textOf( profileName ) ) ) {
+      return;
+   }
    auto const table = cosToTcProfiles_.find( profileName );
    if( table == cosToTcProfiles_.end() ) {
       loadCosToTcProfile( profileName );

@@ -3,12 +3,16 @@
 // WRED and tail-drop settings live in finite pools of profiles that queues with equal settings
 // share; a queue that needs a new profile when none is free keeps what it had, the chip logs the
 // shortage and lowers the feature's record in Qos::SliceHwStatus. ECN counters are a finite pool
-// too. The calls are recorded by a decorator of sim/recording, not here.
+// too. An operationError fault on a programming operation fails the call the same way: the chip
+// keeps what it held, lowers the record of the operation's feature and logs. The calls are
+// recorded by a decorator of sim/recording, not here.
 #pragma once
 
 #include <array>
 #include <cstdint>
 #include <map>
+#include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <utility>
@@ -18,6 +22,7 @@
 #include "entities/EthPhyIntfStatus.h"
 #include "kesh/TimerWheel.h"
 #include "sim/chip/ChipConfig.h"
+#include "sim/chip/ChipFaults.h"
 #include "sim/chip/ProfilePool.h"
 #include "sim/chip/SimQosAclHelper.h"
 #include "zub/Log.h"
@@ -118,6 +123,10 @@ class SimQosBasicHelper : public NevHelper::QosBasicHelper {
    // A queue as the pools and the log name it: "Ethernet1 UC3", "Ethernet1 MC0".
    static std::string queueName( Mirel::IntfId intf, Qos::TxQueue const& queue );
 
+   // The chip's faults, shared with its other helpers (SimQosAclHelper::faults()). Until this
+   // is called the chip holds its configuration's faults alone, on a clock that stays at 0.
+   void faultsIs( std::shared_ptr< ChipFaults > faults ) { faults_ = std::move( faults ); }
+
    // ---- The helper contract
    void initializationComplete() override;
    void handleEthPhyIntfStatusActive( Mirel::IntfId const& intfId ) override;
@@ -183,6 +192,18 @@ class SimQosBasicHelper : public NevHelper::QosBasicHelper {
    // Lowers the feature's record with the message, and logs it.
    void fail( Qos::FeatureName feature, Zub::LogHandle& handle,
               std::vector< Zub::String > const& args );
+   // Whether an operationError fault fails this call of `op`. A failed call programs nothing:
+   // the chip lowers the record of `feature`, where the setting has one, and logs `handle`.
+   bool faulted( std::string const& op, std::optional< Qos::FeatureName > feature,
+                 Zub::LogHandle& handle, std::vector< Zub::String > const& args );
+   // The same for a setting that TCAM entries hold, on one port or (intf null) on all: the
+   // generic QOS_HW_RESOURCE_FULL with what is programmed and where.
+   bool tcamFaulted( std::string const& op, std::optional< Qos::FeatureName > feature,
+                     std::string const& what,
+                     std::optional< Mirel::IntfId > const& intf = std::nullopt );
+   // The same for a setting of one queue, with the feature's queue handle.
+   bool queueFaulted( std::string const& op, Qos::FeatureName feature, Zub::LogHandle& handle,
+                      Mirel::IntfId intf, Qos::TxQueue const& txQueue );
    // Moves the queue's ECN profile to `wanted`; false, with the feature failed, when no profile
    // is free.
    bool ecnProfileIs( Mirel::IntfId intf, Qos::TxQueue const& txQueue,
@@ -210,6 +231,10 @@ class SimQosBasicHelper : public NevHelper::QosBasicHelper {
    ProfilePool wredProfiles_;
    ProfilePool dropThresholdProfiles_;
    std::set< std::pair< Mirel::IntfId, std::uint32_t > > ecnCounters_;
+   std::shared_ptr< ChipFaults > faults_;
+   // Queues whose reset has had its first programIntfTxQueueDefaults call: the engine makes two,
+   // the first under the ECN record and the second under the WRED record.
+   std::set< BasicQueueKey > resetsHalfDone_;
 };
 
 }  // namespace Sim

@@ -102,6 +102,8 @@ void SimSwitch::entitiesIs( ChipConfig const& chip ) {
    aclRecorder_->callLogIs( &calls_ );
    basicChip_ = Zub::make< SimQosBasicHelper >( chip, qosStatus_, hwStatus_, sliceHwStatus_,
                                                 ethPhyIntfStatusDir_ );
+   // One set of faults for the whole chip: a fault switch and the call counts reach both helpers.
+   basicChip_->faultsIs( chip_->faults() );
    basicRecorder_ = Zub::make< RecordingQosBasicHelper >( basicChip_, clock_ );
    basicRecorder_->callLogIs( &calls_ );
    kernelCoppStatus_ = Zub::make< Nev::KernelCoPPStatus >( Zub::Name( "kernelCopp" ) );

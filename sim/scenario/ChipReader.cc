@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "NevQos/types/TcpFlag.h"
+#include "sim/chip/ChipFaults.h"
 #include "sim/scenario/ScenarioNames.h"
 
 namespace Sim {
@@ -256,9 +257,7 @@ void ChipReader::faultDetails( YAML::Node const& node, FaultConfig& fault ) cons
    if( auto const a = node[ "atEntries" ] ) {
       fault.atEntries = std::uint32_t( yaml_.integer( a, "atEntries", 0, UINT32_MAX ) );
    }
-   if( fault.kind == FaultConfig::Kind::operationError ) {
-      fault.op = yaml_.text( yaml_.required( node, "op" ), "op" );
-   }
+   if( fault.kind == FaultConfig::Kind::operationError ) operation( node, fault );
    // An asynchronous fault names an operation, the first by default; 0 means none.
    bool const async = fault.kind == FaultConfig::Kind::asyncPending ||
                       fault.kind == FaultConfig::Kind::asyncRepeated;
@@ -269,6 +268,23 @@ void ChipReader::faultDetails( YAML::Node const& node, FaultConfig& fault ) cons
    }
    if( auto const e = node[ "error" ] ) {
       fault.error = yaml_.choice( e, "error", NameTable< Nev::AclCreateError >( errorNames ) );
+   }
+}
+
+// The operation must be one the chip's helpers fail on request; an ACL operation answers an
+// error, a basic QoS operation fails as its feature does and takes none.
+void ChipReader::operation( YAML::Node const& node, FaultConfig& fault ) const {
+   YAML::Node const op = yaml_.required( node, "op" );
+   fault.op = yaml_.text( op, "op" );
+   bool const basic = isBasicFaultOperation( fault.op );
+   if( !basic && !isAclFaultOperation( fault.op ) ) {
+      yaml_.fail( op,
+                  "op: '" + fault.op +
+                        "' is no operation of the ACL or basic QoS helper that a fault can fail" );
+   }
+   if( basic && node[ "error" ] ) {
+      yaml_.fail( node[ "error" ], "error: does not apply to basic QoS operation " + fault.op +
+                                         ", which fails as its feature does" );
    }
 }
 

@@ -22,6 +22,7 @@ class ChipReader {
  private:
    FaultConfig fault( YAML::Node const& node, std::string& name ) const;
    void faultDetails( YAML::Node const& node, FaultConfig& fault ) const;
+   void operation( YAML::Node const& node, FaultConfig& fault ) const;
 
    YamlReader const& yaml_;
 };

@@ -1,8 +1,13 @@
 // The reference chip's basic QoS helper driven through the contract as the engine drives it:
 // map tables from configuration and defaults, port settings, profiles shared and running out,
-// ECN counters running out, unit mismatches and percent guarantees.
+// ECN counters running out, unit mismatches and percent guarantees, and calls a scripted fault
+// fails.
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -318,6 +323,355 @@ TEST_F( SimQosBasicHelperTest, APercentGuaranteeIsTakenOfTheLinkSpeed ) {
    phy->speedIs( 40000 );
    chip->handleEthPhyIntfStatusActive( e1 );
    EXPECT_EQ( inHw( 2 ).guaranteedRate, 300u );
+}
+
+// ---- Calls a scripted operationError fails
+
+Sim::FaultConfig operationFault( std::string op, std::uint32_t nth ) {
+   Sim::FaultConfig fault;
+   fault.kind = Sim::FaultConfig::Kind::operationError;
+   fault.op = std::move( op );
+   fault.nth = nth;
+   return fault;
+}
+
+class SimQosBasicFaultTest : public SimQosBasicHelperTest {
+ protected:
+   // A chip whose faults are these, on a fresh slice status.
+   void buildWith( std::vector< Sim::FaultConfig > faults ) {
+      slice = Zub::make< Qos::SliceHwStatus >( Zub::Name( "FixedSystem" ) );
+      Sim::ChipConfig config;
+      config.faults = std::move( faults );
+      build( config );
+      chip->hwInit();
+   }
+   std::vector< unsigned > failedFeatures() const {
+      std::vector< unsigned > out;
+      for( auto it = slice->hwProgrammingVersionAndStatus().iter(); it; ++it ) {
+         if( it.value()->hwProgrammingStatus() == Qos::hwProgrammingFailed_ ) {
+            out.push_back( unsigned( it.key() ) );
+         }
+      }
+      return out;
+   }
+   std::string errMessage( Qos::FeatureName f ) const {
+      return slice->hwProgrammingVersionAndStatus( f )->errMessage().stdString();
+   }
+   Sim::BasicQueueSettings const* queueIn( unsigned id ) const {
+      auto const q = chip->queues().find( Sim::BasicQueueKey{
+            Mirel::IntfId( "Ethernet1" ), Qos::TxQueue( id, Qos::unicastQueue_ ) } );
+      return q == chip->queues().end() ? nullptr : &q->second;
+   }
+   Sim::BasicPortSettings const* portIn() const {
+      auto const p = chip->ports().find( Mirel::IntfId( "Ethernet1" ) );
+      return p == chip->ports().end() ? nullptr : &p->second;
+   }
+};
+
+struct FaultCase {
+   char const* op;
+   // The record the failure lowers; none for a setting no record follows.
+   std::optional< Qos::FeatureName > feature;
+   char const* handle;
+   // Configures a setting the chip does not hold yet, and makes the call.
+   std::function< void() > call;
+   // Whether the chip holds the setting.
+   std::function< bool() > held;
+};
+
+TEST_F( SimQosBasicFaultTest, AFailedCallLowersItsFeatureLogsAndProgramsNothing ) {
+   Mirel::IntfId const e1( "Ethernet1" );
+   Qos::TxQueue const uc1( 1, Qos::unicastQueue_ );
+   auto const queueHolds = [ this ]( auto test ) {
+      return [ this, test ] { return queueIn( 1 ) && test( *queueIn( 1 ) ); };
+   };
+   auto const portHolds = [ this ]( auto test ) {
+      return [ this, test ] { return portIn() && test( *portIn() ); };
+   };
+   std::vector< FaultCase > const cases{
+      { "programCosToTcMap", Qos::featureGlobalMaps_, "QOS_HW_RESOURCE_FULL",
+        [ & ] {
+           status->cosToTcMapIs( Qos::Cos( 5 ), Qos::TrafficClass( 7 ) );
+           chip->programCosToTcMap( Qos::Cos( 5 ) );
+        },
+        [ & ] { return chip->globals().cosToTc[ 5 ] == 7; } },
+      { "programTcToUcTxQueueMap", Qos::featureGlobalMaps_, "QOS_HW_RESOURCE_FULL",
+        [ & ] {
+           status->tcToTxQueueMapIs( Qos::TrafficClass( 2 ), Qos::TxQueueId( 6 ) );
+           chip->programTcToUcTxQueueMap( Qos::TrafficClass( 2 ) );
+        },
+        [ & ] { return chip->globals().tcToUcTxQueue[ 2 ] == 6; } },
+      { "programCosRewriteEnabled", Qos::featureCosRewriteEnable_, "QOS_HW_RESOURCE_FULL",
+        [ & ] {
+           status->cosRewriteEnabledIs( true );
+           chip->programCosRewriteEnabled();
+        },
+        [ & ] { return chip->globals().cosRewriteEnabled; } },
+      { "programDscpRewriteEnabled", Qos::featureDscpRewriteEnable_, "QOS_HW_RESOURCE_FULL",
+        [ & ] {
+           status->dscpRewriteEnabledIs( true );
+           chip->programDscpRewriteEnabled();
+        },
+        [ & ] { return chip->globals().dscpRewriteEnabled; } },
+      { "programGlobalEcn", Qos::featureEcnStatus_, "QOS_ECN_QUEUE_HW_FULL",
+        [ & ] {
+           status->globalEcnStatusIs( thresholds( 100, 200 ) );
+           chip->programGlobalEcn();
+        },
+        [ & ] { return chip->globals().ecn == thresholds( 100, 200 ); } },
+      { "programIntfTrustModeDscp", Qos::featureTrustMode_, "QOS_HW_RESOURCE_FULL",
+        [ & ] {
+           intf().trustModeIs( Qos::trustDscp_ );
+           chip->programIntfTrustModeDscp( intf() );
+        },
+        portHolds(
+              []( Sim::BasicPortSettings const& p ) { return p.trustMode == Qos::trustDscp_; } ) },
+      { "programIntfDefaultCos", Qos::featureDefaultCos_, "QOS_HW_RESOURCE_FULL",
+        [ & ] {
+           intf().defaultCosIs( Qos::Cos( 3 ) );
+           chip->programIntfDefaultCos( intf() );
+        },
+        portHolds( []( Sim::BasicPortSettings const& p ) { return p.defaultCos == 3; } ) },
+      { "programIntfDefaultDscp", Qos::featureDefaultDscp_, "QOS_HW_RESOURCE_FULL",
+        [ & ] {
+           intf().defaultDscpIs( Qos::Dscp( 46 ) );
+           chip->programIntfDefaultDscp( intf() );
+        },
+        portHolds( []( Sim::BasicPortSettings const& p ) { return p.defaultDscp == 46; } ) },
+      { "programIntfDefaults", Qos::featureTrustMode_, "QOS_HW_RESOURCE_FULL",
+        [ & ] {
+           intf().trustModeIs( Qos::trustDscp_ );
+           chip->programIntfTrustModeDscp( intf() );
+           chip->programIntfDefaults( intf() );
+        },
+        portHolds(
+              []( Sim::BasicPortSettings const& p ) { return p.trustMode == Qos::trustCos_; } ) },
+      { "programIntfTxQueueShapeRate", std::nullopt, "QOS_HW_RESOURCE_FULL",
+        [ & ] {
+           txq( 1 ).shapeRateIs( Qos::ShapeRate{ 5000, Qos::shapeRateUnitKbps_ } );
+           chip->programIntfTxQueueShapeRate( intf(), txq( 1 ) );
+        },
+        queueHolds( []( Sim::BasicQueueSettings const& q ) { return q.shapeRate.rate == 5000; } ) },
+      { "programIntfTxQueueEcn", Qos::featureEcnStatus_, "QOS_ECN_QUEUE_HW_FULL",
+        [ & ] {
+           txq( 1 ).ecnStatusIs( thresholds( 100, 200 ) );
+           chip->programIntfTxQueueEcn( intf(), txq( 1 ) );
+        },
+        queueHolds( []( Sim::BasicQueueSettings const& q ) {
+           return q.ecn == thresholds( 100, 200 );
+        } ) },
+      { "programIntfTxQueueEcnDelayThreshold", Qos::featureEcnDelayThreshold_,
+        "QOS_ECN_QUEUE_HW_FULL",
+        [ & ] {
+           chip->programIntfTxQueueEcnDelayThreshold( intf(), uc1, true, Qos::EcnDelayThreshold() );
+        },
+        queueHolds( []( Sim::BasicQueueSettings const& q ) { return q.delayEcnEnabled; } ) },
+      { "programIntfTxQueueWred", Qos::featureWred_, "QOS_WRED_QUEUE_HW_FULL",
+        [ & ] {
+           txq( 1 ).wredStatusIs( thresholds( 1000, 9000 ) );
+           chip->programIntfTxQueueWred( intf(), txq( 1 ) );
+        },
+        queueHolds( []( Sim::BasicQueueSettings const& q ) {
+           return q.wred == thresholds( 1000, 9000 );
+        } ) },
+      { "programIntfTxQueueDropThresholdForDp", Qos::featureDropThresholds_,
+        "QOS_DP_THRESHOLDS_HW_FULL",
+        [ & ] {
+           txq( 1 ).dropThresholdsIs( Qos::DropPrecedence( 1 ), 2000 );
+           chip->programIntfTxQueueDropThresholdForDp( intf(), txq( 1 ), Qos::DropPrecedence( 1 ) );
+        },
+        queueHolds(
+              []( Sim::BasicQueueSettings const& q ) { return !q.dropThresholds.empty(); } ) },
+      { "programIntfTxQueueDropThresholdDefaults", Qos::featureDropThresholds_,
+        "QOS_DP_THRESHOLDS_HW_FULL",
+        [ & ] {
+           txq( 1 ).dropThresholdsIs( Qos::DropPrecedence( 1 ), 2000 );
+           chip->programIntfTxQueueDropThresholdForDp( intf(), txq( 1 ), Qos::DropPrecedence( 1 ) );
+           chip->programIntfTxQueueDropThresholdDefaults( intf(), txq( 1 ) );
+        },
+        queueHolds( []( Sim::BasicQueueSettings const& q ) { return q.dropThresholds.empty(); } ) },
+      { "programIntfTxQueueEcnCount", std::nullopt, "QOS_ECN_QUEUE_COUNTER_HW_FULL",
+        [ & ] { chip->programIntfTxQueueEcnCount( e1, Qos::TxQueueId( 1 ), true ); },
+        [ & ] {
+           return chip->ecnCounters().contains( { e1, 1 } );
+        } },
+      { "programDscpMap", Qos::featureDscpRewriteEnable_, "QOS_HW_RESOURCE_FULL",
+        [ & ] {
+           status->dscpRewriteMapIs( Zub::Name( "m" ) )
+                 ->tcToDscpMapIs( Qos::TrafficClass( 1 ), Qos::Dscp( 8 ) );
+           chip->programDscpMap( Zub::Name( "m" ) );
+        },
+        [ & ] { return chip->dscpRewriteMaps().contains( Zub::Name( "m" ) ); } },
+      { "addCosToTcProfile", Qos::featureGlobalMaps_, "QOS_HW_RESOURCE_FULL",
+        [ & ] {
+           status->cosToTcProfileIs( Zub::Name( "p" ) );
+           chip->addCosToTcProfile( Zub::Name( "p" ) );
+        },
+        [ & ] { return chip->cosToTcProfiles().contains( Zub::Name( "p" ) ); } },
+   };
+   for( FaultCase const& c : cases ) {
+      SCOPED_TRACE( c.op );
+      buildWith( { operationFault( c.op, 1 ) } );
+      c.call();
+      EXPECT_FALSE( c.held() ) << "the failed call programs nothing";
+      Lines const logs = takeLogs();
+      ASSERT_EQ( logs.size(), 1u );
+      EXPECT_EQ( logs[ 0 ].substr( 0, logs[ 0 ].find( ':' ) ), c.handle );
+      if( c.feature ) {
+         EXPECT_EQ( failedFeatures(), std::vector< unsigned >{ unsigned( *c.feature ) } );
+         EXPECT_EQ( std::string( c.handle ) + ": " + errMessage( *c.feature ), logs[ 0 ] )
+               << "the record tells what the log tells";
+      } else {
+         EXPECT_EQ( failedFeatures(), std::vector< unsigned >{} );
+      }
+      // The fault is on the first call only.
+      c.call();
+      EXPECT_TRUE( c.held() );
+      EXPECT_EQ( takeLogs(), Lines{} );
+   }
+}
+
+TEST_F( SimQosBasicFaultTest, AFailedEcnCounterCallAnswersFalseAndLeavesTheRecordToTheEngine ) {
+   buildWith( { operationFault( "programIntfTxQueueEcnCount", 2 ) } );
+   Mirel::IntfId const e1( "Ethernet1" );
+   EXPECT_TRUE( chip->programIntfTxQueueEcnCount( e1, Qos::TxQueueId( 1 ), true ) );
+   EXPECT_FALSE( chip->programIntfTxQueueEcnCount( e1, Qos::TxQueueId( 1 ), false ) )
+         << "the second call fails, whatever it asks";
+   EXPECT_EQ( takeLogs(), ( Lines{ "QOS_ECN_QUEUE_COUNTER_HW_FULL: Hardware resources insufficient "
+                                   "for ECN queue counters for Ethernet1 queue 1" } ) );
+   EXPECT_TRUE( chip->ecnCounters().contains( { e1, 1 } ) ) << "the counter stays on";
+   EXPECT_EQ( failedFeatures(), std::vector< unsigned >{} );
+}
+
+// The engine resets a queue with two programIntfTxQueueDefaults calls, under the ECN record and
+// then under the WRED record; `nth` picks the half that fails.
+TEST_F( SimQosBasicFaultTest, AQueueResetFailsUnderTheRecordOfItsHalf ) {
+   struct Case {
+      std::uint32_t nth;
+      std::vector< unsigned > failed;
+      Lines logs;
+      bool queueKept;
+   };
+   std::string const ecn =
+         "QOS_ECN_QUEUE_HW_FULL: Hardware resources insufficient to program "
+         "tx-queue ECN on queue UC1 for port Ethernet1";
+   std::string const wred =
+         "QOS_WRED_QUEUE_HW_FULL: Hardware resources insufficient to program "
+         "tx-queue WRED on queue UC1 for port Ethernet1";
+   for( Case const& c : { Case{ 0, { 3, 5 }, { ecn, wred }, true },
+                          Case{ 1, { 3 }, { ecn }, false }, Case{ 2, { 5 }, { wred }, false } } ) {
+      SCOPED_TRACE( c.nth );
+      buildWith( { operationFault( "programIntfTxQueueDefaults", c.nth ) } );
+      txq( 1 ).wredStatusIs( thresholds( 1000, 9000 ) );
+      chip->programIntfTxQueueWred( intf(), txq( 1 ) );
+      chip->programIntfTxQueueDefaults( intf(), txq( 1 ) );
+      chip->programIntfTxQueueDefaults( intf(), txq( 1 ) );
+      EXPECT_EQ( failedFeatures(), c.failed );
+      EXPECT_EQ( takeLogs(), c.logs );
+      EXPECT_EQ( queueIn( 1 ) != nullptr, c.queueKept );
+      EXPECT_EQ( chip->wredProfiles().used(), c.queueKept ? 1u : 0u );
+   }
+}
+
+// Every operation the loader lets a fault name is one the chip fails: a name it checks under
+// another spelling, or forgets to check, would be a fault that silently does nothing.
+TEST_F( SimQosBasicFaultTest, EveryOperationAFaultCanNameFails ) {
+   Mirel::IntfId const e1( "Ethernet1" );
+   Zub::Name const name( "n" );
+   auto const q = [ this ] { return std::ref( txq( 1 ) ); };
+   std::map< std::string, std::function< void() > > const calls{
+      { "programCosToTcMap", [ & ] { chip->programCosToTcMap( Qos::Cos( 1 ) ); } },
+      { "programDscpToTcMap", [ & ] { chip->programDscpToTcMap( Qos::Dscp( 1 ) ); } },
+      { "programDscpToDpMap", [ & ] { chip->programDscpToDpMap( Qos::Dscp( 1 ) ); } },
+      { "programExpToTcMap", [ & ] { chip->programExpToTcMap( Qos::Exp( 1 ) ); } },
+      { "programTcToCosMap", [ & ] { chip->programTcToCosMap( Qos::TrafficClass( 1 ) ); } },
+      { "programTcToDscpMap", [ & ] { chip->programTcToDscpMap( Qos::TrafficClass( 1 ) ); } },
+      { "programTcToExpMap", [ & ] { chip->programTcToExpMap( Qos::TrafficClass( 1 ) ); } },
+      { "programCosRewriteEnabled", [ & ] { chip->programCosRewriteEnabled(); } },
+      { "programDscpRewriteEnabled", [ & ] { chip->programDscpRewriteEnabled(); } },
+      { "programTcToUcTxQueueMap",
+        [ & ] { chip->programTcToUcTxQueueMap( Qos::TrafficClass( 1 ) ); } },
+      { "programTcToMcTxQueueMap",
+        [ & ] { chip->programTcToMcTxQueueMap( Qos::TrafficClass( 1 ) ); } },
+      { "programGlobalEcn", [ & ] { chip->programGlobalEcn(); } },
+      { "programIntfTrustModeCos", [ & ] { chip->programIntfTrustModeCos( intf() ); } },
+      { "programIntfTrustModeDscp", [ & ] { chip->programIntfTrustModeDscp( intf() ); } },
+      { "programIntfTrustModeUntrusted", [ & ] { chip->programIntfTrustModeUntrusted( intf() ); } },
+      { "programIntfDefaultCos", [ & ] { chip->programIntfDefaultCos( intf() ); } },
+      { "programIntfDefaultDscp", [ & ] { chip->programIntfDefaultDscp( intf() ); } },
+      { "programIntfShapeRate", [ & ] { chip->programIntfShapeRate( intf() ); } },
+      { "programIntfDefaults", [ & ] { chip->programIntfDefaults( intf() ); } },
+      { "programIntfTxQueuePriority", [ & ] { chip->programIntfTxQueuePriority( intf(), q() ); } },
+      { "programIntfTxQueueShapeRate",
+        [ & ] { chip->programIntfTxQueueShapeRate( intf(), q() ); } },
+      { "programIntfTxQueueGuaranteedBw",
+        [ & ] { chip->programIntfTxQueueGuaranteedBw( intf(), q() ); } },
+      { "programIntfTxQueueEcn", [ & ] { chip->programIntfTxQueueEcn( intf(), q() ); } },
+      { "programIntfTxQueueNonEct", [ & ] { chip->programIntfTxQueueNonEct( intf(), q() ); } },
+      { "programIntfTxQueueEcnDelayThreshold",
+        [ & ] {
+           chip->programIntfTxQueueEcnDelayThreshold( intf(), txq( 1 ).key(), true,
+                                                      Qos::EcnDelayThreshold() );
+        } },
+      { "programIntfTxQueueEcnCount",
+        [ & ] { chip->programIntfTxQueueEcnCount( e1, Qos::TxQueueId( 1 ), true ); } },
+      { "programIntfTxQueueWred", [ & ] { chip->programIntfTxQueueWred( intf(), q() ); } },
+      { "programIntfTxQueueDropThresholdForDp",
+        [ & ] {
+           chip->programIntfTxQueueDropThresholdForDp( intf(), q(), Qos::DropPrecedence( 1 ) );
+        } },
+      { "programIntfTxQueueDropThresholdDefaults",
+        [ & ] { chip->programIntfTxQueueDropThresholdDefaults( intf(), q() ); } },
+      { "programIntfTxQueueDefaults", [ & ] { chip->programIntfTxQueueDefaults( intf(), q() ); } },
+      { "programDscpMap", [ & ] { chip->programDscpMap( name ); } },
+      { "deleteDscpMap", [ & ] { chip->deleteDscpMap( name ); } },
+      { "programIntfToDscpRewriteMap", [ & ] { chip->programIntfToDscpRewriteMap( intf() ); } },
+      { "updateTcToDscpMapping",
+        [ & ] { chip->updateTcToDscpMapping( name, Qos::TrafficClass( 1 ) ); } },
+      { "addCosToTcProfile", [ & ] { chip->addCosToTcProfile( name ); } },
+      { "removeCosToTcProfile", [ & ] { chip->removeCosToTcProfile( name ); } },
+      { "handleIntfToCosToTcProfile", [ & ] { chip->handleIntfToCosToTcProfile( e1, false ); } },
+      { "updateCosToTcProfileMapping",
+        [ & ] { chip->updateCosToTcProfileMapping( name, Qos::Cos( 1 ) ); } },
+   };
+   EXPECT_EQ( calls.size(), Sim::basicFaultOperations.size() );
+   for( std::string_view const op : Sim::basicFaultOperations ) {
+      SCOPED_TRACE( op );
+      auto const call = calls.find( std::string( op ) );
+      ASSERT_NE( call, calls.end() ) << "no call for this operation";
+      buildWith( { operationFault( std::string( op ), 0 ) } );
+      call->second();
+      EXPECT_EQ( takeLogs().size(), 1u );
+   }
+}
+
+// A fault holds in its window while its switch is on; the chip's helpers share one set of
+// faults, so a switch thrown through one reaches the other.
+TEST_F( SimQosBasicFaultTest, AFaultHoldsInItsWindowWhileSwitchedOn ) {
+   Zub::Seconds const start = loop->now();
+   Sim::FaultConfig fault = operationFault( "programIntfTxQueueWred", 0 );
+   fault.from = start + 10.0;
+   fault.until = start + 20.0;
+   buildWith( {} );
+   auto const faults = std::make_shared< Sim::ChipFaults >( std::vector{ fault },
+                                                            Zub::make< Kesh::TimerWheel >() );
+   chip->faultsIs( faults );
+   unsigned wred = 1000;
+   auto const programs = [ & ]( Zub::Seconds at ) {
+      loop->runUntil( start + at );
+      wred += 1000;
+      txq( 1 ).wredStatusIs( thresholds( wred, 90000 ) );
+      chip->programIntfTxQueueWred( intf(), txq( 1 ) );
+      takeLogs();
+      return queueIn( 1 ) && queueIn( 1 )->wred == thresholds( wred, 90000 );
+   };
+   EXPECT_TRUE( programs( 5.0 ) );
+   EXPECT_FALSE( programs( 10.0 ) );
+   faults->switchIs( 0, false );
+   EXPECT_TRUE( programs( 12.0 ) );
+   faults->switchIs( 0, true );
+   EXPECT_FALSE( programs( 18.0 ) );
+   EXPECT_TRUE( programs( 21.0 ) );
 }
 
 }  // namespace

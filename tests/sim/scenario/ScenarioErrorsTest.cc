@@ -100,6 +100,27 @@ TEST( ScenarioErrorsTest, UnknownAndRepeatedKeys ) {
    } );
 }
 
+// An operation fault names an operation of a helper that fails on request; a basic QoS operation
+// fails as its feature does and takes no ACL error.
+TEST( ScenarioErrorsTest, OperationFaultsOnOperationsThatCantFail ) {
+   expectErrors( {
+         { "chip: { faults: [ { kind: operationError, op: createAcl } ] }\n",
+           "bad.yaml:1:47: op: 'createAcl' is no operation of the ACL or basic QoS helper that a "
+           "fault can fail" },
+         { "chip:\n  faults:\n    - { kind: operationError, op: hwInit }\n",
+           "bad.yaml:3:35: op: 'hwInit' is no operation of the ACL or basic QoS helper that a "
+           "fault can fail" },
+         { "chip: { faults: [ { kind: operationError, op: programIntfTxQueueWred, error: "
+           "outOfTcam } ] }\n",
+           "bad.yaml:1:78: error: does not apply to basic QoS operation programIntfTxQueueWred, "
+           "which fails as its feature does" },
+         { "chip: { faults: [ { kind: operationError, op: programIntfTrustModeDscp, family: "
+           "ipv4 } ] }\n",
+           "bad.yaml:1:73: fault: unknown key 'family' (known: name, kind, from, until, op, nth, "
+           "error)" },
+   } );
+}
+
 TEST( ScenarioErrorsTest, ValuesOfTheWrongTypeOrOutOfRange ) {
    expectErrors( {
          { "chip:\n  rangeCheckers: [ 1 ]\n",

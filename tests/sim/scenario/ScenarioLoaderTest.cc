@@ -231,7 +231,7 @@ chip:
   supportedTcpFlags: 0x3f
   policyClassMaxPrio: 200
   faults:
-    - { kind: operationError, op: createAcl, nth: 2, error: tooManyL4PortRanges, until: 9 }
+    - { kind: operationError, op: createIpAclSubrule, nth: 2, error: tooManyL4PortRanges, until: 9 }
     - { name: stuck, kind: asyncPending }
 )" );
    EXPECT_EQ( s.chip.tcamMode, Sim::TcamMode::asynchronous );
@@ -241,7 +241,7 @@ chip:
    EXPECT_EQ( s.chip.supportedTcpFlags, 0x3f );
    EXPECT_EQ( s.chip.policyClassMaxPrio, 200 );
    ASSERT_EQ( s.chip.faults.size(), 2u );
-   EXPECT_EQ( s.chip.faults[ 0 ].op, "createAcl" );
+   EXPECT_EQ( s.chip.faults[ 0 ].op, "createIpAclSubrule" );
    EXPECT_EQ( s.chip.faults[ 0 ].nth, 2u );
    EXPECT_EQ( s.chip.faults[ 0 ].error, Nev::aclCreateErrorTooManyL4PortRanges );
    EXPECT_EQ( s.chip.faults[ 0 ].until, 9.0 );
