@@ -1,6 +1,6 @@
-// Scenarios run through the engine: any text that loads is run as `nevqos-sim --verify --json`
-// runs it (tests/reliability/CheckedRun.h), with the outside checks after the start, after every
-// step and after the settling time, and its JSON report built. A text that does not load, or
+// Scenarios run through the engine: any text that loads is run as `nevqos-sim --verify=always
+// --json` runs it (tests/reliability/CheckedRun.h), with the outside checks after the start, after
+// every step and after the settling time, and its JSON report built. A text that does not load, or
 // whose configuration the publisher refuses, is no input. An engine assertion, an escaped
 // exception, a run that never settles, a verification finding, a map whose status the chip's
 // TCAM contradicts, or a hang is a finding.

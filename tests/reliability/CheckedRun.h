@@ -1,6 +1,6 @@
-// A scenario run as `nevqos-sim --verify` runs it, with the outside checks of SwitchChecks.h after
-// the start, after every step and after the settling time, collecting whatever is wrong instead
-// of stopping at it: a verification finding the scenario did not ask for (damage done by
+// A scenario run as `nevqos-sim --verify=always` runs it, with the outside checks of SwitchChecks.h
+// after the start, after every step and after the settling time, collecting whatever is wrong
+// instead of stopping at it: a verification finding the scenario did not ask for (damage done by
 // corruptTcam asks for findings until the end), a disagreement between the chip and the status,
 // a run that never settles. An engine assertion still ends the process. No test framework in
 // it: the engine fuzz target runs it too.

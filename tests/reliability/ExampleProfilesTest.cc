@@ -1,7 +1,7 @@
 // Every example on chips at the edges of what a chip may be, on both TCAM modes: a tiny TCAM, no
 // range checkers, policers or counters, a budget of one class, each capability flag turned the
-// other way, and so on. Each runs as `nevqos-sim --verify` runs it (CheckedRun.h): it must end,
-// without an engine assertion, with verification clean (but where the example damages the TCAM
+// other way, and so on. Each runs as `nevqos-sim --verify=always` runs it (CheckedRun.h): it must
+// end, without an engine assertion, with verification clean (but where the example damages the TCAM
 // on purpose) and with the chip holding what the status says. A failure writes the scenario with
 // its chip to a file that nevqos-sim replays.
 #include <gtest/gtest.h>
@@ -217,12 +217,12 @@ TEST_P( ExampleProfilesTest, EndsCleanOnEveryBoundaryChip ) {
          }
          std::string const path =
                ::testing::TempDir() + "example-" + name + "-" + mode + "-" + profile + ".yaml";
-         AbortNote const note( where + "; nevqos-sim " + path + " --verify replays it" );
+         AbortNote const note( where + "; nevqos-sim " + path + " --verify=always replays it" );
          std::ofstream( path ) << text;
          CheckedRun const run = checkedRun( scenario );
          ++runs;
          EXPECT_EQ( run.problems, std::vector< std::string >{} )
-               << where << "; nevqos-sim " << path << " --verify replays it";
+               << where << "; nevqos-sim " << path << " --verify=always replays it";
          if( run.problems.empty() ) std::filesystem::remove( path );
       }
    }
@@ -233,7 +233,7 @@ INSTANTIATE_TEST_SUITE_P( Examples, ExampleProfilesTest,
                           ::testing::Values( "edge-policy", "tcam-exhaustion", "range-checkers",
                                              "async-timeout", "counters", "ecn-profiles",
                                              "copp-exhaustion", "cbf-overrides", "tcam-corruption",
-                                             "restart-reconciliation" ) );
+                                             "restart-reconciliation", "basic-faults" ) );
 
 }  // namespace
 }  // namespace NevQosTest

@@ -126,7 +126,7 @@ class RandomSequenceTest : public ::testing::TestWithParam< Sim::TcamMode > {
              summary + "): NEVQOS_RANDOM_SEED=" + std::to_string( seed_ ) +
              " NEVQOS_RANDOM_SEEDS=1 NEVQOS_RANDOM_STEPS=" + std::to_string( step ) +
              " nevqos_tests --gtest_filter='Modes/RandomSequenceTest.*/" + modeName() +
-             "' reruns it; nevqos-sim " + path + " --verify replays it";
+             "' reruns it; nevqos-sim " + path + " --verify=always replays it";
    }
 
    // Whether the log line of `handle` is one the chip, its faults or the configuration explain.
