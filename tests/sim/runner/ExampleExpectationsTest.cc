@@ -72,7 +72,8 @@ INSTANTIATE_TEST_SUITE_P( Examples, ExampleExpectationsTest,
                           ::testing::Values( "edge-policy", "tcam-exhaustion", "range-checkers",
                                              "async-timeout", "counters", "classbench-10k",
                                              "ecn-profiles", "copp-exhaustion", "cbf-overrides",
-                                             "tcam-corruption", "restart-reconciliation" ) );
+                                             "tcam-corruption", "restart-reconciliation",
+                                             "traffic-colours" ) );
 
 }  // namespace
 }  // namespace NevQosTest
