@@ -129,8 +129,9 @@ TEST( TrafficColoursTest, EachShareReachesItsCounterOnAChipOfPolicerCopies ) {
 }
 
 TEST( TrafficColoursTest, EachShareReachesItsCounterOnAChipOfPerClassPolicers ) {
-   Json const report = reportOf(
-         "per-class.yaml", sharedPolicerScenario( "perClassPolicerSupported: true", colouredTraffic ) );
+   Json const report =
+         reportOf( "per-class.yaml",
+                   sharedPolicerScenario( "perClassPolicerSupported: true", colouredTraffic ) );
    Counters expected;
    for( Landing const& l : landings ) {
       if( l.onClasses ) expected[ l.onClasses ] = l.sum;
@@ -152,8 +153,8 @@ TEST( TrafficColoursTest, PerPortDropsOfAPolicerAreKeptOnceItServesSeveralPorts 
                    droppedPackets: 5, droppedBytes: 500 }
       - requestCounters: snmp
 )";
-   Json const alone = reportOf( "alone.yaml",
-                                sharedPolicerScenario( "perClassPolicerSupported: true", steps ) );
+   Json const alone =
+         reportOf( "alone.yaml", sharedPolicerScenario( "perClassPolicerSupported: true", steps ) );
    expectCounters( countersOf( alone ), { { "video.outCount", 50 },
                                           { "video.outBytes", 5000 },
                                           { "video.dropCount", 5 },
@@ -185,15 +186,14 @@ TEST( TrafficColoursTest, PerPortDropsOfAPolicerAreKeptOnceItServesSeveralPorts 
 TEST( TrafficColoursTest, TheExampleEndsWithTheSumsOfItsTraffic ) {
    SimRun const run = runSim( { example( "traffic-colours.yaml" ), "--json", "--verify" } );
    ASSERT_EQ( run.exitCode, 0 ) << run.err;
-   expectCounters( countersOf( run.report() ),
-                   { { "video/video-cap.pktInCount", 8500 },
-                     { "video/video-cap.byteInCount", 10200000 },
-                     { "video/video-cap.yellowPktInCount", 1900 },
-                     { "video/video-cap.yellowByteInCount", 2280000 },
-                     { "video/video-cap.pktDropCount", 900 },
-                     { "video/video-cap.byteDropCount", 1080000 },
-                     { "bulk.outCount", 500 },
-                     { "bulk.outBytes", 750000 } } );
+   expectCounters( countersOf( run.report() ), { { "video/video-cap.pktInCount", 8500 },
+                                                 { "video/video-cap.byteInCount", 10200000 },
+                                                 { "video/video-cap.yellowPktInCount", 1900 },
+                                                 { "video/video-cap.yellowByteInCount", 2280000 },
+                                                 { "video/video-cap.pktDropCount", 900 },
+                                                 { "video/video-cap.byteDropCount", 1080000 },
+                                                 { "bulk.outCount", 500 },
+                                                 { "bulk.outBytes", 750000 } } );
 }
 
 // ---- An entry the engine never asked for
@@ -217,7 +217,8 @@ steps:
 // finds, on both TCAM modes, until the map is programmed again.
 TEST( TrafficColoursTest, AnAddedEntryOfADenyRuleIsFoundByVerification ) {
    std::string const path = scenarioFile(
-         "planted.yaml", denyFirst + R"(      - corruptTcam: { acl: MGMT, rule: 0, subrule: 0, add: true,
+         "planted.yaml",
+         denyFirst + R"(      - corruptTcam: { acl: MGMT, rule: 0, subrule: 0, add: true,
                        fields: { action: permit, proto: "6", dstPort: 22/0xffff } }
   - at: 2
     changes:
@@ -255,7 +256,8 @@ TEST( TrafficColoursTest, AnAddedEntryOfADenyRuleIsFoundByVerification ) {
 
 TEST( TrafficColoursTest, AnEntryCanBeAddedOnlyWhereThereIsNone ) {
    // Rule 1's first entry stands: there is no room for another of its numbers.
-   SimRun const run = runSim( { scenarioFile( "taken.yaml", denyFirst + R"(      - corruptTcam: { acl: MGMT, rule: 1, add: true }
+   SimRun const run = runSim( { scenarioFile(
+         "taken.yaml", denyFirst + R"(      - corruptTcam: { acl: MGMT, rule: 1, add: true }
 )" ) } );
    EXPECT_EQ( run.exitCode, 2 );
    EXPECT_NE( run.err.find( ":14:9: corruptTcam: no installed ACL MGMT can take an added entry "
@@ -263,9 +265,9 @@ TEST( TrafficColoursTest, AnEntryCanBeAddedOnlyWhereThereIsNone ) {
               std::string::npos )
          << run.err;
    // A full slice has no slot for it.
-   SimRun const full = runSim( { scenarioFile(
-         "full.yaml", "chip: { tcamSliceEntries: 3 }\n" + denyFirst +
-                            "      - corruptTcam: { acl: MGMT, add: true }\n" ) } );
+   SimRun const full = runSim(
+         { scenarioFile( "full.yaml", "chip: { tcamSliceEntries: 3 }\n" + denyFirst +
+                                            "      - corruptTcam: { acl: MGMT, add: true }\n" ) } );
    EXPECT_EQ( full.exitCode, 2 ) << full.err;
 }
 
