@@ -609,16 +609,42 @@ Nev::QosClassCounterData SimQosAclHelper::counterUpdateRequest( Nev::QosClassDat
       if( id != aclIdOf( classData, aclKey ) ) return {};
       break;
    }
-   Nev::QosClassCounterData hits;
+   return countersOf( classData );
+}
+
+// Drops and yellow marks are the policer's: a class without one counts hits alone. A policer
+// that serves several interfaces also counts its drops per interface, with an entry for each.
+Nev::QosClassCounterData SimQosAclHelper::countersOf( Nev::QosClassData const& classData ) const {
+   bool const policed = classData.policerData() != nullptr;
+   std::set< Mirel::IntfId > intfs;
+   for( auto it = classData.intfId().iter(); it; ++it )
+      intfs.insert( it.key().intfId() );
+   bool const shared = policed && intfs.size() > 1;
+   Nev::QosClassCounterData sum;
+   if( shared ) {
+      for( Mirel::IntfId const intf : intfs )
+         sum.dropCountIntfSharedPolicerIs( intf, 0 );
+   }
    Nev::QosClassDataKey const& k = classData.key();
    for( ChipTraffic const& t : traffic_ ) {
-      if( t.servicePolicy.pmapName() == k.pmapName() && t.servicePolicy.type() == k.pmapType() &&
-          t.servicePolicy.direction() == k.direction() && t.classMap == k.cmapName() &&
-          classData.intfIdHas( t.intf ) ) {
-         hits += t.hits;
+      if( t.servicePolicy.pmapName() != k.pmapName() || t.servicePolicy.type() != k.pmapType() ||
+          t.servicePolicy.direction() != k.direction() || t.classMap != k.cmapName() ||
+          !classData.intfIdHas( t.intf ) ) {
+         continue;
       }
+      Nev::QosClassCounterData hits;
+      hits.pktHitsIs( t.hits.pktHits() );
+      hits.byteHitsIs( t.hits.byteHits() );
+      if( policed ) {
+         hits.pktDropsIs( t.hits.pktDrops() );
+         hits.byteDropsIs( t.hits.byteDrops() );
+         hits.yellowPktHitsIs( t.hits.yellowPktHits() );
+         hits.yellowByteHitsIs( t.hits.yellowByteHits() );
+      }
+      if( shared ) hits.dropCountIntfSharedPolicerIs( t.intf.intfId(), t.hits.pktDrops() );
+      sum += hits;
    }
-   return hits;
+   return sum;
 }
 
 // ---- Control plane and start-up

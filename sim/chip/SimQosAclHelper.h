@@ -99,6 +99,9 @@ class SimQosAclHelper : public NevHelper::QosAclHelper {
    std::size_t corruptEntry( std::string const& aclName, std::uint32_t ruleNum,
                              std::uint32_t subruleNum, std::string const& field,
                              std::string const& value );
+   // Puts `entry`, which the engine never asked for, into every installed ACL named `aclName`
+   // that has no entry of its numbers: see Tcam::plant. The number of ACLs that took it.
+   std::size_t plantEntry( std::string const& aclName, TcamEntry const& entry );
 
    // ---- The helper contract
    Nev::AclCreateError precreateAcl( Nev::QosPolicyMapState const& pmapState,
@@ -428,6 +431,9 @@ class SimQosAclHelper : public NevHelper::QosAclHelper {
    // Whether a class of a policy map owns the ACL: its class data is still held by the engine,
    // not by this record alone, and still holds the ACL among its matches.
    bool owned( AclRecord const& record ) const;
+   std::vector< std::string > aclIdsNamed( std::string const& aclName ) const;
+   // The counters of the traffic injected so far into the class's interfaces.
+   Nev::QosClassCounterData countersOf( Nev::QosClassData const& classData ) const;
    static TcamEntry defaultEntry() { return TcamEntry{ "default", 0, 0, { { "match", "any" } } }; }
    // ---- Show (SimQosAclHelperShow.cc)
    void showEntries( std::uint32_t socket, Nev::QosClassData const& classData,

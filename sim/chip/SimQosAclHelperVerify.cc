@@ -580,9 +580,8 @@ bool SimQosAclHelper::owned( AclRecord const& record ) const {
 
 // ---- Damage
 
-std::size_t SimQosAclHelper::corruptEntry( std::string const& aclName, std::uint32_t ruleNum,
-                                           std::uint32_t subruleNum, std::string const& field,
-                                           std::string const& value ) {
+// The ids of the installed ACLs of that name, in every class that holds one.
+std::vector< std::string > SimQosAclHelper::aclIdsNamed( std::string const& aclName ) const {
    std::vector< std::string > ids;
    for( auto const& [ id, acl ] : tcam_.acls() ) {
       // An id is "<class> <name>(<family>)".
@@ -591,10 +590,23 @@ std::size_t SimQosAclHelper::corruptEntry( std::string const& aclName, std::uint
       if( space == std::string::npos || paren == std::string::npos || paren < space ) continue;
       if( id.substr( space + 1, paren - space - 1 ) == aclName ) ids.push_back( id );
    }
+   return ids;
+}
+
+std::size_t SimQosAclHelper::corruptEntry( std::string const& aclName, std::uint32_t ruleNum,
+                                           std::uint32_t subruleNum, std::string const& field,
+                                           std::string const& value ) {
    std::size_t damaged = 0;
-   for( std::string const& id : ids )
+   for( std::string const& id : aclIdsNamed( aclName ) )
       damaged += tcam_.corrupt( id, ruleNum, subruleNum, field, value ) ? 1 : 0;
    return damaged;
+}
+
+std::size_t SimQosAclHelper::plantEntry( std::string const& aclName, TcamEntry const& entry ) {
+   std::size_t planted = 0;
+   for( std::string const& id : aclIdsNamed( aclName ) )
+      planted += tcam_.plant( id, entry ) ? 1 : 0;
+   return planted;
 }
 
 }  // namespace Sim

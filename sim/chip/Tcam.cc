@@ -128,4 +128,23 @@ bool Tcam::corrupt( AclId const& id, std::uint32_t ruleNum, std::uint32_t subrul
    return true;
 }
 
+bool Tcam::plant( AclId const& id, TcamEntry entry ) {
+   auto const acl = acls_.find( id );
+   if( acl == acls_.end() || this->entry( id, entry.ruleNum, entry.subruleNum ) ) return false;
+   Slice& slice = slices_.at( acl->second.slice );
+   if( slice.used >= slice.size ) return false;
+   ++slice.used;
+   auto& entries = acl->second.entries;
+   // It passes for an entry of the rule whose number it bears, if that rule has entries.
+   for( TcamEntry const& e : entries ) {
+      if( e.ruleNum == entry.ruleNum && e.ruleId != 0 ) entry.ruleId = e.ruleId;
+   }
+   // Behind the last entry of lower numbers, so that an ordered ACL stays ordered.
+   auto const at = std::find_if( entries.begin(), entries.end(), [ & ]( TcamEntry const& x ) {
+      return std::tie( x.ruleNum, x.subruleNum ) > std::tie( entry.ruleNum, entry.subruleNum );
+   } );
+   entries.insert( at, std::move( entry ) );
+   return true;
+}
+
 }  // namespace Sim

@@ -73,6 +73,11 @@ class Tcam {
    // such entry.
    bool corrupt( AclId const& id, std::uint32_t ruleNum, std::uint32_t subruleNum,
                  std::string const& name, std::string const& value );
+   // Puts an entry its owner never wrote into the ACL, as a fault of the hardware would, in the
+   // place its numbers give it, passing for an entry of the rule of its number; it takes a slot.
+   // False when there is no such ACL, when it holds an entry of those numbers already, or when the
+   // slice is full.
+   bool plant( AclId const& id, TcamEntry entry );
 
    // Takes a checker for each need the ACL does not hold yet, sharing a checker with any ACL
    // holding the same range. Nothing is taken unless all fit: the needs without a checker are

@@ -308,7 +308,9 @@ void printStatus( std::ostream& os, Json const& status ) {
                << ( pol[ "policerPrgmd" ].get< bool >() ? "programmed" : "not programmed" )
                << "; yellow " << actionsText( pol[ "yellowActionStatus" ] ) << ", red "
                << actionsText( pol[ "redActionStatus" ] ) << "; in " << pol[ "pktInCount" ]
-               << " pkts, dropped " << pol[ "pktDropCount" ] << " pkts\n";
+               << " pkts " << pol[ "byteInCount" ] << " bytes, yellow " << pol[ "yellowPktInCount" ]
+               << " pkts " << pol[ "yellowByteInCount" ] << " bytes, dropped "
+               << pol[ "pktDropCount" ] << " pkts " << pol[ "byteDropCount" ] << " bytes\n";
          }
       }
    }

@@ -259,19 +259,37 @@ void SimSwitch::chipChangesIs( std::vector< Change > const& changes ) {
          Nev::QosClassCounterData hits;
          hits.pktHitsIs( traffic->packets );
          hits.byteHitsIs( traffic->bytes );
+         hits.pktDropsIs( traffic->droppedPackets );
+         hits.byteDropsIs( traffic->droppedBytes );
+         hits.yellowPktHitsIs( traffic->yellowPackets );
+         hits.yellowByteHitsIs( traffic->yellowBytes );
          chip_->trafficIs( ChipTraffic{ traffic->servicePolicy, Zub::Name( traffic->classMap ),
                                         traffic->intf, hits } );
       } else if( auto const* fault = std::get_if< FaultSwitch >( &change.value ) ) {
          chip_->faultIs( fault->fault, fault->on );
       } else if( auto const* damage = std::get_if< TcamCorruption >( &change.value ) ) {
-         if( chip_->corruptEntry( damage->acl, damage->rule, damage->subrule, damage->field,
-                                  damage->value ) == 0 ) {
-            throw ScenarioError( file_, change.where,
-                                 "corruptTcam: no installed ACL " + damage->acl + " has entry " +
-                                       std::to_string( damage->rule ) + "." +
-                                       std::to_string( damage->subrule ) + " now" );
-         }
+         tcamDamageIs( *damage, change.where );
       }
+   }
+}
+
+void SimSwitch::tcamDamageIs( TcamCorruption const& damage, Where const& where ) {
+   std::string const entry = std::to_string( damage.rule ) + "." + std::to_string( damage.subrule );
+   if( damage.add ) {
+      if( chip_->plantEntry(
+                damage.acl, TcamEntry{ "ip", damage.rule, damage.subrule, damage.fields } ) == 0 ) {
+         throw ScenarioError( file_, where,
+                              "corruptTcam: no installed ACL " + damage.acl +
+                                    " can take an added entry " + entry +
+                                    " now (it has one already, or its slice is full)" );
+      }
+      return;
+   }
+   if( chip_->corruptEntry( damage.acl, damage.rule, damage.subrule, damage.field, damage.value ) ==
+       0 ) {
+      throw ScenarioError(
+            file_, where,
+            "corruptTcam: no installed ACL " + damage.acl + " has entry " + entry + " now" );
    }
 }
 

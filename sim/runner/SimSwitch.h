@@ -134,6 +134,8 @@ class SimSwitch {
    // Starts the run asked for and collects its findings.
    std::vector< std::string > verifyRun();
    void chipChangesIs( std::vector< Change > const& changes );
+   // Damages the TCAM as the change says; a change that finds nothing to damage stops the run.
+   void tcamDamageIs( TcamCorruption const& damage, Where const& where );
    void cbfTablesIs( ChipConfig const& chip );
 
    // The scenario file, for messages.

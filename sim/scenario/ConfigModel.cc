@@ -340,12 +340,20 @@ void ConfigModel::put( TrafficInjection const& traffic ) {
    auto const it = policyMaps_.find( { type, name } );
    if( it == policyMaps_.end() )
       refuse( "traffic for " + policyMapText( type, name ) + ", which does not exist" );
-   bool has = false;
-   forEachClass( it->second,
-                 [ & ]( ClassDef const& cls ) { has |= cls.classMap == traffic.classMap; } );
-   if( !has ) {
+   ClassDef const* cls = nullptr;
+   forEachClass( it->second, [ & ]( ClassDef const& c ) {
+      if( c.classMap == traffic.classMap ) cls = &c;
+   } );
+   if( !cls ) {
       refuse( "traffic for class " + traffic.classMap + ", which " + policyMapText( type, name ) +
               " does not have" );
+   }
+   // Only a policer drops a share of the traffic or marks it yellow.
+   bool const coloured = traffic.droppedPackets || traffic.droppedBytes || traffic.yellowPackets ||
+                         traffic.yellowBytes;
+   if( coloured && !cls->police ) {
+      refuse( "traffic dropped or yellow in class " + traffic.classMap +
+              ", which has no policer in " + policyMapText( type, name ) );
    }
 }
 

@@ -9,6 +9,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -203,13 +204,19 @@ struct InterfacePresence {
 struct CounterRequest {
    std::string client;
 };
-// Packets that reach one class of a policy map on one interface; for the chip's counters.
+// Packets that reach one class of a policy map on one interface; for the chip's counters. Of
+// them, those the class's policer dropped and those it marked yellow (a packet may be both, where
+// the yellow action drops).
 struct TrafficInjection {
    Qos::ServicePolicyKey servicePolicy;
    std::string classMap;
    Qos::IntfPairKey intf;
    std::uint64_t packets = 0;
    std::uint64_t bytes = 0;
+   std::uint64_t droppedPackets = 0;
+   std::uint64_t droppedBytes = 0;
+   std::uint64_t yellowPackets = 0;
+   std::uint64_t yellowBytes = 0;
 };
 // The operator clears the hardware error status.
 struct ClearRequest {};
@@ -221,13 +228,16 @@ struct FaultSwitch {
 
 // The chip's TCAM damaged behind the engine's back, as a fault of the hardware would: entry
 // (rule, subrule) of every installed ACL named `acl` gets `field` = `value`, or is lost when no
-// field is named.
+// field is named; with `add`, an entry of those numbers and `fields` appears where there was
+// none.
 struct TcamCorruption {
    std::string acl;
    std::uint32_t rule = 0;
    std::uint32_t subrule = 0;
    std::string field;
    std::string value;
+   bool add = false;
+   std::vector< std::pair< std::string, std::string > > fields;
 };
 
 // What the kernel reports of one CPU queue of one port: saturated, no longer saturated, or

@@ -194,16 +194,33 @@ Attachment StepReader::attachment( YAML::Node const& node, bool attach ) const {
 }
 
 TrafficInjection StepReader::traffic( YAML::Node const& node ) const {
-   yaml_.checkMapping(
-         node, "traffic",
-         { "policyMap", "type", "direction", "class", "interface", "packets", "bytes" } );
+   yaml_.checkMapping( node, "traffic",
+                       { "policyMap", "type", "direction", "class", "interface", "packets", "bytes",
+                         "droppedPackets", "droppedBytes", "yellowPackets", "yellowBytes" } );
    TrafficInjection t;
    t.servicePolicy = servicePolicies_.key( node );
    t.classMap = yaml_.text( yaml_.required( node, "class" ), "class" );
    t.intf = servicePolicies_.intfPair( yaml_.required( node, "interface" ), "interface" );
    t.packets = yaml_.unsignedInteger( yaml_.required( node, "packets" ), "packets", UINT64_MAX );
    t.bytes = yaml_.unsignedInteger( yaml_.required( node, "bytes" ), "bytes", UINT64_MAX );
+   t.droppedPackets = partOf( node, "droppedPackets", t.packets, "packets" );
+   t.droppedBytes = partOf( node, "droppedBytes", t.bytes, "bytes" );
+   t.yellowPackets = partOf( node, "yellowPackets", t.packets, "packets" );
+   t.yellowBytes = partOf( node, "yellowBytes", t.bytes, "bytes" );
    return t;
+}
+
+// A share of the traffic's `total`, 0 when left out.
+std::uint64_t StepReader::partOf( YAML::Node const& node, char const* key, std::uint64_t total,
+                                  char const* totalKey ) const {
+   auto const part = node[ key ];
+   if( !part ) return 0;
+   std::uint64_t const n = yaml_.unsignedInteger( part, key, UINT64_MAX );
+   if( n > total ) {
+      yaml_.fail( part, std::string( key ) + ": " + std::to_string( n ) + " is more than the " +
+                              std::to_string( total ) + " " + totalKey + " of the traffic" );
+   }
+   return n;
 }
 
 FaultSwitch StepReader::faultSwitch( YAML::Node const& node ) const {
@@ -225,7 +242,8 @@ FaultSwitch StepReader::faultSwitch( YAML::Node const& node ) const {
 }
 
 TcamCorruption StepReader::tcamCorruption( YAML::Node const& node ) const {
-   yaml_.checkMapping( node, "corruptTcam", { "acl", "rule", "subrule", "field", "value" } );
+   yaml_.checkMapping( node, "corruptTcam",
+                       { "acl", "rule", "subrule", "field", "value", "add", "fields" } );
    TcamCorruption c;
    c.acl = yaml_.text( yaml_.required( node, "acl" ), "acl" );
    auto const number = [ & ]( char const* key ) {
@@ -236,6 +254,19 @@ TcamCorruption StepReader::tcamCorruption( YAML::Node const& node ) const {
    c.subrule = number( "subrule" );
    auto const field = node[ "field" ];
    auto const value = node[ "value" ];
+   if( auto const add = node[ "add" ] ) c.add = yaml_.flag( add, "add" );
+   if( c.add ) {
+      if( field || value ) {
+         yaml_.fail( field ? field : value,
+                     "corruptTcam: an added entry takes its fields from fields, not field and "
+                     "value" );
+      }
+      if( auto const fields = node[ "fields" ] ) c.fields = entryFields( fields );
+      return c;
+   }
+   if( auto const fields = node[ "fields" ] ) {
+      yaml_.fail( fields, "corruptTcam: fields are for an added entry (add: true)" );
+   }
    if( bool( field ) != bool( value ) ) {
       yaml_.fail( node,
                   "corruptTcam: give field and value together, or neither to lose the entry" );
@@ -245,6 +276,21 @@ TcamCorruption StepReader::tcamCorruption( YAML::Node const& node ) const {
       c.value = yaml_.text( value, "value" );
    }
    return c;
+}
+
+// The fields of an added entry, in the order written, each a name and its text.
+std::vector< std::pair< std::string, std::string > > StepReader::entryFields(
+      YAML::Node const& node ) const {
+   if( !node.IsMap() ) yaml_.fail( node, "fields: expected a mapping, found " + kindOf( node ) );
+   std::vector< std::pair< std::string, std::string > > fields;
+   for( auto const& f : node ) {
+      std::string const name = yaml_.text( f.first, "fields" );
+      for( auto const& [ seen, text ] : fields ) {
+         if( seen == name ) yaml_.fail( f.first, "fields: " + name + " is given twice" );
+      }
+      fields.emplace_back( name, yaml_.text( f.second, name ) );
+   }
+   return fields;
 }
 
 KernelCoppReport StepReader::kernelCoppReport( YAML::Node const& node ) const {

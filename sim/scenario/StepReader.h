@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "sim/scenario/AclReader.h"
@@ -44,8 +45,12 @@ class StepReader {
                                                YAML::Node const& node ) const;
    Attachment attachment( YAML::Node const& node, bool attach ) const;
    TrafficInjection traffic( YAML::Node const& node ) const;
+   // Optional key `key` of a traffic mapping: a whole number not above `total`.
+   std::uint64_t partOf( YAML::Node const& node, char const* key, std::uint64_t total,
+                         char const* totalKey ) const;
    FaultSwitch faultSwitch( YAML::Node const& node ) const;
    TcamCorruption tcamCorruption( YAML::Node const& node ) const;
+   std::vector< std::pair< std::string, std::string > > entryFields( YAML::Node const& node ) const;
    // The key of an override: { af, dscp, fec }, af ipv4 when left out.
    Qos::Glarn::OverrideKey overrideKey( YAML::Node const& node, std::string const& what,
                                         std::vector< std::string_view > const& keys ) const;

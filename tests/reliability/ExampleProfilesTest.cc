@@ -233,7 +233,8 @@ INSTANTIATE_TEST_SUITE_P( Examples, ExampleProfilesTest,
                           ::testing::Values( "edge-policy", "tcam-exhaustion", "range-checkers",
                                              "async-timeout", "counters", "ecn-profiles",
                                              "copp-exhaustion", "cbf-overrides", "tcam-corruption",
-                                             "restart-reconciliation", "basic-faults" ) );
+                                             "restart-reconciliation", "basic-faults",
+                                             "traffic-colours" ) );
 
 }  // namespace
 }  // namespace NevQosTest

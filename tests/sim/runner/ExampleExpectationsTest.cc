@@ -74,7 +74,7 @@ INSTANTIATE_TEST_SUITE_P( Examples, ExampleExpectationsTest,
                                              "async-timeout", "counters", "classbench-10k",
                                              "ecn-profiles", "copp-exhaustion", "cbf-overrides",
                                              "tcam-corruption", "restart-reconciliation",
-                                             "basic-faults" ) );
+                                             "basic-faults", "traffic-colours" ) );
 
 }  // namespace
 }  // namespace NevQosTest

@@ -317,4 +317,61 @@ steps:
               "bad.yaml:15:9: service policy qos input p: policy map qos p does not exist" );
 }
 
+// The shares of a traffic change (dropped, yellow) and the entry corruptTcam adds: each refusal
+// stands where the fault is written.
+TEST( ScenarioErrorsTest, TrafficSharesAndAddedTcamEntries ) {
+   std::string const base = R"(
+interfaces: [ Ethernet1 ]
+acls: [ { name: A, rules: [ { proto: tcp } ] } ]
+classMaps: [ { name: c, match: { ipv4: A } } ]
+policyMaps:
+  - name: p
+    classes: [ { class: c, police: { cir: 10, bc: 100 } }, { class: class-default } ]
+servicePolicies: [ { policyMap: p, interfaces: [ Ethernet1 ] } ]
+steps:
+  - at: 1
+    changes:
+      - traffic: { policyMap: p, class: c, interface: Ethernet1, packets: 10, bytes: 1000, )";
+   expectErrors( {
+         { base + "droppedPackets: 11 }\n",
+           "bad.yaml:12:108: droppedPackets: 11 is more than the 10 packets of the traffic" },
+         { base + "droppedBytes: 1001 }\n",
+           "bad.yaml:12:106: droppedBytes: 1001 is more than the 1000 bytes of the traffic" },
+         { base + "yellowPackets: 11 }\n",
+           "bad.yaml:12:107: yellowPackets: 11 is more than the 10 packets of the traffic" },
+         { base + "yellowBytes: 2000 }\n",
+           "bad.yaml:12:105: yellowBytes: 2000 is more than the 1000 bytes of the traffic" },
+         { base + "yellowBytes: -1 }\n",
+           "bad.yaml:12:105: yellowBytes: '-1' is not a whole number" },
+         { base + "droppedPackets: 2.5 }\n",
+           "bad.yaml:12:108: droppedPackets: '2.5' is not a whole number" },
+         { base + "red: 1 }\n",
+           "bad.yaml:12:92: traffic: unknown key 'red' (known: policyMap, type, direction, class, "
+           "interface, packets, bytes, droppedPackets, droppedBytes, yellowPackets, "
+           "yellowBytes)" },
+   } );
+   std::string const step = base.substr( 0, base.rfind( "      - traffic" ) );
+   expectErrors( {
+         // Only a policer drops or colours: class-default has none.
+         { step + "      - traffic: { policyMap: p, class: class-default, interface: Ethernet1, "
+                  "packets: 5, bytes: 500, yellowPackets: 1 }\n",
+           "bad.yaml:12:9: traffic dropped or yellow in class class-default, which has no "
+           "policer in policy map qos p" },
+         { step + "      - corruptTcam: { acl: A, add: true, field: proto, value: \"6\" }\n",
+           "bad.yaml:12:50: corruptTcam: an added entry takes its fields from fields, not field "
+           "and value" },
+         { step + "      - corruptTcam: { acl: A, fields: { proto: \"6\" } }\n",
+           "bad.yaml:12:40: corruptTcam: fields are for an added entry (add: true)" },
+         { step + "      - corruptTcam: { acl: A, add: yes please }\n",
+           "bad.yaml:12:37: add: expected true or false, found 'yes please'" },
+         { step + "      - corruptTcam: { acl: A, add: true, fields: [ proto ] }\n",
+           "bad.yaml:12:51: fields: expected a mapping, found a sequence" },
+         { step + "      - corruptTcam: { acl: A, add: true, fields: { proto: \"6\", proto: "
+                  "\"17\" } }\n",
+           "bad.yaml:12:65: fields: proto is given twice" },
+         { step + "      - corruptTcam: { acl: B, add: true }\n",
+           "bad.yaml:12:9: corruptTcam: there is no access list B" },
+   } );
+}
+
 }  // namespace
