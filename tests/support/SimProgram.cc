@@ -48,4 +48,10 @@ std::string example( std::string const& name ) {
    return std::string( NEVQOS_EXAMPLES_DIR ) + "/" + name;
 }
 
+std::string scenarioFile( std::string const& name, std::string const& text ) {
+   std::string const path = ::testing::TempDir() + name;
+   std::ofstream( path ) << text;
+   return path;
+}
+
 }  // namespace NevQosTest

@@ -19,4 +19,7 @@ SimRun runSim( std::vector< std::string > const& args );
 // The path of a bundled example.
 std::string example( std::string const& name );
 
+// A scenario written to a file of its own in the test's temporary folder; its path.
+std::string scenarioFile( std::string const& name, std::string const& text );
+
 }  // namespace NevQosTest

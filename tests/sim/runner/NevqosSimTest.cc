@@ -29,13 +29,6 @@ Json reportOf( char const* name, std::vector< std::string > flags = {} ) {
    return run.exitCode == 0 ? run.report() : Json::object();
 }
 
-// A scenario written to a file of its own.
-std::string scenarioFile( std::string const& name, std::string const& text ) {
-   std::string const path = ::testing::TempDir() + name;
-   std::ofstream( path ) << text;
-   return path;
-}
-
 // An example cut off before the line `marker`, written to a file of its own.
 std::string exampleUpTo( std::string const& name, std::string const& marker ) {
    std::ifstream in( example( name ) );

@@ -18,12 +18,6 @@ namespace {
 using Json = nlohmann::json;
 using Counters = std::map< std::string, std::uint64_t >;
 
-std::string scenarioFile( std::string const& name, std::string const& text ) {
-   std::string const path = ::testing::TempDir() + name;
-   std::ofstream( path ) << text;
-   return path;
-}
-
 Json reportOf( std::string const& name, std::string const& text ) {
    SimRun const run = runSim( { scenarioFile( name, text ), "--json" } );
    EXPECT_EQ( run.exitCode, 0 ) << run.err;
