@@ -106,6 +106,10 @@ bool traceEnable( std::string_view enableList ) {
    return true;
 }
 
+bool traceListValid( std::string_view enableList ) {
+   return parseEnableList( enableList ).has_value();
+}
+
 void traceDisableAll() {
    Registry& reg = registry();
    reg.rules.clear();

@@ -38,6 +38,8 @@ class TraceHandle {
 // Enables levels on handles by name, now and for handles built later. Returns false, changing
 // nothing, when the text is not a valid list.
 bool traceEnable( std::string_view enableList );
+// Whether traceEnable would take the list, without enabling anything.
+bool traceListValid( std::string_view enableList );
 // Switches every handle off and forgets what traceEnable asked.
 void traceDisableAll();
 

@@ -37,7 +37,12 @@ char const* severityText( Zub::LogSeverity s ) {
 }  // namespace
 
 SimSwitch::SimSwitch( Scenario const& scenario, SwitchOptions const& options )
-    : file_( scenario.file ), keepTraces_( options.keepTraces ) {
+    : file_( scenario.file )
+    , keepTraces_( options.keepTraces || !scenario.traces.empty() )
+    , ownTraceLists_( !scenario.traces.empty() ) {
+   // The loader has checked the lists.
+   for( std::string const& list : scenario.traces )
+      Zub::traceEnable( list );
    loop_ = Zub::ActivityManager::create( Zub::ActivityManager::TimeSource::simulated,
                                          switchStartTime );
    loop_->runawayLimitIs( options.runawayTurns );
@@ -72,6 +77,8 @@ SimSwitch::~SimSwitch() {
    enginesStop();
    Zub::logSinkIs( nullptr );
    if( keepTraces_ ) Zub::traceSinkIs( nullptr );
+   // A scenario's lists are for its own run, not for a switch built after it.
+   if( ownTraceLists_ ) Zub::traceDisableAll();
    Zub::activityManagerIs( nullptr );
 }
 

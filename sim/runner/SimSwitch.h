@@ -122,7 +122,7 @@ class SimSwitch {
    Qos::AclHwStatus const& aclHwStatus() const { return *aclHwStatus_; }
    ConfigModel const& model() const { return publisher_->model(); }
    std::vector< LogLine > const& logs() const { return logs_; }
-   // With keepTraces: the trace lines so far.
+   // With keepTraces, or trace lists in the scenario: the trace lines so far.
    std::vector< TraceLine > const& traces() const { return traces_; }
 
  private:
@@ -182,6 +182,7 @@ class SimSwitch {
    std::unique_ptr< ConfigPublisher > publisher_;
    std::vector< LogLine > logs_;
    bool keepTraces_ = false;
+   bool ownTraceLists_ = false;
    std::vector< TraceLine > traces_;
 };
 

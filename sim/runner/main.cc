@@ -22,8 +22,7 @@ namespace {
 // Exit codes.
 constexpr int mismatch = 1;
 constexpr int badInput = 2;
-constexpr int failed = 3;
-constexpr int runaway = 4;
+constexpr int failed = 3;  // a run cut short too: it has no report to give
 
 // The map types --show takes, by the names scenarios use.
 std::map< std::string, Qos::MapType > const showTypes{ { "qos", Qos::mapQos_ },
@@ -153,7 +152,9 @@ int main( int argc, char** argv ) {
       verification.run( sw );
       auto report = Sim::reportOf( scenario, sw );
       if( verification.on() ) report[ "verify" ] = verification.json( sw );
-      if( !traces.empty() ) report[ "trace" ] = Sim::tracesOf( sw.traces() );
+      if( !traces.empty() || !scenario.traces.empty() ) {
+         report[ "trace" ] = Sim::tracesOf( sw.traces() );
+      }
       if( json ) {
          std::cout << report.dump( 2 ) << "\n";
       } else {
@@ -164,9 +165,6 @@ int main( int argc, char** argv ) {
    } catch( Sim::ScenarioError const& e ) {
       std::cerr << "nevqos-sim: " << e.what() << "\n";
       return badInput;
-   } catch( Zub::RunawayException const& e ) {
-      std::cerr << "nevqos-sim: " << path << ": " << e.what() << "\n";
-      return runaway;
    } catch( std::exception const& e ) {
       std::cerr << "nevqos-sim: " << path << ": " << e.what() << "\n";
       return failed;

@@ -313,6 +313,8 @@ struct Scenario {
    // access lists, class maps, named policers, policy maps, service policies.
    std::vector< Change > initial;
    std::vector< Step > steps;
+   // Trace lists (HANDLE/LEVELS) whose lines the report keeps, beside those of --trace.
+   std::vector< std::string > traces;
 };
 
 }  // namespace Sim

@@ -13,6 +13,7 @@
 #include "sim/scenario/ChipReader.h"
 #include "sim/scenario/ConfigModel.h"
 #include "sim/scenario/StepReader.h"
+#include "zub/Trace.h"
 
 namespace Sim {
 
@@ -22,7 +23,7 @@ std::vector< std::string_view > const topKeys = {
    "description",     "chip",         "interfaces",      "acls",       "classMaps",
    "namedPolicers",   "policyMaps",   "servicePolicies", "globalMaps", "dscpRewriteMaps",
    "cosToTcProfiles", "interfaceQos", "ecnCounters",     "links",      "kernelCopp",
-   "fecOverrides",    "fecService",   "steps",
+   "fecOverrides",    "fecService",   "steps",           "trace",
 };
 
 // Where each document of a text starts; nothing else is kept.
@@ -235,6 +236,22 @@ void checkChanges( Scenario const& scenario ) {
    }
 }
 
+// The trace lists a scenario asks for, as --trace takes them.
+std::vector< std::string > traceLists( YAML::Node const& node, YamlReader const& yaml ) {
+   yaml.checkSequence( node, "trace" );
+   std::vector< std::string > lists;
+   for( YAML::Node const& item : node ) {
+      std::string list = yaml.text( item, "trace" );
+      if( !Zub::traceListValid( list ) ) {
+         yaml.fail( item,
+                    "trace: '" + list +
+                          "' is not a trace list (HANDLE/LEVELS, such as NevQos/0-3 or */0)" );
+      }
+      lists.push_back( std::move( list ) );
+   }
+   return lists;
+}
+
 Scenario scenarioOf( YAML::Node const& doc, YamlReader const& yaml,
                      std::filesystem::path const& dir ) {
    yaml.checkMapping( doc, "scenario", topKeys );
@@ -248,6 +265,7 @@ Scenario scenarioOf( YAML::Node const& doc, YamlReader const& yaml,
    readInitial( doc, yaml, reader, scenario.initial );
    readSteps( doc, yaml, reader, scenario.steps );
    checkChanges( scenario );
+   if( auto const t = doc[ "trace" ] ) scenario.traces = traceLists( t, yaml );
    return scenario;
 }
 

@@ -1,4 +1,4 @@
-// A run whose engines never let the event loop settle is cut, by the program with exit code 4
+// A run whose engines never let the event loop settle is cut, by the program with exit code 3
 // and a message naming the time and what kept firing, and by the simulated switch with the
 // loop's exception; a loop that is only busy runs to its end.
 #include <gtest/gtest.h>
@@ -29,11 +29,11 @@ steps:
       - requestCounters: snmp
 )";
 
-TEST( RunawayTest, TheProgramCutsARunPastItsTurnsWithExitFour ) {
+TEST( RunawayTest, TheProgramCutsARunPastItsTurnsWithExitThree ) {
    std::string const path = ::testing::TempDir() + "never-ready.yaml";
    std::ofstream( path ) << neverReady;
    SimRun const cut = runSim( { path, "--max-turns", "50" } );
-   EXPECT_EQ( cut.exitCode, 4 );
+   EXPECT_EQ( cut.exitCode, 3 );
    EXPECT_EQ( cut.out, "" );
    EXPECT_EQ( cut.err, "nevqos-sim: " + path +
                              ": still running after 55 turns at virtual time 0.541: task "

@@ -33,7 +33,7 @@ void expectErrors( std::initializer_list< Case > cases ) {
 std::string const topKeys =
       "description, chip, interfaces, acls, classMaps, namedPolicers, policyMaps, "
       "servicePolicies, globalMaps, dscpRewriteMaps, cosToTcProfiles, interfaceQos, ecnCounters, "
-      "links, kernelCopp, fecOverrides, fecService, steps";
+      "links, kernelCopp, fecOverrides, fecService, steps, trace";
 
 TEST( ScenarioErrorsTest, TextThatIsNotOneYamlMapping ) {
    expectErrors( {
@@ -164,6 +164,10 @@ TEST( ScenarioErrorsTest, ValuesOfTheWrongTypeOrOutOfRange ) {
          { "steps: [ { at: 0 } ]\n",
            "bad.yaml:1:16: at: steps come in increasing time after the start at 0.001 s; this "
            "one is not after 0.001" },
+         { "trace: NevQos/0\n", "bad.yaml:1:8: trace: expected a sequence, found 'NevQos/0'" },
+         { "trace: [ NevQos/0, NevQos/x ]\n",
+           "bad.yaml:1:20: trace: 'NevQos/x' is not a trace list (HANDLE/LEVELS, such as "
+           "NevQos/0-3 or */0)" },
    } );
 }
 
