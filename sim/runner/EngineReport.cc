@@ -97,8 +97,12 @@ Json engineOf( Nev::QosAclSm const& engine ) {
       for( auto it = sp.value()->pmapSm().iter(); it; ++it )
          pmaps.push_back( policyMapOf( *it.value() ) );
    }
+   Json clients = Json::array();
+   for( auto it = engine.counterUpdateSm().iter(); it; ++it )
+      clients.push_back( it.key().str().stdString() );
    return Json{ { "error", engine.error().stdString() },
                 { "asyncState", textOf( engine.asyncState() ) },
+                { "counterClients", std::move( clients ) },
                 { "policyMaps", std::move( pmaps ) } };
 }
 
@@ -106,6 +110,11 @@ void printEngine( std::ostream& os, Json const& engine ) {
    os << "\nThe policy engine: asyncState " << engine[ "asyncState" ].get< std::string >();
    if( !engine[ "error" ].get< std::string >().empty() )
       os << ", error \"" << engine[ "error" ].get< std::string >() << "\"";
+   if( !engine[ "counterClients" ].empty() ) {
+      os << ", counter clients";
+      for( Json const& c : engine[ "counterClients" ] )
+         os << " " << c.get< std::string >();
+   }
    os << "\n";
    for( Json const& pmap : engine[ "policyMaps" ] ) {
       Json const& lat = pmap[ "latency" ];

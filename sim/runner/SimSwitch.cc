@@ -276,6 +276,9 @@ void SimSwitch::chipChangesIs( std::vector< Change > const& changes ) {
          chip_->faultIs( fault->fault, fault->on );
       } else if( auto const* damage = std::get_if< TcamCorruption >( &change.value ) ) {
          tcamDamageIs( *damage, change.where );
+      } else if( auto const* callback = std::get_if< IntfUpdateCallback >( &change.value ) ) {
+         // The engine watches the helper it was given, the recorder in front of the chip.
+         aclRecorder_->intfUpdateCallback( callback->intf, callback->direction );
       }
    }
 }

@@ -332,6 +332,14 @@ void ConfigModel::put( InterfacePresence const& presence ) {
 
 void ConfigModel::put( CounterRequest const& request ) {
    if( request.client.empty() ) refuse( "a counter request names no client" );
+   counterClients_.insert( request.client );
+}
+
+void ConfigModel::put( CounterClientRemoval const& removal ) {
+   if( counterClients_.erase( removal.client ) == 0 ) {
+      refuse( "removeCounterClient: no counter client '" + removal.client +
+              "' has asked for counters" );
+   }
 }
 
 void ConfigModel::put( TrafficInjection const& traffic ) {

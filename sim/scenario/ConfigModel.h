@@ -94,6 +94,8 @@ class ConfigModel {
    void put( Attachment const& attachment );
    void put( InterfacePresence const& presence );
    void put( CounterRequest const& request );
+   void put( CounterClientRemoval const& removal );
+   void put( IntfUpdateCallback const& ) {}
    void put( TrafficInjection const& traffic );
    void put( ClearRequest const& ) {}
    void put( FaultSwitch const& fault );
@@ -130,6 +132,8 @@ class ConfigModel {
    std::map< MapKey, PolicyMapDef > policyMaps_;
    std::map< Qos::ServicePolicyKey, ServicePolicyDef > servicePolicies_;
    std::set< Mirel::IntfId > interfaces_;
+   // The clients that have asked for counters and not gone since.
+   std::set< std::string > counterClients_;
    GlobalMapsDef globalMaps_;
    std::map< std::string, DscpRewriteMapDef > dscpRewriteMaps_;
    std::map< std::string, CosToTcProfileDef > cosToTcProfiles_;

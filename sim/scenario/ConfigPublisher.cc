@@ -22,7 +22,9 @@ bool isRequest( ChangeValue const& value ) {
           std::holds_alternative< ClearRequest >( value ) ||
           std::holds_alternative< FaultSwitch >( value ) ||
           std::holds_alternative< TcamCorruption >( value ) ||
-          std::holds_alternative< AgentRestart >( value );
+          std::holds_alternative< AgentRestart >( value ) ||
+          std::holds_alternative< CounterClientRemoval >( value ) ||
+          std::holds_alternative< IntfUpdateCallback >( value );
 }
 
 bool contains( std::vector< ConfigModel::MapKey > const& keys, ConfigModel::MapKey const& key ) {
@@ -266,6 +268,8 @@ void ConfigPublisher::requestsIs( std::vector< Change > const& changes, Zub::Sec
          config->pmapCounterUpdateRequestTimeIs( time );
       } else if( std::holds_alternative< ClearRequest >( change.value ) ) {
          in_.qosStatus->clearHwStatusErrorRequestTimeIs( time );
+      } else if( auto const* gone = std::get_if< CounterClientRemoval >( &change.value ) ) {
+         in_.counterConfigDir->entityPtrDel( Zub::Name( gone->client ) );
       }
    }
 }

@@ -218,6 +218,16 @@ struct TrafficInjection {
    std::uint64_t yellowPackets = 0;
    std::uint64_t yellowBytes = 0;
 };
+// A counter client goes: its entry leaves the counter directory.
+struct CounterClientRemoval {
+   std::string client;
+};
+// The chip's driver tells the engine that an interface's policy maps are to be programmed anew
+// in one direction (the helper's intfUpdateCallback).
+struct IntfUpdateCallback {
+   Qos::IntfPairKey intf;
+   Qos::Direction direction = Qos::directionInput_;
+};
 // The operator clears the hardware error status.
 struct ClearRequest {};
 // One of the chip's faults switched on or off; for the chip.
@@ -276,15 +286,14 @@ struct FecServiceRemoval {
 struct AgentRestart {};
 
 // A definition adds what it names or replaces it; a removal removes it.
-using ChangeValue =
-      std::variant< AclDef, AclRemoval, ClassMapDef, ClassMapRemoval, NamedPolicerDef,
-                    NamedPolicerRemoval, PolicyMapDef, PolicyMapRemoval, ServicePolicyDef,
-                    ServicePolicyRemoval, Attachment, InterfacePresence, CounterRequest,
-                    TrafficInjection, ClearRequest, FaultSwitch, GlobalMapsDef, DscpRewriteMapDef,
-                    DscpRewriteMapRemoval, CosToTcProfileDef, CosToTcProfileRemoval, IntfQosDef,
-                    IntfQosRemoval, EcnCountersDef, EcnCountersRemoval, LinkDef, KernelCoppReport,
-                    HwInitialization, FecOverrideDef, FecOverrideRemoval, FecServiceDef,
-                    FecServiceRemoval, TcamCorruption, AgentRestart >;
+using ChangeValue = std::variant<
+      AclDef, AclRemoval, ClassMapDef, ClassMapRemoval, NamedPolicerDef, NamedPolicerRemoval,
+      PolicyMapDef, PolicyMapRemoval, ServicePolicyDef, ServicePolicyRemoval, Attachment,
+      InterfacePresence, CounterRequest, TrafficInjection, ClearRequest, FaultSwitch, GlobalMapsDef,
+      DscpRewriteMapDef, DscpRewriteMapRemoval, CosToTcProfileDef, CosToTcProfileRemoval,
+      IntfQosDef, IntfQosRemoval, EcnCountersDef, EcnCountersRemoval, LinkDef, KernelCoppReport,
+      HwInitialization, FecOverrideDef, FecOverrideRemoval, FecServiceDef, FecServiceRemoval,
+      TcamCorruption, AgentRestart, CounterClientRemoval, IntfUpdateCallback >;
 
 struct Change {
    Where where;

@@ -45,6 +45,8 @@ std::vector< std::string_view > const changeKinds = {
    "removeFecService",
    "corruptTcam",
    "restart",
+   "removeCounterClient",
+   "intfUpdateCallback",
 };
 
 constexpr std::pair< std::string_view, Mirel::AddressFamily > overrideFamilies[] = {
@@ -108,6 +110,8 @@ ChangeValue StepReader::value( std::string const& kind, YAML::Node const& node )
       return InterfacePresence{ servicePolicies_.intfIds( node, kind ), kind == "addInterfaces" };
    }
    if( kind == "requestCounters" ) return CounterRequest{ yaml_.text( node, kind ) };
+   if( kind == "removeCounterClient" ) return CounterClientRemoval{ yaml_.text( node, kind ) };
+   if( kind == "intfUpdateCallback" ) return intfUpdateCallback( node );
    if( kind == "traffic" ) return traffic( node );
    if( kind == "clearErrors" ) {
       if( !yaml_.flag( node, kind ) )
@@ -191,6 +195,16 @@ Attachment StepReader::attachment( YAML::Node const& node, bool attach ) const {
    a.interfaces = servicePolicies_.intfPairs( yaml_.required( node, "interfaces" ), "interfaces" );
    a.attach = attach;
    return a;
+}
+
+IntfUpdateCallback StepReader::intfUpdateCallback( YAML::Node const& node ) const {
+   yaml_.checkMapping( node, "intfUpdateCallback", { "interface", "direction" } );
+   IntfUpdateCallback callback;
+   callback.intf = servicePolicies_.intfPair( yaml_.required( node, "interface" ), "interface" );
+   if( auto const d = node[ "direction" ] ) {
+      callback.direction = yaml_.choice( d, "direction", directionNames() );
+   }
+   return callback;
 }
 
 TrafficInjection StepReader::traffic( YAML::Node const& node ) const {

@@ -45,6 +45,7 @@ class StepReader {
                                                YAML::Node const& node ) const;
    Attachment attachment( YAML::Node const& node, bool attach ) const;
    TrafficInjection traffic( YAML::Node const& node ) const;
+   IntfUpdateCallback intfUpdateCallback( YAML::Node const& node ) const;
    // Optional key `key` of a traffic mapping: a whole number not above `total`.
    std::uint64_t partOf( YAML::Node const& node, char const* key, std::uint64_t total,
                          char const* totalKey ) const;

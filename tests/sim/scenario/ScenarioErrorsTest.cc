@@ -94,7 +94,8 @@ TEST( ScenarioErrorsTest, UnknownAndRepeatedKeys ) {
            "dscpRewriteMap, "
            "removeDscpRewriteMap, cosToTcProfile, removeCosToTcProfile, interfaceQos, "
            "removeInterfaceQos, ecnCounters, removeEcnCounters, link, kernelCopp, hwInitialized, "
-           "fecOverride, removeFecOverride, fecService, removeFecService, corruptTcam, restart)" },
+           "fecOverride, removeFecOverride, fecService, removeFecService, corruptTcam, restart, "
+           "removeCounterClient, intfUpdateCallback)" },
          { "steps: [ { at: 1, changes: [ { clearErrors: true, requestCounters: a } ] } ]\n",
            "bad.yaml:1:30: change: one kind of change per list item" },
    } );
@@ -164,6 +165,11 @@ TEST( ScenarioErrorsTest, ValuesOfTheWrongTypeOrOutOfRange ) {
          { "steps: [ { at: 0 } ]\n",
            "bad.yaml:1:16: at: steps come in increasing time after the start at 0.001 s; this "
            "one is not after 0.001" },
+         { "steps: [ { at: 1, changes: [ removeCounterClient: snmp ] } ]\n",
+           "bad.yaml:1:30: removeCounterClient: no counter client 'snmp' has asked for counters" },
+         { "steps: [ { at: 1, changes: [ intfUpdateCallback: { interface: Ethernet1, "
+           "direction: up } ] } ]\n",
+           "bad.yaml:1:85: direction: 'up' is not one of input, output" },
          { "trace: NevQos/0\n", "bad.yaml:1:8: trace: expected a sequence, found 'NevQos/0'" },
          { "trace: [ NevQos/0, NevQos/x ]\n",
            "bad.yaml:1:20: trace: 'NevQos/x' is not a trace list (HANDLE/LEVELS, such as "
