@@ -147,6 +147,13 @@ struct ChipConfig {
    bool establishedSupported = false;
    std::uint16_t supportedTcpFlags = 0x3f;
    std::uint16_t policyClassMaxPrio = 0xffff;
+   // A switch-wide setting the agent publishes beside the chip (NevCommonSmData): ports of the
+   // slice come and go under the platform's DLP flow, which reprograms a port that becomes
+   // active, and ECN counters stay off on an inactive port.
+   bool dlpEnabled = false;
+   // Keys the review task of class-based forwarding takes before it yields to other work: the
+   // task scheduler's work quantum.
+   std::uint32_t cbfReviewQuantum = 100;
 
    // Police limits: byte mode in kbps and bytes, packet mode in pps and packets.
    std::uint32_t policeByteModeMinRateKbps = 8;

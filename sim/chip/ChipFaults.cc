@@ -15,6 +15,10 @@ bool isBasicFaultOperation( std::string_view op ) {
    return std::ranges::find( basicFaultOperations, op ) != basicFaultOperations.end();
 }
 
+bool isCbfFaultOperation( std::string_view op ) {
+   return std::ranges::find( cbfFaultOperations, op ) != cbfFaultOperations.end();
+}
+
 ChipFaults::ChipFaults( std::vector< FaultConfig > faults, Zub::Ptr< Kesh::TimerWheel > clock )
     : faults_( std::move( faults ) )
     , clock_( std::move( clock ) )

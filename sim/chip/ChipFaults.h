@@ -66,8 +66,16 @@ inline constexpr std::array< std::string_view, 38 > basicFaultOperations{
    "updateCosToTcProfileMapping",
 };
 
+// The operations of the class-based-forwarding rule table that an operationError fault can fail.
+inline constexpr std::array< std::string_view, 3 > cbfFaultOperations{
+   "createOrUpdateMapping",
+   "deleteMapping",
+   "hwFecOverrideRuleId",
+};
+
 bool isAclFaultOperation( std::string_view op );
 bool isBasicFaultOperation( std::string_view op );
+bool isCbfFaultOperation( std::string_view op );
 
 class ChipFaults {
  public:

@@ -22,9 +22,14 @@ bool SimCbfFecMappingHelper::freeSlot( Qos::Hardware::FecOverrideRuleId& id ) co
    return false;
 }
 
+bool SimCbfFecMappingHelper::faulted( std::string const& op ) {
+   return faults_ && faults_->failingCall( op );
+}
+
 // An unchanged rule is accepted again; a changed one is rewritten in its slot.
 NevHelper::CbfFecMappingUpdateStatus SimCbfFecMappingHelper::createOrUpdateMapping(
       Nev::CbfFecMapRule const& rule ) {
+   if( faulted( "createOrUpdateMapping" ) ) return NevHelper::cbfMapUpdateFailed;
    if( notReady_ && notReady_() ) return NevHelper::cbfMapUpdateNotReady;
    auto it = rules_.find( rule.key() );
    if( it == rules_.end() ) {
@@ -45,11 +50,13 @@ NevHelper::CbfFecMappingUpdateStatus SimCbfFecMappingHelper::syncMapping(
 }
 
 void SimCbfFecMappingHelper::deleteMapping( Qos::Glarn::OverrideKey const& ruleKey ) {
+   if( faulted( "deleteMapping" ) ) return;
    rules_.erase( ruleKey );
 }
 
 Qos::Hardware::FecOverrideRuleId SimCbfFecMappingHelper::hwFecOverrideRuleId(
       Qos::Glarn::OverrideKey const& ruleKey ) {
+   if( faulted( "hwFecOverrideRuleId" ) ) return Qos::Hardware::invalidFecOverrideRuleId;
    auto const it = rules_.find( ruleKey );
    return it == rules_.end() ? Qos::Hardware::invalidFecOverrideRuleId : it->second.id;
 }

@@ -7,10 +7,13 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <memory>
+#include <string>
 #include <vector>
 
 #include "NevQos/helpers/CbfFecMappingHelper.h"
 #include "sim/chip/ChipConfig.h"
+#include "sim/chip/ChipFaults.h"
 #include "sim/chip/SimQosAclHelper.h"
 
 namespace Sim {
@@ -36,6 +39,10 @@ class SimCbfFecMappingHelper : public NevHelper::CbfFecMappingHelper {
    // left, or one a fault of the hardware changed.
    void ruleIs( Qos::Glarn::OverrideKey const& key, CbfRule const& rule ) { rules_[ key ] = rule; }
    void ruleDel( Qos::Glarn::OverrideKey const& key ) { rules_.erase( key ); }
+   // The chip's faults, shared with its other helpers; an operationError fails an operation
+   // (cbfFaultOperations) as a driver in trouble would: createOrUpdateMapping answers "failed"
+   // and programs nothing, deleteMapping leaves the rule, hwFecOverrideRuleId answers no rule.
+   void faultsIs( std::shared_ptr< ChipFaults > faults ) { faults_ = std::move( faults ); }
 
    NevHelper::CbfFecMappingUpdateStatus createOrUpdateMapping(
          Nev::CbfFecMapRule const& rule ) override;
@@ -49,10 +56,13 @@ class SimCbfFecMappingHelper : public NevHelper::CbfFecMappingHelper {
  private:
    // The lowest free slot, or none.
    bool freeSlot( Qos::Hardware::FecOverrideRuleId& id ) const;
+   // Whether an operationError fault fails this call of `op`; counts the call.
+   bool faulted( std::string const& op );
 
    std::uint32_t slots_;
    NotReady notReady_;
    std::map< Qos::Glarn::OverrideKey, CbfRule > rules_;
+   std::shared_ptr< ChipFaults > faults_;
 };
 
 }  // namespace Sim

@@ -106,6 +106,11 @@ void addFeatures( Json& status, Qos::SliceHwStatus const& slice ) {
    }
    status[ "basicStatus" ] = textOf( slice.status() );
    status[ "features" ] = features;
+   status[ "basicConfigVersionUpdateTime" ] = slice.configVersionUpdateTime();
+   Json profiles = Json::object();
+   for( auto it = slice.intfToCosToTcProfile().iter(); it; ++it )
+      profiles[ intfName( it.key() ) ] = it.value().charPtr();
+   status[ "intfToCosToTcProfile" ] = std::move( profiles );
 }
 
 Json basicOf( SimQosBasicHelper const& chip ) {
@@ -126,7 +131,7 @@ Json basicOf( SimQosBasicHelper const& chip ) {
 
 void printFeatures( std::ostream& os, Json const& status ) {
    os << "\nBasic QoS features, slice status " << status[ "basicStatus" ].get< std::string >()
-      << ":\n";
+      << ", configuration " << status[ "basicConfigVersionUpdateTime" ] << " applied:\n";
    for( Json const& f : status[ "features" ] ) {
       os << "  " << f[ "feature" ] << " " << f[ "name" ].get< std::string >() << ": "
          << f[ "status" ].get< std::string >() << ", version " << f[ "version" ];
@@ -134,6 +139,10 @@ void printFeatures( std::ostream& os, Json const& status ) {
          os << ", last error \"" << f[ "errMessage" ].get< std::string >() << "\"";
       }
       os << "\n";
+   }
+   for( auto const& [ intf, profile ] : status[ "intfToCosToTcProfile" ].items() ) {
+      os << "  COS-to-TC profile " << profile.get< std::string >() << " programmed on " << intf
+         << "\n";
    }
 }
 

@@ -57,11 +57,17 @@ Json cbfOf( SimSwitch const& sw ) {
    Json queued = Json::array();
    for( auto it = sm.policyOverrideReviewQueue().iter(); it; ++it )
       queued.push_back( textOf( it.key() ) );
+   Json restarts = Json::array();
+   for( CorruptionRestart const& r : sw.corruptionRestarts() )
+      restarts.push_back( Json{ { "t", r.t }, { "text", r.text } } );
    return Json{ { "ruleTable", std::move( table ) },
                 { "status", std::move( status ) },
                 { "requests", std::move( requests ) },
                 { "reviewQueue", std::move( queued ) },
-                { "resourceFull", sm.resourceFull() } };
+                { "resourceFull", sm.resourceFull() },
+                { "reviewQuantum", sm.scheduler()->workQuantum() },
+                { "reviewRuns", sm.policyOverrideTask()->taskRuns() },
+                { "corruptionRestarts", std::move( restarts ) } };
 }
 
 void printCbf( std::ostream& os, Json const& cbf ) {
@@ -84,6 +90,12 @@ void printCbf( std::ostream& os, Json const& cbf ) {
    if( cbf[ "requests" ].empty() ) os << " none";
    os << "\n  waiting for review: " << cbf[ "reviewQueue" ].size()
       << ( cbf[ "resourceFull" ].get< bool >() ? ", hardware full" : "" ) << "\n";
+   os << "  review runs: " << cbf[ "reviewRuns" ] << ", " << cbf[ "reviewQuantum" ]
+      << " keys a run\n";
+   for( Json const& r : cbf[ "corruptionRestarts" ] ) {
+      os << "  agent restarted at " << r[ "t" ] << " s: " << r[ "text" ].get< std::string >()
+         << "\n";
+   }
 }
 
 }  // namespace Sim

@@ -120,11 +120,10 @@ void SimSwitch::entitiesIs( ChipConfig const& chip ) {
 
 void SimSwitch::cbfTablesIs( ChipConfig const& chip ) {
    using Access = Glarn::Access;
-   auto const configStore = Zub::make< Qos::Glarn::FecOverrideConfig::Store >(
+   fecOverrideConfigStore_ = Zub::make< Qos::Glarn::FecOverrideConfig::Store >(
          Zub::String( "cbf/fecOverrideConfig" ) );
-   fecOverrideConfig_ = Zub::make< Qos::Glarn::FecOverrideConfig >( configStore, Access::writer );
-   fecOverrideConfigView_ =
-         Zub::make< Qos::Glarn::FecOverrideConfig >( configStore, Access::readOnly );
+   fecOverrideConfig_ =
+         Zub::make< Qos::Glarn::FecOverrideConfig >( fecOverrideConfigStore_, Access::writer );
    fecOverrideStatus_ = Zub::make< Qos::Glarn::FecOverrideStatus >(
          Zub::make< Qos::Glarn::FecOverrideStatus::Store >(
                Zub::String( "cbf/fecOverrideStatus" ) ),
@@ -132,16 +131,25 @@ void SimSwitch::cbfTablesIs( ChipConfig const& chip ) {
    hwFecIdRequest_ = Zub::make< Nev::FecIdToHwFecIdRequest >(
          Zub::make< Nev::FecIdToHwFecIdRequest::Store >( Zub::String( "fec/hwFecIdRequest" ) ),
          Access::writer );
-   auto const serviceStore =
+   fecServiceStore_ =
          Zub::make< Nev::FecIdToHwFecIdResponse::Store >( Zub::String( "fec/hwFecIdResponse" ) );
-   fecService_ = Zub::make< Nev::FecIdToHwFecIdResponse >( serviceStore, Access::writer );
-   fecServiceView_ = Zub::make< Nev::FecIdToHwFecIdResponse >( serviceStore, Access::readOnly );
+   fecService_ = Zub::make< Nev::FecIdToHwFecIdResponse >( fecServiceStore_, Access::writer );
+   cbfViewsIs();
    taskScheduler_ = Zub::make< Kesh::TaskScheduler >();
+   taskScheduler_->workQuantumIs( chip.cbfReviewQuantum );
    cbfChip_ = Zub::make< SimCbfFecMappingHelper >( chip.cbfRules, [ acl = chip_.ptr() ] {
       return acl->faultOn( FaultConfig::Kind::cbfNotReady );
    } );
+   cbfChip_->faultsIs( chip_->faults() );
    cbfRecorder_ = Zub::make< RecordingCbfFecMappingHelper >( cbfChip_, clock_ );
    cbfRecorder_->callLogIs( &calls_ );
+}
+
+void SimSwitch::cbfViewsIs() {
+   fecOverrideConfigView_ = Zub::make< Qos::Glarn::FecOverrideConfig >( fecOverrideConfigStore_,
+                                                                        Glarn::Access::readOnly );
+   fecServiceView_ =
+         Zub::make< Nev::FecIdToHwFecIdResponse >( fecServiceStore_, Glarn::Access::readOnly );
 }
 
 void SimSwitch::engineIs() {
@@ -165,12 +173,42 @@ void SimSwitch::engineIs() {
    // The rule table comes up empty with the driver, as the chip's other tables do at hwInit();
    // the engine has no start-up call for it, so it is cleared here.
    cbfChip_->rulesDelAll();
-   // One VRF; the machine starts at once, over the overrides published so far.
-   cbfEngine_ = Nev::cbfFecMappingSmFactory( 1, fecOverrideConfigView_, fecOverrideStatus_,
-                                             hwFecIdRequest_, fecServiceView_, taskScheduler_,
-                                             cbfRecorder_ );
+   // One VRF; the machine starts at once, over the overrides published so far, and so may read
+   // a damaged record at once.
+   try {
+      cbfEngine_ = Nev::cbfFecMappingSmFactory( 1, fecOverrideConfigView_, fecOverrideStatus_,
+                                                hwFecIdRequest_, fecServiceView_, taskScheduler_,
+                                                cbfRecorder_ );
+   } catch( Pelto::CorruptionDetectedException const& e ) {
+      corruptionRestartIs( e );
+      return;
+   }
    cbfEngine_->verifyDataIs( ncsd_->verifyData() );
-   loop_->runUntil( loop_->now() );
+   settle( loop_->now() );
+}
+
+void SimSwitch::settle( Zub::Seconds t ) {
+   try {
+      loop_->runUntil( t );
+   } catch( Pelto::CorruptionDetectedException const& e ) {
+      corruptionRestartIs( e );
+      settle( t );
+   }
+}
+
+// The torn read is over once the agent is down: the table's writer has finished its write, so
+// the new engines read whole records.
+void SimSwitch::corruptionRestartIs( Pelto::CorruptionDetectedException const& e ) {
+   corruptionRestarts_.push_back( CorruptionRestart{ loop_->now(), e.what() } );
+   for( auto it = fecOverrideConfigStore_->records().iter(); it; ++it ) {
+      if( fecOverrideConfigStore_->torn( it.key() ) ) fecOverrideConfigStore_->write( it.value() );
+   }
+   for( auto it = fecServiceStore_->records().iter(); it; ++it ) {
+      if( fecServiceStore_->torn( it.key() ) ) fecServiceStore_->write( it.value() );
+   }
+   enginesStop();
+   cbfViewsIs();
+   engineIs();
 }
 
 // The engines stop as the agent's process would: their reactors fall silent and the machines go,
@@ -192,7 +230,7 @@ void SimSwitch::enginesStop() {
 
 void SimSwitch::restart() {
    enter();
-   loop_->runUntil( loop_->now() );
+   settle( loop_->now() );
    enginesStop();
    engineIs();
 }
@@ -203,19 +241,53 @@ void SimSwitch::stepIs( Step const& step ) {
    // Traffic first, so that a counter request of the same step sees it. The loader has checked
    // every step against the configuration, so the publisher does not refuse it after this.
    chipChangesIs( step.changes );
+   std::map< Mirel::IntfId, LinkDef > const linksBefore = publisher_->model().links();
+   auto const overridesBefore = publisher_->model().fecOverrides();
    // At a restart mark the old engines finish the turns due now and stop; the new ones start
    // once the changes made while they were down are written.
    publisher_->stepIs( step, [ this ] {
-      loop_->runUntil( loop_->now() );
+      settle( loop_->now() );
       enginesStop();
    } );
    if( !engine_ ) engineIs();
-   loop_->runUntil( loop_->now() );
+   unseenFecOverrideRemovalsIs( step, overridesBefore );
+   settle( loop_->now() );
+   dlpFlowIs( linksBefore );
+}
+
+void SimSwitch::unseenFecOverrideRemovalsIs(
+      Step const& step,
+      std::map< Qos::Glarn::OverrideKey, FecOverrideDef > const& overridesBefore ) {
+   auto const& overridesAfter = publisher_->model().fecOverrides();
+   for( Change const& change : step.changes ) {
+      auto const* removal = std::get_if< FecOverrideRemoval >( &change.value );
+      if( !removal || overridesBefore.contains( removal->key ) ||
+          overridesAfter.contains( removal->key ) ) {
+         continue;
+      }
+      cbfEngine_->handlePolicyOverrideConfig( removal->key );
+   }
+}
+
+// The platform's DLP flow owns the ports of a slice: basic QoS hears from it, not from the
+// port's status, that a port became active or inactive, and reprograms an active one.
+void SimSwitch::dlpFlowIs( std::map< Mirel::IntfId, LinkDef > const& linksBefore ) {
+   if( !ncsd_->dlpEnabled() ) return;
+   for( auto const& [ intf, link ] : publisher_->model().links() ) {
+      bool const active = link.active.value_or( false );
+      auto const before = linksBefore.find( intf );
+      bool const wasActive = before != linksBefore.end() && before->second.active.value_or( false );
+      if( active == wasActive ) continue;
+      if( auto const reactor = basicEngine_->status( intf ) ) {
+         reactor->handleEthPhyIntfStatusActiveDlp( intf, active );
+      }
+   }
+   settle( loop_->now() );
 }
 
 void SimSwitch::runUntil( Zub::Seconds t ) {
    enter();
-   if( t > loop_->now() ) loop_->runUntil( t );
+   if( t > loop_->now() ) settle( t );
 }
 
 std::vector< std::string > SimSwitch::verify() {
@@ -241,7 +313,7 @@ std::vector< std::string > SimSwitch::requestedVerify() {
 std::vector< std::string > SimSwitch::verifyRun() {
    auto const data = ncsd_->verifyData();
    data->doVerify();
-   loop_->runUntil( loop_->now() );
+   settle( loop_->now() );
    std::vector< std::string > findings;
    for( Zub::String const& text : data->cliVerifyOutputTexts() )
       findings.push_back( text.stdString() );
@@ -279,6 +351,8 @@ void SimSwitch::chipChangesIs( std::vector< Change > const& changes ) {
       } else if( auto const* callback = std::get_if< IntfUpdateCallback >( &change.value ) ) {
          // The engine watches the helper it was given, the recorder in front of the chip.
          aclRecorder_->intfUpdateCallback( callback->intf, callback->direction );
+      } else if( auto const* torn = std::get_if< FecTableDamage >( &change.value ) ) {
+         fecTableDamageIs( *torn );
       }
    }
 }
@@ -300,6 +374,14 @@ void SimSwitch::tcamDamageIs( TcamCorruption const& damage, Where const& where )
       throw ScenarioError(
             file_, where,
             "corruptTcam: no installed ACL " + damage.acl + " has entry " + entry + " now" );
+   }
+}
+
+void SimSwitch::fecTableDamageIs( FecTableDamage const& damage ) {
+   if( damage.service ) {
+      fecServiceStore_->corrupt( damage.fec );
+   } else {
+      fecOverrideConfigStore_->corrupt( damage.key );
    }
 }
 

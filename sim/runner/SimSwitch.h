@@ -9,6 +9,7 @@
 // it) may come and go in between.
 #pragma once
 
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -49,6 +50,12 @@ struct TraceLine {
    std::string handle;
    int level = 0;
    std::string function;
+   std::string text;
+};
+
+// The agent restarted because an engine read a damaged record of a shared table.
+struct CorruptionRestart {
+   Zub::Seconds t = 0.0;
    std::string text;
 };
 
@@ -124,6 +131,10 @@ class SimSwitch {
    std::vector< LogLine > const& logs() const { return logs_; }
    // With keepTraces, or trace lists in the scenario: the trace lines so far.
    std::vector< TraceLine > const& traces() const { return traces_; }
+   // The restarts that damaged shared tables of class-based forwarding caused, in order.
+   std::vector< CorruptionRestart > const& corruptionRestarts() const {
+      return corruptionRestarts_;
+   }
 
  private:
    // Makes this switch's loop and log sink the thread's.
@@ -137,6 +148,22 @@ class SimSwitch {
    // Damages the TCAM as the change says; a change that finds nothing to damage stops the run.
    void tcamDamageIs( TcamCorruption const& damage, Where const& where );
    void cbfTablesIs( ChipConfig const& chip );
+   // Under DLP, tells basic QoS of each port whose link became active or inactive in a step.
+   void dlpFlowIs( std::map< Mirel::IntfId, LinkDef > const& linksBefore );
+   // Runs the loop until `t`. A damaged shared-table record that an engine reads ends the agent
+   // as it would on the switch: the agent restarts, and runs on.
+   void settle( Zub::Seconds t );
+   void corruptionRestartIs( Pelto::CorruptionDetectedException const& e );
+   // The engine's read-only views of the routing side's and the FEC service's tables; a view
+   // that detected damage has detached, so a restarted engine opens new ones.
+   void cbfViewsIs();
+   void fecTableDamageIs( FecTableDamage const& damage );
+   // The removals of overrides that stood neither before nor after the step: the table tells the
+   // engine of the key all the same, as it tells of a record written and removed between two of
+   // the engine's reads.
+   void unseenFecOverrideRemovalsIs(
+         Step const& step,
+         std::map< Qos::Glarn::OverrideKey, FecOverrideDef > const& overridesBefore );
 
    // The scenario file, for messages.
    std::string file_;
@@ -169,6 +196,8 @@ class SimSwitch {
    Zub::Ptr< Nev::QosKernelStatusSm > kernelEngine_;
    // Class-based forwarding: the routing side's and the FEC service's writer views, the engine's
    // views and tables, and the rule table.
+   Zub::Ptr< Qos::Glarn::FecOverrideConfig::Store > fecOverrideConfigStore_;
+   Zub::Ptr< Nev::FecIdToHwFecIdResponse::Store > fecServiceStore_;
    Zub::Ptr< Qos::Glarn::FecOverrideConfig > fecOverrideConfig_;
    Zub::Ptr< Qos::Glarn::FecOverrideConfig > fecOverrideConfigView_;
    Zub::Ptr< Qos::Glarn::FecOverrideStatus > fecOverrideStatus_;
@@ -184,6 +213,7 @@ class SimSwitch {
    bool keepTraces_ = false;
    bool ownTraceLists_ = false;
    std::vector< TraceLine > traces_;
+   std::vector< CorruptionRestart > corruptionRestarts_;
 };
 
 }  // namespace Sim

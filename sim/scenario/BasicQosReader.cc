@@ -1,5 +1,6 @@
 #include "sim/scenario/BasicQosReader.h"
 
+#include <cctype>
 #include <cstdint>
 #include <string_view>
 #include <utility>
@@ -101,9 +102,7 @@ IntfQosDef BasicQosReader::intfQos( YAML::Node const& node ) const {
                          "dscpRewriteMap", "cosToTcProfile", "queues" } );
    IntfQosDef q;
    q.intf = interfaces_.intfIdOf( yaml_.required( node, "interface" ), "interface" );
-   if( auto const t = node[ "trust" ] ) {
-      q.trust = yaml_.choice( t, "trust", NameTable< Qos::TrustMode >( trustModes ) );
-   }
+   if( auto const t = node[ "trust" ] ) q.trust = trustMode( t );
    if( auto const c = node[ "defaultCos" ] ) {
       q.defaultCos = Qos::Cos( yaml_.integer( c, "defaultCos", 0, 7 ) );
    }
@@ -158,6 +157,16 @@ QueueDef BasicQosReader::queue( YAML::Node const& node ) const {
          q.dropThresholds[ dp ] = limit;
    }
    return q;
+}
+
+// A name, or the number a configuration agent may publish beside them: 3 stands for a port
+// without a settled mode, and the engine leaves a mode it does not know to the driver's record.
+Qos::TrustMode BasicQosReader::trustMode( YAML::Node const& node ) const {
+   std::string const value = yaml_.text( node, "trust" );
+   if( !std::isdigit( static_cast< unsigned char >( value.front() ) ) ) {
+      return yaml_.choice( node, "trust", NameTable< Qos::TrustMode >( trustModes ) );
+   }
+   return Qos::TrustMode( yaml_.integer( node, "trust", 0, UINT32_MAX ) );
 }
 
 Qos::ShapeRate BasicQosReader::shapeRate( YAML::Node const& node, std::string const& what ) const {

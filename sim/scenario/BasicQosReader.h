@@ -27,6 +27,7 @@ class BasicQosReader {
                                              unsigned keyMax, unsigned valueMax,
                                              bool dscpValues = false ) const;
    QueueDef queue( YAML::Node const& node ) const;
+   Qos::TrustMode trustMode( YAML::Node const& node ) const;
    Qos::ShapeRate shapeRate( YAML::Node const& node, std::string const& what ) const;
    Qos::GuaranteedBw guaranteedBw( YAML::Node const& node ) const;
    Qos::QueueThresholds thresholds( YAML::Node const& node, std::string const& what ) const;

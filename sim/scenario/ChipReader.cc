@@ -48,6 +48,7 @@ constexpr FlagField flagFields[] = {
    { "macAclRuleSupportedPlatform", &ChipConfig::macAclRuleSupportedPlatform },
    { "qosEcnSupport", &ChipConfig::qosEcnSupport },
    { "establishedSupported", &ChipConfig::establishedSupported },
+   { "dlpEnabled", &ChipConfig::dlpEnabled },
 };
 
 struct CountField {
@@ -90,6 +91,7 @@ constexpr CountField countFields[] = {
    { "policePacketModeMaxRatePps", &ChipConfig::policePacketModeMaxRatePps, 1 },
    { "policePacketModeMinBurstPackets", &ChipConfig::policePacketModeMinBurstPackets, 0 },
    { "policePacketModeMaxBurstPackets", &ChipConfig::policePacketModeMaxBurstPackets, 1 },
+   { "cbfReviewQuantum", &ChipConfig::cbfReviewQuantum, 1 },
 };
 
 // The police limits that come as a least and a most.
@@ -272,19 +274,25 @@ void ChipReader::faultDetails( YAML::Node const& node, FaultConfig& fault ) cons
 }
 
 // The operation must be one the chip's helpers fail on request; an ACL operation answers an
-// error, a basic QoS operation fails as its feature does and takes none.
+// error, a basic QoS operation fails as its feature does and takes none, and so does an
+// operation of the class-based-forwarding rule table, which fails as its driver would.
 void ChipReader::operation( YAML::Node const& node, FaultConfig& fault ) const {
    YAML::Node const op = yaml_.required( node, "op" );
    fault.op = yaml_.text( op, "op" );
    bool const basic = isBasicFaultOperation( fault.op );
-   if( !basic && !isAclFaultOperation( fault.op ) ) {
-      yaml_.fail( op,
-                  "op: '" + fault.op +
-                        "' is no operation of the ACL or basic QoS helper that a fault can fail" );
+   bool const cbf = isCbfFaultOperation( fault.op );
+   if( !basic && !cbf && !isAclFaultOperation( fault.op ) ) {
+      yaml_.fail( op, "op: '" + fault.op +
+                            "' is no operation of the ACL, basic QoS or class-based-forwarding "
+                            "helper that a fault can fail" );
    }
    if( basic && node[ "error" ] ) {
       yaml_.fail( node[ "error" ], "error: does not apply to basic QoS operation " + fault.op +
                                          ", which fails as its feature does" );
+   }
+   if( cbf && node[ "error" ] ) {
+      yaml_.fail( node[ "error" ], "error: does not apply to class-based-forwarding operation " +
+                                         fault.op + ", which fails as its driver does" );
    }
 }
 

@@ -392,9 +392,21 @@ void ConfigModel::put( KernelCoppReport const& report ) {
 
 // ---- Class-based forwarding
 
+// The routing side may remove an override the engine never saw (written and removed between two
+// of its reads): the removal still reaches the engine.
 void ConfigModel::put( FecOverrideRemoval const& removal ) {
-   if( !fecOverrides_.erase( removal.key ) ) {
-      refuse( "there is no FEC override " + textOf( removal.key ) + " to remove" );
+   fecOverrides_.erase( removal.key );
+}
+
+// Only a record that stands can be damaged.
+void ConfigModel::put( FecTableDamage const& damage ) {
+   if( damage.service && !fecService_.contains( damage.fec ) ) {
+      refuse( "corruptFecService: the FEC service has no answer for FEC " +
+              std::to_string( damage.fec ) + " to damage" );
+   }
+   if( !damage.service && !fecOverrides_.contains( damage.key ) ) {
+      refuse( "corruptFecOverride: there is no FEC override " + textOf( damage.key ) +
+              " to damage" );
    }
 }
 
@@ -402,6 +414,17 @@ void ConfigModel::put( FecServiceRemoval const& removal ) {
    if( !fecService_.erase( removal.fec ) ) {
       refuse( "the FEC service has no answer for FEC " + std::to_string( removal.fec ) +
               " to take back" );
+   }
+}
+
+// ---- The second datapath
+
+void ConfigModel::put( Dp1Policy const& dp1 ) {
+   if( dp1.on ) {
+      servicePolicyDP1_.insert( dp1.key );
+   } else if( !servicePolicyDP1_.erase( dp1.key ) ) {
+      refuse( "the second datapath does not hold " + servicePolicyText( dp1.key ) +
+              " to switch off" );
    }
 }
 

@@ -74,6 +74,9 @@ class ConfigModel {
    }
    std::map< Glarn::Fib::FecId, FecServiceDef > const& fecService() const { return fecService_; }
 
+   // The service policies the chip's second datapath holds.
+   std::set< Qos::ServicePolicyKey > const& servicePolicyDP1() const { return servicePolicyDP1_; }
+
    // Who uses what, in key order.
    std::vector< MapKey > classMapsUsing( AclKey const& acl ) const;
    std::vector< MapKey > policyMapsUsingClassMap( MapKey const& cmap ) const;
@@ -120,6 +123,8 @@ class ConfigModel {
    void put( HwInitialization const& initialization ) {
       hwInitialized_ = initialization.initialized;
    }
+   void put( Dp1Policy const& dp1 );
+   void put( FecTableDamage const& damage );
 
    void checkMatch( ClassMapDef const& cmap, MatchDef const& match ) const;
    void checkClass( PolicyMapDef const& pmap, ClassDef const& cls ) const;
@@ -144,6 +149,7 @@ class ConfigModel {
    bool hwInitialized_ = true;
    std::map< Qos::Glarn::OverrideKey, FecOverrideDef > fecOverrides_;
    std::map< Glarn::Fib::FecId, FecServiceDef > fecService_;
+   std::set< Qos::ServicePolicyKey > servicePolicyDP1_;
 };
 
 }  // namespace Sim

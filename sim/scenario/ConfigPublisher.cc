@@ -22,6 +22,7 @@ bool isRequest( ChangeValue const& value ) {
           std::holds_alternative< ClearRequest >( value ) ||
           std::holds_alternative< FaultSwitch >( value ) ||
           std::holds_alternative< TcamCorruption >( value ) ||
+          std::holds_alternative< FecTableDamage >( value ) ||
           std::holds_alternative< AgentRestart >( value ) ||
           std::holds_alternative< CounterClientRemoval >( value ) ||
           std::holds_alternative< IntfUpdateCallback >( value );
@@ -50,6 +51,7 @@ ConfigPublisher::ConfigPublisher( EngineInputs inputs, std::string file )
 void ConfigPublisher::chipIs( ChipConfig const& chip ) {
    capabilitiesIs( *in_.aclHwStatus, *in_.hwStatus, chip );
    in_.ncsd->isFabricSliceIs( chip.isFabricSlice );
+   in_.ncsd->dlpEnabledIs( chip.dlpEnabled );
    model_.faultsIs( chip.faults.size() );
    model_.hwInitializedIs( chip.hwInitialized );
 }
@@ -211,6 +213,11 @@ void ConfigPublisher::basicQosIs( ConfigModel const& before ) {
       for( auto const& [ intf, link ] : model_.links() )
          linkIs( *dir, link );
    }
+   for( auto const& key : before.servicePolicyDP1() ) {
+      if( !model_.servicePolicyDP1().contains( key ) ) status.servicePolicyDP1StatusDel( key );
+   }
+   for( auto const& key : model_.servicePolicyDP1() )
+      status.servicePolicyDP1StatusIs( key, true );
 }
 
 void ConfigPublisher::removalsIs( ConfigDiff const& diff ) {
@@ -243,15 +250,24 @@ void ConfigPublisher::cbfIs( ConfigModel const& before ) {
       for( auto const& [ key, def ] : before.fecOverrides() ) {
          if( !model_.fecOverrides().contains( key ) ) config->overrideDel( key );
       }
-      for( auto const& [ key, def ] : model_.fecOverrides() )
+      // A record that stands as it was is left alone, as its writer would: rewriting it would
+      // mend damage (corruptFecOverride) that the engine is yet to find.
+      for( auto const& [ key, def ] : model_.fecOverrides() ) {
+         auto const old = before.fecOverrides().find( key );
+         if( old != before.fecOverrides().end() && old->second.overridingFec == def.overridingFec )
+            continue;
          config->overrideIs( Qos::Glarn::FecOverrideEntry{ key, def.overridingFec } );
+      }
    }
    if( auto const service = in_.fecService ) {
       for( auto const& [ fec, def ] : before.fecService() ) {
          if( !model_.fecService().contains( fec ) ) service->hwFecIdDel( fec );
       }
-      for( auto const& [ fec, def ] : model_.fecService() )
+      for( auto const& [ fec, def ] : model_.fecService() ) {
+         auto const old = before.fecService().find( fec );
+         if( old != before.fecService().end() && old->second.hwFecId == def.hwFecId ) continue;
          service->hwFecIdIs( Nev::FecToHwFecId{ fec, def.hwFecId } );
+      }
    }
 }
 

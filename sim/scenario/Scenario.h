@@ -285,15 +285,33 @@ struct FecServiceRemoval {
 // engines are down.
 struct AgentRestart {};
 
+// The chip's second datapath holds a service policy, or no longer does, as the agent that
+// programs it publishes (servicePolicyDP1Status); the engine tells the basic QoS driver.
+struct Dp1Policy {
+   Qos::ServicePolicyKey key;
+   bool on = true;
+};
+
+// A record of a shared table of class-based forwarding damaged, as a torn write would leave it:
+// the routing side's record of an override, or (`service`) the FEC service's answer for `fec`.
+// The engine's next read of it detects the damage.
+struct FecTableDamage {
+   bool service = false;
+   Qos::Glarn::OverrideKey key;
+   Glarn::Fib::FecId fec = 0;
+};
+
 // A definition adds what it names or replaces it; a removal removes it.
-using ChangeValue = std::variant<
-      AclDef, AclRemoval, ClassMapDef, ClassMapRemoval, NamedPolicerDef, NamedPolicerRemoval,
-      PolicyMapDef, PolicyMapRemoval, ServicePolicyDef, ServicePolicyRemoval, Attachment,
-      InterfacePresence, CounterRequest, TrafficInjection, ClearRequest, FaultSwitch, GlobalMapsDef,
-      DscpRewriteMapDef, DscpRewriteMapRemoval, CosToTcProfileDef, CosToTcProfileRemoval,
-      IntfQosDef, IntfQosRemoval, EcnCountersDef, EcnCountersRemoval, LinkDef, KernelCoppReport,
-      HwInitialization, FecOverrideDef, FecOverrideRemoval, FecServiceDef, FecServiceRemoval,
-      TcamCorruption, AgentRestart, CounterClientRemoval, IntfUpdateCallback >;
+using ChangeValue =
+      std::variant< AclDef, AclRemoval, ClassMapDef, ClassMapRemoval, NamedPolicerDef,
+                    NamedPolicerRemoval, PolicyMapDef, PolicyMapRemoval, ServicePolicyDef,
+                    ServicePolicyRemoval, Attachment, InterfacePresence, CounterRequest,
+                    TrafficInjection, ClearRequest, FaultSwitch, GlobalMapsDef, DscpRewriteMapDef,
+                    DscpRewriteMapRemoval, CosToTcProfileDef, CosToTcProfileRemoval, IntfQosDef,
+                    IntfQosRemoval, EcnCountersDef, EcnCountersRemoval, LinkDef, KernelCoppReport,
+                    HwInitialization, FecOverrideDef, FecOverrideRemoval, FecServiceDef,
+                    FecServiceRemoval, TcamCorruption, AgentRestart, Dp1Policy, FecTableDamage,
+                    CounterClientRemoval, IntfUpdateCallback >;
 
 struct Change {
    Where where;

@@ -47,6 +47,9 @@ std::vector< std::string_view > const changeKinds = {
    "restart",
    "removeCounterClient",
    "intfUpdateCallback",
+   "servicePolicyDP1",
+   "corruptFecOverride",
+   "corruptFecService",
 };
 
 constexpr std::pair< std::string_view, Mirel::AddressFamily > overrideFamilies[] = {
@@ -131,6 +134,16 @@ ChangeValue StepReader::value( std::string const& kind, YAML::Node const& node )
       return FecOverrideRemoval{ overrideKey( node, kind, { "af", "dscp", "fec" } ) };
    }
    if( kind == "fecService" ) return fecService( node );
+   if( kind == "servicePolicyDP1" ) return servicePolicyDP1( node );
+   if( kind == "corruptFecOverride" ) {
+      return FecTableDamage{ false, overrideKey( node, kind, { "af", "dscp", "fec" } ) };
+   }
+   if( kind == "corruptFecService" ) {
+      FecTableDamage damage;
+      damage.service = true;
+      damage.fec = yaml_.unsignedInteger( node, kind, UINT64_MAX );
+      return damage;
+   }
    if( kind == "removeFecService" ) {
       return FecServiceRemoval{ yaml_.unsignedInteger( node, kind, UINT64_MAX ) };
    }
@@ -346,6 +359,13 @@ FecServiceDef StepReader::fecService( YAML::Node const& node ) const {
    def.fec = yaml_.unsignedInteger( yaml_.required( node, "fec" ), "fec", UINT64_MAX );
    def.hwFecId = yaml_.unsignedInteger( yaml_.required( node, "hwFecId" ), "hwFecId", UINT64_MAX );
    return def;
+}
+
+Dp1Policy StepReader::servicePolicyDP1( YAML::Node const& node ) const {
+   yaml_.checkMapping( node, "servicePolicyDP1", { "policyMap", "type", "direction", "on" } );
+   Dp1Policy dp1{ servicePolicies_.key( node ) };
+   if( auto const on = node[ "on" ] ) dp1.on = yaml_.flag( on, "on" );
+   return dp1;
 }
 
 }  // namespace Sim

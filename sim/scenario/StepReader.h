@@ -36,6 +36,8 @@ class StepReader {
    // Class-based forwarding: { af, dscp, fec, overridingFec } and { fec, hwFecId }.
    FecOverrideDef fecOverride( YAML::Node const& node ) const;
    FecServiceDef fecService( YAML::Node const& node ) const;
+   // { policyMap, type, direction, on }; on true when left out.
+   Dp1Policy servicePolicyDP1( YAML::Node const& node ) const;
 
  private:
    ChangeValue value( std::string const& kind, YAML::Node const& node ) const;

@@ -63,6 +63,7 @@ std::vector< Flag > const flags{
    { "macAclRuleSupportedPlatform", false },
    { "qosEcnSupport", true },
    { "establishedSupported", false },
+   { "dlpEnabled", false },
 };
 
 // Least and most limits drawn together: the chip's own pair, one value for both, or the
@@ -174,6 +175,10 @@ RandomChip::RandomChip( std::mt19937_64& random, Sim::TcamMode mode ) : mode_( m
    }
    for( Pool const& p : basicLimits )
       set( p.key, std::to_string( drawn( p, 30 ) ) );
+   // Keys a review of class-based forwarding takes before it yields: small ones cut a review
+   // into many runs.
+   std::uint64_t const reviewQuanta[] = { 1, 2, 3, 100 };
+   set( "cbfReviewQuantum", std::to_string( reviewQuanta[ pick( 4 ) ] ) );
 
    // The faults hold from before the first step, which switches them all off.
    std::vector< std::string > errors = rangeErrors;

@@ -95,7 +95,8 @@ TEST( ScenarioErrorsTest, UnknownAndRepeatedKeys ) {
            "removeDscpRewriteMap, cosToTcProfile, removeCosToTcProfile, interfaceQos, "
            "removeInterfaceQos, ecnCounters, removeEcnCounters, link, kernelCopp, hwInitialized, "
            "fecOverride, removeFecOverride, fecService, removeFecService, corruptTcam, restart, "
-           "removeCounterClient, intfUpdateCallback)" },
+           "removeCounterClient, intfUpdateCallback, servicePolicyDP1, corruptFecOverride, "
+           "corruptFecService)" },
          { "steps: [ { at: 1, changes: [ { clearErrors: true, requestCounters: a } ] } ]\n",
            "bad.yaml:1:30: change: one kind of change per list item" },
    } );
@@ -106,11 +107,11 @@ TEST( ScenarioErrorsTest, UnknownAndRepeatedKeys ) {
 TEST( ScenarioErrorsTest, OperationFaultsOnOperationsThatCantFail ) {
    expectErrors( {
          { "chip: { faults: [ { kind: operationError, op: createAcl } ] }\n",
-           "bad.yaml:1:47: op: 'createAcl' is no operation of the ACL or basic QoS helper that a "
-           "fault can fail" },
+           "bad.yaml:1:47: op: 'createAcl' is no operation of the ACL, basic QoS or "
+           "class-based-forwarding helper that a fault can fail" },
          { "chip:\n  faults:\n    - { kind: operationError, op: hwInit }\n",
-           "bad.yaml:3:35: op: 'hwInit' is no operation of the ACL or basic QoS helper that a "
-           "fault can fail" },
+           "bad.yaml:3:35: op: 'hwInit' is no operation of the ACL, basic QoS or "
+           "class-based-forwarding helper that a fault can fail" },
          { "chip: { faults: [ { kind: operationError, op: programIntfTxQueueWred, error: "
            "outOfTcam } ] }\n",
            "bad.yaml:1:78: error: does not apply to basic QoS operation programIntfTxQueueWred, "
@@ -303,8 +304,11 @@ steps:
            "bad.yaml:11:24: name: the chip has no fault 'off'" },
          { ( base + "      - addInterfaces: [ Ethernet1 ]\n" ),
            "bad.yaml:11:9: interface Ethernet1 is already present" },
-         { ( base + "      - removeFecOverride: { af: ipv6, dscp: 46, fec: 3 }\n" ),
-           "bad.yaml:11:9: there is no FEC override ipv6/46/3 to remove" },
+         { ( base + "      - corruptFecOverride: { af: ipv6, dscp: 46, fec: 3 }\n" ),
+           "bad.yaml:11:9: corruptFecOverride: there is no FEC override ipv6/46/3 to damage" },
+         { ( base + "      - corruptFecService: 3\n" ),
+           "bad.yaml:11:9: corruptFecService: the FEC service has no answer for FEC 3 to "
+           "damage" },
          { ( base + "      - removeFecService: 3\n" ),
            "bad.yaml:11:9: the FEC service has no answer for FEC 3 to take back" },
          { ( base + "      - corruptTcam: { acl: B }\n" ),
