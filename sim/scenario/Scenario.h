@@ -313,6 +313,9 @@ struct Scenario {
    // access lists, class maps, named policers, policy maps, service policies.
    std::vector< Change > initial;
    std::vector< Step > steps;
+   // Whether the kernel's CoPP configuration (Nev::KernelCoPPConfig) exists when the agent
+   // starts; with it the engine asks the chip for its default CPU-queue rates at start-up.
+   bool kernelCoppConfig = false;
 };
 
 }  // namespace Sim
