@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "NevQos/types/AclCreateError.h"
+#include "entities/QosUnits.h"
 #include "zub/Entity.h"
 
 namespace Sim {
@@ -54,6 +55,21 @@ struct FaultConfig {
    // from the start and to the end. A fault switch turns it off and on again within them.
    std::optional< Zub::Seconds > from;
    std::optional< Zub::Seconds > until;
+};
+
+// A named policer the chip's driver defines itself and publishes in Qos::AclHwStatus: the
+// default PDP policy takes its named policers from these, not from the configuration's.
+struct HwNamedPolicer {
+   std::string name;
+   bool shared = false;
+   std::uint64_t cir = 0;
+   Qos::RateUnit cirUnit = Qos::rateUnitKbps_;
+   std::uint32_t bc = 0;
+   Qos::BurstUnit bcUnit = Qos::burstUnitBytes_;
+   std::uint64_t pir = 0;
+   Qos::RateUnit pirUnit = Qos::rateUnitKbps_;
+   std::uint32_t be = 0;
+   Qos::BurstUnit beUnit = Qos::burstUnitBytes_;
 };
 
 struct ChipConfig {
@@ -166,6 +182,12 @@ struct ChipConfig {
    std::uint32_t policePacketModeMaxBurstPackets = 1000000;
 
    std::vector< FaultConfig > faults;
+
+   // The hardware epoch's PDP mode: the engine puts every Ethernet port under the default PDP
+   // policy at start-up. Fixed for the life of the agent.
+   bool pdpMode = false;
+   // The named policers the driver publishes for the default PDP policy.
+   std::vector< HwNamedPolicer > namedPolicers;
 };
 
 }  // namespace Sim

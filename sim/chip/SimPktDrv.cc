@@ -7,21 +7,30 @@ namespace Sim {
 void SimPktDrv::cosToTcIs( Qos::Cos cos, Qos::TrafficClass tc ) {
    cosToTc_.at( cos ) = tc.value();
    ++operations_;
+   callIs( "cosToTcIs", "cos", cos.value(), "tc", tc.value() );
 }
 
 void SimPktDrv::dscpToTcIs( Qos::Dscp dscp, Qos::TrafficClass tc ) {
    dscpToTc_.at( dscp ) = tc.value();
    ++operations_;
+   callIs( "dscpToTcIs", "dscp", dscp.value(), "tc", tc.value() );
 }
 
 void SimPktDrv::tcToUcTxQueueIs( Qos::TrafficClass tc, Qos::TxQueueId txQueue ) {
    tcToUcTxQueue_.at( tc ) = txQueue.value();
    ++operations_;
+   callIs( "tcToUcTxQueueIs", "tc", tc.value(), "txQueue", txQueue.value() );
 }
 
 void SimPktDrv::tcToMcTxQueueIs( Qos::TrafficClass tc, Qos::TxQueueId txQueue ) {
    tcToMcTxQueue_.at( tc ) = txQueue.value();
    ++operations_;
+   callIs( "tcToMcTxQueueIs", "tc", tc.value(), "txQueue", txQueue.value() );
+}
+
+void SimPktDrv::callIs( char const* op, char const* from, unsigned key, char const* to,
+                        unsigned value ) {
+   calls_.push_back( Call{ now_ ? now_() : 0.0, op, { { from, key }, { to, value } } } );
 }
 
 }  // namespace Sim

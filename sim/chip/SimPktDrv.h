@@ -5,9 +5,14 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <optional>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "nev/PktDrvInterface.h"
+#include "zub/Entity.h"
 
 namespace Sim {
 
@@ -32,12 +37,27 @@ class SimPktDrv : public Nev::PktDrvInterface {
    // How many times the driver was told something.
    std::uint64_t operations() const { return operations_; }
 
+   // One thing the driver was told: when, the operation, and its arguments by name.
+   struct Call {
+      Zub::Seconds t = 0.0;
+      std::string op;
+      std::vector< std::pair< std::string, unsigned > > args;
+   };
+   // Every call, in order: the final maps alone do not show what the driver went through.
+   std::vector< Call > const& calls() const { return calls_; }
+   // Where the driver reads the time of a call; 0 without one.
+   void clockIs( std::function< Zub::Seconds() > now ) { now_ = std::move( now ); }
+
  private:
+   void callIs( char const* op, char const* from, unsigned key, char const* to, unsigned value );
+
    CosMap cosToTc_{};
    DscpMap dscpToTc_{};
    QueueMap tcToUcTxQueue_{};
    QueueMap tcToMcTxQueue_{};
    std::uint64_t operations_ = 0;
+   std::vector< Call > calls_;
+   std::function< Zub::Seconds() > now_;
 };
 
 }  // namespace Sim

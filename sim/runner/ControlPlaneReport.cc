@@ -1,8 +1,14 @@
 #include "sim/runner/ControlPlaneReport.h"
 
+#include <algorithm>
+#include <cstdio>
+#include <iterator>
+#include <map>
 #include <ostream>
 #include <sstream>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "sim/chip/ChipText.h"
 #include "sim/runner/Report.h"
@@ -38,7 +44,8 @@ Json coppOf( SimSwitch const& sw ) {
    return Json{ { "policers", std::move( policers ) },
                 { "pending", std::move( pending ) },
                 { "dequeued", sm.pendingHwCoppMetadata().dequeued },
-                { "retryAt", retry == Zub::never ? Json() : Json( retry ) } };
+                { "retryAt", retry == Zub::never ? Json() : Json( retry ) },
+                { "kernelConfig", sw.kernelCoppConfig() } };
 }
 
 // The slots the driver was told, "from": to.
@@ -51,6 +58,18 @@ Json mapOf( Map const& map ) {
    return out;
 }
 
+// Every call on the driver, in order, its arguments as text as in the helpers' calls.
+Json driverCallsOf( SimPktDrv const& drv ) {
+   Json calls = Json::array();
+   for( SimPktDrv::Call const& call : drv.calls() ) {
+      Json args = Json::object();
+      for( auto const& [ name, value ] : call.args )
+         args[ name ] = std::to_string( value );
+      calls.push_back( Json{ { "t", call.t }, { "op", call.op }, { "args", std::move( args ) } } );
+   }
+   return calls;
+}
+
 Json kernelOf( SimSwitch const& sw ) {
    SimPktDrv const& drv = sw.pktDrv();
    return Json{ { "hwInitialized", sw.hwStatus().hwInitialized() },
@@ -58,7 +77,8 @@ Json kernelOf( SimSwitch const& sw ) {
                 { "cosToTc", mapOf( drv.cosToTc() ) },
                 { "dscpToTc", mapOf( drv.dscpToTc() ) },
                 { "tcToTxQueue", mapOf( drv.tcToUcTxQueue() ) },
-                { "tcToMcTxQueue", mapOf( drv.tcToMcTxQueue() ) } };
+                { "tcToMcTxQueue", mapOf( drv.tcToMcTxQueue() ) },
+                { "calls", driverCallsOf( drv ) } };
 }
 
 std::string queueText( Json const& q ) {
@@ -95,6 +115,37 @@ std::string slotsText( Json const& map ) {
    return any ? os.str() : "nothing";
 }
 
+// The driver's calls, one line per moment and operation, the operations of a moment in the
+// order of their first call then: how many calls, and the slots told (the last value of a slot
+// told twice). The JSON key keeps every call in order.
+void printDriverCalls( std::ostream& os, Json const& calls ) {
+   os << "\nKernel packet driver calls (" << calls.size() << "):\n";
+   std::size_t i = 0;
+   while( i < calls.size() ) {
+      Json const t = calls[ i ][ "t" ];
+      std::vector< std::pair< std::string, Json > > ops;
+      std::map< std::string, std::size_t > counts;
+      for( ; i < calls.size() && calls[ i ][ "t" ] == t; ++i ) {
+         std::string const op = calls[ i ][ "op" ].get< std::string >();
+         auto at = std::find_if( ops.begin(), ops.end(),
+                                 [ & ]( auto const& o ) { return o.first == op; } );
+         if( at == ops.end() ) at = ops.insert( ops.end(), { op, Json::object() } );
+         ++counts[ op ];
+         // The arguments are the slot and what it maps to, in that order.
+         auto const& args = calls[ i ][ "args" ];
+         auto const slot = args.begin();
+         at->second[ slot.value().get< std::string >() ] =
+               std::stoi( std::next( slot ).value().get< std::string >() );
+      }
+      char when[ 32 ];
+      std::snprintf( when, sizeof when, "%9.3f", t.get< double >() );
+      for( auto const& [ op, slots ] : ops ) {
+         os << "  " << when << "  " << op << " (" << counts[ op ] << "): " << slotsText( slots )
+            << "\n";
+      }
+   }
+}
+
 }  // namespace
 
 Json controlPlaneOf( SimSwitch const& sw ) {
@@ -111,6 +162,10 @@ void printControlPlane( std::ostream& os, Json const& controlPlane ) {
    os << "\n";
    for( Json const& q : copp[ "pending" ] )
       os << "    #" << q[ "index" ] << " " << queueText( q ) << "\n";
+   if( copp[ "kernelConfig" ].get< bool >() ) {
+      os << "  kernel CoPP configuration present: the chip's default CPU-queue rates are asked "
+            "for at start-up\n";
+   }
 
    Json const& kernel = controlPlane[ "kernel" ];
    os << "\nKernel packet driver (hardware "
@@ -118,6 +173,7 @@ void printControlPlane( std::ostream& os, Json const& controlPlane ) {
       << kernel[ "operations" ] << " operations):\n";
    for( char const* map : { "cosToTc", "dscpToTc", "tcToTxQueue", "tcToMcTxQueue" } )
       os << "  " << map << ": " << slotsText( kernel[ map ] ) << "\n";
+   printDriverCalls( os, kernel[ "calls" ] );
 }
 
 }  // namespace Sim

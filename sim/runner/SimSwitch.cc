@@ -48,6 +48,9 @@ SimSwitch::SimSwitch( Scenario const& scenario, SwitchOptions const& options )
    loop_->runawayLimitIs( options.runawayTurns );
    enter();
    entitiesIs( scenario.chip );
+   if( scenario.kernelCoppConfig ) {
+      kernelCoppConfig_ = Zub::make< Nev::KernelCoPPConfig >( Zub::Name( "kernelCoppConfig" ) );
+   }
    ncsd_->verifyData()->verifyRequiredIs( options.verifyOnRequest );
    publisher_ = std::make_unique< ConfigPublisher >(
          EngineInputs{ qosStatus_, aclConfig_, aclHwStatus_, hwStatus_, counterConfigDir_, ncsd_,
@@ -99,6 +102,7 @@ void SimSwitch::entitiesIs( ChipConfig const& chip ) {
    subIntfStatusDir_ = Zub::make< Interface::SubIntfStatusDir >( Zub::Name( "subIntf" ) );
    pdpHwCfg_ = Zub::make< Qos::Input::Config >( Zub::Name( "pdp" ) );
    hwEpochStatus_ = Zub::make< HwEpoch::Status >( Zub::Name( "epoch" ) );
+   hwEpochStatus_->pdpModeEnabledIs( chip.pdpMode );
    aclConfig_ = Zub::make< Acl::Config >( Zub::Name( "acl" ) );
    clock_ = Zub::make< Kesh::TimerWheel >();
    chip_ = Zub::make< SimQosAclHelper >( chip, qosStatus_, aclSliceHwStatus_, aclConfig_, clock_ );
@@ -115,6 +119,7 @@ void SimSwitch::entitiesIs( ChipConfig const& chip ) {
    basicRecorder_->callLogIs( &calls_ );
    kernelCoppStatus_ = Zub::make< Nev::KernelCoPPStatus >( Zub::Name( "kernelCopp" ) );
    pktDrv_ = Zub::make< SimPktDrv >();
+   pktDrv_->clockIs( [ loop = loop_.ptr() ] { return loop->now(); } );
    cbfTablesIs( chip );
 }
 
@@ -153,10 +158,11 @@ void SimSwitch::cbfViewsIs() {
 }
 
 void SimSwitch::engineIs() {
-   engine_ = Nev::QosAclSmIs(
-         ncsd_, cliCounterConfig_, counterConfigDir_, qosStatus_, hwStatus_, sliceHwStatusDir_,
-         aclHwStatus_, aclSliceHwStatus_, subIntfStatusDir_, pdpHwCfg_, hwEpochStatus_, aclConfig_,
-         Zub::Ptr< NevHelper::QosAclHelper >( aclRecorder_ ), clock_, nullptr, nullptr, nullptr );
+   engine_ = Nev::QosAclSmIs( ncsd_, cliCounterConfig_, counterConfigDir_, qosStatus_, hwStatus_,
+                              sliceHwStatusDir_, aclHwStatus_, aclSliceHwStatus_, subIntfStatusDir_,
+                              pdpHwCfg_, hwEpochStatus_, aclConfig_,
+                              Zub::Ptr< NevHelper::QosAclHelper >( aclRecorder_ ), clock_,
+                              kernelCoppStatus_, kernelCoppConfig_, nullptr );
    // The agent's part of the asynchronous road: how long an operation may stay pending, and
    // marking pending the operation the chip says it left so.
    engine_->pendingOperationTimeoutIs( chip_->config().asyncTimeout );
@@ -185,6 +191,7 @@ void SimSwitch::engineIs() {
    }
    cbfEngine_->verifyDataIs( ncsd_->verifyData() );
    settle( loop_->now() );
+   pdpConfigMerge();
 }
 
 void SimSwitch::settle( Zub::Seconds t ) {
@@ -209,6 +216,46 @@ void SimSwitch::corruptionRestartIs( Pelto::CorruptionDetectedException const& e
    enginesStop();
    cbfViewsIs();
    engineIs();
+}
+
+// The configuration agent's merge of the system's own service policies (the engine's default
+// PDP policy) into the status the engine reads: a service policy per configuration, with its
+// interfaces. It runs once the engine has had its turns, as a separate agent would, so the engine
+// never hears its own write inside the handler that made it; then the engine's turns run again.
+void SimSwitch::pdpConfigMerge() {
+   bool changed = false;
+   for( auto key = pdpMerged_.begin(); key != pdpMerged_.end(); ) {
+      if( pdpHwCfg_->servicePolicyConfig( *key ) ) {
+         ++key;
+         continue;
+      }
+      qosStatus_->servicePolicyStatusDel( *key );
+      key = pdpMerged_.erase( key );
+      changed = true;
+   }
+   for( auto it = pdpHwCfg_->servicePolicyConfig().iter(); it; ++it ) {
+      pdpMerged_.insert( it.key() );
+      changed |= pdpIntfsMerge( *it.value() );
+   }
+   if( changed ) settle( loop_->now() );
+}
+
+bool SimSwitch::pdpIntfsMerge( Qos::ServicePolicyConfig const& config ) {
+   bool changed = !qosStatus_->servicePolicyStatus( config.key() );
+   auto status = qosStatus_->servicePolicyStatusIs( config.key() );
+   std::vector< Qos::IntfPairKey > gone;
+   for( auto it = status->intfIds().iter(); it; ++it ) {
+      if( !config.intfIds( it.key().intfId() ) ) gone.push_back( it.key() );
+   }
+   for( Qos::IntfPairKey const& intf : gone )
+      status->intfIdsDel( intf );
+   for( auto it = config.intfIds().iter(); it; ++it ) {
+      Qos::IntfPairKey const intf( it.key() );
+      if( !it.value() || status->intfIds( intf ) ) continue;
+      status->intfIdsIs( intf, true );
+      changed = true;
+   }
+   return changed || !gone.empty();
 }
 
 // The engines stop as the agent's process would: their reactors fall silent and the machines go,
@@ -252,6 +299,7 @@ void SimSwitch::stepIs( Step const& step ) {
    if( !engine_ ) engineIs();
    unseenFecOverrideRemovalsIs( step, overridesBefore );
    settle( loop_->now() );
+   pdpConfigMerge();
    dlpFlowIs( linksBefore );
 }
 

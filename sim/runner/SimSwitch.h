@@ -11,6 +11,7 @@
 
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -21,6 +22,7 @@
 #include "NevQos/policy/QosAclSm.h"
 #include "entities/AclHwStatus.h"
 #include "entities/AclSliceHwStatus.h"
+#include "nev/KernelCoPPConfig.h"
 #include "sim/chip/SimCbfFecMappingHelper.h"
 #include "sim/chip/SimPktDrv.h"
 #include "sim/chip/SimQosAclHelper.h"
@@ -118,8 +120,11 @@ class SimSwitch {
    // Drops the calls recorded so far, so that a long run keeps its memory flat.
    void callsForget() { calls_.clear(); }
    SimPktDrv const& pktDrv() const { return *pktDrv_; }
+   // Whether the kernel's CoPP configuration was given, which the engine's start-up reads.
+   bool kernelCoppConfig() const { return static_cast< bool >( kernelCoppConfig_ ); }
    Nev::DynamicPerPortCoppSm const& coppEngine() const { return *coppEngine_; }
    Qos::HwStatus const& hwStatus() const { return *hwStatus_; }
+   Qos::Status const& qosStatus() const { return *qosStatus_; }
    SimCbfFecMappingHelper const& cbfChip() const { return *cbfChip_; }
    Nev::CbfFecMappingSm const& cbfEngine() const { return *cbfEngine_; }
    Qos::Glarn::FecOverrideStatus const& fecOverrideStatus() const { return *fecOverrideStatus_; }
@@ -164,6 +169,11 @@ class SimSwitch {
    void unseenFecOverrideRemovalsIs(
          Step const& step,
          std::map< Qos::Glarn::OverrideKey, FecOverrideDef > const& overridesBefore );
+   // Merges the system's own service policy configuration into the status; runs the engine's
+   // turns again when that changed anything.
+   void pdpConfigMerge();
+   // Makes one merged service policy's interfaces those of its configuration; whether any moved.
+   bool pdpIntfsMerge( Qos::ServicePolicyConfig const& config );
 
    // The scenario file, for messages.
    std::string file_;
@@ -182,6 +192,10 @@ class SimSwitch {
    Zub::Ptr< Interface::SubIntfStatusDir > subIntfStatusDir_;
    Zub::Ptr< Qos::Input::Config > pdpHwCfg_;
    Zub::Ptr< HwEpoch::Status > hwEpochStatus_;
+   // Service policies merged from pdpHwCfg_, which the merge may take away again.
+   std::set< Qos::ServicePolicyKey > pdpMerged_;
+   // Null unless the scenario gives the kernel's CoPP configuration.
+   Zub::Ptr< Nev::KernelCoPPConfig > kernelCoppConfig_;
    Zub::Ptr< Acl::Config > aclConfig_;
    Zub::Ptr< Kesh::TimerWheel > clock_;
    Zub::Ptr< SimQosAclHelper > chip_;

@@ -6,6 +6,7 @@
 
 #include "NevQos/types/TcpFlag.h"
 #include "sim/chip/ChipFaults.h"
+#include "sim/scenario/PolicyReader.h"
 #include "sim/scenario/ScenarioNames.h"
 
 namespace Sim {
@@ -49,6 +50,7 @@ constexpr FlagField flagFields[] = {
    { "qosEcnSupport", &ChipConfig::qosEcnSupport },
    { "establishedSupported", &ChipConfig::establishedSupported },
    { "dlpEnabled", &ChipConfig::dlpEnabled },
+   { "pdpMode", &ChipConfig::pdpMode },
 };
 
 struct CountField {
@@ -155,6 +157,7 @@ std::vector< std::string_view > chipKeys() {
       keys.push_back( f.key );
    for( auto const& f : countFields )
       keys.push_back( f.key );
+   keys.push_back( "namedPolicers" );
    return keys;
 }
 
@@ -222,6 +225,7 @@ void ChipReader::chip( YAML::Node const& node, ChipConfig& chip,
       chip.policyClassMaxPrio =
             std::uint16_t( yaml_.integer( p, "policyClassMaxPrio", 1, 0xffff ) );
    }
+   pdp( node, chip );
    auto const faults = node[ "faults" ];
    if( !faults ) return;
    yaml_.checkSequence( faults, "faults" );
@@ -233,6 +237,27 @@ void ChipReader::chip( YAML::Node const& node, ChipConfig& chip,
          yaml_.fail( f[ "name" ], "name: a second fault called '" + name + "'" );
       }
       faultNames.push_back( name );
+   }
+}
+
+// The driver's named policers are written as the configuration's are. PDP mode on a chip
+// without PDP policy maps is a chip at an edge, not an error: the engine configures the default
+// PDP policy and programs nothing of it.
+void ChipReader::pdp( YAML::Node const& node, ChipConfig& chip ) const {
+   auto const policers = node[ "namedPolicers" ];
+   if( !policers ) return;
+   yaml_.checkSequence( policers, "namedPolicers" );
+   for( YAML::Node const& p : policers ) {
+      NamedPolicerDef const def = PolicyReader( yaml_ ).namedPolicer( p );
+      // A driver's table holds each name once.
+      for( HwNamedPolicer const& other : chip.namedPolicers ) {
+         if( other.name == def.name ) {
+            yaml_.fail( p, "namedPolicers: " + namedPolicerText( def.name ) + " given twice" );
+         }
+      }
+      PolicerRates const& r = def.rates;
+      chip.namedPolicers.push_back( HwNamedPolicer{ def.name, def.shared, r.cir, r.cirUnit, r.bc,
+                                                    r.bcUnit, r.pir, r.pirUnit, r.be, r.beUnit } );
    }
 }
 

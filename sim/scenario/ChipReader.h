@@ -20,6 +20,8 @@ class ChipReader {
               std::vector< std::string >& faultNames ) const;
 
  private:
+   // PDP mode and the driver's named policers of the default PDP policy.
+   void pdp( YAML::Node const& node, ChipConfig& chip ) const;
    FaultConfig fault( YAML::Node const& node, std::string& name ) const;
    void faultDetails( YAML::Node const& node, FaultConfig& fault ) const;
    void operation( YAML::Node const& node, FaultConfig& fault ) const;

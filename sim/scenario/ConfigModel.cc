@@ -116,6 +116,8 @@ std::vector< ConfigModel::MapKey > ConfigModel::policyMapsUsingPolicer(
       std::string const& named ) const {
    std::vector< MapKey > users;
    for( auto const& [ key, pmap ] : policyMaps_ ) {
+      // The default PDP policy uses the chip's named policers, not the configuration's.
+      if( key == defaultPdpPolicy() ) continue;
       bool uses = false;
       forEachClass( pmap, [ & ]( ClassDef const& cls ) {
          uses |= cls.police && cls.police->named == named;
@@ -123,6 +125,35 @@ std::vector< ConfigModel::MapKey > ConfigModel::policyMapsUsingPolicer(
       if( uses ) users.push_back( key );
    }
    return users;
+}
+
+// ---- The default PDP policy
+
+void ConfigModel::pdpIs( bool pdpMode, std::vector< HwNamedPolicer > const& policers ) {
+   pdpMode_ = pdpMode;
+   hwNamedPolicers_.clear();
+   for( HwNamedPolicer const& p : policers ) {
+      hwNamedPolicers_[ p.name ] =
+            NamedPolicerDef{ p.name, p.shared,
+                             PolicerRates{ p.cir, p.cirUnit, p.bc, p.bcUnit, p.pir, p.pirUnit, p.be,
+                                           p.beUnit } };
+   }
+}
+
+ConfigModel::MapKey ConfigModel::defaultPdpPolicy() {
+   return { Qos::mapPdp_, "default-pdp-policy" };
+}
+
+Qos::ServicePolicyKey ConfigModel::defaultPdpServicePolicy() {
+   return Qos::ServicePolicyKey( Qos::mapPdp_, Qos::directionInput_,
+                                 Zub::Name( defaultPdpPolicy().second ) );
+}
+
+PolicerRates const* ConfigModel::namedPolicerRates( MapKey const& pmap,
+                                                    std::string const& name ) const {
+   auto const& policers = pmap == defaultPdpPolicy() ? hwNamedPolicers_ : namedPolicers_;
+   auto const it = policers.find( name );
+   return it == policers.end() ? nullptr : &it->second.rates;
 }
 
 std::vector< Qos::ServicePolicyKey > ConfigModel::servicePoliciesOf( MapKey const& pmap ) const {
@@ -227,6 +258,14 @@ void ConfigModel::checkClass( PolicyMapDef const& pmap, ClassDef const& cls ) co
    if( pmap.type == Qos::mapControlPlane_ ) {
       refuse( what + ": a control-plane policy map can't use a named policer" );
    }
+   // The engine stops where the default PDP policy names a policer the chip does not define.
+   if( MapKey{ pmap.type, pmap.name } == defaultPdpPolicy() ) {
+      if( !hwNamedPolicers_.contains( cls.police->named ) ) {
+         refuse( what + " uses " + namedPolicerText( cls.police->named ) +
+                 ", which the chip's namedPolicers do not define" );
+      }
+      return;
+   }
    if( !namedPolicers_.contains( cls.police->named ) ) {
       refuse( what + " uses " + namedPolicerText( cls.police->named ) + ", which does not exist" );
    }
@@ -263,6 +302,9 @@ void ConfigModel::put( PolicyMapRemoval const& removal ) {
    if( !policyMaps_.contains( key ) ) refuse( "no " + what + " to remove" );
    auto const users = servicePoliciesOf( key );
    if( !users.empty() ) refuse( what + " is still used by " + servicePolicyText( users[ 0 ] ) );
+   if( pdpMode_ && key == defaultPdpPolicy() ) {
+      refuse( what + " is still used by the default PDP service policy of PDP mode" );
+   }
    policyMaps_.erase( key );
 }
 
@@ -276,6 +318,10 @@ void ConfigModel::put( ServicePolicyDef const& sp ) {
               " does not exist" );
    }
    if( hasRepeats( sp.interfaces ) ) refuse( what + " names an interface twice" );
+   // In PDP mode the engine configures this one itself, on every Ethernet port.
+   if( pdpMode_ && sp.key == defaultPdpServicePolicy() ) {
+      refuse( what + " is the system's in PDP mode: the engine applies it to every Ethernet port" );
+   }
    servicePolicies_[ sp.key ] = sp;
 }
 

@@ -36,6 +36,8 @@ class ConfigModel {
    void faultsIs( std::size_t faults ) { faults_ = faults; }
    // Whether the chip's driver has finished its start-up, as the chip starts.
    void hwInitializedIs( bool initialized ) { hwInitialized_ = initialized; }
+   // The chip's PDP mode and the named policers its driver defines for the default PDP policy.
+   void pdpIs( bool pdpMode, std::vector< HwNamedPolicer > const& policers );
 
    // Applies one change, or throws Refusal and leaves the model as it was.
    void apply( ChangeValue const& change );
@@ -82,6 +84,15 @@ class ConfigModel {
    std::vector< MapKey > policyMapsUsingClassMap( MapKey const& cmap ) const;
    std::vector< MapKey > policyMapsUsingPolicer( std::string const& named ) const;
    std::vector< Qos::ServicePolicyKey > servicePoliciesOf( MapKey const& pmap ) const;
+
+   // The default PDP policy: the policy map the engine applies itself in PDP mode, whose named
+   // policers are the chip's.
+   static MapKey defaultPdpPolicy();
+   static Qos::ServicePolicyKey defaultPdpServicePolicy();
+   bool pdpMode() const { return pdpMode_; }
+   // The rates a class's named policer takes: the chip's for the default PDP policy, else the
+   // configuration's; null for a policer that does not exist.
+   PolicerRates const* namedPolicerRates( MapKey const& pmap, std::string const& name ) const;
 
  private:
    void put( AclDef const& acl );
@@ -150,6 +161,8 @@ class ConfigModel {
    std::map< Qos::Glarn::OverrideKey, FecOverrideDef > fecOverrides_;
    std::map< Glarn::Fib::FecId, FecServiceDef > fecService_;
    std::set< Qos::ServicePolicyKey > servicePolicyDP1_;
+   bool pdpMode_ = false;
+   std::map< std::string, NamedPolicerDef > hwNamedPolicers_;
 };
 
 }  // namespace Sim

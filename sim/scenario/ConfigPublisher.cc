@@ -54,6 +54,7 @@ void ConfigPublisher::chipIs( ChipConfig const& chip ) {
    in_.ncsd->dlpEnabledIs( chip.dlpEnabled );
    model_.faultsIs( chip.faults.size() );
    model_.hwInitializedIs( chip.hwInitialized );
+   model_.pdpIs( chip.pdpMode, chip.namedPolicers );
 }
 
 void ConfigPublisher::initialIs( std::vector< Change > const& changes ) {
@@ -178,6 +179,13 @@ void ConfigPublisher::servicePoliciesIs( ConfigModel const& before,
       }
       for( auto const& intf : sp.interfaces )
          entity->intfIdsIs( intf, true );
+   }
+   // A service policy the system configured itself (the default PDP policy) follows its policy
+   // map's changes as the operator's do.
+   for( auto it = status.servicePolicyStatus().iter(); it; ++it ) {
+      if( model_.servicePolicies().contains( it.key() ) ) continue;
+      if( contains( changedPmaps, pmapKeyOf( it.key() ) ) )
+         it.value()->versionIs( it.value()->version() + 1 );
    }
 }
 

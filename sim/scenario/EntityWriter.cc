@@ -115,16 +115,17 @@ void ratesIs( Entity& e, PolicerRates const& r ) {
    e.beUnitIs( r.beUnit );
 }
 
-Zub::Ptr< Qos::PolicerConfig > policerOf( ClassDef const& cls, ConfigModel const& config ) {
+Zub::Ptr< Qos::PolicerConfig > policerOf( ClassDef const& cls, ConfigModel const& config,
+                                          ConfigModel::MapKey const& pmap ) {
    PoliceDef const& police = *cls.police;
    bool const named = !police.named.empty();
    auto policer =
          Zub::make< Qos::PolicerConfig >( Zub::Name( named ? police.named : cls.classMap ) );
    policer->namedIs( named );
    if( named ) {
-      auto const it = config.namedPolicers().find( police.named );
-      ZUB_ASSERT( it != config.namedPolicers().end() );
-      ratesIs( *policer, it->second.rates );
+      PolicerRates const* rates = config.namedPolicerRates( pmap, police.named );
+      ZUB_ASSERT( rates );
+      ratesIs( *policer, *rates );
    } else {
       ratesIs( *policer, police.rates );
    }
@@ -135,11 +136,12 @@ Zub::Ptr< Qos::PolicerConfig > policerOf( ClassDef const& cls, ConfigModel const
    return policer;
 }
 
-void classActionIs( Qos::ClassAction& action, ClassDef const& cls, ConfigModel const& config ) {
+void classActionIs( Qos::ClassAction& action, ClassDef const& cls, ConfigModel const& config,
+                    PolicyMapDef const& pmap ) {
    for( auto const& [ type, value ] : cls.actions )
       action.actionIs( type )->valueIs( value );
    action.countIs( cls.count );
-   if( cls.police ) action.policerIs( policerOf( cls, config ) );
+   if( cls.police ) action.policerIs( policerOf( cls, config, { pmap.type, pmap.name } ) );
 }
 
 bool isStaticClass( PolicyMapDef const& pmap, ClassDef const& cls, ConfigModel const& config ) {
@@ -171,6 +173,12 @@ void capabilitiesIs( Qos::AclHwStatus& aclHw, Qos::HwStatus& hw, ChipConfig cons
    aclHw.perClassPolicerSupportedIs( chip.perClassPolicerSupported );
    hw.pdpSupportedIs( chip.pdpSupported );
    basicCapabilitiesIs( hw, chip );
+   for( HwNamedPolicer const& p : chip.namedPolicers ) {
+      auto status = aclHw.namedPolicerStatusIs( Zub::Name( p.name ) );
+      status->sharedIs( p.shared );
+      ratesIs( *status,
+               PolicerRates{ p.cir, p.cirUnit, p.bc, p.bcUnit, p.pir, p.pirUnit, p.be, p.beUnit } );
+   }
 }
 
 void basicCapabilitiesIs( Qos::HwStatus& hw, ChipConfig const& chip ) {
@@ -285,7 +293,7 @@ void policyMapIs( Qos::Status& status, PolicyMapDef const& def, ConfigModel cons
       } else {
          pmap->classPrioIs( ++prio, Qos::ClassPriority( name ) );
       }
-      classActionIs( *pmap->classActionIs( name ), cls, config );
+      classActionIs( *pmap->classActionIs( name ), cls, config, def );
    }
    if( !def.classDefault ) return;
    classDefaultMapIs( status, def.type );
@@ -294,7 +302,7 @@ void policyMapIs( Qos::Status& status, PolicyMapDef const& def, ConfigModel cons
    ZUB_ASSERT( cmaps );
    pmap->classDefaultIs( cmaps->cmap( defaultName ) );
    auto action = Zub::make< Qos::ClassAction >( defaultName );
-   classActionIs( *action, *def.classDefault, config );
+   classActionIs( *action, *def.classDefault, config, def );
    pmap->classActionDefaultIs( action );
 }
 

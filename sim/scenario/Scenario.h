@@ -342,6 +342,9 @@ struct Scenario {
    std::vector< Step > steps;
    // Trace lists (HANDLE/LEVELS) whose lines the report keeps, beside those of --trace.
    std::vector< std::string > traces;
+   // Whether the kernel's CoPP configuration (Nev::KernelCoPPConfig) exists when the agent
+   // starts; with it the engine asks the chip for its default CPU-queue rates at start-up.
+   bool kernelCoppConfig = false;
 };
 
 }  // namespace Sim

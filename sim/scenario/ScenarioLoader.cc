@@ -26,6 +26,17 @@ std::vector< std::string_view > const topKeys = {
    "fecOverrides",    "fecService",   "steps",           "trace",
 };
 
+// Keys added after the list above, in a list of their own so that each addition is one line.
+std::vector< std::string_view > const addedTopKeys = {
+   "kernelCoppConfig",
+};
+
+std::vector< std::string_view > allTopKeys() {
+   std::vector< std::string_view > keys = topKeys;
+   keys.insert( keys.end(), addedTopKeys.begin(), addedTopKeys.end() );
+   return keys;
+}
+
 // Where each document of a text starts; nothing else is kept.
 class DocumentStarts : public YAML::EventHandler {
  public:
@@ -221,6 +232,7 @@ void readSteps( YAML::Node const& doc, YamlReader const& yaml, StepReader const&
 // or removes what is still used, fails at its place.
 void checkChanges( Scenario const& scenario ) {
    ConfigModel model( scenario.chip.faults.size() );
+   model.pdpIs( scenario.chip.pdpMode, scenario.chip.namedPolicers );
    auto const apply = [ & ]( Change const& change ) {
       try {
          model.apply( change.value );
@@ -252,18 +264,38 @@ std::vector< std::string > traceLists( YAML::Node const& node, YamlReader const&
    return lists;
 }
 
+// In PDP mode the engine applies the default PDP policy as it starts, and stops on one whose
+// policy map type has nothing in it: the starting configuration must hold the policy map.
+void checkDefaultPdpPolicy( YAML::Node const& doc, YamlReader const& yaml,
+                            Scenario const& scenario ) {
+   if( !scenario.chip.pdpMode ) return;
+   for( Change const& change : scenario.initial ) {
+      auto const* pmap = std::get_if< PolicyMapDef >( &change.value );
+      if( pmap && ConfigModel::MapKey{ pmap->type, pmap->name } == ConfigModel::defaultPdpPolicy() )
+         return;
+   }
+   yaml.fail( doc[ "chip" ][ "pdpMode" ],
+              "pdpMode: the starting policyMaps need the default PDP policy's map (name: " +
+                    ConfigModel::defaultPdpPolicy().second + ", type: pdp)" );
+}
+
 Scenario scenarioOf( YAML::Node const& doc, YamlReader const& yaml,
                      std::filesystem::path const& dir ) {
-   yaml.checkMapping( doc, "scenario", topKeys );
+   yaml.checkMapping( doc, "scenario", allTopKeys() );
    Scenario scenario;
    scenario.file = yaml.file();
    if( auto const d = doc[ "description" ] ) scenario.description = yaml.text( d, "description" );
    if( auto const chip = doc[ "chip" ] ) {
       ChipReader( yaml ).chip( chip, scenario.chip, scenario.faultNames );
    }
+   // The kernel's CoPP configuration holds nothing the engine reads: it is there or not.
+   if( auto const k = doc[ "kernelCoppConfig" ] ) {
+      scenario.kernelCoppConfig = yaml.flag( k, "kernelCoppConfig" );
+   }
    StepReader const reader( yaml, dir, scenario.faultNames );
    readInitial( doc, yaml, reader, scenario.initial );
    readSteps( doc, yaml, reader, scenario.steps );
+   checkDefaultPdpPolicy( doc, yaml, scenario );
    checkChanges( scenario );
    if( auto const t = doc[ "trace" ] ) scenario.traces = traceLists( t, yaml );
    return scenario;

@@ -234,7 +234,8 @@ INSTANTIATE_TEST_SUITE_P( Examples, ExampleProfilesTest,
                                              "async-timeout", "counters", "ecn-profiles",
                                              "copp-exhaustion", "cbf-overrides", "tcam-corruption",
                                              "restart-reconciliation", "basic-faults",
-                                             "traffic-colours", "traces" ) );
+                                             "traffic-colours", "traces", "pdp-default-policy",
+                                             "kernel-copp" ) );
 
 }  // namespace
 }  // namespace NevQosTest

@@ -45,6 +45,16 @@ std::map< std::string, ServicePolicyView > servicePolicies( Sim::SimSwitch const
          view.interfaces.insert( Sim::intfText( intf ) );
       }
    }
+   // The system's own service policies (the default PDP policy) stand in the status only.
+   for( auto it = sw.qosStatus().servicePolicyStatus().iter(); it; ++it ) {
+      Qos::ServicePolicyKey const& key = it.key();
+      if( sw.model().servicePolicies().contains( key ) ) continue;
+      ServicePolicyView& view =
+            out[ pmapText( key.type(), key.direction(), key.pmapName().str().stdString() ) ];
+      view.type = key.type();
+      for( auto intf = it.value()->intfIds().iter(); intf; ++intf )
+         view.interfaces.insert( Sim::intfText( intf.key() ) );
+   }
    return out;
 }
 

@@ -35,6 +35,13 @@ Json expectedPartOf( Json const& report ) {
                             { "rangeCheckers", a[ "rangeCheckers" ].size() },
                             { "entries", a[ "entries" ].size() } } );
    }
+   // The kernel packet driver's calls are counted like the helpers'; their order has tests of
+   // its own.
+   Json controlPlane = report[ "controlPlane" ];
+   std::map< std::string, unsigned > driverCounts;
+   for( Json const& c : controlPlane[ "kernel" ][ "calls" ] )
+      ++driverCounts[ c[ "op" ].get< std::string >() ];
+   controlPlane[ "kernel" ][ "calls" ] = driverCounts;
    Json kept{ { "callCounts", counts },
               { "logs", report[ "logs" ] },
               { "status", report[ "status" ] },
@@ -43,7 +50,7 @@ Json expectedPartOf( Json const& report ) {
                               { "acls", acls } } },
               { "resources", report[ "resources" ] },
               { "basic", report[ "basic" ] },
-              { "controlPlane", report[ "controlPlane" ] },
+              { "controlPlane", controlPlane },
               { "cbf", report[ "cbf" ] },
               { "engine", report[ "engine" ] } };
    // An example that asks for trace lines tells its story through them.
@@ -77,7 +84,8 @@ INSTANTIATE_TEST_SUITE_P( Examples, ExampleExpectationsTest,
                                              "async-timeout", "counters", "classbench-10k",
                                              "ecn-profiles", "copp-exhaustion", "cbf-overrides",
                                              "tcam-corruption", "restart-reconciliation",
-                                             "basic-faults", "traffic-colours", "traces" ) );
+                                             "basic-faults", "traffic-colours", "traces",
+                                             "pdp-default-policy", "kernel-copp" ) );
 
 }  // namespace
 }  // namespace NevQosTest

@@ -33,7 +33,7 @@ void expectErrors( std::initializer_list< Case > cases ) {
 std::string const topKeys =
       "description, chip, interfaces, acls, classMaps, namedPolicers, policyMaps, "
       "servicePolicies, globalMaps, dscpRewriteMaps, cosToTcProfiles, interfaceQos, ecnCounters, "
-      "links, kernelCopp, fecOverrides, fecService, steps, trace";
+      "links, kernelCopp, fecOverrides, fecService, steps, trace, kernelCoppConfig";
 
 TEST( ScenarioErrorsTest, TextThatIsNotOneYamlMapping ) {
    expectErrors( {
@@ -386,6 +386,74 @@ steps:
          { step + "      - corruptTcam: { acl: B, add: true }\n",
            "bad.yaml:12:9: corruptTcam: there is no access list B" },
    } );
+}
+
+// PDP mode, the chip's named policers of the default PDP policy, and the kernel's CoPP
+// configuration: each wrong value where it stands, and each configuration the engine would stop
+// on.
+TEST( ScenarioErrorsTest, PdpModeAndKernelCoppInputs ) {
+   std::string const pdpChip =
+         "chip: { pdpSupported: true, pdpMode: true,\n"
+         "        namedPolicers: [ { name: hw, cir: 10, bc: 1000 } ] }\n"
+         "acls: [ { name: A, rules: [ { proto: udp } ] } ]\n"
+         "classMaps: [ { name: c, type: pdp, match: { ipv4: A } } ]\n"
+         "namedPolicers: [ { name: cfg, cir: 10, bc: 1000 } ]\n";
+   std::string const defaultPolicy =
+         "policyMaps: [ { name: default-pdp-policy, type: pdp, classes: [ { class: c, police: { "
+         "named: hw } } ] } ]\n";
+   expectErrors( {
+         { "chip: { pdpMode: 1 }\n", "bad.yaml:1:18: pdpMode: expected true or false, found '1'" },
+         { "chip: { namedPolicers: { name: p } }\n",
+           "bad.yaml:1:24: namedPolicers: expected a sequence, found a mapping" },
+         { "chip: { namedPolicers: [ { name: p, cir: 1, bc: 1, burst: 2 } ] }\n",
+           "bad.yaml:1:52: named policer: unknown key 'burst' (known: name, shared, cir, "
+           "cirUnit, bc, bcUnit, pir, pirUnit, be, beUnit)" },
+         { "chip: { namedPolicers: [ { name: p, cir: 1, cirUnit: pps, bc: 1, bcUnit: bytes } ] }\n",
+           "bad.yaml:1:26: policer: the committed burst must be in packets exactly when the rate "
+           "is in pps" },
+         { "chip: { namedPolicers: [ { name: p, cir: 1, bc: 1 }, { name: p, cir: 2, bc: 1 } ] }\n",
+           "bad.yaml:1:54: namedPolicers: named policer p given twice" },
+         // The engine stops on a PDP service policy whose map type has no map.
+         { pdpChip,
+           "bad.yaml:1:38: pdpMode: the starting policyMaps need the default PDP "
+           "policy's map (name: default-pdp-policy, type: pdp)" },
+         // The default policy's named policers are the chip's, not the configuration's.
+         { pdpChip + "policyMaps: [ { name: default-pdp-policy, type: pdp, classes: [ { class: c, "
+                     "police: { named: cfg } } ] } ]\n",
+           "bad.yaml:6:15: policy map pdp default-pdp-policy class c uses named policer cfg, "
+           "which the chip's namedPolicers do not define" },
+         // So in any mode, and in a step too.
+         { "chip: { pdpSupported: true }\n"
+           "acls: [ { name: A, rules: [ { proto: udp } ] } ]\n"
+           "classMaps: [ { name: c, type: pdp, match: { ipv4: A } } ]\n"
+           "steps: [ { at: 1, changes: [ { policyMap: { name: default-pdp-policy, type: pdp, "
+           "classes: [ { class: c, police: { named: hw } } ] } } ] } ]\n",
+           "bad.yaml:4:30: policy map pdp default-pdp-policy class c uses named policer hw, "
+           "which the chip's namedPolicers do not define" },
+         { pdpChip + defaultPolicy +
+                 "servicePolicies: [ { policyMap: default-pdp-policy, type: pdp, interfaces: [ "
+                 "Ethernet1 ] } ]\n",
+           "bad.yaml:7:20: service policy pdp input default-pdp-policy is the system's in PDP "
+           "mode: the engine applies it to every Ethernet port" },
+         { pdpChip + defaultPolicy +
+                 "steps: [ { at: 1, changes: [ { removePolicyMap: { name: default-pdp-policy, "
+                 "type: pdp } } ] } ]\n",
+           "bad.yaml:7:30: policy map pdp default-pdp-policy is still used by the default PDP "
+           "service policy of PDP mode" },
+         { "kernelCoppConfig: [ true ]\n",
+           "bad.yaml:1:19: kernelCoppConfig: expected true or false, found a sequence" },
+   } );
+   // What the engine handles loads: the chip's policer in the default policy, and the
+   // configuration's policer of the same name elsewhere unaffected by it.
+   Sim::Scenario const ok = Sim::loadScenarioText(
+         pdpChip + defaultPolicy +
+               "steps: [ { at: 1, changes: [ { removeNamedPolicer: cfg } ] } ]\n"
+               "kernelCoppConfig: true\n",
+         "good.yaml" );
+   EXPECT_TRUE( ok.chip.pdpMode );
+   ASSERT_EQ( ok.chip.namedPolicers.size(), 1u );
+   EXPECT_EQ( ok.chip.namedPolicers[ 0 ].cir, 10u );
+   EXPECT_TRUE( ok.kernelCoppConfig );
 }
 
 }  // namespace
