@@ -203,7 +203,20 @@ void SimSwitch::stepIs( Step const& step ) {
       enginesStop();
    } );
    if( !engine_ ) engineIs();
+   driverInputsIs( step );
    loop_->runUntil( loop_->now() );
+}
+
+// What the chip's driver writes on the helper the engine watches, once the step's configuration
+// is in.
+void SimSwitch::driverInputsIs( Step const& step ) {
+   for( Change const& change : step.changes ) {
+      if( auto const* waiting = std::get_if< CliWaiting >( &change.value ) ) {
+         aclRecorder_->cliWaitingIs( waiting->waiting );
+      } else if( std::holds_alternative< PolicyMapsReprogramRequest >( change.value ) ) {
+         aclRecorder_->reprogramAllPMapsRequestTimeIs( step.time );
+      }
+   }
 }
 
 void SimSwitch::runUntil( Zub::Seconds t ) {

@@ -24,6 +24,8 @@ std::vector< std::string_view > const topKeys = {
    "cosToTcProfiles", "interfaceQos", "ecnCounters",     "links",      "kernelCopp",
    "fecOverrides",    "fecService",   "steps",
 };
+// Keys that came after the list above, apart so that its layout stays.
+std::vector< std::string_view > const laterTopKeys = { "interfacesReady" };
 
 // Where each document of a text starts; nothing else is kept.
 class DocumentStarts : public YAML::EventHandler {
@@ -172,6 +174,10 @@ void readInitial( YAML::Node const& doc, YamlReader const& yaml, StepReader cons
                        InterfacePresence{ reader.servicePolicies().intfIds( intfs, "interfaces" ),
                                           true } } );
    }
+   if( auto const ready = doc[ "interfacesReady" ] ) {
+      out.push_back( { YamlReader::whereOf( ready ),
+                       InterfacesReadiness{ yaml.flag( ready, "interfacesReady" ) } } );
+   }
    initialList(
          doc, "acls", yaml, [ & ]( auto const& n ) { return reader.acls().acl( n ); },
          []( AclDef const& a ) { return aclText( a.family, a.name ); }, out );
@@ -237,7 +243,9 @@ void checkChanges( Scenario const& scenario ) {
 
 Scenario scenarioOf( YAML::Node const& doc, YamlReader const& yaml,
                      std::filesystem::path const& dir ) {
-   yaml.checkMapping( doc, "scenario", topKeys );
+   std::vector< std::string_view > keys = topKeys;
+   keys.insert( keys.end(), laterTopKeys.begin(), laterTopKeys.end() );
+   yaml.checkMapping( doc, "scenario", keys );
    Scenario scenario;
    scenario.file = yaml.file();
    if( auto const d = doc[ "description" ] ) scenario.description = yaml.text( d, "description" );
