@@ -5,11 +5,15 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <optional>
+#include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "NevQos/types/AclCreateError.h"
+#include "entities/QosTypes.h"
 #include "entities/QosUnits.h"
 #include "zub/Entity.h"
 
@@ -51,6 +55,9 @@ struct FaultConfig {
    std::string op;
    std::uint32_t nth = 0;
    Nev::AclCreateError error = Nev::aclCreateErrorOutOfTcam;
+   // operationError in the asynchronous mode: the call itself answers `error`, rather than the
+   // operation's result carrying it.
+   bool inCall = false;
    // The step time from which the fault holds, and to which it holds (inclusive); unset means
    // from the start and to the end. A fault switch turns it off and on again within them.
    std::optional< Zub::Seconds > from;
@@ -181,6 +188,24 @@ struct ChipConfig {
    std::uint32_t policePacketModeMinBurstPackets = 1;
    std::uint32_t policePacketModeMaxBurstPackets = 1000000;
 
+   // The helper's answers that no status carries.
+   // Ether types of MAC rules the chip can't match: isSupportedMacAclRule answers false.
+   std::set< std::uint16_t > unsupportedMacEtherTypes;
+   // Map types for which managedPrioritySupported answers true: the engine keeps each map's
+   // interfaces in its state.
+   std::set< Qos::MapType > managedPriorityMapTypes;
+   // The chip flags every map it commits for a recompile on each interface change.
+   bool doVersionUpdate = false;
+   // The ACL group of an interface (as "Ethernet4@Port-Channel10" for a member), for every
+   // service policy; an interface left out is in the default group.
+   std::map< std::string, std::string > aclGroups;
+   // A VLAN interface waits for the interface list to be complete.
+   bool delaySviPmapSmCreation = false;
+   // The chip writes each policy map's programming status itself; published in AclHwStatus.
+   bool selfReportedPrgmStatus = false;
+   // New base names of generated ACLs, by the helper attribute's name (aclBaseNames).
+   std::map< std::string, std::string > aclNames;
+
    std::vector< FaultConfig > faults;
 
    // The hardware epoch's PDP mode: the engine puts every Ethernet port under the default PDP
@@ -189,5 +214,28 @@ struct ChipConfig {
    // The named policers the driver publishes for the default PDP policy.
    std::vector< HwNamedPolicer > namedPolicers;
 };
+
+// The base names of generated ACLs a chip may rename, by the helper's attribute, with their
+// defaults; and the two it can't.
+struct AclBaseName {
+   std::string_view attribute;
+   std::string_view defaultName;
+};
+inline constexpr AclBaseName aclBaseNames[] = {
+   { "defaultAclName", "acl-default" },
+   { "defaultIpv6AclName", "acl-default-ipv6" },
+   { "vlanAclName", "vlan-acl" },
+   { "vlanIpv6AclName", "vlan-acl-ipv6" },
+   { "cosAclName", "cos-acl" },
+   { "cosIpv6AclName", "cos-acl-ipv6" },
+   { "vlanCosAclName", "vlan-cos-acl" },
+   { "vlanCosIpv6AclName", "vlan-cos-acl-ipv6" },
+   { "mplsTrafficClassAclName", "mpls-traffic-class-acl" },
+   { "mplsTrafficClassIpv6AclName", "mpls-traffic-class-acl-ipv6" },
+   { "builtInClassAclName", "built-in-class-acl" },
+   { "macAclName", "mac-acl" },
+   { "macIpv6AclName", "mac-acl-ipv6" },
+};
+inline constexpr std::string_view fixedAclBaseNames[] = { "dscpecn-acl", "dscpecn-acl-ipv6" };
 
 }  // namespace Sim

@@ -46,9 +46,14 @@ std::string aclKeyText( Nev::AclKey const& aclKey ) {
    return textOf( aclKey.aclName() ) + "(" + textOf( aclKey.aclType() ) + ")";
 }
 
+// The group only where it is not the default, so that the maps of a chip without groups keep
+// their names; it keeps the class data and ACLs of two groups apart.
 std::string pmapText( Nev::QosPolicyMapKey const& k ) {
+   std::string const group = k.aclGroup() == Nev::QosPolicyMapKey::defaultAclGroup()
+                                   ? ""
+                                   : "," + textOf( k.aclGroup() );
    return textOf( k.pmapName() ) + "(" + mapTypeText( k.pmapType() ) + "," +
-          textOf( k.direction() ) + ")";
+          textOf( k.direction() ) + group + ")";
 }
 
 std::string queueText( Qos::TxQueue const& queue ) {

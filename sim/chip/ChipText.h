@@ -31,6 +31,7 @@ std::string boolText( bool b );
 std::string aclKeyText( Nev::AclKey const& aclKey );
 // "qos", "control-plane", "pdp".
 char const* mapTypeText( Qos::MapType type );
+// "gold(qos,input)", or "gold(qos,input,uplinks)" in ACL group "uplinks".
 std::string pmapText( Nev::QosPolicyMapKey const& k );
 // "UC3", "MC0".
 std::string queueText( Qos::TxQueue const& queue );

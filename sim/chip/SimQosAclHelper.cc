@@ -153,12 +153,38 @@ SimQosAclHelper::SimQosAclHelper( ChipConfig config, Zub::Ptr< Qos::Status const
    qosEcnSupportIs( config_.qosEcnSupport );
    establishedSupportedIs( config_.establishedSupported );
    supportedTcpFlagsIs( NevHelper::TcpFlag( config_.supportedTcpFlags ) );
+   aclBaseNamesIs( config_.aclNames );
    faults_ = std::make_shared< ChipFaults >( config_.faults, clock_ );
    completer_ = Zub::make< Completer >( this );
    completer_->notifierIs( clock_ );
 }
 
 SimQosAclHelper::~SimQosAclHelper() = default;
+
+// Before the first policy: the engine names its generated ACLs from these.
+void SimQosAclHelper::aclBaseNamesIs( std::map< std::string, std::string > const& names ) {
+   using Setter = void ( NevHelper::QosAclHelper::* )( Zub::Name const& );
+   std::map< std::string_view, Setter > const setters{
+      { "defaultAclName", &QosAclHelper::defaultAclNameIs },
+      { "defaultIpv6AclName", &QosAclHelper::defaultIpv6AclNameIs },
+      { "vlanAclName", &QosAclHelper::vlanAclNameIs },
+      { "vlanIpv6AclName", &QosAclHelper::vlanIpv6AclNameIs },
+      { "cosAclName", &QosAclHelper::cosAclNameIs },
+      { "cosIpv6AclName", &QosAclHelper::cosIpv6AclNameIs },
+      { "vlanCosAclName", &QosAclHelper::vlanCosAclNameIs },
+      { "vlanCosIpv6AclName", &QosAclHelper::vlanCosIpv6AclNameIs },
+      { "mplsTrafficClassAclName", &QosAclHelper::mplsTrafficClassAclNameIs },
+      { "mplsTrafficClassIpv6AclName", &QosAclHelper::mplsTrafficClassIpv6AclNameIs },
+      { "builtInClassAclName", &QosAclHelper::builtInClassAclNameIs },
+      { "macAclName", &QosAclHelper::macAclNameIs },
+      { "macIpv6AclName", &QosAclHelper::macIpv6AclNameIs },
+   };
+   for( auto const& [ attribute, name ] : names ) {
+      auto const setter = setters.find( attribute );
+      ZUB_ASSERT( setter != setters.end() );
+      ( this->*setter->second )( Zub::Name( name ) );
+   }
+}
 
 void SimQosAclHelper::verifyDataIs( Zub::Ptr< Nev::VerifyData > const& verifyData ) {
    verifyData_ = verifyData;
@@ -190,9 +216,13 @@ bool SimQosAclHelper::faultOn( FaultConfig::Kind kind ) const {
    return faults_->on( kind );
 }
 
-std::optional< Nev::AclCreateError > SimQosAclHelper::faultFor( std::string const& op ) {
+std::optional< Nev::AclCreateError > SimQosAclHelper::faultFor(
+      std::string const& op, Nev::QosClassData const& classData ) {
    FaultConfig const* const fault = faults_->failingCall( op );
-   return fault ? std::optional( fault->error ) : std::nullopt;
+   if( !fault ) return std::nullopt;
+   // A fault that answers in the call does so whatever the mode.
+   if( fault->inCall ) return fault->error;
+   return answer( fault->error, classData );
 }
 
 Nev::AclCreateError SimQosAclHelper::answer( Nev::AclCreateError error,
@@ -237,7 +267,7 @@ Nev::AclCreateError SimQosAclHelper::createRule( std::string const& op, std::str
                                                  std::string const& slice,
                                                  Nev::QosClassData const& classData,
                                                  Nev::AclKey const* aclKey, TcamEntry entry ) {
-   if( auto const fault = faultFor( op ) ) return answer( *fault, classData );
+   if( auto const fault = faultFor( op, classData ) ) return *fault;
    if( !tcam_.has( aclId ) ) openAcl( aclId, slice, classData, aclKey );
    return answer( install( aclId, std::move( entry ) ), classData );
 }
@@ -275,7 +305,7 @@ Nev::AclCreateError SimQosAclHelper::precreateAcl( Nev::QosPolicyMapState const&
                                                    Nev::QosClassData const& classData,
                                                    Qos::ClassMapMatchOption,
                                                    Nev::AclKey const& aclKey ) {
-   if( auto const fault = faultFor( "precreateAcl" ) ) return answer( *fault, classData );
+   if( auto const fault = faultFor( "precreateAcl", classData ) ) return *fault;
    openAcl( aclIdOf( classData, aclKey ), sliceOf( aclKey ), classData, &aclKey );
    aclPorts_.erase( aclIdOf( classData, aclKey ) );
    return Nev::aclCreateErrorNone;
@@ -290,7 +320,7 @@ Nev::AclCreateError SimQosAclHelper::createIpAclSubrule(
       std::uint16_t dstPortHigh, std::uint16_t ipLen, std::uint16_t ipLenMask,
       std::uint16_t ipLenLow, std::uint16_t ipLenHigh, std::uint8_t tcpFlags, bool l4Rule,
       std::uint8_t ecnData, std::uint8_t ecnMask ) {
-   if( auto const fault = faultFor( "createIpAclSubrule" ) ) return answer( *fault, classData );
+   if( auto const fault = faultFor( "createIpAclSubrule", classData ) ) return *fault;
    // Only permit rules take entries: a packet no permit rule matches is not in the class.
    if( rule.action != Acl::actionPermit ) return Nev::aclCreateErrorNone;
    std::string const id = aclIdOf( classData, aclKey );
@@ -438,8 +468,8 @@ TcamEntry SimQosAclHelper::dscpEcnEntryOf( Nev::QosClassData const& classData,
    return entry;
 }
 
-bool SimQosAclHelper::isSupportedMacAclRule( Acl::MacRuleConfig const& ) {
-   return true;
+bool SimQosAclHelper::isSupportedMacAclRule( Acl::MacRuleConfig const& rule ) {
+   return !config_.unsupportedMacEtherTypes.contains( rule.filter.etherType );
 }
 
 bool SimQosAclHelper::isMacAclRuleSupportedPlatform() {
@@ -501,8 +531,8 @@ void SimQosAclHelper::cleanupAcl( Nev::QosPolicyMapState const&, Nev::QosClassDa
 Nev::AclCreateError SimQosAclHelper::commitAcl( Nev::QosClassData const& classData,
                                                 Qos::ClassMapMatchOption,
                                                 Nev::AclKey const& aclKey ) {
-   Nev::AclCreateError error = faultFor( "commitAcl" ).value_or( Nev::aclCreateErrorNone );
-   if( error == Nev::aclCreateErrorNone ) {
+   std::optional< Nev::AclCreateError > const fault = faultFor( "commitAcl", classData );
+   if( !fault ) {
       std::string const id = aclIdOf( classData, aclKey );
       tcam_.commit( id );
       // A new ACL serves the interfaces its class has now; later changes come one by one.
@@ -510,17 +540,52 @@ Nev::AclCreateError SimQosAclHelper::commitAcl( Nev::QosClassData const& classDa
       for( auto it = classData.intfId().iter(); it; ++it )
          bind( ports, it.key(), true );
    }
-   error = answer( error, classData );
    if( async() ) startOperation();
-   return error;
+   return fault.value_or( Nev::aclCreateErrorNone );
 }
 
 void SimQosAclHelper::prepareToCommit() {}
 
-void SimQosAclHelper::batchCommitAcls( Nev::QosPolicyMapState const& ) {}
+void SimQosAclHelper::batchCommitAcls( Nev::QosPolicyMapState const& pmapState ) {
+   mapCommitted( pmapState );
+}
 
-void SimQosAclHelper::batchCommitAclsIntf( Nev::QosPolicyMapState const&, Qos::IntfPairKey const&,
-                                           bool ) {}
+void SimQosAclHelper::batchCommitAclsIntf( Nev::QosPolicyMapState const& pmapState,
+                                           Qos::IntfPairKey const&, bool ) {
+   mapCommitted( pmapState );
+}
+
+// What the chip does once a map's changes are in: flag the map for a recompile on interface
+// changes, and report its programming status, where the chip does these.
+void SimQosAclHelper::mapCommitted( Nev::QosPolicyMapState const& pmapState ) {
+   auto const state = engineHelper_->pmapState( pmapState.key() );
+   if( config_.doVersionUpdate && state ) state->doVersionUpdateIs( true );
+   if( !config_.selfReportedPrgmStatus ) return;
+   Nev::QosPolicyMapKey const& key = pmapState.key();
+   // Only a map that has a status entry to write: the engine makes it with the service policy.
+   auto const typeStatus = qosAclSliceHwStatus()->pmapType( key.pmapType() );
+   if( !typeStatus ||
+       !typeStatus->pmap( Qos::PolicyMapHwStatusKey( key.direction(), key.pmapName() ) ) ) {
+      return;
+   }
+   engineHelper_->qosAclStatusUpdateCallback(
+         key, pmapState.dirty() ? Qos::hwPrgmStatusFail_ : Qos::hwPrgmStatusSuccess_ );
+}
+
+Zub::Name SimQosAclHelper::aclGroup( Qos::IntfPairKey const& intfPair,
+                                     Qos::ServicePolicyKey const& ) {
+   auto const group = config_.aclGroups.find( intfText( intfPair ) );
+   if( group == config_.aclGroups.end() ) return defaultAclGroup();
+   return Zub::Name( group->second );
+}
+
+bool SimQosAclHelper::managedPrioritySupported( Qos::MapType mapType ) {
+   return config_.managedPriorityMapTypes.contains( mapType );
+}
+
+bool SimQosAclHelper::delaySviPmapSmCreation() {
+   return config_.delaySviPmapSmCreation;
+}
 
 bool SimQosAclHelper::createSmForPMap( Nev::QosPolicyMapState const& ) {
    return config_.createSmForPMap;

@@ -341,6 +341,10 @@ class SimQosAclHelper : public NevHelper::QosAclHelper {
    Zub::String cpuQIdToClassMapName( std::uint32_t cpuQId ) override;
    Zub::String portToIntfName( std::uint32_t modId, std::uint32_t port ) override;
 
+   Zub::Name aclGroup( Qos::IntfPairKey const& intfPair,
+                       Qos::ServicePolicyKey const& spKey ) override;
+   bool managedPrioritySupported( Qos::MapType mapType ) override;
+   bool delaySviPmapSmCreation() override;
    bool multipleActionsSupported() override { return config_.multipleActionsSupported; }
    bool errorOnPolicerExhaustion() override { return config_.errorOnPolicerExhaustion; }
 
@@ -359,8 +363,12 @@ class SimQosAclHelper : public NevHelper::QosAclHelper {
    };
 
    bool async() const { return config_.tcamMode == TcamMode::asynchronous; }
-   // The answer a scripted fault gives to this call of `op`, if any.
-   std::optional< Nev::AclCreateError > faultFor( std::string const& op );
+   // The answer a scripted fault gives to this call of `op`, if any: in the asynchronous mode
+   // none in the call (the operation's result carries it) unless the fault answers in the call.
+   std::optional< Nev::AclCreateError > faultFor( std::string const& op,
+                                                  Nev::QosClassData const& classData );
+   void aclBaseNamesIs( std::map< std::string, std::string > const& names );
+   void mapCommitted( Nev::QosPolicyMapState const& pmapState );
    bool active( FaultConfig const& fault ) const;
    // Writes one entry; a refusal is answered now, or kept for the asynchronous result.
    Nev::AclCreateError install( std::string const& aclId, TcamEntry entry );

@@ -298,6 +298,7 @@ void SimSwitch::stepIs( Step const& step ) {
    } );
    if( !engine_ ) engineIs();
    unseenFecOverrideRemovalsIs( step, overridesBefore );
+   driverInputsIs( step );
    settle( loop_->now() );
    pdpConfigMerge();
    dlpFlowIs( linksBefore );
@@ -331,6 +332,18 @@ void SimSwitch::dlpFlowIs( std::map< Mirel::IntfId, LinkDef > const& linksBefore
       }
    }
    settle( loop_->now() );
+}
+
+// What the chip's driver writes on the helper the engine watches, once the step's configuration
+// is in.
+void SimSwitch::driverInputsIs( Step const& step ) {
+   for( Change const& change : step.changes ) {
+      if( auto const* waiting = std::get_if< CliWaiting >( &change.value ) ) {
+         aclRecorder_->cliWaitingIs( waiting->waiting );
+      } else if( std::holds_alternative< PolicyMapsReprogramRequest >( change.value ) ) {
+         aclRecorder_->reprogramAllPMapsRequestTimeIs( step.time );
+      }
+   }
 }
 
 void SimSwitch::runUntil( Zub::Seconds t ) {

@@ -150,6 +150,8 @@ class SimSwitch {
    // Starts the run asked for and collects its findings.
    std::vector< std::string > verifyRun();
    void chipChangesIs( std::vector< Change > const& changes );
+   // The step's cliWaiting and reprogramAllPolicyMaps, written on the helper the engine holds.
+   void driverInputsIs( Step const& step );
    // Damages the TCAM as the change says; a change that finds nothing to damage stops the run.
    void tcamDamageIs( TcamCorruption const& damage, Where const& where );
    void cbfTablesIs( ChipConfig const& chip );

@@ -6,8 +6,10 @@
 
 #include "NevQos/types/TcpFlag.h"
 #include "sim/chip/ChipFaults.h"
+#include "sim/chip/ChipText.h"
 #include "sim/scenario/PolicyReader.h"
 #include "sim/scenario/ScenarioNames.h"
+#include "sim/scenario/ServicePolicyReader.h"
 
 namespace Sim {
 
@@ -51,6 +53,9 @@ constexpr FlagField flagFields[] = {
    { "establishedSupported", &ChipConfig::establishedSupported },
    { "dlpEnabled", &ChipConfig::dlpEnabled },
    { "pdpMode", &ChipConfig::pdpMode },
+   { "doVersionUpdate", &ChipConfig::doVersionUpdate },
+   { "delaySviPmapSmCreation", &ChipConfig::delaySviPmapSmCreation },
+   { "selfReportedPrgmStatus", &ChipConfig::selfReportedPrgmStatus },
 };
 
 struct CountField {
@@ -158,6 +163,8 @@ std::vector< std::string_view > chipKeys() {
    for( auto const& f : countFields )
       keys.push_back( f.key );
    keys.push_back( "namedPolicers" );
+   keys.insert( keys.end(), { "unsupportedMacEtherTypes", "managedPrioritySupported", "aclGroups",
+                              "aclNames" } );
    return keys;
 }
 
@@ -169,7 +176,7 @@ std::vector< std::string_view > faultKeys( FaultConfig::Kind kind ) {
          keys.insert( keys.end(), { "family", "atEntries" } );
          break;
       case FaultConfig::Kind::operationError:
-         keys.insert( keys.end(), { "op", "nth", "error" } );
+         keys.insert( keys.end(), { "op", "nth", "error", "inCall" } );
          break;
       case FaultConfig::Kind::asyncPending:
       case FaultConfig::Kind::asyncRepeated:
@@ -226,6 +233,7 @@ void ChipReader::chip( YAML::Node const& node, ChipConfig& chip,
             std::uint16_t( yaml_.integer( p, "policyClassMaxPrio", 1, 0xffff ) );
    }
    pdp( node, chip );
+   helperAnswers( node, chip );
    auto const faults = node[ "faults" ];
    if( !faults ) return;
    yaml_.checkSequence( faults, "faults" );
@@ -295,6 +303,71 @@ void ChipReader::faultDetails( YAML::Node const& node, FaultConfig& fault ) cons
    }
    if( auto const e = node[ "error" ] ) {
       fault.error = yaml_.choice( e, "error", NameTable< Nev::AclCreateError >( errorNames ) );
+   }
+   if( auto const c = node[ "inCall" ] ) {
+      fault.inCall = yaml_.flag( c, "inCall" );
+      if( fault.inCall && isBasicFaultOperation( fault.op ) ) {
+         yaml_.fail( c, "inCall: does not apply to basic QoS operation " + fault.op );
+      }
+   }
+}
+
+// The answers of the ACL helper's questions that no status carries.
+void ChipReader::helperAnswers( YAML::Node const& node, ChipConfig& chip ) const {
+   if( auto const types = node[ "unsupportedMacEtherTypes" ] ) {
+      for( Span const& span : yaml_.spans( types, "unsupportedMacEtherTypes", 0, 0xffff ) ) {
+         for( unsigned t = span.low; t <= span.high; ++t )
+            chip.unsupportedMacEtherTypes.insert( std::uint16_t( t ) );
+      }
+   }
+   if( auto const types = node[ "managedPrioritySupported" ] ) {
+      yaml_.checkSequence( types, "managedPrioritySupported" );
+      for( YAML::Node const& t : types ) {
+         chip.managedPriorityMapTypes.insert(
+               yaml_.choice( t, "managedPrioritySupported", mapTypeNames() ) );
+      }
+   }
+   if( auto const groups = node[ "aclGroups" ] ) aclGroups( groups, chip );
+   if( auto const names = node[ "aclNames" ] ) aclNames( names, chip );
+}
+
+// Interface to group; an interface is written as in a service policy.
+void ChipReader::aclGroups( YAML::Node const& node, ChipConfig& chip ) const {
+   if( !node.IsMap() ) {
+      yaml_.fail( node, "aclGroups: expected a mapping, found " + kindOf( node ) );
+   }
+   ServicePolicyReader const intfs( yaml_ );
+   for( auto const& entry : node ) {
+      std::string const intf = intfText( intfs.intfPair( entry.first, "aclGroups" ) );
+      if( chip.aclGroups.contains( intf ) ) {
+         yaml_.fail( entry.first, "aclGroups: " + intf + " is given twice" );
+      }
+      std::string const group = yaml_.text( entry.second, "aclGroups" );
+      chip.aclGroups[ intf ] = group;
+   }
+}
+
+// The helper's attribute to its new base name. Every generated ACL's name must stay its own, so
+// the names, renamed or not, differ from each other and from the two that can't be renamed.
+void ChipReader::aclNames( YAML::Node const& node, ChipConfig& chip ) const {
+   std::vector< std::string_view > attributes;
+   for( AclBaseName const& b : aclBaseNames )
+      attributes.push_back( b.attribute );
+   yaml_.checkMapping( node, "aclNames", attributes );
+   std::map< std::string, std::string > owner;
+   for( std::string_view const fixed : fixedAclBaseNames )
+      owner[ std::string( fixed ) ] = "the DSCP and ECN lists";
+   for( AclBaseName const& b : aclBaseNames ) {
+      std::string const attribute( b.attribute );
+      auto const given = node[ attribute ];
+      std::string const name =
+            given ? yaml_.text( given, attribute ) : std::string( b.defaultName );
+      if( auto const other = owner.find( name ); other != owner.end() ) {
+         yaml_.fail( given ? given : node,
+                     attribute + ": '" + name + "' is the base name of " + other->second );
+      }
+      owner[ name ] = attribute;
+      if( given ) chip.aclNames[ attribute ] = name;
    }
 }
 

@@ -25,6 +25,9 @@ class ChipReader {
    FaultConfig fault( YAML::Node const& node, std::string& name ) const;
    void faultDetails( YAML::Node const& node, FaultConfig& fault ) const;
    void operation( YAML::Node const& node, FaultConfig& fault ) const;
+   void helperAnswers( YAML::Node const& node, ChipConfig& chip ) const;
+   void aclGroups( YAML::Node const& node, ChipConfig& chip ) const;
+   void aclNames( YAML::Node const& node, ChipConfig& chip ) const;
 
    YamlReader const& yaml_;
 };

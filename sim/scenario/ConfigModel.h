@@ -69,6 +69,8 @@ class ConfigModel {
       return kernelCopp_;
    }
    bool hwInitialized() const { return hwInitialized_; }
+   // Whether the interface list is complete.
+   bool interfacesReady() const { return interfacesReady_; }
 
    // Class-based forwarding: the overrides wanted, and the FEC service's answers.
    std::map< Qos::Glarn::OverrideKey, FecOverrideDef > const& fecOverrides() const {
@@ -136,6 +138,10 @@ class ConfigModel {
    }
    void put( Dp1Policy const& dp1 );
    void put( FecTableDamage const& damage );
+   void put( InterfacesReadiness const& readiness ) { interfacesReady_ = readiness.ready; }
+   // The driver's inputs change no configuration.
+   void put( CliWaiting const& ) {}
+   void put( PolicyMapsReprogramRequest const& ) {}
 
    void checkMatch( ClassMapDef const& cmap, MatchDef const& match ) const;
    void checkClass( PolicyMapDef const& pmap, ClassDef const& cls ) const;
@@ -158,6 +164,7 @@ class ConfigModel {
    std::map< Mirel::IntfId, LinkDef > links_;
    std::map< Nev::ModIdPortQueueKey, Nev::KernelCoppQueueState > kernelCopp_;
    bool hwInitialized_ = true;
+   bool interfacesReady_ = true;
    std::map< Qos::Glarn::OverrideKey, FecOverrideDef > fecOverrides_;
    std::map< Glarn::Fib::FecId, FecServiceDef > fecService_;
    std::set< Qos::ServicePolicyKey > servicePolicyDP1_;

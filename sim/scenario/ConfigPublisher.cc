@@ -25,7 +25,9 @@ bool isRequest( ChangeValue const& value ) {
           std::holds_alternative< FecTableDamage >( value ) ||
           std::holds_alternative< AgentRestart >( value ) ||
           std::holds_alternative< CounterClientRemoval >( value ) ||
-          std::holds_alternative< IntfUpdateCallback >( value );
+          std::holds_alternative< IntfUpdateCallback >( value ) ||
+          std::holds_alternative< CliWaiting >( value ) ||
+          std::holds_alternative< PolicyMapsReprogramRequest >( value );
 }
 
 bool contains( std::vector< ConfigModel::MapKey > const& keys, ConfigModel::MapKey const& key ) {
@@ -66,7 +68,6 @@ void ConfigPublisher::initialIs( std::vector< Change > const& changes ) {
       }
    }
    publish( checked( model_, changes ) );
-   in_.ncsd->intfsReadyIs( true );
 }
 
 void ConfigPublisher::stepIs( Step const& step, std::function< void() > const& restart ) {
@@ -125,6 +126,8 @@ void ConfigPublisher::checkCounterClient( Change const& change ) const {
 void ConfigPublisher::publish( ConfigModel after ) {
    ConfigDiff const diff = diffOf( model_, after );
    ConfigModel const before = std::exchange( model_, std::move( after ) );
+   // First, so that what the step attaches finds the list as the step leaves it.
+   in_.ncsd->intfsReadyIs( model_.interfacesReady() );
    for( Mirel::IntfId intf : diff.interfacesAdded )
       in_.ncsd->intfIs( intf, true );
    basicQosIs( before );

@@ -68,7 +68,7 @@ class ConfigPublisher {
    // faults a fault switch may name.
    void chipIs( ChipConfig const& chip );
    // The starting configuration, before any step; it may hold no requests. The interface list
-   // is then complete (intfsReady).
+   // is then complete (intfsReady), unless the configuration says it is not.
    void initialIs( std::vector< Change > const& changes );
    // One step, stamped with its time. Throws ScenarioError, having written nothing, for a step
    // that is not later than the last or has a change the configuration refuses. A step with a

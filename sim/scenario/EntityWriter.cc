@@ -171,6 +171,7 @@ void capabilitiesIs( Qos::AclHwStatus& aclHw, Qos::HwStatus& hw, ChipConfig cons
    aclHw.cosClassMatchSupportedIs( chip.cosClassMatchSupported );
    aclHw.dscpEcnClassMatchSupportedIs( chip.dscpEcnClassMatchSupported );
    aclHw.perClassPolicerSupportedIs( chip.perClassPolicerSupported );
+   aclHw.selfReportedPrgmStatusIs( chip.selfReportedPrgmStatus );
    hw.pdpSupportedIs( chip.pdpSupported );
    basicCapabilitiesIs( hw, chip );
    for( HwNamedPolicer const& p : chip.namedPolicers ) {

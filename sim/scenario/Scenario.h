@@ -262,6 +262,18 @@ struct HwInitialization {
    bool initialized = true;
 };
 
+// Whether the interface list is complete (intfsReady), as the interfaces' agent says.
+struct InterfacesReadiness {
+   bool ready = true;
+};
+// Inputs a chip's driver writes on the ACL helper: the operator's command line waits for the
+// hardware to catch up (cliWaiting), and a request to program every policy map anew
+// (reprogramAllPMapsRequestTime, stamped with the step's time).
+struct CliWaiting {
+   bool waiting = false;
+};
+struct PolicyMapsReprogramRequest {};
+
 // Class-based forwarding: an override the routing side wants (traffic of the key's address
 // family and DSCP that would use the key's FEC uses `overridingFec` instead), and the FEC
 // service's answer for one FEC, its hardware id.
@@ -302,16 +314,15 @@ struct FecTableDamage {
 };
 
 // A definition adds what it names or replaces it; a removal removes it.
-using ChangeValue =
-      std::variant< AclDef, AclRemoval, ClassMapDef, ClassMapRemoval, NamedPolicerDef,
-                    NamedPolicerRemoval, PolicyMapDef, PolicyMapRemoval, ServicePolicyDef,
-                    ServicePolicyRemoval, Attachment, InterfacePresence, CounterRequest,
-                    TrafficInjection, ClearRequest, FaultSwitch, GlobalMapsDef, DscpRewriteMapDef,
-                    DscpRewriteMapRemoval, CosToTcProfileDef, CosToTcProfileRemoval, IntfQosDef,
-                    IntfQosRemoval, EcnCountersDef, EcnCountersRemoval, LinkDef, KernelCoppReport,
-                    HwInitialization, FecOverrideDef, FecOverrideRemoval, FecServiceDef,
-                    FecServiceRemoval, TcamCorruption, AgentRestart, Dp1Policy, FecTableDamage,
-                    CounterClientRemoval, IntfUpdateCallback >;
+using ChangeValue = std::variant<
+      AclDef, AclRemoval, ClassMapDef, ClassMapRemoval, NamedPolicerDef, NamedPolicerRemoval,
+      PolicyMapDef, PolicyMapRemoval, ServicePolicyDef, ServicePolicyRemoval, Attachment,
+      InterfacePresence, CounterRequest, TrafficInjection, ClearRequest, FaultSwitch, GlobalMapsDef,
+      DscpRewriteMapDef, DscpRewriteMapRemoval, CosToTcProfileDef, CosToTcProfileRemoval,
+      IntfQosDef, IntfQosRemoval, EcnCountersDef, EcnCountersRemoval, LinkDef, KernelCoppReport,
+      HwInitialization, FecOverrideDef, FecOverrideRemoval, FecServiceDef, FecServiceRemoval,
+      TcamCorruption, AgentRestart, Dp1Policy, FecTableDamage, CounterClientRemoval,
+      IntfUpdateCallback, InterfacesReadiness, CliWaiting, PolicyMapsReprogramRequest >;
 
 struct Change {
    Where where;

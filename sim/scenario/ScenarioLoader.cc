@@ -25,10 +25,10 @@ std::vector< std::string_view > const topKeys = {
    "cosToTcProfiles", "interfaceQos", "ecnCounters",     "links",      "kernelCopp",
    "fecOverrides",    "fecService",   "steps",           "trace",
 };
-
 // Keys added after the list above, in a list of their own so that each addition is one line.
 std::vector< std::string_view > const addedTopKeys = {
    "kernelCoppConfig",
+   "interfacesReady",
 };
 
 std::vector< std::string_view > allTopKeys() {
@@ -183,6 +183,10 @@ void readInitial( YAML::Node const& doc, YamlReader const& yaml, StepReader cons
       out.push_back( { YamlReader::whereOf( intfs ),
                        InterfacePresence{ reader.servicePolicies().intfIds( intfs, "interfaces" ),
                                           true } } );
+   }
+   if( auto const ready = doc[ "interfacesReady" ] ) {
+      out.push_back( { YamlReader::whereOf( ready ),
+                       InterfacesReadiness{ yaml.flag( ready, "interfacesReady" ) } } );
    }
    initialList(
          doc, "acls", yaml, [ & ]( auto const& n ) { return reader.acls().acl( n ); },

@@ -50,6 +50,9 @@ std::vector< std::string_view > const changeKinds = {
    "servicePolicyDP1",
    "corruptFecOverride",
    "corruptFecService",
+   "interfacesReady",
+   "cliWaiting",
+   "reprogramAllPolicyMaps",
 };
 
 constexpr std::pair< std::string_view, Mirel::AddressFamily > overrideFamilies[] = {
@@ -129,6 +132,14 @@ ChangeValue StepReader::value( std::string const& kind, YAML::Node const& node )
    if( kind == "corruptTcam" ) return tcamCorruption( node );
    if( kind == "kernelCopp" ) return kernelCoppReport( node );
    if( kind == "hwInitialized" ) return HwInitialization{ yaml_.flag( node, kind ) };
+   if( kind == "interfacesReady" ) return InterfacesReadiness{ yaml_.flag( node, kind ) };
+   if( kind == "cliWaiting" ) return CliWaiting{ yaml_.flag( node, kind ) };
+   if( kind == "reprogramAllPolicyMaps" ) {
+      if( !yaml_.flag( node, kind ) ) {
+         yaml_.fail( node, "reprogramAllPolicyMaps: write true, or leave it out" );
+      }
+      return PolicyMapsReprogramRequest{};
+   }
    if( kind == "fecOverride" ) return fecOverride( node );
    if( kind == "removeFecOverride" ) {
       return FecOverrideRemoval{ overrideKey( node, kind, { "af", "dscp", "fec" } ) };

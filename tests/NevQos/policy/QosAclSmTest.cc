@@ -119,10 +119,10 @@ TEST_F( QosAclSmTest, RemovingTheLastInterfaceOfAGroupRetiresItsMap ) {
    EXPECT_FALSE( spSm->pmapSm( pmapKey( "gold", "grp2" ) ) );
    EXPECT_FALSE( helper->pmapState( pmapKey( "gold", "grp2" ) ) );
    EXPECT_TRUE( spSm->pmapSm( pmapKey( "gold" ) ) );
-   // The record names the map but not its group: the states say which of the two went.
+   // The record names the map with its group, other than the default one.
    EXPECT_TRUE( helper->pmapState( pmapKey( "gold" ) ) );
    EXPECT_EQ( helper->callsMatching( "cleanupForPMap" ),
-              Lines{ "cleanupForPMap pmapKey=gold(qos,input)" } );
+              Lines{ "cleanupForPMap pmapKey=gold(qos,input,grp2)" } );
    EXPECT_TRUE( helper->callsMatching( "batchCommitAclsIntf" ).empty() )
          << "the child was deleted, not told of the interface";
 }

@@ -33,7 +33,8 @@ void expectErrors( std::initializer_list< Case > cases ) {
 std::string const topKeys =
       "description, chip, interfaces, acls, classMaps, namedPolicers, policyMaps, "
       "servicePolicies, globalMaps, dscpRewriteMaps, cosToTcProfiles, interfaceQos, ecnCounters, "
-      "links, kernelCopp, fecOverrides, fecService, steps, trace, kernelCoppConfig";
+      "links, kernelCopp, fecOverrides, fecService, steps, trace, kernelCoppConfig, "
+      "interfacesReady";
 
 TEST( ScenarioErrorsTest, TextThatIsNotOneYamlMapping ) {
    expectErrors( {
@@ -96,7 +97,7 @@ TEST( ScenarioErrorsTest, UnknownAndRepeatedKeys ) {
            "removeInterfaceQos, ecnCounters, removeEcnCounters, link, kernelCopp, hwInitialized, "
            "fecOverride, removeFecOverride, fecService, removeFecService, corruptTcam, restart, "
            "removeCounterClient, intfUpdateCallback, servicePolicyDP1, corruptFecOverride, "
-           "corruptFecService)" },
+           "corruptFecService, interfacesReady, cliWaiting, reprogramAllPolicyMaps)" },
          { "steps: [ { at: 1, changes: [ { clearErrors: true, requestCounters: a } ] } ]\n",
            "bad.yaml:1:30: change: one kind of change per list item" },
    } );
@@ -119,7 +120,47 @@ TEST( ScenarioErrorsTest, OperationFaultsOnOperationsThatCantFail ) {
          { "chip: { faults: [ { kind: operationError, op: programIntfTrustModeDscp, family: "
            "ipv4 } ] }\n",
            "bad.yaml:1:73: fault: unknown key 'family' (known: name, kind, from, until, op, nth, "
-           "error)" },
+           "error, inCall)" },
+         { "chip: { faults: [ { kind: operationError, op: programIntfTxQueueWred, inCall: true "
+           "} ] }\n",
+           "bad.yaml:1:79: inCall: does not apply to basic QoS operation programIntfTxQueueWred" },
+   } );
+}
+
+// The ACL helper's answers and the driver's inputs: each refused where it stands.
+TEST( ScenarioErrorsTest, HelperAnswersAndDriverInputsThatCantBeUsed ) {
+   expectErrors( {
+         { "chip: { unsupportedMacEtherTypes: [ 0x800, 0x10000 ] }\n",
+           "bad.yaml:1:44: unsupportedMacEtherTypes: 0x10000 is out of range 0..65535" },
+         { "chip: { managedPrioritySupported: qos }\n",
+           "bad.yaml:1:35: managedPrioritySupported: expected a sequence, found 'qos'" },
+         { "chip: { managedPrioritySupported: [ qos, cbf ] }\n",
+           "bad.yaml:1:42: managedPrioritySupported: 'cbf' is not one of qos, pdp, control-plane" },
+         { "chip: { aclGroups: [ Ethernet1 ] }\n",
+           "bad.yaml:1:20: aclGroups: expected a mapping, found a sequence" },
+         { "chip: { aclGroups: { Eth1: a } }\n",
+           "bad.yaml:1:22: aclGroups: 'Eth1' is not an interface name" },
+         { "chip: { aclGroups: { Ethernet1: a, Ethernet1: b } }\n",
+           "bad.yaml:1:36: aclGroups: Ethernet1 is given twice" },
+         { "chip: { aclGroups: { Ethernet1: \"\" } }\n",
+           "bad.yaml:1:33: aclGroups: expected a name, found an empty text" },
+         { "chip: { aclNames: { ipAclName: x } }\n",
+           "bad.yaml:1:21: aclNames: unknown key 'ipAclName' (known: defaultAclName, "
+           "defaultIpv6AclName, vlanAclName, vlanIpv6AclName, cosAclName, cosIpv6AclName, "
+           "vlanCosAclName, vlanCosIpv6AclName, mplsTrafficClassAclName, "
+           "mplsTrafficClassIpv6AclName, builtInClassAclName, macAclName, macIpv6AclName)" },
+         { "chip: { aclNames: { cosAclName: vlan-acl } }\n",
+           "bad.yaml:1:33: cosAclName: 'vlan-acl' is the base name of vlanAclName" },
+         { "chip: { aclNames: { macAclName: dscpecn-acl } }\n",
+           "bad.yaml:1:33: macAclName: 'dscpecn-acl' is the base name of the DSCP and ECN lists" },
+         { "chip: { aclNames: { vlanAclName: \"\" } }\n",
+           "bad.yaml:1:34: vlanAclName: expected a name, found an empty text" },
+         { "interfacesReady: later\n",
+           "bad.yaml:1:18: interfacesReady: expected true or false, found 'later'" },
+         { "steps: [ { at: 1, changes: [ { cliWaiting: 1 } ] } ]\n",
+           "bad.yaml:1:44: cliWaiting: expected true or false, found '1'" },
+         { "steps: [ { at: 1, changes: [ { reprogramAllPolicyMaps: false } ] } ]\n",
+           "bad.yaml:1:56: reprogramAllPolicyMaps: write true, or leave it out" },
    } );
 }
 

@@ -1,0 +1,306 @@
+// The ACL helper's answers that a scenario's chip keys set, and the inputs a chip's driver writes
+// on the helper: each changes what the engine does, against the chip's default.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <memory>
+#include <set>
+#include <string>
+
+#include "sim/runner/SimSwitch.h"
+#include "sim/scenario/ScenarioLoader.h"
+#include "zub/Trace.h"
+
+namespace NevQosTest {
+namespace {
+
+// A class of an IPv4 list on Ethernet1 and Ethernet2; at 1 s Ethernet3 joins.
+std::string const webOnTwoPorts = R"(
+interfaces: [ Ethernet1, Ethernet2, Ethernet3 ]
+acls: [ { name: WEB, rules: [ { proto: tcp, dstPort: { eq: 80 } } ] } ]
+classMaps: [ { name: web, match: { ipv4: WEB } } ]
+policyMaps: [ { name: gold, classes: [ { class: web, set: { dscp: 10 } } ] } ]
+servicePolicies: [ { policyMap: gold, interfaces: [ Ethernet1, Ethernet2 ] } ]
+steps:
+  - at: 1
+    changes:
+      - attach: { policyMap: gold, interfaces: [ Ethernet3 ] }
+)";
+
+// The same with a policer of the class's own, one per interface.
+std::string const policedOnTwoPorts = R"(
+interfaces: [ Ethernet1, Ethernet2, Ethernet3 ]
+acls: [ { name: WEB, rules: [ { proto: tcp, dstPort: { eq: 80 } } ] } ]
+classMaps: [ { name: web, match: { ipv4: WEB } } ]
+policyMaps:
+  - { name: gold, classes: [ { class: web, police: { cir: 100, bc: 2000 } } ] }
+servicePolicies: [ { policyMap: gold, interfaces: [ Ethernet1, Ethernet2 ] } ]
+steps:
+  - at: 1
+    changes:
+      - attach: { policyMap: gold, interfaces: [ Ethernet3 ] }
+)";
+
+// A MAC list of IPv4, ARP and IPv6 rules.
+std::string const macClass = R"(
+interfaces: [ Ethernet1 ]
+acls:
+  - { name: L2, type: mac, rules: [ { etherType: 0x800 }, { etherType: 0x806 },
+                                    { etherType: 0x86dd } ] }
+classMaps: [ { name: l2, match: { mac: L2 } } ]
+policyMaps: [ { name: gold, classes: [ { class: l2, set: { dscp: 10 } } ] } ]
+servicePolicies: [ { policyMap: gold, interfaces: [ Ethernet1 ] } ]
+)";
+
+// A policy on an SVI, and an interface that appears at 2 s.
+std::string sviPolicy( std::string const& start, std::string const& atOne ) {
+   return start + R"(
+interfaces: [ Ethernet1, Vlan100 ]
+acls: [ { name: WEB, rules: [ { proto: tcp, dstPort: { eq: 80 } } ] } ]
+classMaps: [ { name: web, match: { ipv4: WEB } } ]
+policyMaps: [ { name: gold, classes: [ { class: web, set: { dscp: 10 } } ] } ]
+servicePolicies: [ { policyMap: gold, interfaces: [ Vlan100 ] } ]
+steps:
+  - at: 1
+    changes: )" +
+          atOne + R"(
+  - at: 2
+    changes:
+      - addInterfaces: [ Ethernet2 ]
+)";
+}
+
+struct ChipRun {
+   Sim::Scenario scenario;
+   std::unique_ptr< Sim::SimSwitch > sw;
+
+   ChipRun( std::string const& chipKeys, std::string const& text,
+            Sim::SwitchOptions const& options = {} )
+       : scenario( Sim::loadScenarioText( "chip: { " + chipKeys + " }\n" + text, "answers.yaml" ) )
+       , sw( std::make_unique< Sim::SimSwitch >( scenario, options ) ) {
+      for( Sim::Step const& step : scenario.steps ) {
+         sw->runUntil( step.time );
+         sw->stepIs( step );
+      }
+      sw->runUntil( sw->now() + 5.0 );
+   }
+   std::vector< Sim::ChipCall > calls( std::string const& op ) const {
+      std::vector< Sim::ChipCall > out;
+      std::copy_if( sw->calls().begin(), sw->calls().end(), std::back_inserter( out ),
+                    [ &op ]( Sim::ChipCall const& c ) { return c.op == op; } );
+      return out;
+   }
+   std::size_t count( std::string const& op ) const { return calls( op ).size(); }
+   std::size_t countAt( std::string const& op, double at ) const {
+      auto const all = calls( op );
+      return static_cast< std::size_t >( std::count_if(
+            all.begin(), all.end(), [ at ]( Sim::ChipCall const& c ) { return c.t == at; } ) );
+   }
+   Qos::PolicyMapHwStatus const& goldStatus() const {
+      return *sw->aclSliceHwStatus()
+                    .pmapType( Qos::mapQos_ )
+                    ->pmap(
+                          Qos::PolicyMapHwStatusKey( Qos::directionInput_, Zub::Name( "gold" ) ) );
+   }
+};
+
+std::string arg( Sim::ChipCall const& call, std::string const& name ) {
+   for( auto const& [ n, v ] : call.args ) {
+      if( n == name ) return v;
+   }
+   return "";
+}
+
+TEST( HelperQuestionsTest, EachAnswerChangesTheCallsTheEngineMakes ) {
+   struct Case {
+      char const* keys;
+      std::string scenario;
+      char const* op;
+      // The calls of the step at this time; 0 for the whole run.
+      double at;
+      std::size_t byDefault;
+      std::size_t withKeys;
+   } const cases[] = {
+      // The engine leaves out the rule the chip can't match.
+      { "unsupportedMacEtherTypes: 0x806", macClass, "createMacAclRule", 0, 3, 2 },
+      { "unsupportedMacEtherTypes: [ 0x800-0x806, 0x86dd ]", macClass, "createMacAclRule", 0, 3,
+        0 },
+      // A map flagged for version updates, of a type whose interfaces the chip manages, is
+      // compiled anew when an interface joins: its one list is destroyed and made again.
+      { "managedPrioritySupported: [ qos ], doVersionUpdate: true", webOnTwoPorts, "destroyAcl", 1,
+        0, 1 },
+      // Either alone is not enough: the flag without the type, the type without the flag.
+      { "managedPrioritySupported: [ pdp, control-plane ], doVersionUpdate: true", webOnTwoPorts,
+        "destroyAcl", 1, 0, 0 },
+      { "managedPrioritySupported: [ qos ]", webOnTwoPorts, "destroyAcl", 1, 0, 0 },
+      // The engine flags a map with a policer per interface itself: every copy goes, the one
+      // the joining interface has just been given too.
+      { "managedPrioritySupported: [ qos ]", policedOnTwoPorts, "destroyAcl", 1, 0, 3 },
+      // Each group is a map of its own, with its own list.
+      { "aclGroups: { Ethernet2: uplinks }", webOnTwoPorts, "precreateAcl", 0, 1, 2 },
+      { "aclGroups: { Ethernet3: late }", webOnTwoPorts, "precreateAcl", 1, 0, 1 },
+      { "aclGroups: { Ethernet1: a, Ethernet2: a, Ethernet3: a }", webOnTwoPorts, "precreateAcl", 0,
+        1, 1 },
+   };
+   for( Case const& c : cases ) {
+      SCOPED_TRACE( c.keys );
+      auto const count = [ &c ]( ChipRun const& run ) {
+         return c.at == 0 ? run.count( c.op ) : run.countAt( c.op, c.at );
+      };
+      EXPECT_EQ( count( ChipRun( "", c.scenario ) ), c.byDefault );
+      EXPECT_EQ( count( ChipRun( c.keys, c.scenario ) ), c.withKeys );
+   }
+}
+
+TEST( HelperQuestionsTest, ARefusedMacRuleGivesItsNumberToTheNext ) {
+   auto const rules =
+         ChipRun( "unsupportedMacEtherTypes: 0x800", macClass ).calls( "createMacAclRule" );
+   ASSERT_EQ( rules.size(), 2u );
+   EXPECT_EQ( arg( rules[ 0 ], "ruleNum" ),
+              arg( ChipRun( "", macClass ).calls( "createMacAclRule" )[ 0 ], "ruleNum" ) );
+}
+
+TEST( HelperQuestionsTest, AnInterfaceJoinsTheMapOfItsGroup ) {
+   ChipRun const run( "aclGroups: { Ethernet2: uplinks, Ethernet3: uplinks }", webOnTwoPorts );
+   std::vector< std::string > maps;
+   for( auto const& call : run.calls( "precreateAcl" ) )
+      maps.push_back( arg( call, "classData" ) );
+   EXPECT_EQ( maps, ( std::vector< std::string >{ "gold(qos,input)/web/Default",
+                                                  "gold(qos,input,uplinks)/web/Default" } ) );
+   // Ethernet3 joins the list of its group, not the default one.
+   auto const ports = run.sw->chip().aclPorts();
+   ASSERT_EQ( ports.size(), 2u );
+   EXPECT_EQ( ports.begin()->second, ( std::set< std::string >{ "Ethernet1" } ) );
+   EXPECT_EQ( ports.rbegin()->second, ( std::set< std::string >{ "Ethernet2", "Ethernet3" } ) );
+   EXPECT_EQ( run.goldStatus().prgmStatus(), Qos::hwPrgmStatusSuccess_ );
+}
+
+TEST( HelperQuestionsTest, AnSviWaitsForTheInterfaceListOnAChipThatDelaysIt ) {
+   struct Case {
+      char const* keys;
+      std::string scenario;
+      // When the SVI's list is made; 0 for never.
+      double compiledAt;
+   } const cases[] = {
+      { "", sviPolicy( "interfacesReady: false", "[]" ), 0.001 },
+      { "delaySviPmapSmCreation: true", sviPolicy( "", "[]" ), 0.001 },
+      // Held back until an interface appears, whether or not the list is said complete first.
+      { "delaySviPmapSmCreation: true", sviPolicy( "interfacesReady: false", "[]" ), 2.0 },
+      { "delaySviPmapSmCreation: true",
+        sviPolicy( "interfacesReady: false", "[ { interfacesReady: true } ]" ), 2.0 },
+   };
+   for( Case const& c : cases ) {
+      SCOPED_TRACE( std::string( c.keys ) + c.scenario );
+      auto const made = ChipRun( c.keys, c.scenario ).calls( "precreateAcl" );
+      ASSERT_EQ( made.size(), 1u );
+      EXPECT_DOUBLE_EQ( made[ 0 ].t, c.compiledAt );
+   }
+   // Once the list is complete, an SVI that joins is served at once.
+   std::string const joinsLater = R"(
+interfaces: [ Ethernet1, Vlan100 ]
+interfacesReady: false
+acls: [ { name: WEB, rules: [ { proto: tcp } ] } ]
+classMaps: [ { name: web, match: { ipv4: WEB } } ]
+policyMaps: [ { name: gold, classes: [ { class: web, set: { dscp: 10 } } ] } ]
+steps:
+  - at: 1
+    changes:
+      - interfacesReady: true
+      - servicePolicy: { policyMap: gold, interfaces: [ Vlan100 ] }
+)";
+   auto const made = ChipRun( "delaySviPmapSmCreation: true", joinsLater ).calls( "precreateAcl" );
+   ASSERT_EQ( made.size(), 1u );
+   EXPECT_DOUBLE_EQ( made[ 0 ].t, 1.0 );
+}
+
+TEST( HelperQuestionsTest, AChipThatReportsItsOwnStatusWritesTheStatusAlone ) {
+   std::string const full = "faults: [ { kind: outOfTcam, atEntries: 0 } ]";
+   struct Case {
+      std::string keys;
+      Qos::PolicyMapHwPrgmStatus status;
+   } const cases[] = {
+      // The engine's compiles leave the status in progress for the chip to write.
+      { "", Qos::hwPrgmStatusSuccess_ },
+      { "selfReportedPrgmStatus: true", Qos::hwPrgmStatusSuccess_ },
+      { full, Qos::hwPrgmStatusFail_ },
+      { "selfReportedPrgmStatus: true, " + full, Qos::hwPrgmStatusFail_ },
+   };
+   for( Case const& c : cases ) {
+      SCOPED_TRACE( c.keys );
+      ChipRun const run( c.keys, webOnTwoPorts );
+      EXPECT_EQ( run.goldStatus().prgmStatus(), c.status );
+      EXPECT_EQ( run.sw->aclHwStatus().selfReportedPrgmStatus(),
+                 c.keys.starts_with( "selfReported" ) );
+   }
+}
+
+TEST( HelperQuestionsTest, RenamedBaseNamesNameTheGeneratedLists ) {
+   std::string const vlanClass = R"(
+interfaces: [ Ethernet1 ]
+classMaps: [ { name: v, match: { vlan: 10 } } ]
+policyMaps: [ { name: gold, classes: [ { class: v, set: { dscp: 10 } } ] } ]
+servicePolicies: [ { policyMap: gold, interfaces: [ Ethernet1 ] } ]
+)";
+   auto keyOf = []( ChipRun const& run ) {
+      auto const made = run.calls( "precreateAcl" );
+      return made.empty() ? std::string() : arg( made[ 0 ], "aclKey" );
+   };
+   EXPECT_EQ( keyOf( ChipRun( "", vlanClass ) ).rfind( "vlan-acl-", 0 ), 0u );
+   EXPECT_EQ(
+         keyOf( ChipRun( "aclNames: { vlanAclName: v4vlan }", vlanClass ) ).rfind( "v4vlan-", 0 ),
+         0u );
+}
+
+TEST( HelperQuestionsTest, AnAsynchronousCommitRefusedInTheCallIsNotSeenByTheEngine ) {
+   std::string const refused =
+         "tcamMode: asynchronous, asyncDelay: 0.01, faults: [ { kind: operationError, op: "
+         "commitAcl, nth: 1, inCall: true } ]";
+   ChipRun const run( refused, webOnTwoPorts );
+   // The engine takes no answer of a commit on this road: the list stays uncommitted on the
+   // chip while the map is reported programmed.
+   ASSERT_EQ( run.sw->chip().tcam().acls().size(), 1u );
+   EXPECT_FALSE( run.sw->chip().tcam().acls().begin()->second.committed );
+   EXPECT_EQ( run.goldStatus().prgmStatus(), Qos::hwPrgmStatusSuccess_ );
+   // The same fault carried by the operation's result fails the map.
+   std::string carried = refused;
+   carried.replace( carried.find( ", inCall: true" ), 14, "" );
+   EXPECT_EQ( ChipRun( carried, webOnTwoPorts ).goldStatus().prgmStatus(), Qos::hwPrgmStatusFail_ );
+}
+
+TEST( HelperQuestionsTest, AnAsynchronousRuleRefusedInTheCallStopsTheEngine ) {
+   std::string const refused =
+         "tcamMode: asynchronous, faults: [ { kind: operationError, op: createIpAclSubrule, "
+         "inCall: true, error: tooManyAcls } ]";
+   EXPECT_DEATH( ChipRun( refused, webOnTwoPorts ), "aclCreateErrorNone" );
+}
+
+TEST( HelperQuestionsTest, TheDriversInputsMoveTheEngine ) {
+   // Restating the configuration version: one more "applied" trace per change of cliWaiting.
+   auto applied = []( std::string const& changes ) {
+      Zub::traceEnable( "NevQos/2" );
+      Sim::SwitchOptions options;
+      options.keepTraces = true;
+      ChipRun const run( "", "steps: [ { at: 1, changes: " + changes + " } ]", options );
+      Zub::traceDisableAll();
+      return std::count_if( run.sw->traces().begin(), run.sw->traces().end(), []( auto const& t ) {
+         return t.text.find( "applied" ) != std::string::npos;
+      } );
+   };
+   auto const base = applied( "[]" );
+   EXPECT_EQ( applied( "[ { cliWaiting: true } ]" ), base + 1 );
+   EXPECT_EQ( applied( "[ { cliWaiting: false } ]" ), base );
+
+   // Every policy map programmed anew: its list destroyed and made again at the step.
+   std::string const reprogram = webOnTwoPorts +
+                                 "  - at: 2\n    changes: [ { "
+                                 "reprogramAllPolicyMaps: true } ]\n";
+   ChipRun const run( "", reprogram );
+   auto const made = run.calls( "precreateAcl" );
+   ASSERT_EQ( made.size(), 2u );
+   EXPECT_DOUBLE_EQ( made[ 1 ].t, 2.0 );
+   EXPECT_EQ( run.count( "destroyAcl" ), 1u );
+   EXPECT_EQ( run.goldStatus().prgmStatus(), Qos::hwPrgmStatusSuccess_ );
+}
+
+}  // namespace
+}  // namespace NevQosTest
