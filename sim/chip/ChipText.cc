@@ -49,11 +49,13 @@ std::string aclKeyText( Nev::AclKey const& aclKey ) {
 // The group only where it is not the default, so that the maps of a chip without groups keep
 // their names; it keeps the class data and ACLs of two groups apart.
 std::string pmapText( Nev::QosPolicyMapKey const& k ) {
-   std::string const group = k.aclGroup() == Nev::QosPolicyMapKey::defaultAclGroup()
-                                   ? ""
-                                   : "," + textOf( k.aclGroup() );
-   return textOf( k.pmapName() ) + "(" + mapTypeText( k.pmapType() ) + "," +
-          textOf( k.direction() ) + group + ")";
+   std::string text =
+         textOf( k.pmapName() ) + "(" + mapTypeText( k.pmapType() ) + "," + textOf( k.direction() );
+   if( k.aclGroup() != Nev::QosPolicyMapKey::defaultAclGroup() ) {
+      text += ",";
+      text += textOf( k.aclGroup() );
+   }
+   return text + ")";
 }
 
 std::string queueText( Qos::TxQueue const& queue ) {
