@@ -64,11 +64,9 @@ struct FaultConfig {
    std::optional< Zub::Seconds > until;
 };
 
-// A named policer the chip's driver defines itself and publishes in Qos::AclHwStatus: the
-// default PDP policy takes its named policers from these, not from the configuration's.
-struct HwNamedPolicer {
-   std::string name;
-   bool shared = false;
+// Rates and bursts in the operator's units; 0 for `pir` makes a single-rate policer. Packet and
+// byte modes are never mixed.
+struct PolicerRates {
    std::uint64_t cir = 0;
    Qos::RateUnit cirUnit = Qos::rateUnitKbps_;
    std::uint32_t bc = 0;
@@ -77,6 +75,17 @@ struct HwNamedPolicer {
    Qos::RateUnit pirUnit = Qos::rateUnitKbps_;
    std::uint32_t be = 0;
    Qos::BurstUnit beUnit = Qos::burstUnitBytes_;
+   bool operator==( PolicerRates const& ) const = default;
+};
+
+// A named policer of the configuration, or one the chip's driver defines itself and publishes
+// in Qos::AclHwStatus (the default PDP policy takes its named policers from those).
+struct NamedPolicerDef {
+   std::string name;
+   // One policer in hardware for all interfaces that use it.
+   bool shared = false;
+   PolicerRates rates;
+   bool operator==( NamedPolicerDef const& ) const = default;
 };
 
 struct ChipConfig {
@@ -212,7 +221,7 @@ struct ChipConfig {
    // policy at start-up. Fixed for the life of the agent.
    bool pdpMode = false;
    // The named policers the driver publishes for the default PDP policy.
-   std::vector< HwNamedPolicer > namedPolicers;
+   std::vector< NamedPolicerDef > namedPolicers;
 };
 
 // The base names of generated ACLs a chip may rename, by the helper's attribute, with their

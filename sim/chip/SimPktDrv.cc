@@ -6,25 +6,21 @@ namespace Sim {
 
 void SimPktDrv::cosToTcIs( Qos::Cos cos, Qos::TrafficClass tc ) {
    cosToTc_.at( cos ) = tc.value();
-   ++operations_;
    callIs( "cosToTcIs", "cos", cos.value(), "tc", tc.value() );
 }
 
 void SimPktDrv::dscpToTcIs( Qos::Dscp dscp, Qos::TrafficClass tc ) {
    dscpToTc_.at( dscp ) = tc.value();
-   ++operations_;
    callIs( "dscpToTcIs", "dscp", dscp.value(), "tc", tc.value() );
 }
 
 void SimPktDrv::tcToUcTxQueueIs( Qos::TrafficClass tc, Qos::TxQueueId txQueue ) {
    tcToUcTxQueue_.at( tc ) = txQueue.value();
-   ++operations_;
    callIs( "tcToUcTxQueueIs", "tc", tc.value(), "txQueue", txQueue.value() );
 }
 
 void SimPktDrv::tcToMcTxQueueIs( Qos::TrafficClass tc, Qos::TxQueueId txQueue ) {
    tcToMcTxQueue_.at( tc ) = txQueue.value();
-   ++operations_;
    callIs( "tcToMcTxQueueIs", "tc", tc.value(), "txQueue", txQueue.value() );
 }
 

@@ -35,7 +35,7 @@ class SimPktDrv : public Nev::PktDrvInterface {
    QueueMap const& tcToUcTxQueue() const { return tcToUcTxQueue_; }
    QueueMap const& tcToMcTxQueue() const { return tcToMcTxQueue_; }
    // How many times the driver was told something.
-   std::uint64_t operations() const { return operations_; }
+   std::uint64_t operations() const { return calls_.size(); }
 
    // One thing the driver was told: when, the operation, and its arguments by name.
    struct Call {
@@ -55,7 +55,6 @@ class SimPktDrv : public Nev::PktDrvInterface {
    DscpMap dscpToTc_{};
    QueueMap tcToUcTxQueue_{};
    QueueMap tcToMcTxQueue_{};
-   std::uint64_t operations_ = 0;
    std::vector< Call > calls_;
    std::function< Zub::Seconds() > now_;
 };

@@ -558,8 +558,11 @@ void SimQosAclHelper::batchCommitAclsIntf( Nev::QosPolicyMapState const& pmapSta
 // What the chip does once a map's changes are in: flag the map for a recompile on interface
 // changes, and report its programming status, where the chip does these.
 void SimQosAclHelper::mapCommitted( Nev::QosPolicyMapState const& pmapState ) {
-   auto const state = engineHelper_->pmapState( pmapState.key() );
-   if( config_.doVersionUpdate && state ) state->doVersionUpdateIs( true );
+   if( config_.doVersionUpdate ) {
+      if( auto const state = engineHelper_->pmapState( pmapState.key() ) ) {
+         state->doVersionUpdateIs( true );
+      }
+   }
    if( !config_.selfReportedPrgmStatus ) return;
    Nev::QosPolicyMapKey const& key = pmapState.key();
    // Only a map that has a status entry to write: the engine makes it with the service policy.

@@ -258,14 +258,12 @@ void ChipReader::pdp( YAML::Node const& node, ChipConfig& chip ) const {
    for( YAML::Node const& p : policers ) {
       NamedPolicerDef const def = PolicyReader( yaml_ ).namedPolicer( p );
       // A driver's table holds each name once.
-      for( HwNamedPolicer const& other : chip.namedPolicers ) {
+      for( NamedPolicerDef const& other : chip.namedPolicers ) {
          if( other.name == def.name ) {
             yaml_.fail( p, "namedPolicers: " + namedPolicerText( def.name ) + " given twice" );
          }
       }
-      PolicerRates const& r = def.rates;
-      chip.namedPolicers.push_back( HwNamedPolicer{ def.name, def.shared, r.cir, r.cirUnit, r.bc,
-                                                    r.bcUnit, r.pir, r.pirUnit, r.be, r.beUnit } );
+      chip.namedPolicers.push_back( def );
    }
 }
 

@@ -129,15 +129,11 @@ std::vector< ConfigModel::MapKey > ConfigModel::policyMapsUsingPolicer(
 
 // ---- The default PDP policy
 
-void ConfigModel::pdpIs( bool pdpMode, std::vector< HwNamedPolicer > const& policers ) {
+void ConfigModel::pdpIs( bool pdpMode, std::vector< NamedPolicerDef > const& policers ) {
    pdpMode_ = pdpMode;
    hwNamedPolicers_.clear();
-   for( HwNamedPolicer const& p : policers ) {
-      hwNamedPolicers_[ p.name ] =
-            NamedPolicerDef{ p.name, p.shared,
-                             PolicerRates{ p.cir, p.cirUnit, p.bc, p.bcUnit, p.pir, p.pirUnit, p.be,
-                                           p.beUnit } };
-   }
+   for( NamedPolicerDef const& p : policers )
+      hwNamedPolicers_[ p.name ] = p;
 }
 
 ConfigModel::MapKey ConfigModel::defaultPdpPolicy() {

@@ -37,7 +37,7 @@ class ConfigModel {
    // Whether the chip's driver has finished its start-up, as the chip starts.
    void hwInitializedIs( bool initialized ) { hwInitialized_ = initialized; }
    // The chip's PDP mode and the named policers its driver defines for the default PDP policy.
-   void pdpIs( bool pdpMode, std::vector< HwNamedPolicer > const& policers );
+   void pdpIs( bool pdpMode, std::vector< NamedPolicerDef > const& policers );
 
    // Applies one change, or throws Refusal and leaves the model as it was.
    void apply( ChangeValue const& change );

@@ -174,11 +174,10 @@ void capabilitiesIs( Qos::AclHwStatus& aclHw, Qos::HwStatus& hw, ChipConfig cons
    aclHw.selfReportedPrgmStatusIs( chip.selfReportedPrgmStatus );
    hw.pdpSupportedIs( chip.pdpSupported );
    basicCapabilitiesIs( hw, chip );
-   for( HwNamedPolicer const& p : chip.namedPolicers ) {
+   for( NamedPolicerDef const& p : chip.namedPolicers ) {
       auto status = aclHw.namedPolicerStatusIs( Zub::Name( p.name ) );
       status->sharedIs( p.shared );
-      ratesIs( *status,
-               PolicerRates{ p.cir, p.cirUnit, p.bc, p.bcUnit, p.pir, p.pirUnit, p.be, p.beUnit } );
+      ratesIs( *status, p.rates );
    }
 }
 

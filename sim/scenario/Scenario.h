@@ -108,28 +108,6 @@ inline constexpr char const* classDefaultName = "class-default";
 // drop).
 using Actions = std::map< Qos::ActionType, unsigned >;
 
-// Rates and bursts in the operator's units; 0 for `pir` makes a single-rate policer. Packet and
-// byte modes are never mixed.
-struct PolicerRates {
-   std::uint64_t cir = 0;
-   Qos::RateUnit cirUnit = Qos::rateUnitKbps_;
-   std::uint32_t bc = 0;
-   Qos::BurstUnit bcUnit = Qos::burstUnitBytes_;
-   std::uint64_t pir = 0;
-   Qos::RateUnit pirUnit = Qos::rateUnitKbps_;
-   std::uint32_t be = 0;
-   Qos::BurstUnit beUnit = Qos::burstUnitBytes_;
-   bool operator==( PolicerRates const& ) const = default;
-};
-
-struct NamedPolicerDef {
-   std::string name;
-   // One policer in hardware for all interfaces that use it.
-   bool shared = false;
-   PolicerRates rates;
-   bool operator==( NamedPolicerDef const& ) const = default;
-};
-
 // The policer of a class: a named policer, whose rates it takes, or rates of its own.
 struct PoliceDef {
    std::string named;

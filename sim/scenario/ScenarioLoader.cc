@@ -23,19 +23,9 @@ std::vector< std::string_view > const topKeys = {
    "description",     "chip",         "interfaces",      "acls",       "classMaps",
    "namedPolicers",   "policyMaps",   "servicePolicies", "globalMaps", "dscpRewriteMaps",
    "cosToTcProfiles", "interfaceQos", "ecnCounters",     "links",      "kernelCopp",
-   "fecOverrides",    "fecService",   "steps",           "trace",
-};
-// Keys added after the list above, in a list of their own so that each addition is one line.
-std::vector< std::string_view > const addedTopKeys = {
-   "kernelCoppConfig",
+   "fecOverrides",    "fecService",   "steps",           "trace",      "kernelCoppConfig",
    "interfacesReady",
 };
-
-std::vector< std::string_view > allTopKeys() {
-   std::vector< std::string_view > keys = topKeys;
-   keys.insert( keys.end(), addedTopKeys.begin(), addedTopKeys.end() );
-   return keys;
-}
 
 // Where each document of a text starts; nothing else is kept.
 class DocumentStarts : public YAML::EventHandler {
@@ -285,7 +275,7 @@ void checkDefaultPdpPolicy( YAML::Node const& doc, YamlReader const& yaml,
 
 Scenario scenarioOf( YAML::Node const& doc, YamlReader const& yaml,
                      std::filesystem::path const& dir ) {
-   yaml.checkMapping( doc, "scenario", allTopKeys() );
+   yaml.checkMapping( doc, "scenario", topKeys );
    Scenario scenario;
    scenario.file = yaml.file();
    if( auto const d = doc[ "description" ] ) scenario.description = yaml.text( d, "description" );

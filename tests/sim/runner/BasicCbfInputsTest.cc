@@ -13,6 +13,7 @@
 #include "sim/runner/SimSwitch.h"
 #include "sim/scenario/ScenarioError.h"
 #include "sim/scenario/ScenarioLoader.h"
+#include "support/ScenarioErrorOf.h"
 
 namespace NevQosTest {
 namespace {
@@ -37,15 +38,6 @@ std::size_t callsOf( Sim::SimSwitch const& sw, std::string const& op ) {
    return static_cast< std::size_t >(
          std::count_if( sw.calls().begin(), sw.calls().end(),
                         [ &op ]( Sim::ChipCall const& call ) { return call.op == op; } ) );
-}
-
-std::string errorOf( std::string const& text ) {
-   try {
-      Sim::loadScenarioText( text, "bad.yaml" );
-   } catch( Sim::ScenarioError const& e ) {
-      return e.what();
-   }
-   return "no error";
 }
 
 // ---- DLP

@@ -14,32 +14,26 @@
 namespace NevQosTest {
 namespace {
 
-// A class of an IPv4 list on Ethernet1 and Ethernet2; at 1 s Ethernet3 joins.
-std::string const webOnTwoPorts = R"(
+// A class of an IPv4 list on Ethernet1 and Ethernet2, doing `classAction`; at 1 s Ethernet3
+// joins.
+std::string goldOnTwoPorts( std::string const& classAction ) {
+   return R"(
 interfaces: [ Ethernet1, Ethernet2, Ethernet3 ]
 acls: [ { name: WEB, rules: [ { proto: tcp, dstPort: { eq: 80 } } ] } ]
 classMaps: [ { name: web, match: { ipv4: WEB } } ]
-policyMaps: [ { name: gold, classes: [ { class: web, set: { dscp: 10 } } ] } ]
+policyMaps: [ { name: gold, classes: [ { class: web, )" +
+          classAction + R"( } ] } ]
 servicePolicies: [ { policyMap: gold, interfaces: [ Ethernet1, Ethernet2 ] } ]
 steps:
   - at: 1
     changes:
       - attach: { policyMap: gold, interfaces: [ Ethernet3 ] }
 )";
+}
 
+std::string const webOnTwoPorts = goldOnTwoPorts( "set: { dscp: 10 }" );
 // The same with a policer of the class's own, one per interface.
-std::string const policedOnTwoPorts = R"(
-interfaces: [ Ethernet1, Ethernet2, Ethernet3 ]
-acls: [ { name: WEB, rules: [ { proto: tcp, dstPort: { eq: 80 } } ] } ]
-classMaps: [ { name: web, match: { ipv4: WEB } } ]
-policyMaps:
-  - { name: gold, classes: [ { class: web, police: { cir: 100, bc: 2000 } } ] }
-servicePolicies: [ { policyMap: gold, interfaces: [ Ethernet1, Ethernet2 ] } ]
-steps:
-  - at: 1
-    changes:
-      - attach: { policyMap: gold, interfaces: [ Ethernet3 ] }
-)";
+std::string const policedOnTwoPorts = goldOnTwoPorts( "police: { cir: 100, bc: 2000 }" );
 
 // A MAC list of IPv4, ARP and IPv6 rules.
 std::string const macClass = R"(

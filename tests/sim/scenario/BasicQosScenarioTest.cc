@@ -8,6 +8,7 @@
 #include "sim/scenario/ConfigPublisher.h"
 #include "sim/scenario/ScenarioError.h"
 #include "sim/scenario/ScenarioLoader.h"
+#include "support/ScenarioErrorOf.h"
 
 namespace {
 
@@ -124,14 +125,7 @@ TEST_F( BasicQosScenarioTest, AStepChangesOnlyWhatItGives ) {
    EXPECT_EQ( link->speed(), 100000u ) << "not given, kept";
 }
 
-std::string errorOf( std::string const& yaml ) {
-   try {
-      Sim::loadScenarioText( yaml, "bad.yaml" );
-   } catch( Sim::ScenarioError const& e ) {
-      return e.what();
-   }
-   return "no error";
-}
+using NevQosTest::errorOf;
 
 TEST( BasicQosScenarioErrorsTest, BadSettingsAreRefusedWhereTheyStand ) {
    EXPECT_EQ( errorOf( "globalMaps: { cosToTc: { 8: 1 } }\n" ),

@@ -5,17 +5,11 @@
 #include <string>
 
 #include "sim/scenario/ScenarioLoader.h"
+#include "support/ScenarioErrorOf.h"
 
 namespace {
 
-std::string errorOf( std::string const& text ) {
-   try {
-      Sim::loadScenarioText( text, "bad.yaml" );
-   } catch( Sim::ScenarioError const& e ) {
-      return e.what();
-   }
-   return "no error";
-}
+using NevQosTest::errorOf;
 
 struct Case {
    std::string yaml;
@@ -493,7 +487,7 @@ TEST( ScenarioErrorsTest, PdpModeAndKernelCoppInputs ) {
          "good.yaml" );
    EXPECT_TRUE( ok.chip.pdpMode );
    ASSERT_EQ( ok.chip.namedPolicers.size(), 1u );
-   EXPECT_EQ( ok.chip.namedPolicers[ 0 ].cir, 10u );
+   EXPECT_EQ( ok.chip.namedPolicers[ 0 ].rates.cir, 10u );
    EXPECT_TRUE( ok.kernelCoppConfig );
 }
 
