@@ -516,6 +516,19 @@ void SimQosAclHelper::verifyMplsTrafficClassRule( Nev::QosPolicyMapState const&,
                                                   Nev::QosClassData const& classData,
                                                   Qos::ClassMapMatchOption,
                                                   Nev::AclKey const& aclKey ) {
+   // A class map with no traffic class gets its list without a rule: there is nothing to hold.
+   auto const ranges = classData.mplsTrafficClassVal();
+   if( !ranges || !ranges->mplsTrafficClassColl().iter() ) {
+      auto const acl = tcam_.acls().find( aclIdOf( classData, aclKey ) );
+      if( acl == tcam_.acls().end() ) return;
+      for( TcamEntry const& e : acl->second.entries ) {
+         if( e.kind == "mpls" ) {
+            reportAclMismatch( classData, aclKey, "holds an mpls entry, but its class has none" );
+            return;
+         }
+      }
+      return;
+   }
    checkRuleEntry( classData, aclKey, mplsEntryOf( classData, 0 ) );
 }
 

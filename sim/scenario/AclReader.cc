@@ -84,7 +84,8 @@ bool parsePrefix( std::string const& text, int af, unsigned maxLen, Bytes& addr,
 }  // namespace
 
 AclDef AclReader::acl( YAML::Node const& node ) const {
-   yaml_.checkMapping( node, "access list", { "name", "type", "rules", "classbench" } );
+   yaml_.checkMapping( node, "access list",
+                       { "name", "type", "configured", "rules", "classbench" } );
    AclDef acl;
    acl.name = yaml_.text( yaml_.required( node, "name" ), "name" );
    if( auto const type = node[ "type" ] ) {
@@ -93,6 +94,13 @@ AclDef AclReader::acl( YAML::Node const& node ) const {
    auto const rules = node[ "rules" ];
    auto const classBench = node[ "classbench" ];
    if( rules && classBench ) yaml_.fail( classBench, "give rules or classbench, not both" );
+   if( auto const configured = node[ "configured" ] ) {
+      acl.configured = yaml_.flag( configured, "configured" );
+      if( !acl.configured && ( rules || classBench ) ) {
+         yaml_.fail( rules ? rules : classBench,
+                     "an access list that is not configured has no rules" );
+      }
+   }
    if( rules ) rulesOf( rules, acl );
    if( classBench ) classBenchOf( classBench, acl );
    return acl;

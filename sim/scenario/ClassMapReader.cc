@@ -74,6 +74,8 @@ MatchDef ClassMapReader::match( YAML::Node const& kind, YAML::Node const& value 
          dscpOf( value, match );
          break;
       case Qos::matchOptionMplsTrafficClass:
+         // An empty list is the engine's to handle: the class gets a list with no rule.
+         if( value.IsSequence() && value.size() == 0 ) break;
          match.trafficClasses = yaml_.spans( value, what, 0, trafficClassMost );
          break;
       case Qos::matchOptionBuiltIn:

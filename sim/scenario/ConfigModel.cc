@@ -167,7 +167,17 @@ void ConfigModel::put( AclDef const& acl ) {
    bool const ascending = sequencesAscend( acl.ipv4Rules ) && sequencesAscend( acl.ipv6Rules ) &&
                           sequencesAscend( acl.macRules );
    if( !ascending ) refuse( aclText( acl.family, acl.name ) + ": sequence numbers must ascend" );
-   acls_[ { acl.family, acl.name } ] = acl;
+   AclKey const key{ acl.family, acl.name };
+   auto const standing = acls_.find( key );
+   if( !acl.configured && standing != acls_.end() && standing->second.configured ) {
+      // Taking a used list away is a removal, which the configuration never makes of a used one.
+      auto const users = classMapsUsing( key );
+      if( !users.empty() ) {
+         refuse( aclText( acl.family, acl.name ) + " is still used by " +
+                 classMapText( users[ 0 ].first, users[ 0 ].second ) );
+      }
+   }
+   acls_[ key ] = acl;
 }
 
 void ConfigModel::put( AclRemoval const& removal ) {

@@ -143,8 +143,14 @@ void ConfigPublisher::publish( ConfigModel after ) {
 // Access lists, class maps, named policers and policy maps that are new or changed; each policy
 // map that changed gets a new version.
 void ConfigPublisher::definitionsIs( ConfigDiff const& diff ) {
-   for( auto const& key : diff.acls )
-      aclIs( *in_.aclConfig, model_.acls().at( key ) );
+   for( auto const& key : diff.acls ) {
+      AclDef const& acl = model_.acls().at( key );
+      if( acl.configured ) {
+         aclIs( *in_.aclConfig, acl );
+      } else {
+         aclDel( *in_.aclConfig, acl.family, acl.name );
+      }
+   }
    for( auto const& key : diff.classMaps )
       classMapIs( *in_.qosStatus, model_.classMaps().at( key ) );
    for( auto const& name : diff.namedPolicers ) {

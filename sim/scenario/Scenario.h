@@ -52,6 +52,8 @@ struct AclDef {
    std::vector< SequencedRule< Acl::IpRuleConfig > > ipv4Rules;
    std::vector< SequencedRule< Acl::Ip6RuleConfig > > ipv6Rules;
    std::vector< SequencedRule< Acl::MacRuleConfig > > macRules;
+   // False for a name that class maps may use before the list is configured: nothing is written.
+   bool configured = true;
    bool operator==( AclDef const& ) const = default;
 };
 

@@ -276,6 +276,10 @@ TEST( ScenarioErrorsTest, NamesGivenTwiceOrNamingNothing ) {
            "bad.yaml:1:14: class map qos c matches access list ipv4 NOPE, which does not exist" },
          { "acls: [ { name: A, type: ipv6 } ]\nclassMaps: [ { name: c, match: { ipv4: A } } ]\n",
            "bad.yaml:2:14: class map qos c matches access list ipv4 A, which does not exist" },
+         { "acls: [ { name: A, configured: false, rules: [ { proto: udp } ] } ]\n",
+           "bad.yaml:1:46: an access list that is not configured has no rules" },
+         { "acls: [ { name: A, configured: no } ]\n",
+           "bad.yaml:1:32: configured: expected true or false, found 'no'" },
          { "policyMaps: [ { name: p, classes: [ { class: c } ] } ]\n",
            "bad.yaml:1:15: policy map qos p uses class map qos c, which does not exist" },
          { "classMaps: [ { name: c, type: pdp } ]\npolicyMaps: [ { name: p, classes: [ { class: "
@@ -313,6 +317,8 @@ steps:
 )";
    expectErrors( {
          { ( base + "      - removeAcl: A\n" ),
+           "bad.yaml:11:9: access list ipv4 A is still used by class map qos c" },
+         { ( base + "      - acl: { name: A, configured: false }\n" ),
            "bad.yaml:11:9: access list ipv4 A is still used by class map qos c" },
          { ( base + "      - removeClassMap: c\n" ),
            "bad.yaml:11:9: class map qos c is still used by policy map qos p" },
