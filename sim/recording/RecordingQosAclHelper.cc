@@ -1036,14 +1036,14 @@ void RecordingQosAclHelper::verifyCounter( Nev::QosClassData const& classData ) 
 }
 
 void RecordingQosAclHelper::handleRoutedPortSubIntfAclSharing() {
-   if( taking( "handleRoutedPortSubIntfAclSharing" ) && detailRecorded_ )
+   if( taking( "handleRoutedPortSubIntfAclSharing" ) )
       record( "handleRoutedPortSubIntfAclSharing", {} );
    if( acted( "handleRoutedPortSubIntfAclSharing" ) ) return;
    inner_->handleRoutedPortSubIntfAclSharing();
 }
 
 void RecordingQosAclHelper::handleSubIntfForwardingModel( Mirel::IntfId const& intfId ) {
-   if( taking( "handleSubIntfForwardingModel" ) && detailRecorded_ ) {
+   if( taking( "handleSubIntfForwardingModel" ) ) {
       record( "handleSubIntfForwardingModel", { { "intfId", intfName( intfId ) } } );
    }
    if( acted( "handleSubIntfForwardingModel" ) ) return;
@@ -1051,7 +1051,7 @@ void RecordingQosAclHelper::handleSubIntfForwardingModel( Mirel::IntfId const& i
 }
 
 void RecordingQosAclHelper::handleSubIntfDeletion( Mirel::IntfId const& intfId ) {
-   if( taking( "handleSubIntfDeletion" ) && detailRecorded_ ) {
+   if( taking( "handleSubIntfDeletion" ) ) {
       record( "handleSubIntfDeletion", { { "intfId", intfName( intfId ) } } );
    }
    if( acted( "handleSubIntfDeletion" ) ) return;

@@ -4,13 +4,13 @@
 // the scenario runner reports the calls from, and the chip the engine's unit tests drive: over the
 // reference chip, with a scripted answer where a test needs a refusal or a particular answer.
 //
-// What is recorded. The operations that program, verify or ask about one object of the chip:
-// the same calls the runner's report has always shown, with the same argument texts. Questions
-// of capability, show output, single-subrule verification queries, the per-rule MAC question, the
-// sub-interface notices and the names of queues and ports are forwarded unrecorded (they are
-// counted in the counting mode; all but capabilities and show output are recorded on request,
-// detailRecordedIs). See CallRecorder.h for the record's text, the counting mode and the scripted
-// answers.
+// What is recorded. The operations that program, verify or ask about one object of the chip,
+// and the subinterface notices: the same calls the runner's report has always shown, with the
+// same argument texts. Questions of capability, show output, single-subrule verification
+// queries, the per-rule MAC question and the names of queues and ports are forwarded unrecorded
+// (they are counted in the counting mode; all but capabilities and show output are recorded on
+// request, detailRecordedIs). See CallRecorder.h for the record's text, the counting mode and the
+// scripted answers.
 //
 // Base-class state. The decorator is the helper the engine holds, so the state the engine keeps
 // in its helper (policy map states, unableToProgram, unit errors, the asynchronous result it

@@ -55,7 +55,7 @@ SimSwitch::SimSwitch( Scenario const& scenario, SwitchOptions const& options )
    publisher_ = std::make_unique< ConfigPublisher >(
          EngineInputs{ qosStatus_, aclConfig_, aclHwStatus_, hwStatus_, counterConfigDir_, ncsd_,
                        cliCounterConfig_, ethPhyIntfStatusDir_, kernelCoppStatus_,
-                       fecOverrideConfig_, fecService_ },
+                       fecOverrideConfig_, fecService_, subIntfStatusDir_ },
          scenario.file );
    publisher_->chipIs( scenario.chip );
    publisher_->initialIs( scenario.initial );

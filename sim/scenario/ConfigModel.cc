@@ -469,6 +469,14 @@ void ConfigModel::put( FecServiceRemoval const& removal ) {
    }
 }
 
+// ---- Subinterfaces
+
+void ConfigModel::put( SubIntfRemoval const& removal ) {
+   if( !subInterfaces_.erase( removal.intf ) ) {
+      refuse( "no subinterface " + intfName( removal.intf ) + " to remove" );
+   }
+}
+
 // ---- The second datapath
 
 void ConfigModel::put( Dp1Policy const& dp1 ) {

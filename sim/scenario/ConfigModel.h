@@ -71,6 +71,12 @@ class ConfigModel {
    bool hwInitialized() const { return hwInitialized_; }
    // Whether the interface list is complete.
    bool interfacesReady() const { return interfacesReady_; }
+   // The subinterfaces the interface agent publishes, and whether a routed port's
+   // subinterfaces share its QoS ACLs.
+   std::map< Mirel::IntfId, Interface::ForwardingModel > const& subInterfaces() const {
+      return subInterfaces_;
+   }
+   bool subIntfAclSharing() const { return subIntfAclSharing_; }
 
    // Class-based forwarding: the overrides wanted, and the FEC service's answers.
    std::map< Qos::Glarn::OverrideKey, FecOverrideDef > const& fecOverrides() const {
@@ -139,6 +145,9 @@ class ConfigModel {
    void put( Dp1Policy const& dp1 );
    void put( FecTableDamage const& damage );
    void put( InterfacesReadiness const& readiness ) { interfacesReady_ = readiness.ready; }
+   void put( SubIntfDef const& def ) { subInterfaces_[ def.intf ] = def.forwardingModel; }
+   void put( SubIntfRemoval const& removal );
+   void put( SubIntfAclSharing const& sharing ) { subIntfAclSharing_ = sharing.shared; }
    // The driver's inputs change no configuration.
    void put( CliWaiting const& ) {}
    void put( PolicyMapsReprogramRequest const& ) {}
@@ -165,6 +174,8 @@ class ConfigModel {
    std::map< Nev::ModIdPortQueueKey, Nev::KernelCoppQueueState > kernelCopp_;
    bool hwInitialized_ = true;
    bool interfacesReady_ = true;
+   std::map< Mirel::IntfId, Interface::ForwardingModel > subInterfaces_;
+   bool subIntfAclSharing_ = false;
    std::map< Qos::Glarn::OverrideKey, FecOverrideDef > fecOverrides_;
    std::map< Glarn::Fib::FecId, FecServiceDef > fecService_;
    std::set< Qos::ServicePolicyKey > servicePolicyDP1_;

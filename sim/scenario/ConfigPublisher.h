@@ -27,6 +27,7 @@
 #include "entities/FecOverride.h"
 #include "entities/HwStatus.h"
 #include "entities/QosStatus.h"
+#include "entities/SubIntfStatus.h"
 #include "nev/FecIdToHwFecId.h"
 #include "nev/KernelCoPPStatus.h"
 #include "nev/NevCommonSmData.h"
@@ -57,6 +58,8 @@ struct EngineInputs {
    // configuration and the service's answers. Writer views; either may be null.
    Zub::Ptr< Qos::Glarn::FecOverrideConfig > fecOverrideConfig = {};
    Zub::Ptr< Nev::FecIdToHwFecIdResponse > fecService = {};
+   // The subinterfaces as the interface agent publishes them; may be null.
+   Zub::Ptr< Interface::SubIntfStatusDir > subIntfStatusDir = {};
 };
 
 class ConfigPublisher {
@@ -97,6 +100,7 @@ class ConfigPublisher {
    void controlPlaneIs( ConfigModel const& before );
    // The FEC overrides and the FEC service's answers, made to match the model.
    void cbfIs( ConfigModel const& before );
+   void subInterfacesIs( ConfigModel const& before );
    void requestsIs( std::vector< Change > const& changes, Zub::Seconds time );
 
    EngineInputs in_;

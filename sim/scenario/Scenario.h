@@ -17,6 +17,7 @@
 #include "entities/ClassMapStatus.h"
 #include "entities/FecOverride.h"
 #include "entities/QosTypes.h"
+#include "entities/SubIntfStatus.h"
 #include "mirel/IntfId.h"
 #include "nev/KernelCoPPStatus.h"
 #include "nev/ModIdPortQueueKey.h"
@@ -246,6 +247,19 @@ struct HwInitialization {
 struct InterfacesReadiness {
    bool ready = true;
 };
+// A subinterface as the interface agent publishes it: how it forwards. A removal takes it away.
+struct SubIntfDef {
+   Mirel::IntfId intf;
+   Interface::ForwardingModel forwardingModel = Interface::forwardingModelUnknown;
+   bool operator==( SubIntfDef const& ) const = default;
+};
+struct SubIntfRemoval {
+   Mirel::IntfId intf;
+};
+// Whether a routed port's subinterfaces share its QoS ACLs (routedPortSubIntfQosAclSharing).
+struct SubIntfAclSharing {
+   bool shared = false;
+};
 // Inputs a chip's driver writes on the ACL helper: the operator's command line waits for the
 // hardware to catch up (cliWaiting), and a request to program every policy map anew
 // (reprogramAllPMapsRequestTime, stamped with the step's time).
@@ -294,15 +308,17 @@ struct FecTableDamage {
 };
 
 // A definition adds what it names or replaces it; a removal removes it.
-using ChangeValue = std::variant<
-      AclDef, AclRemoval, ClassMapDef, ClassMapRemoval, NamedPolicerDef, NamedPolicerRemoval,
-      PolicyMapDef, PolicyMapRemoval, ServicePolicyDef, ServicePolicyRemoval, Attachment,
-      InterfacePresence, CounterRequest, TrafficInjection, ClearRequest, FaultSwitch, GlobalMapsDef,
-      DscpRewriteMapDef, DscpRewriteMapRemoval, CosToTcProfileDef, CosToTcProfileRemoval,
-      IntfQosDef, IntfQosRemoval, EcnCountersDef, EcnCountersRemoval, LinkDef, KernelCoppReport,
-      HwInitialization, FecOverrideDef, FecOverrideRemoval, FecServiceDef, FecServiceRemoval,
-      TcamCorruption, AgentRestart, Dp1Policy, FecTableDamage, CounterClientRemoval,
-      IntfUpdateCallback, InterfacesReadiness, CliWaiting, PolicyMapsReprogramRequest >;
+using ChangeValue =
+      std::variant< AclDef, AclRemoval, ClassMapDef, ClassMapRemoval, NamedPolicerDef,
+                    NamedPolicerRemoval, PolicyMapDef, PolicyMapRemoval, ServicePolicyDef,
+                    ServicePolicyRemoval, Attachment, InterfacePresence, CounterRequest,
+                    TrafficInjection, ClearRequest, FaultSwitch, GlobalMapsDef, DscpRewriteMapDef,
+                    DscpRewriteMapRemoval, CosToTcProfileDef, CosToTcProfileRemoval, IntfQosDef,
+                    IntfQosRemoval, EcnCountersDef, EcnCountersRemoval, LinkDef, KernelCoppReport,
+                    HwInitialization, FecOverrideDef, FecOverrideRemoval, FecServiceDef,
+                    FecServiceRemoval, TcamCorruption, AgentRestart, Dp1Policy, FecTableDamage,
+                    CounterClientRemoval, IntfUpdateCallback, InterfacesReadiness, CliWaiting,
+                    PolicyMapsReprogramRequest, SubIntfDef, SubIntfRemoval, SubIntfAclSharing >;
 
 struct Change {
    Where where;

@@ -20,11 +20,29 @@ namespace Sim {
 namespace {
 
 std::vector< std::string_view > const topKeys = {
-   "description",     "chip",         "interfaces",      "acls",       "classMaps",
-   "namedPolicers",   "policyMaps",   "servicePolicies", "globalMaps", "dscpRewriteMaps",
-   "cosToTcProfiles", "interfaceQos", "ecnCounters",     "links",      "kernelCopp",
-   "fecOverrides",    "fecService",   "steps",           "trace",      "kernelCoppConfig",
+   "description",
+   "chip",
+   "interfaces",
+   "acls",
+   "classMaps",
+   "namedPolicers",
+   "policyMaps",
+   "servicePolicies",
+   "globalMaps",
+   "dscpRewriteMaps",
+   "cosToTcProfiles",
+   "interfaceQos",
+   "ecnCounters",
+   "links",
+   "kernelCopp",
+   "fecOverrides",
+   "fecService",
+   "steps",
+   "trace",
+   "kernelCoppConfig",
    "interfacesReady",
+   "subInterfaces",
+   "routedPortSubIntfQosAclSharing",
 };
 
 // Where each document of a text starts; nothing else is kept.
@@ -177,6 +195,14 @@ void readInitial( YAML::Node const& doc, YamlReader const& yaml, StepReader cons
    if( auto const ready = doc[ "interfacesReady" ] ) {
       out.push_back( { YamlReader::whereOf( ready ),
                        InterfacesReadiness{ yaml.flag( ready, "interfacesReady" ) } } );
+   }
+   initialList(
+         doc, "subInterfaces", yaml, [ & ]( auto const& n ) { return reader.subInterface( n ); },
+         []( SubIntfDef const& s ) { return intfName( s.intf ); }, out );
+   if( auto const sharing = doc[ "routedPortSubIntfQosAclSharing" ] ) {
+      out.push_back(
+            { YamlReader::whereOf( sharing ),
+              SubIntfAclSharing{ yaml.flag( sharing, "routedPortSubIntfQosAclSharing" ) } } );
    }
    initialList(
          doc, "acls", yaml, [ & ]( auto const& n ) { return reader.acls().acl( n ); },

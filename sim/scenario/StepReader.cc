@@ -53,6 +53,15 @@ std::vector< std::string_view > const changeKinds = {
    "interfacesReady",
    "cliWaiting",
    "reprogramAllPolicyMaps",
+   "subInterface",
+   "removeSubInterface",
+   "routedPortSubIntfQosAclSharing",
+};
+
+constexpr std::pair< std::string_view, Interface::ForwardingModel > forwardingModels[] = {
+   { "routed", Interface::forwardingModelRouted },
+   { "bridged", Interface::forwardingModelBridged },
+   { "unknown", Interface::forwardingModelUnknown },
 };
 
 constexpr std::pair< std::string_view, Mirel::AddressFamily > overrideFamilies[] = {
@@ -134,6 +143,13 @@ ChangeValue StepReader::value( std::string const& kind, YAML::Node const& node )
    if( kind == "hwInitialized" ) return HwInitialization{ yaml_.flag( node, kind ) };
    if( kind == "interfacesReady" ) return InterfacesReadiness{ yaml_.flag( node, kind ) };
    if( kind == "cliWaiting" ) return CliWaiting{ yaml_.flag( node, kind ) };
+   if( kind == "subInterface" ) return subInterface( node );
+   if( kind == "removeSubInterface" ) {
+      return SubIntfRemoval{ subIntfIdOf( node, kind ) };
+   }
+   if( kind == "routedPortSubIntfQosAclSharing" ) {
+      return SubIntfAclSharing{ yaml_.flag( node, kind ) };
+   }
    if( kind == "reprogramAllPolicyMaps" ) {
       if( !yaml_.flag( node, kind ) ) {
          yaml_.fail( node, "reprogramAllPolicyMaps: write true, or leave it out" );
@@ -219,6 +235,25 @@ Attachment StepReader::attachment( YAML::Node const& node, bool attach ) const {
    a.interfaces = servicePolicies_.intfPairs( yaml_.required( node, "interfaces" ), "interfaces" );
    a.attach = attach;
    return a;
+}
+
+SubIntfDef StepReader::subInterface( YAML::Node const& node ) const {
+   yaml_.checkMapping( node, "subinterface", { "interface", "forwardingModel" } );
+   SubIntfDef def;
+   def.intf = subIntfIdOf( yaml_.required( node, "interface" ), "interface" );
+   def.forwardingModel =
+         yaml_.choice( yaml_.required( node, "forwardingModel" ), "forwardingModel",
+                       NameTable< Interface::ForwardingModel >( forwardingModels ) );
+   return def;
+}
+
+Mirel::IntfId StepReader::subIntfIdOf( YAML::Node const& node, std::string const& what ) const {
+   Mirel::IntfId const intf = servicePolicies_.intfIdOf( node, what );
+   if( !intf.isSubIntf() ) {
+      yaml_.fail( node, what + ": '" + yaml_.text( node, what ) +
+                              "' is not a subinterface, as in Ethernet1.100" );
+   }
+   return intf;
 }
 
 IntfUpdateCallback StepReader::intfUpdateCallback( YAML::Node const& node ) const {

@@ -33,6 +33,7 @@ class StepReader {
    BasicQosReader const& basicQos() const { return basicQos_; }
    // { modId, port, queue, state }; modId 0 when left out.
    KernelCoppReport kernelCoppReport( YAML::Node const& node ) const;
+   SubIntfDef subInterface( YAML::Node const& node ) const;
    // Class-based forwarding: { af, dscp, fec, overridingFec } and { fec, hwFecId }.
    FecOverrideDef fecOverride( YAML::Node const& node ) const;
    FecServiceDef fecService( YAML::Node const& node ) const;
@@ -48,6 +49,7 @@ class StepReader {
    Attachment attachment( YAML::Node const& node, bool attach ) const;
    TrafficInjection traffic( YAML::Node const& node ) const;
    IntfUpdateCallback intfUpdateCallback( YAML::Node const& node ) const;
+   Mirel::IntfId subIntfIdOf( YAML::Node const& node, std::string const& what ) const;
    // Optional key `key` of a traffic mapping: a whole number not above `total`.
    std::uint64_t partOf( YAML::Node const& node, char const* key, std::uint64_t total,
                          char const* totalKey ) const;

@@ -198,6 +198,18 @@ RandomChip::RandomChip( std::mt19937_64& random, Sim::TcamMode mode ) : mode_( m
          std::to_string( 1 + pick( 60 ) ) +
          ", from: 0.5 }, { name: async-twice, kind: asyncRepeated, nth: " +
          std::to_string( 1 + pick( 60 ) ) + ", from: 0.5 } ]";
+
+   // The helper's own answers, drawn last so that the draws above stay as they were; a list
+   // left at none is left out.
+   char const* const etherTypes[] = { "[ 0x800 ]", "[ 0x806 ]", "[ 0x86dd ]" };
+   if( chance( 25 ) ) set( "unsupportedMacEtherTypes", etherTypes[ pick( 3 ) ] );
+   char const* const managedTypes[] = { "[ qos ]", "[ qos, pdp, control-plane ]" };
+   if( chance( 25 ) ) set( "managedPrioritySupported", managedTypes[ pick( 2 ) ] );
+   for( char const* key :
+        { "doVersionUpdate", "delaySviPmapSmCreation", "selfReportedPrgmStatus" } )
+      set( key, chance( 25 ) ? "true" : "false" );
+   char const* const groups[] = { "{ Ethernet2: g1 }", "{ Ethernet1: g1, Ethernet3: g2 }" };
+   if( chance( 20 ) ) set( "aclGroups", groups[ pick( 2 ) ] );
 }
 
 std::string RandomChip::text( bool withFaults ) const {

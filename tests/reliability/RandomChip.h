@@ -1,7 +1,8 @@
 // A chip drawn from a seed: every capability flag and every limit of the reference chip's
 // section, with the boundaries (0, 1, 2, a least limit equal to its most) drawn often, the
-// asynchronous delay and time-out, and the faults the random sequences switch on and off. One
-// chip in three is roomy (every pool of the TCAM side large), so that the sequences can hold it
+// asynchronous delay and time-out, the helper's own answers (refused MAC rules, ACL groups,
+// managed priority, self-reported status), and the faults the random sequences switch on and off.
+// One chip in three is roomy (every pool of the TCAM side large), so that the sequences can hold it
 // to what a switch started afresh programs.
 #pragma once
 

@@ -86,7 +86,8 @@ std::map< std::string, ClassMapChoice > const classMaps{
    { "c7",
      { "qos",
        { "vlanCos: { vlan: 200, cos: 3 }", "vlanCos: { vlan: [ 200-203 ], cos: [ 1, 2 ] }" } } },
-   { "c8", { "qos", { "mplsTrafficClass: 3", "mplsTrafficClass: [ 1-2, 5 ]" } } },
+   { "c8",
+     { "qos", { "mplsTrafficClass: 3", "mplsTrafficClass: [ 1-2, 5 ]", "mplsTrafficClass: []" } } },
    { "c9", { "qos", { "mac: M1" } } },
    { "d1", { "pdp", { "ipv4: A1", "ipv4: A2" } } },
    { "d2", { "pdp", { "ipv6: B1", "dscp: 12" } } },
@@ -245,6 +246,8 @@ RandomConfig::RandomConfig( std::uint64_t seed, Sim::TcamMode mode )
    for( unsigned fec : { 10u, 11u, 20u } ) {
       if( chance( 70 ) ) fecService_[ fec ] = 5000 + fec;
    }
+   // Drawn last so that the draws above stay as they were.
+   if( chance( 15 ) ) unconfiguredAcls_.insert( chance( 50 ) ? "A3" : "B1" );
 }
 
 std::size_t RandomConfig::pick( std::size_t n ) {
@@ -290,12 +293,14 @@ std::string RandomConfig::drawActions( std::string const& pmap ) {
 
 std::string RandomConfig::aclText( std::string const& name ) const {
    std::string const family = familyOf( name );
+   std::string const type = family == "ipv4" ? "" : ", type: " + family;
+   if( unconfiguredAcls_.contains( name ) )
+      return "{ name: " + name + type + ", configured: false }";
    auto const& pool = rulePool( family );
    std::vector< std::string > rules;
    for( unsigned i : aclRules_.at( name ) )
       rules.push_back( "{ seq: " + std::to_string( 10 * ( i + 1 ) ) + ", " + pool[ i ] + " }" );
-   return "{ name: " + name + ( family == "ipv4" ? "" : ", type: " + family ) +
-          ", rules: " + joined( rules ) + " }";
+   return "{ name: " + name + type + ", rules: " + joined( rules ) + " }";
 }
 
 std::string RandomConfig::classMapText( std::string const& name ) const {
@@ -425,6 +430,7 @@ std::string RandomConfig::changeAclRules( std::string& summary ) {
       if( !rules.contains( rule ) && ruleAllowed( family, rule ) ) rules.insert( rule );
       summary = "rule " + std::to_string( rule ) + " joins " + it->first;
    }
+   unconfiguredAcls_.erase( it->first );
    return "acl: " + aclText( it->first );
 }
 

@@ -85,6 +85,8 @@ class RandomConfig {
    RandomChip chip_;
    // Access list name to the indexes of the rules it holds, from its family's rule pool.
    std::map< std::string, std::set< unsigned > > aclRules_;
+   // Access lists that class maps name before they are configured; a change of rules configures.
+   std::set< std::string > unconfiguredAcls_;
    // Class map name to its match, as text.
    std::map< std::string, std::string > classMatch_;
    std::map< std::string, PolicyMap > policyMaps_;

@@ -58,6 +58,18 @@ std::map< std::string, ServicePolicyView > servicePolicies( Sim::SimSwitch const
    return out;
 }
 
+// The ACL groups a service policy's interfaces fall in. The groups share the map's one status,
+// so a failure of one leaves the others' ACLs installed under a failed status.
+std::size_t groupsOf( Sim::SimSwitch const& sw, ServicePolicyView const& sp ) {
+   auto const& groups = sw.chip().config().aclGroups;
+   std::set< std::string > out;
+   for( std::string const& intf : sp.interfaces ) {
+      auto const group = groups.find( intf );
+      out.insert( group == groups.end() ? "" : group->second );
+   }
+   return out.size();
+}
+
 }  // namespace
 
 std::string pmapText( Qos::MapType type, Qos::Direction direction, std::string const& name ) {
@@ -65,7 +77,14 @@ std::string pmapText( Qos::MapType type, Qos::Direction direction, std::string c
 }
 
 std::string pmapOfAcl( std::string const& aclId ) {
-   return aclId.substr( 0, aclId.find( ')' ) + 1 );
+   std::string pmap = aclId.substr( 0, aclId.find( ')' ) + 1 );
+   // A map of an ACL group other than the default carries the group third; its status and its
+   // service policy are the map's.
+   std::size_t const first = pmap.find( ',' );
+   std::size_t const group = pmap.find( ',', first + 1 );
+   if( first != std::string::npos && group != std::string::npos )
+      pmap.erase( group, pmap.size() - 1 - group );
+   return pmap;
 }
 
 std::vector< std::string > tcamMismatches( Sim::SimSwitch const& sw ) {
@@ -90,7 +109,7 @@ std::vector< std::string > tcamMismatches( Sim::SimSwitch const& sw ) {
          }
          continue;
       }
-      if( status->second.status == Qos::hwPrgmStatusFail_ ) {
+      if( status->second.status == Qos::hwPrgmStatusFail_ && groupsOf( sw, sp->second ) == 1 ) {
          out.push_back( "ACL " + id + " is installed for a failed policy map (" +
                         status->second.message + ")" );
       }

@@ -14,7 +14,7 @@ namespace NevQosTest {
 // "name(type,direction)", as the chip writes a policy map in the ids of its ACLs.
 std::string pmapText( Qos::MapType type, Qos::Direction direction, std::string const& name );
 
-// The policy map part of a chip ACL id, "name(type,direction)".
+// The policy map part of a chip ACL id, "name(type,direction)", without an ACL group.
 std::string pmapOfAcl( std::string const& aclId );
 
 // One line per disagreement between the chip's TCAM and the policy maps' status:

@@ -28,7 +28,7 @@ std::string const topKeys =
       "description, chip, interfaces, acls, classMaps, namedPolicers, policyMaps, "
       "servicePolicies, globalMaps, dscpRewriteMaps, cosToTcProfiles, interfaceQos, ecnCounters, "
       "links, kernelCopp, fecOverrides, fecService, steps, trace, kernelCoppConfig, "
-      "interfacesReady";
+      "interfacesReady, subInterfaces, routedPortSubIntfQosAclSharing";
 
 TEST( ScenarioErrorsTest, TextThatIsNotOneYamlMapping ) {
    expectErrors( {
@@ -91,7 +91,9 @@ TEST( ScenarioErrorsTest, UnknownAndRepeatedKeys ) {
            "removeInterfaceQos, ecnCounters, removeEcnCounters, link, kernelCopp, hwInitialized, "
            "fecOverride, removeFecOverride, fecService, removeFecService, corruptTcam, restart, "
            "removeCounterClient, intfUpdateCallback, servicePolicyDP1, corruptFecOverride, "
-           "corruptFecService, interfacesReady, cliWaiting, reprogramAllPolicyMaps)" },
+           "corruptFecService, interfacesReady, cliWaiting, reprogramAllPolicyMaps, subInterface, "
+           "removeSubInterface, "
+           "routedPortSubIntfQosAclSharing)" },
          { "steps: [ { at: 1, changes: [ { clearErrors: true, requestCounters: a } ] } ]\n",
            "bad.yaml:1:30: change: one kind of change per list item" },
    } );
@@ -352,6 +354,15 @@ steps:
            "damage" },
          { ( base + "      - removeFecService: 3\n" ),
            "bad.yaml:11:9: the FEC service has no answer for FEC 3 to take back" },
+         { ( base + "      - removeSubInterface: Ethernet1.5\n" ),
+           "bad.yaml:11:9: no subinterface Ethernet1.5 to remove" },
+         { ( base + "      - removeSubInterface: Ethernet1\n" ),
+           "bad.yaml:11:29: removeSubInterface: 'Ethernet1' is not a subinterface, as in "
+           "Ethernet1.100" },
+         { ( base + "      - subInterface: { interface: Ethernet1.5, forwardingModel: vxlan }\n" ),
+           "bad.yaml:11:66: forwardingModel: 'vxlan' is not one of routed, bridged, unknown" },
+         { ( base + "      - subInterface: { interface: Ethernet1.5 }\n" ),
+           "bad.yaml:11:23: missing key 'forwardingModel'" },
          { ( base + "      - corruptTcam: { acl: B }\n" ),
            "bad.yaml:11:9: corruptTcam: there is no access list B" },
          { ( base + "      - restart: false\n" ),
