@@ -55,7 +55,7 @@ SimSwitch::SimSwitch( Scenario const& scenario, SwitchOptions const& options )
    publisher_ = std::make_unique< ConfigPublisher >(
          EngineInputs{ qosStatus_, aclConfig_, aclHwStatus_, hwStatus_, counterConfigDir_, ncsd_,
                        cliCounterConfig_, ethPhyIntfStatusDir_, kernelCoppStatus_,
-                       fecOverrideConfig_, fecService_, subIntfStatusDir_ },
+                       fecOverrideConfig_, fecService_, subIntfStatusDir_, nexthopGroupStatus_ },
          scenario.file );
    publisher_->chipIs( scenario.chip );
    publisher_->initialIs( scenario.initial );
@@ -100,6 +100,7 @@ void SimSwitch::entitiesIs( ChipConfig const& chip ) {
    aclHwStatus_ = Zub::make< Qos::AclHwStatus >( Zub::Name( "aclHw" ) );
    aclSliceHwStatus_ = Zub::make< Qos::AclSliceHwStatus >( Zub::Name( "aclSlice" ) );
    subIntfStatusDir_ = Zub::make< Interface::SubIntfStatusDir >( Zub::Name( "subIntf" ) );
+   nexthopGroupStatus_ = Zub::make< Nev::NexthopGroupStatus >( Zub::Name( "nexthopGroup" ) );
    pdpHwCfg_ = Zub::make< Qos::Input::Config >( Zub::Name( "pdp" ) );
    hwEpochStatus_ = Zub::make< HwEpoch::Status >( Zub::Name( "epoch" ) );
    hwEpochStatus_->pdpModeEnabledIs( chip.pdpMode );
@@ -162,7 +163,7 @@ void SimSwitch::engineIs() {
                               sliceHwStatusDir_, aclHwStatus_, aclSliceHwStatus_, subIntfStatusDir_,
                               pdpHwCfg_, hwEpochStatus_, aclConfig_,
                               Zub::Ptr< NevHelper::QosAclHelper >( aclRecorder_ ), clock_,
-                              kernelCoppStatus_, kernelCoppConfig_, nullptr );
+                              kernelCoppStatus_, kernelCoppConfig_, nexthopGroupStatus_ );
    // The agent's part of the asynchronous road: how long an operation may stay pending, and
    // marking pending the operation the chip says it left so.
    engine_->pendingOperationTimeoutIs( chip_->config().asyncTimeout );

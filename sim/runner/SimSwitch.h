@@ -192,6 +192,7 @@ class SimSwitch {
    Zub::Ptr< Qos::AclHwStatus > aclHwStatus_;
    Zub::Ptr< Qos::AclSliceHwStatus > aclSliceHwStatus_;
    Zub::Ptr< Interface::SubIntfStatusDir > subIntfStatusDir_;
+   Zub::Ptr< Nev::NexthopGroupStatus > nexthopGroupStatus_;
    Zub::Ptr< Qos::Input::Config > pdpHwCfg_;
    Zub::Ptr< HwEpoch::Status > hwEpochStatus_;
    // Service policies merged from pdpHwCfg_, which the merge may take away again.

@@ -469,11 +469,17 @@ void ConfigModel::put( FecServiceRemoval const& removal ) {
    }
 }
 
-// ---- Subinterfaces
+// ---- Subinterfaces and next-hop groups
 
 void ConfigModel::put( SubIntfRemoval const& removal ) {
    if( !subInterfaces_.erase( removal.intf ) ) {
       refuse( "no subinterface " + intfName( removal.intf ) + " to remove" );
+   }
+}
+
+void ConfigModel::put( NexthopGroupRemoval const& removal ) {
+   if( !nexthopGroups_.erase( removal.name ) ) {
+      refuse( "no next-hop group " + removal.name + " to remove" );
    }
 }
 

@@ -77,6 +77,8 @@ class ConfigModel {
       return subInterfaces_;
    }
    bool subIntfAclSharing() const { return subIntfAclSharing_; }
+   // The next-hop groups' hardware indexes, by group name.
+   std::map< std::string, std::uint32_t > const& nexthopGroups() const { return nexthopGroups_; }
 
    // Class-based forwarding: the overrides wanted, and the FEC service's answers.
    std::map< Qos::Glarn::OverrideKey, FecOverrideDef > const& fecOverrides() const {
@@ -148,6 +150,8 @@ class ConfigModel {
    void put( SubIntfDef const& def ) { subInterfaces_[ def.intf ] = def.forwardingModel; }
    void put( SubIntfRemoval const& removal );
    void put( SubIntfAclSharing const& sharing ) { subIntfAclSharing_ = sharing.shared; }
+   void put( NexthopGroupDef const& def ) { nexthopGroups_[ def.name ] = def.index; }
+   void put( NexthopGroupRemoval const& removal );
    // The driver's inputs change no configuration.
    void put( CliWaiting const& ) {}
    void put( PolicyMapsReprogramRequest const& ) {}
@@ -176,6 +180,7 @@ class ConfigModel {
    bool interfacesReady_ = true;
    std::map< Mirel::IntfId, Interface::ForwardingModel > subInterfaces_;
    bool subIntfAclSharing_ = false;
+   std::map< std::string, std::uint32_t > nexthopGroups_;
    std::map< Qos::Glarn::OverrideKey, FecOverrideDef > fecOverrides_;
    std::map< Glarn::Fib::FecId, FecServiceDef > fecService_;
    std::set< Qos::ServicePolicyKey > servicePolicyDP1_;

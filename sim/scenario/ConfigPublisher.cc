@@ -139,6 +139,17 @@ void ConfigPublisher::publish( ConfigModel after ) {
    controlPlaneIs( before );
    cbfIs( before );
    subInterfacesIs( before );
+   nexthopGroupsIs( before );
+}
+
+void ConfigPublisher::nexthopGroupsIs( ConfigModel const& before ) {
+   auto const status = in_.nexthopGroupStatus;
+   if( !status ) return;
+   for( auto const& [ name, index ] : before.nexthopGroups() ) {
+      if( !model_.nexthopGroups().contains( name ) ) status->nexthopIndexDel( Zub::Name( name ) );
+   }
+   for( auto const& [ name, index ] : model_.nexthopGroups() )
+      status->nexthopIndexIs( Zub::Name( name ), index );
 }
 
 void ConfigPublisher::subInterfacesIs( ConfigModel const& before ) {

@@ -31,6 +31,7 @@
 #include "nev/FecIdToHwFecId.h"
 #include "nev/KernelCoPPStatus.h"
 #include "nev/NevCommonSmData.h"
+#include "nev/NexthopGroupStatus.h"
 #include "sim/scenario/ConfigModel.h"
 #include "zub/Entity.h"
 
@@ -60,6 +61,8 @@ struct EngineInputs {
    Zub::Ptr< Nev::FecIdToHwFecIdResponse > fecService = {};
    // The subinterfaces as the interface agent publishes them; may be null.
    Zub::Ptr< Interface::SubIntfStatusDir > subIntfStatusDir = {};
+   // The next-hop groups as the routing agent publishes them; may be null.
+   Zub::Ptr< Nev::NexthopGroupStatus > nexthopGroupStatus = {};
 };
 
 class ConfigPublisher {
@@ -101,6 +104,7 @@ class ConfigPublisher {
    // The FEC overrides and the FEC service's answers, made to match the model.
    void cbfIs( ConfigModel const& before );
    void subInterfacesIs( ConfigModel const& before );
+   void nexthopGroupsIs( ConfigModel const& before );
    void requestsIs( std::vector< Change > const& changes, Zub::Seconds time );
 
    EngineInputs in_;

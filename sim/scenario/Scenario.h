@@ -256,6 +256,15 @@ struct SubIntfDef {
 struct SubIntfRemoval {
    Mirel::IntfId intf;
 };
+// A next-hop group's hardware index, as the routing agent publishes it; a removal takes it away.
+struct NexthopGroupDef {
+   std::string name;
+   std::uint32_t index = 0;
+   bool operator==( NexthopGroupDef const& ) const = default;
+};
+struct NexthopGroupRemoval {
+   std::string name;
+};
 // Whether a routed port's subinterfaces share its QoS ACLs (routedPortSubIntfQosAclSharing).
 struct SubIntfAclSharing {
    bool shared = false;
@@ -308,17 +317,16 @@ struct FecTableDamage {
 };
 
 // A definition adds what it names or replaces it; a removal removes it.
-using ChangeValue =
-      std::variant< AclDef, AclRemoval, ClassMapDef, ClassMapRemoval, NamedPolicerDef,
-                    NamedPolicerRemoval, PolicyMapDef, PolicyMapRemoval, ServicePolicyDef,
-                    ServicePolicyRemoval, Attachment, InterfacePresence, CounterRequest,
-                    TrafficInjection, ClearRequest, FaultSwitch, GlobalMapsDef, DscpRewriteMapDef,
-                    DscpRewriteMapRemoval, CosToTcProfileDef, CosToTcProfileRemoval, IntfQosDef,
-                    IntfQosRemoval, EcnCountersDef, EcnCountersRemoval, LinkDef, KernelCoppReport,
-                    HwInitialization, FecOverrideDef, FecOverrideRemoval, FecServiceDef,
-                    FecServiceRemoval, TcamCorruption, AgentRestart, Dp1Policy, FecTableDamage,
-                    CounterClientRemoval, IntfUpdateCallback, InterfacesReadiness, CliWaiting,
-                    PolicyMapsReprogramRequest, SubIntfDef, SubIntfRemoval, SubIntfAclSharing >;
+using ChangeValue = std::variant<
+      AclDef, AclRemoval, ClassMapDef, ClassMapRemoval, NamedPolicerDef, NamedPolicerRemoval,
+      PolicyMapDef, PolicyMapRemoval, ServicePolicyDef, ServicePolicyRemoval, Attachment,
+      InterfacePresence, CounterRequest, TrafficInjection, ClearRequest, FaultSwitch, GlobalMapsDef,
+      DscpRewriteMapDef, DscpRewriteMapRemoval, CosToTcProfileDef, CosToTcProfileRemoval,
+      IntfQosDef, IntfQosRemoval, EcnCountersDef, EcnCountersRemoval, LinkDef, KernelCoppReport,
+      HwInitialization, FecOverrideDef, FecOverrideRemoval, FecServiceDef, FecServiceRemoval,
+      TcamCorruption, AgentRestart, Dp1Policy, FecTableDamage, CounterClientRemoval,
+      IntfUpdateCallback, InterfacesReadiness, CliWaiting, PolicyMapsReprogramRequest, SubIntfDef,
+      SubIntfRemoval, SubIntfAclSharing, NexthopGroupDef, NexthopGroupRemoval >;
 
 struct Change {
    Where where;

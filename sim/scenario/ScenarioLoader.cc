@@ -43,6 +43,7 @@ std::vector< std::string_view > const topKeys = {
    "interfacesReady",
    "subInterfaces",
    "routedPortSubIntfQosAclSharing",
+   "nexthopGroups",
 };
 
 // Where each document of a text starts; nothing else is kept.
@@ -199,6 +200,9 @@ void readInitial( YAML::Node const& doc, YamlReader const& yaml, StepReader cons
    initialList(
          doc, "subInterfaces", yaml, [ & ]( auto const& n ) { return reader.subInterface( n ); },
          []( SubIntfDef const& s ) { return intfName( s.intf ); }, out );
+   initialList(
+         doc, "nexthopGroups", yaml, [ & ]( auto const& n ) { return reader.nexthopGroup( n ); },
+         []( NexthopGroupDef const& g ) { return g.name; }, out );
    if( auto const sharing = doc[ "routedPortSubIntfQosAclSharing" ] ) {
       out.push_back(
             { YamlReader::whereOf( sharing ),

@@ -56,6 +56,8 @@ std::vector< std::string_view > const changeKinds = {
    "subInterface",
    "removeSubInterface",
    "routedPortSubIntfQosAclSharing",
+   "nexthopGroup",
+   "removeNexthopGroup",
 };
 
 constexpr std::pair< std::string_view, Interface::ForwardingModel > forwardingModels[] = {
@@ -144,6 +146,8 @@ ChangeValue StepReader::value( std::string const& kind, YAML::Node const& node )
    if( kind == "interfacesReady" ) return InterfacesReadiness{ yaml_.flag( node, kind ) };
    if( kind == "cliWaiting" ) return CliWaiting{ yaml_.flag( node, kind ) };
    if( kind == "subInterface" ) return subInterface( node );
+   if( kind == "nexthopGroup" ) return nexthopGroup( node );
+   if( kind == "removeNexthopGroup" ) return NexthopGroupRemoval{ yaml_.text( node, kind ) };
    if( kind == "removeSubInterface" ) {
       return SubIntfRemoval{ subIntfIdOf( node, kind ) };
    }
@@ -244,6 +248,15 @@ SubIntfDef StepReader::subInterface( YAML::Node const& node ) const {
    def.forwardingModel =
          yaml_.choice( yaml_.required( node, "forwardingModel" ), "forwardingModel",
                        NameTable< Interface::ForwardingModel >( forwardingModels ) );
+   return def;
+}
+
+NexthopGroupDef StepReader::nexthopGroup( YAML::Node const& node ) const {
+   yaml_.checkMapping( node, "next-hop group", { "name", "index" } );
+   NexthopGroupDef def;
+   def.name = yaml_.text( yaml_.required( node, "name" ), "name" );
+   def.index =
+         std::uint32_t( yaml_.integer( yaml_.required( node, "index" ), "index", 0, UINT32_MAX ) );
    return def;
 }
 

@@ -34,6 +34,7 @@ class StepReader {
    // { modId, port, queue, state }; modId 0 when left out.
    KernelCoppReport kernelCoppReport( YAML::Node const& node ) const;
    SubIntfDef subInterface( YAML::Node const& node ) const;
+   NexthopGroupDef nexthopGroup( YAML::Node const& node ) const;
    // Class-based forwarding: { af, dscp, fec, overridingFec } and { fec, hwFecId }.
    FecOverrideDef fecOverride( YAML::Node const& node ) const;
    FecServiceDef fecService( YAML::Node const& node ) const;

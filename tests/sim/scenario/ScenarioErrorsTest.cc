@@ -28,7 +28,7 @@ std::string const topKeys =
       "description, chip, interfaces, acls, classMaps, namedPolicers, policyMaps, "
       "servicePolicies, globalMaps, dscpRewriteMaps, cosToTcProfiles, interfaceQos, ecnCounters, "
       "links, kernelCopp, fecOverrides, fecService, steps, trace, kernelCoppConfig, "
-      "interfacesReady, subInterfaces, routedPortSubIntfQosAclSharing";
+      "interfacesReady, subInterfaces, routedPortSubIntfQosAclSharing, nexthopGroups";
 
 TEST( ScenarioErrorsTest, TextThatIsNotOneYamlMapping ) {
    expectErrors( {
@@ -93,7 +93,7 @@ TEST( ScenarioErrorsTest, UnknownAndRepeatedKeys ) {
            "removeCounterClient, intfUpdateCallback, servicePolicyDP1, corruptFecOverride, "
            "corruptFecService, interfacesReady, cliWaiting, reprogramAllPolicyMaps, subInterface, "
            "removeSubInterface, "
-           "routedPortSubIntfQosAclSharing)" },
+           "routedPortSubIntfQosAclSharing, nexthopGroup, removeNexthopGroup)" },
          { "steps: [ { at: 1, changes: [ { clearErrors: true, requestCounters: a } ] } ]\n",
            "bad.yaml:1:30: change: one kind of change per list item" },
    } );
@@ -363,6 +363,10 @@ steps:
            "bad.yaml:11:66: forwardingModel: 'vxlan' is not one of routed, bridged, unknown" },
          { ( base + "      - subInterface: { interface: Ethernet1.5 }\n" ),
            "bad.yaml:11:23: missing key 'forwardingModel'" },
+         { ( base + "      - removeNexthopGroup: g1\n" ),
+           "bad.yaml:11:9: no next-hop group g1 to remove" },
+         { ( base + "      - nexthopGroup: { name: g1, index: -1 }\n" ),
+           "bad.yaml:11:42: index: -1 is out of range 0..4294967295" },
          { ( base + "      - corruptTcam: { acl: B }\n" ),
            "bad.yaml:11:9: corruptTcam: there is no access list B" },
          { ( base + "      - restart: false\n" ),
