@@ -160,6 +160,25 @@ TEST( ScenarioErrorsTest, HelperAnswersAndDriverInputsThatCantBeUsed ) {
    } );
 }
 
+// What other agents publish: subinterfaces, the routed port's sharing, next-hop groups.
+TEST( ScenarioErrorsTest, OtherAgentsInputsThatCantBeUsed ) {
+   expectErrors( {
+         { "routedPortSubIntfQosAclSharing: shared\n",
+           "bad.yaml:1:33: routedPortSubIntfQosAclSharing: expected true or false, found "
+           "'shared'" },
+         { "subInterfaces: [ { interface: Ethernet1, forwardingModel: routed } ]\n",
+           "bad.yaml:1:31: interface: 'Ethernet1' is not a subinterface, as in Ethernet1.100" },
+         { "subInterfaces: [ { interface: Ethernet1.1, forwardingModel: routed, vlan: 1 } ]\n",
+           "bad.yaml:1:69: subinterface: unknown key 'vlan' (known: interface, forwardingModel)" },
+         { "subInterfaces:\n  - { interface: Ethernet1.1, forwardingModel: routed }\n"
+           "  - { interface: Ethernet1.1, forwardingModel: bridged }\n",
+           "bad.yaml:3:5: subInterfaces: Ethernet1.1 given twice" },
+         { "nexthopGroups: [ { name: g, index: 1 }, { name: g, index: 2 } ]\n",
+           "bad.yaml:1:41: nexthopGroups: g given twice" },
+         { "nexthopGroups: [ { name: g } ]\n", "bad.yaml:1:18: missing key 'index'" },
+   } );
+}
+
 TEST( ScenarioErrorsTest, ValuesOfTheWrongTypeOrOutOfRange ) {
    expectErrors( {
          { "chip:\n  rangeCheckers: [ 1 ]\n",
