@@ -1,18 +1,23 @@
-// Each example's report against the expected report kept beside the tests
-// (tests/scenarios/<example>.json): the log, the status, the pools, the TCAM's lists with where
+// Each example's report against the expected report kept beside it
+// (examples/<example>.expected.json): the log, the status, the pools, the TCAM's lists with where
 // they are bound and how many entries they hold, and how many times each operation was called.
-// A difference is shown as the JSON patch that turns the expected report into the one seen.
+// Every scenario of the folder is an example; a new one without its expected report fails until
+// the report is written. A difference is shown as the JSON patch that turns the expected report
+// into the one seen.
 //
 // After a change that is meant to alter a report, scripts/regen-scenario-expectations writes
 // the files anew (it runs this test with NEVQOS_REGEN_EXPECTATIONS=1); review the difference
 // before committing it.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <map>
 #include <nlohmann/json.hpp>
 #include <string>
+#include <vector>
 
 #include "support/SimProgram.h"
 
@@ -58,14 +63,14 @@ Json expectedPartOf( Json const& report ) {
    return kept;
 }
 
-class ExampleExpectationsTest : public ::testing::TestWithParam< char const* > {};
+class ExampleExpectationsTest : public ::testing::TestWithParam< std::string > {};
 
 TEST_P( ExampleExpectationsTest, TheReportIsAsExpected ) {
    std::string const name = GetParam();
    SimRun const run = runSim( { example( name + ".yaml" ), "--json" } );
    ASSERT_EQ( run.exitCode, 0 ) << run.err;
    Json const seen = expectedPartOf( Json::parse( run.out ) );
-   std::string const file = std::string( NEVQOS_EXPECTATIONS_DIR ) + "/" + name + ".json";
+   std::string const file = std::string( NEVQOS_EXAMPLES_DIR ) + "/" + name + ".expected.json";
    if( std::getenv( "NEVQOS_REGEN_EXPECTATIONS" ) ) {
       std::ofstream( file ) << seen.dump( 2 ) << "\n";
       return;
@@ -79,13 +84,22 @@ TEST_P( ExampleExpectationsTest, TheReportIsAsExpected ) {
          << Json::diff( expected, seen ).dump( 2 );
 }
 
-INSTANTIATE_TEST_SUITE_P( Examples, ExampleExpectationsTest,
-                          ::testing::Values( "edge-policy", "tcam-exhaustion", "range-checkers",
-                                             "async-timeout", "counters", "classbench-10k",
-                                             "ecn-profiles", "copp-exhaustion", "cbf-overrides",
-                                             "tcam-corruption", "restart-reconciliation",
-                                             "basic-faults", "traffic-colours", "traces",
-                                             "pdp-default-policy", "kernel-copp" ) );
+// The examples' names, from the folder, in order.
+std::vector< std::string > exampleNames() {
+   std::vector< std::string > names;
+   for( auto const& entry : std::filesystem::directory_iterator( NEVQOS_EXAMPLES_DIR ) ) {
+      if( entry.path().extension() == ".yaml" ) names.push_back( entry.path().stem().string() );
+   }
+   std::sort( names.begin(), names.end() );
+   return names;
+}
+
+INSTANTIATE_TEST_SUITE_P( Examples, ExampleExpectationsTest, ::testing::ValuesIn( exampleNames() ),
+                          []( ::testing::TestParamInfo< std::string > const& param ) {
+                             std::string name = param.param;
+                             std::replace( name.begin(), name.end(), '-', '_' );
+                             return name;
+                          } );
 
 }  // namespace
 }  // namespace NevQosTest
