@@ -65,9 +65,9 @@ SimSwitch::SimSwitch( Scenario const& scenario, SwitchOptions const& options )
 void SimSwitch::enter() {
    Zub::activityManagerIs( loop_ );
    Zub::logSinkIs( [ this ]( Zub::LogRecord const& r ) {
-      logs_.push_back( LogLine{ r.time, r.handle->name().stdString(),
-                                severityText( r.handle->severity() ),
-                                static_cast< int >( r.handle->severity() ), r.text.stdString() } );
+      logs_.push_back( LogLine{
+            r.time, r.handle->name().stdString(), severityText( r.handle->severity() ),
+            static_cast< int >( r.handle->severity() ), r.text.stdString(), calls_.size() } );
    } );
    if( !keepTraces_ ) return;
    Zub::traceSinkIs( [ this ]( Zub::TraceRecord const& r ) {

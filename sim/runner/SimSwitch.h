@@ -44,6 +44,8 @@ struct LogLine {
    // The catalogue's number of the severity: 0 emergency to 7 debug.
    int severityLevel = 0;
    std::string text;
+   // How many helper calls came before it: where it stands among the calls.
+   std::size_t callsBefore = 0;
 };
 
 // One line of an engine's trace, as the switch's trace handles wrote it.

@@ -344,6 +344,23 @@ struct Step {
    std::vector< Change > changes;
 };
 
+// One item of the scenario's expectations: a helper call or a log line that must come, in the
+// order of the list, or, `absent`, one that must not come between its neighbours' matches.
+struct ExpectItem {
+   Where where;
+   bool absent = false;
+   bool isCall = true;
+   // The operation or the log handle.
+   std::string name;
+   // A call: its helper ("acl", "basic", "cbf"; empty for any) and the arguments it must have,
+   // by name, as their text in the report. A log line: text it must contain.
+   std::string helper;
+   std::vector< std::pair< std::string, std::string > > args;
+   std::string text;
+   // The virtual time the event must have, when given.
+   std::optional< double > at;
+};
+
 struct Scenario {
    // The file as the loader was given it, for messages.
    std::string file;
@@ -360,6 +377,8 @@ struct Scenario {
    // Whether the kernel's CoPP configuration (Nev::KernelCoPPConfig) exists when the agent
    // starts; with it the engine asks the chip for its default CPU-queue rates at start-up.
    bool kernelCoppConfig = false;
+   // What must come, in order, among the helper calls and log lines (the runner checks it).
+   std::vector< ExpectItem > expect;
 };
 
 }  // namespace Sim

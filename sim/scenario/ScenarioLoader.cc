@@ -12,6 +12,7 @@
 
 #include "sim/scenario/ChipReader.h"
 #include "sim/scenario/ConfigModel.h"
+#include "sim/scenario/ExpectReader.h"
 #include "sim/scenario/StepReader.h"
 #include "zub/Trace.h"
 
@@ -44,6 +45,7 @@ std::vector< std::string_view > const topKeys = {
    "subInterfaces",
    "routedPortSubIntfQosAclSharing",
    "nexthopGroups",
+   "expect",
 };
 
 // Where each document of a text starts; nothing else is kept.
@@ -322,6 +324,7 @@ Scenario scenarioOf( YAML::Node const& doc, YamlReader const& yaml,
    checkDefaultPdpPolicy( doc, yaml, scenario );
    checkChanges( scenario );
    if( auto const t = doc[ "trace" ] ) scenario.traces = traceLists( t, yaml );
+   if( auto const e = doc[ "expect" ] ) scenario.expect = expectationsOf( e, yaml );
    return scenario;
 }
 

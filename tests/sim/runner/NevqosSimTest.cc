@@ -2,6 +2,7 @@
 // every kind of chip fault, and bad scenarios refused with their place and exit code 2.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -21,10 +22,16 @@ namespace {
 using Json = nlohmann::json;
 using Lines = std::vector< std::string >;
 
-// Runs an example with --json; the report, after checking that the run went well.
+// Runs an example with --json; the report, after checking that the run went well. On the TCAM
+// road the example does not take, its `expect` list, told in the times of its own road, may not
+// be met; that alone is no fault of the run.
 Json reportOf( char const* name, std::vector< std::string > flags = {} ) {
    flags.insert( flags.begin(), { example( name ), "--json" } );
    SimRun const run = runSim( flags );
+   bool const otherRoad = std::find( flags.begin(), flags.end(), "--tcam-mode" ) != flags.end();
+   if( run.exitCode == 1 && otherRoad && !run.report()[ "expect" ][ "met" ].get< bool >() ) {
+      return run.report();
+   }
    EXPECT_EQ( run.exitCode, 0 ) << run.err;
    return run.exitCode == 0 ? run.report() : Json::object();
 }
@@ -54,14 +61,6 @@ Json const& classMap( Json const& pmap, std::string const& name ) {
    return none;
 }
 
-// Policer name to packets in, of one class.
-std::map< std::string, unsigned > policerPackets( Json const& cmap ) {
-   std::map< std::string, unsigned > out;
-   for( Json const& p : cmap[ "policers" ] )
-      out[ p[ "name" ] ] = p[ "pktInCount" ];
-   return out;
-}
-
 // "t HANDLE: text" for each log line.
 Lines logsOf( Json const& report ) {
    Lines out;
@@ -82,194 +81,17 @@ std::vector< Json > callsOf( Json const& report, std::string const& op ) {
    return out;
 }
 
-Json const& slice( Json const& report, std::string const& name ) {
-   for( Json const& s : report[ "tcam" ][ "slices" ] ) {
-      if( s[ "name" ] == name ) return s;
-   }
-   static Json const none;
-   ADD_FAILURE() << "no slice " << name;
-   return none;
-}
-
-TEST( NevqosSimTest, TheEdgePolicyMarksAndPolicesPerInterface ) {
-   Json const r = reportOf( "edge-policy.yaml" );
-   Json const& edge = policyMap( r, "edge-in" );
-   EXPECT_EQ( edge[ "prgmStatus" ], "hwPrgmStatusSuccess" );
-   EXPECT_EQ( edge[ "version" ], 2 );
-   Json const& voice = classMap( edge, "voice" );
-   EXPECT_TRUE( voice[ "dscpPrgmd" ] && voice[ "tcPrgmd" ] );
-   EXPECT_EQ( policerPackets( voice ),
-              ( std::map< std::string, unsigned >{
-                    { "Ethernet1", 1000 }, { "Ethernet3", 0 }, { "Port-Channel10", 0 } } ) );
-   EXPECT_EQ( policerPackets( classMap( edge, "video" ) ),
-              ( std::map< std::string, unsigned >{ { "video-cap", 5000 } } ) );
-   EXPECT_EQ( logsOf( r ), Lines{} );
-   EXPECT_EQ( r[ "resources" ][ "policers" ][ "used" ], 4 );
-   // Every call carries its time and arguments by name.
-   auto const first = callsOf( r, "createIpAclSubrule" ).at( 0 );
-   EXPECT_EQ( first[ "t" ], 0.001 );
-   EXPECT_EQ( first[ "args" ][ "classData" ], "edge-in(qos,input)/video/video-cap" );
-   EXPECT_EQ( first[ "args" ][ "aclKey" ], "VIDEO(ip)" );
-   EXPECT_EQ( first[ "args" ][ "dstL4Port" ], "554" );
-   EXPECT_EQ( first[ "args" ][ "dstL4PortMask" ], "0xffff" );
-}
-
-TEST( NevqosSimTest, TheTcamFillsAndRecovers ) {
-   Json const r = reportOf( "tcam-exhaustion.yaml" );
-   EXPECT_EQ( logsOf( r ), ( Lines{ "0.001 QOS_POLICY_HW_RESOURCE_FULL: Insufficient hardware "
-                                    "resources to program the input policy-map core-in.",
-                                    "2 QOS_POLICY_HW_RESOURCE_NORMAL: Programmed input "
-                                    "policy-map core-in in hardware." } ) );
-   Json const& core = policyMap( r, "core-in" );
-   EXPECT_EQ( core[ "prgmStatus" ], "hwPrgmStatusSuccess" );
-   EXPECT_EQ( core[ "errMessage" ], "Insufficient hardware resources" ) << "kept after success";
-   EXPECT_EQ( slice( r, "ipv4" )[ "used" ], 40 ) << "the big list fits once the fault is off";
-}
-
-TEST( NevqosSimTest, RangesWithoutCheckersAreExpanded ) {
-   Json const r = reportOf( "range-checkers.yaml" );
-   EXPECT_EQ( r[ "tcam" ][ "rangeCheckers" ][ "free" ], 0 );
-   std::map< std::string, Lines > dstPorts;
-   for( Json const& acl : r[ "tcam" ][ "acls" ] ) {
-      for( Json const& e : acl[ "entries" ] ) {
-         if( e[ "kind" ] == "ip" ) dstPorts[ acl[ "id" ] ].push_back( e[ "fields" ][ "dstPort" ] );
-      }
-   }
-   EXPECT_EQ( dstPorts[ "games-in(qos,input)/games/Default GAMES(ip)" ],
-              ( Lines{ "range 27000-27050", "range 3074-3079" } ) );
-   Lines const& web = dstPorts[ "web-in(qos,input)/web/Default WEB(ip)" ];
-   EXPECT_EQ( web.size(), 12u );
-   EXPECT_EQ( web.front(), "8000/0xffc0" );
-}
-
-TEST( NevqosSimTest, AnOperationLeftPendingTimesOutAndTheQueueGoesOn ) {
-   Json const r = reportOf( "async-timeout.yaml" );
-   auto const timeouts = callsOf( r, "handlePendingOperationTimeout" );
-   ASSERT_EQ( timeouts.size(), 1u );
-   EXPECT_DOUBLE_EQ( timeouts[ 0 ][ "t" ].get< double >(), 5.501 )
-         << "five seconds after the third operation began";
-   EXPECT_EQ( r[ "resources" ][ "pendingOperations" ], 0 )
-         << "the chip drops what the engine gave up";
-   for( Json const& acl : r[ "tcam" ][ "acls" ] )
-      EXPECT_EQ( acl[ "interfaces" ], Json::array( { "Ethernet1", "Ethernet2" } ) ) << acl[ "id" ];
-   EXPECT_EQ( policyMap( r, "web-in" )[ "version" ], 2 );
-}
-
-TEST( NevqosSimTest, CountersAreRunningSumsOfTheTraffic ) {
-   Json const r = reportOf( "counters.yaml" );
-   Json const& mgmt = policyMap( r, "mgmt-in" );
-   EXPECT_EQ( classMap( mgmt, "ssh" )[ "outCount" ], 230 );
-   EXPECT_EQ( classMap( mgmt, "ssh" )[ "outBytes" ], 18400 );
-   EXPECT_EQ( policerPackets( classMap( mgmt, "backup" ) ),
-              ( std::map< std::string, unsigned >{ { "Ethernet1", 0 }, { "Ethernet2", 5000 } } ) );
-   EXPECT_EQ( r[ "status" ][ "pmapCounterUpdateTime" ], 10.0 );
-}
-
-TEST( NevqosSimTest, EcnProfilesRunOutAndTheSliceStaysDownUntilCleared ) {
-   Json const r = reportOf( "ecn-profiles.yaml" );
-   EXPECT_EQ( logsOf( r ), Lines{ "0.001 QOS_ECN_QUEUE_HW_FULL: Hardware resources insufficient "
-                                  "to program tx-queue ECN on queue UC1 for port Ethernet3" } );
-   Json ecn;
-   for( Json const& f : r[ "status" ][ "features" ] ) {
-      if( f[ "name" ] == "featureEcnStatus" ) ecn = f;
-   }
-   EXPECT_EQ( ecn[ "status" ], "hwProgrammingSucceeded" ) << "the third setting fits at 6";
-   EXPECT_EQ( ecn[ "errMessage" ], "ECN profiles exhausted" ) << "kept after the success";
-   EXPECT_EQ( r[ "status" ][ "basicStatus" ], "hwProgrammingSucceeded" ) << "cleared at 7";
-   Json const& pool = r[ "basic" ][ "profiles" ][ "ecn" ];
-   EXPECT_EQ( pool[ "free" ], 0 );
-   EXPECT_EQ( pool[ "profiles" ][ 1 ][ "queues" ],
-              Json::array( { "Ethernet1 UC1", "Ethernet2 UC1" } ) );
-   EXPECT_EQ( r[ "basic" ][ "queues" ][ 0 ][ "guaranteedRate" ], 5000000 )
-         << "20 percent of the 25000 Mbps link, in kbps";
-
-   // Without the clear request the slice stays down.
+// What two examples' expected reports can't show: the state before their last steps.
+TEST( NevqosSimTest, ExamplesCutShortStopWhereTheirStoryWasThen ) {
+   // Without the clear request the basic slice stays down.
    SimRun const uncleared = runSim( { exampleUpTo( "ecn-profiles.yaml", "  - at: 7" ), "--json" } );
    ASSERT_EQ( uncleared.exitCode, 0 ) << uncleared.err;
    EXPECT_EQ( uncleared.report()[ "status" ][ "basicStatus" ], "hwProgrammingFailed" );
-}
-
-TEST( NevqosSimTest, PerPortCoppRunsOutIsRetriedEachMinuteAndRecovers ) {
-   Json const r = reportOf( "copp-exhaustion.yaml" );
-   Lines copp;
-   for( Json const& c : r[ "calls" ] ) {
-      std::string const op = c[ "op" ];
-      if( op.find( "CoppPolicerByPortQueue" ) == std::string::npos ) continue;
-      std::ostringstream os;
-      os << c[ "t" ].get< double >() << " " << op.substr( 0, 7 ) << " "
-         << c[ "args" ][ "key" ].get< std::string >();
-      copp.push_back( os.str() );
-   }
-   EXPECT_EQ( copp, ( Lines{ "0.001 createC 0/1/4", "5 createC 0/2/4", "5 createC 0/3/4",
-                             "30 createC 0/3/7", "40 destroy 0/1/4", "65 createC 0/3/4",
-                             "65 createC 0/3/7", "100 destroy 0/2/4", "125 createC 0/3/7" } ) );
-   std::string const policer = "control plane policer for class cpu-queue-";
-   EXPECT_EQ( logsOf( r ),
-              ( Lines{ "5 QOS_COPP_HW_RESOURCE_FULL: Insufficient egress TCAM resources to "
-                       "program the " +
-                             policer + "4 on Ethernet3.",
-                       "30 QOS_COPP_HW_RESOURCE_FULL: Insufficient egress TCAM resources to "
-                       "program the " +
-                             policer + "7 on Ethernet3.",
-                       "65 QOS_COPP_HW_RESOURCE_NORMAL: C" + policer.substr( 1 ) +
-                             "4 on Ethernet3 is programmed in egress TCAM.",
-                       "125 QOS_COPP_HW_RESOURCE_NORMAL: C" + policer.substr( 1 ) +
-                             "7 on Ethernet3 is programmed in egress TCAM." } ) );
-   Json const& cp = r[ "controlPlane" ];
-   EXPECT_EQ( cp[ "copp" ][ "pending" ], Json::array() );
-   EXPECT_EQ( cp[ "copp" ][ "retryAt" ], 245.0 )
-         << "still firing each minute after the queue emptied";
-   // The COS change made before the hardware was initialised reached the driver all the same,
-   // and multicast follows the unicast queue.
-   Json const& kernel = cp[ "kernel" ];
-   EXPECT_EQ( kernel[ "cosToTc" ][ "5" ], 4 );
-   EXPECT_EQ( kernel[ "tcToTxQueue" ][ "4" ], 6 );
-   EXPECT_EQ( kernel[ "tcToMcTxQueue" ][ "4" ], 6 );
-
    // Until the driver has started, the kernel is told nothing.
    SimRun const starting =
          runSim( { exampleUpTo( "copp-exhaustion.yaml", "  - at: 2" ), "--json" } );
    ASSERT_EQ( starting.exitCode, 0 ) << starting.err;
    EXPECT_EQ( starting.report()[ "controlPlane" ][ "kernel" ][ "operations" ], 0 );
-}
-
-TEST( NevqosSimTest, FecOverridesWaitAreProgrammedRunOutAndRecover ) {
-   Json const r = reportOf( "cbf-overrides.yaml" );
-   Lines cbf;
-   for( Json const& c : r[ "calls" ] ) {
-      if( c[ "helper" ] != "cbf" ) continue;
-      std::ostringstream os;
-      os << c[ "t" ].get< double >() << " " << c[ "op" ].get< std::string >() << " "
-         << c[ "args" ][ "key" ].get< std::string >();
-      if( c[ "args" ].contains( "overridingHwFecId" ) ) {
-         os << " " << c[ "args" ][ "overridingHwFecId" ].get< std::string >();
-      }
-      cbf.push_back( os.str() );
-   }
-   // Each override is programmed once both FECs are known; the third is retried each second
-   // while the table is full, and programmed once a rule is freed.
-   EXPECT_EQ(
-         cbf,
-         ( Lines{
-               "2 createOrUpdateMapping ipv4/46/10 5020", "3 createOrUpdateMapping ipv4/34/10 5021",
-               "4 createOrUpdateMapping ipv6/46/11 5020", "5 createOrUpdateMapping ipv6/46/11 5020",
-               "6 createOrUpdateMapping ipv6/46/11 5020", "6 deleteMapping ipv4/34/10",
-               "6 createOrUpdateMapping ipv6/46/11 5020", "8 createOrUpdateMapping ipv4/46/10 6020",
-               "8 createOrUpdateMapping ipv6/46/11 6020", "9 deleteMapping ipv4/46/10",
-               "9 deleteMapping ipv6/46/11" } ) );
-   EXPECT_EQ( logsOf( r ),
-              ( Lines{ "4 ROUTING_CBF_HW_RESOURCE_FULL: Hardware resources are insufficient to "
-                       "program all class based forwarding FEC override mappings.",
-                       "6 ROUTING_CBF_HW_RESOURCE_NORMAL: All class based forwarding FEC "
-                       "override mappings are programmed in hardware." } ) );
-   Json const& c = r[ "cbf" ];
-   EXPECT_EQ( c[ "ruleTable" ][ "used" ], 0 );
-   EXPECT_EQ( c[ "status" ], Json::parse( R"([ { "key": "ipv4/46/10", "status": "waitingForHwFecId",
-                                  "hwRuleId": null },
-                                { "key": "ipv6/46/11", "status": "waitingForHwFecId",
-                                  "hwRuleId": null } ])" ) );
-   EXPECT_EQ( c[ "requests" ], Json::array( { 10, 11, 20 } ) ) << "FEC 21 no longer asked for";
-   EXPECT_EQ( c[ "resourceFull" ], false );
 }
 
 // The outcome of a scenario does not depend on the road: same status, same lists on the same
@@ -306,19 +128,6 @@ steps:
   - { at: 2, changes: [ { fault: { index: 0, on: false } },
                         { acl: { name: WEB, rules: [ { proto: tcp, dstPort: { eq: 81 } } ] } } ] }
 )";
-
-TEST( NevqosSimTest, AFailingOperationFailsTheMapUntilTheFaultIsOff ) {
-   std::string const path = scenarioFile(
-         "op-error.yaml",
-         "chip: { faults: [ { kind: operationError, op: commitAcl, error: tooManyAcls } ] }" +
-               faultBase );
-   Json const r = runSim( { path, "--json" } ).report();
-   EXPECT_EQ( logsOf( r ), ( Lines{ "0.001 QOS_POLICY_HW_RESOURCE_FULL: Insufficient hardware "
-                                    "resources to program the input policy-map pm.",
-                                    "2 QOS_POLICY_HW_RESOURCE_NORMAL: Programmed input "
-                                    "policy-map pm in hardware." } ) );
-   EXPECT_EQ( policyMap( r, "pm" )[ "prgmStatus" ], "hwPrgmStatusSuccess" );
-}
 
 TEST( NevqosSimTest, PolicerExhaustionIsLoggedAndTheRestProgrammed ) {
    std::string const path = scenarioFile(
@@ -405,7 +214,9 @@ TEST( NevqosSimTest, EveryExampleButTheDamagedOneVerifiesClean ) {
          SCOPED_TRACE( name + " " + mode );
          SimRun const run =
                runSim( { example( name ), "--json", "--verify=always", "--tcam-mode", mode } );
-         ASSERT_EQ( run.exitCode, 0 ) << run.err << run.out.substr( 0, 2000 );
+         // On the other road an example's `expect` list, told in the times of its own, may
+         // not be met (exit 1 too); the findings say whether verification was clean.
+         ASSERT_TRUE( run.exitCode == 0 || run.exitCode == 1 ) << run.err;
          Json const verify = run.report()[ "verify" ];
          EXPECT_EQ( verify[ "findings" ], Json::array() );
          EXPECT_GE( verify[ "runs" ].get< int >(), 2 ) << "at the start and at the end at least";

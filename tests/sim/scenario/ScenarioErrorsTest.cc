@@ -28,7 +28,7 @@ std::string const topKeys =
       "description, chip, interfaces, acls, classMaps, namedPolicers, policyMaps, "
       "servicePolicies, globalMaps, dscpRewriteMaps, cosToTcProfiles, interfaceQos, ecnCounters, "
       "links, kernelCopp, fecOverrides, fecService, steps, trace, kernelCoppConfig, "
-      "interfacesReady, subInterfaces, routedPortSubIntfQosAclSharing, nexthopGroups";
+      "interfacesReady, subInterfaces, routedPortSubIntfQosAclSharing, nexthopGroups, expect";
 
 TEST( ScenarioErrorsTest, TextThatIsNotOneYamlMapping ) {
    expectErrors( {
@@ -529,6 +529,32 @@ TEST( ScenarioErrorsTest, PdpModeAndKernelCoppInputs ) {
    ASSERT_EQ( ok.chip.namedPolicers.size(), 1u );
    EXPECT_EQ( ok.chip.namedPolicers[ 0 ].rates.cir, 10u );
    EXPECT_TRUE( ok.kernelCoppConfig );
+}
+
+TEST( ScenarioErrorsTest, ExpectationsThatSayNothingClear ) {
+   expectErrors( {
+         { "expect: { call: hwInit }\n",
+           "bad.yaml:1:9: expect: expected a sequence, found a mapping" },
+         { "expect: [ { helper: acl } ]\n",
+           "bad.yaml:1:11: expect item: give call or log, one of them" },
+         { "expect: [ { call: hwInit, log: QOS_X } ]\n",
+           "bad.yaml:1:11: expect item: give call or log, one of them" },
+         { "expect: [ { call: hwInit, helper: chip } ]\n",
+           "bad.yaml:1:35: helper: 'chip' is not one of acl, basic, cbf" },
+         { "expect: [ { log: QOS_X, helper: acl } ]\n",
+           "bad.yaml:1:33: helper: a log line has none" },
+         { "expect: [ { log: QOS_X, args: { a: 1 } } ]\n",
+           "bad.yaml:1:31: args: a log line has none; give text" },
+         { "expect: [ { call: hwInit, args: [ a ] } ]\n",
+           "bad.yaml:1:33: args: expected a mapping of argument names to texts" },
+         { "expect: [ { call: hwInit, text: x } ]\n",
+           "bad.yaml:1:33: text: a call has none; give args" },
+         { "expect: [ { call: hwInit, when: 1 } ]\n",
+           "bad.yaml:1:27: expect item: unknown key 'when' (known: call, log, helper, args, "
+           "text, at)" },
+         { "expect: [ { not: { call: hwInit }, call: x } ]\n",
+           "bad.yaml:1:36: expect item: unknown key 'call' (known: not)" },
+   } );
 }
 
 }  // namespace

@@ -1,0 +1,15 @@
+// The scenario's `expect` list: the helper calls and log lines its story is about, in order.
+#pragma once
+
+#include <vector>
+
+#include <yaml-cpp/yaml.h>
+
+#include "sim/scenario/Scenario.h"
+#include "sim/scenario/YamlReader.h"
+
+namespace Sim {
+
+std::vector< ExpectItem > expectationsOf( YAML::Node const& list, YamlReader const& yaml );
+
+}  // namespace Sim
