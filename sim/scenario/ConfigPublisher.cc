@@ -153,19 +153,15 @@ void ConfigPublisher::nexthopGroupsIs( ConfigModel const& before ) {
 }
 
 void ConfigPublisher::subInterfacesIs( ConfigModel const& before ) {
-   if( model_.subIntfAclSharing() != before.subIntfAclSharing() )
-      in_.qosStatus->routedPortSubIntfQosAclSharingIs( model_.subIntfAclSharing() );
+   // Writing a value that stands, or asking for a child that exists, tells the engine nothing.
+   in_.qosStatus->routedPortSubIntfQosAclSharingIs( model_.subIntfAclSharing() );
    auto const dir = in_.subIntfStatusDir;
    if( !dir ) return;
    for( auto const& [ intf, model ] : before.subInterfaces() ) {
       if( !model_.subInterfaces().contains( intf ) ) dir->intfStatusDel( intf );
    }
-   // Only what changed is written, so that the engine hears of nothing else.
-   for( auto const& [ intf, model ] : model_.subInterfaces() ) {
-      auto const old = before.subInterfaces().find( intf );
-      if( old != before.subInterfaces().end() && old->second == model ) continue;
+   for( auto const& [ intf, model ] : model_.subInterfaces() )
       dir->intfStatusIs( intf )->forwardingModelIs( model );
-   }
 }
 
 // Access lists, class maps, named policers and policy maps that are new or changed; each policy
