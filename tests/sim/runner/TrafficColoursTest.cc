@@ -175,21 +175,6 @@ TEST( TrafficColoursTest, PerPortDropsOfAPolicerAreKeptOnceItServesSeveralPorts 
    EXPECT_EQ( countersOf( shared ).count( "video/Ethernet2.pktDropCount" ), 1u );
 }
 
-// The bundled example tells its story in the counters: what each request saw is the sum of all
-// the traffic before it.
-TEST( TrafficColoursTest, TheExampleEndsWithTheSumsOfItsTraffic ) {
-   SimRun const run = runSim( { example( "traffic-colours.yaml" ), "--json", "--verify=always" } );
-   ASSERT_EQ( run.exitCode, 0 ) << run.err;
-   expectCounters( countersOf( run.report() ), { { "video/video-cap.pktInCount", 8500 },
-                                                 { "video/video-cap.byteInCount", 10200000 },
-                                                 { "video/video-cap.yellowPktInCount", 1900 },
-                                                 { "video/video-cap.yellowByteInCount", 2280000 },
-                                                 { "video/video-cap.pktDropCount", 900 },
-                                                 { "video/video-cap.byteDropCount", 1080000 },
-                                                 { "bulk.outCount", 500 },
-                                                 { "bulk.outBytes", 750000 } } );
-}
-
 // ---- An entry the engine never asked for
 
 std::string const denyFirst = R"(
