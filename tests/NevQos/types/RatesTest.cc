@@ -108,6 +108,7 @@ TEST_F( RatesTest, CirIsClampedToTheChipLimits ) {
       { 1000001, Qos::rateUnitPps_, 1000000, Qos::rateUnitPps_,
         "cir (1000001) > policePacketModeMaxRatePps (1000000). Setting cir to 1000000" },
       { 1000000, Qos::rateUnitPps_, 1000000, Qos::rateUnitPps_, "" },
+      { 10, Qos::rateUnitPps_, 10, Qos::rateUnitPps_, "" },
    };
    for( auto const& c : cases ) {
       SCOPED_TRACE( testing::Message() << c.rate << " " << c.unit );

@@ -96,8 +96,8 @@ TEST( ScenarioExpectTest, ItemsComeInOrderAndNotItemsStayAway ) {
    };
    for( Case const& c : cases ) {
       SCOPED_TRACE( c.name );
-      SimRun const run = runSim(
-            { scenarioFile( "story.yaml", story + "expect:" + c.expect ), "--json" } );
+      SimRun const run =
+            runSim( { scenarioFile( "story.yaml", story + "expect:" + c.expect ), "--json" } );
       bool const met = std::string( c.failure ).empty();
       ASSERT_EQ( run.exitCode, met ? 0 : 1 ) << run.err;
       Json const report = run.report();
