@@ -1,5 +1,5 @@
 // Scenarios run through the engine: any text that loads is run as `nevqos-sim --verify=always
-// --json` runs it (tests/reliability/CheckedRun.h), with the outside checks after the start, after
+// --json` runs it (sim/checks/CheckedRun.h), with the outside checks after the start, after
 // every step and after the settling time, and its JSON report built. A text that does not load, or
 // whose configuration the publisher refuses, is no input. An engine assertion, an escaped
 // exception, a run that never settles, a verification finding, a map whose status the chip's
@@ -16,7 +16,7 @@
 #include <string_view>
 #include <variant>
 
-#include "reliability/CheckedRun.h"
+#include "sim/checks/CheckedRun.h"
 #include "sim/scenario/ScenarioError.h"
 #include "sim/scenario/ScenarioLoader.h"
 
@@ -69,11 +69,11 @@ extern "C" int LLVMFuzzerTestOneInput( std::uint8_t const* data, std::size_t siz
    for( Sim::FaultConfig const& f : scenario.chip.faults ) {
       if( f.inCall ) return -1;
    }
-   NevQosTest::CheckedRunLimits limits;
+   Sim::CheckedRunLimits limits;
    limits.report = true;
-   NevQosTest::CheckedRun run;
+   Sim::CheckedRun run;
    try {
-      run = NevQosTest::checkedRun( scenario, limits );
+      run = Sim::checkedRun( scenario, limits );
    } catch( Sim::ScenarioError const& ) {
       // A configuration the publisher refuses, at the start or in a step.
       return -1;

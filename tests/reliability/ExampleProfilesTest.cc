@@ -16,7 +16,7 @@
 #include <vector>
 
 #include "reliability/AbortNote.h"
-#include "reliability/CheckedRun.h"
+#include "sim/checks/CheckedRun.h"
 #include "sim/scenario/ScenarioError.h"
 #include "sim/scenario/ScenarioLoader.h"
 
@@ -219,7 +219,7 @@ TEST_P( ExampleProfilesTest, EndsCleanOnEveryBoundaryChip ) {
                ::testing::TempDir() + "example-" + name + "-" + mode + "-" + profile + ".yaml";
          AbortNote const note( where + "; nevqos-sim " + path + " --verify=always replays it" );
          std::ofstream( path ) << text;
-         CheckedRun const run = checkedRun( scenario );
+         Sim::CheckedRun const run = Sim::checkedRun( scenario );
          ++runs;
          EXPECT_EQ( run.problems, std::vector< std::string >{} )
                << where << "; nevqos-sim " << path << " --verify=always replays it";

@@ -3,7 +3,7 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "reliability/KnownDefects.h"
+#include "sim/checks/KnownDefects.h"
 
 namespace NevQosTest {
 

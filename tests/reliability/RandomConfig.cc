@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
-#include "reliability/KnownDefects.h"
+#include "sim/checks/KnownDefects.h"
 
 namespace NevQosTest {
 
@@ -270,14 +270,14 @@ bool RandomConfig::faultOn( std::string const& name ) const {
 // Known defect vlan-rule-compile-order: no VLAN rule.
 bool RandomConfig::ruleAllowed( std::string const& family, unsigned rule ) const {
    return !rulePool( family )[ rule ].starts_with( "vlan:" ) ||
-          !avoided( "vlan-rule-compile-order" );
+          !Sim::avoided( "vlan-rule-compile-order" );
 }
 
 std::string RandomConfig::drawMatch( std::string const& cmap ) {
    // Known defect mpls-tc-list-binding: no MPLS traffic-class match.
    std::vector< std::string > allowed;
    for( std::string const& m : classMaps.at( cmap ).matches ) {
-      if( !m.starts_with( "mplsTrafficClass" ) || !avoided( "mpls-tc-list-binding" ) ) {
+      if( !m.starts_with( "mplsTrafficClass" ) || !Sim::avoided( "mpls-tc-list-binding" ) ) {
          allowed.push_back( m );
       }
    }

@@ -28,10 +28,10 @@
 #include <vector>
 
 #include "reliability/AbortNote.h"
-#include "reliability/KnownDefects.h"
 #include "reliability/RandomConfig.h"
-#include "reliability/SwitchChecks.h"
 #include "reliability/SwitchImage.h"
+#include "sim/checks/KnownDefects.h"
+#include "sim/checks/SwitchChecks.h"
 #include "sim/chip/ChipText.h"
 
 namespace NevQosTest {
@@ -52,7 +52,7 @@ std::string stepText( Zub::Seconds t, std::string const& changes ) {
 TcamImage onlyOf( TcamImage const& image, std::string const& pmap ) {
    TcamImage out;
    for( auto const& [ id, acl ] : image ) {
-      if( pmapOfAcl( id ) == pmap ) out[ id ] = acl;
+      if( Sim::pmapOfAcl( id ) == pmap ) out[ id ] = acl;
    }
    return out;
 }
@@ -86,7 +86,7 @@ std::map< std::string, MapStatus > statusOf( Sim::SimSwitch const& sw ) {
    std::map< std::string, MapStatus > out;
    for( auto t = sw.aclSliceHwStatus().pmapType().iter(); t; ++t ) {
       for( auto p = t.value()->pmap().iter(); p; ++p ) {
-         out[ pmapText( t.key(), p.key().direction(), p.key().name().str().stdString() ) ] =
+         out[ Sim::pmapText( t.key(), p.key().direction(), p.key().name().str().stdString() ) ] =
                MapStatus{ Sim::textOf( p.value()->prgmStatus() ),
                           p.value()->prgmStatusErrMessage().stdString() };
       }
@@ -157,7 +157,7 @@ class RandomSequenceTest : public ::testing::TestWithParam< Sim::TcamMode > {
    // Known defect async-map-fails-on-roomy-chip: on the asynchronous road a map may fail for
    // want of resources whatever the chip.
    bool asyncFailureTolerated() const {
-      return config_->chip().asynchronous() && avoided( "async-map-fails-on-roomy-chip" );
+      return config_->chip().asynchronous() && Sim::avoided( "async-map-fails-on-roomy-chip" );
    }
 
    void checkAgainstFresh( Sim::SimSwitch& sw, bool faultsHeld, std::string const& where ) {
@@ -182,9 +182,9 @@ class RandomSequenceTest : public ::testing::TestWithParam< Sim::TcamMode > {
       for( auto const& [ pmap, s ] : freshStatus )
          pmaps.insert( pmap );
       for( auto const& [ id, acl ] : got )
-         pmaps.insert( pmapOfAcl( id ) );
+         pmaps.insert( Sim::pmapOfAcl( id ) );
       for( auto const& [ id, acl ] : want )
-         pmaps.insert( pmapOfAcl( id ) );
+         pmaps.insert( Sim::pmapOfAcl( id ) );
       for( std::string const& pmap : pmaps ) {
          auto const s = status.find( pmap );
          auto const r = freshStatus.find( pmap );
@@ -251,8 +251,8 @@ class RandomSequenceTest : public ::testing::TestWithParam< Sim::TcamMode > {
                << where;
       }
       EXPECT_EQ( sw.verify(), Lines{} ) << where;
-      EXPECT_EQ( tcamMismatches( sw ), Lines{} ) << where;
-      EXPECT_EQ( cbfMismatches( sw ), Lines{} ) << where;
+      EXPECT_EQ( Sim::tcamMismatches( sw ), Lines{} ) << where;
+      EXPECT_EQ( Sim::cbfMismatches( sw ), Lines{} ) << where;
       checkAgainstFresh( sw, faultsHeld, where );
       return !::testing::Test::HasFailure();
    }

@@ -1,10 +1,10 @@
-#include "reliability/KnownDefects.h"
+#include "sim/checks/KnownDefects.h"
 
 #include <cstdlib>
 #include <stdexcept>
 #include <string>
 
-namespace NevQosTest {
+namespace Sim {
 
 namespace {
 
@@ -48,4 +48,4 @@ bool avoided( std::string_view name ) {
    return true;
 }
 
-}  // namespace NevQosTest
+}  // namespace Sim

@@ -1,14 +1,14 @@
-#include "reliability/CheckedRun.h"
+#include "sim/checks/CheckedRun.h"
 
 #include <sstream>
 #include <variant>
 
-#include "reliability/KnownDefects.h"
-#include "reliability/SwitchChecks.h"
+#include "sim/checks/KnownDefects.h"
+#include "sim/checks/SwitchChecks.h"
 #include "sim/runner/Report.h"
 #include "sim/scenario/ScenarioError.h"
 
-namespace NevQosTest {
+namespace Sim {
 
 namespace {
 
@@ -67,4 +67,4 @@ CheckedRun checkedRun( Sim::Scenario const& scenario, CheckedRunLimits const& li
    return run;
 }
 
-}  // namespace NevQosTest
+}  // namespace Sim

@@ -9,7 +9,7 @@
 
 #include "sim/runner/SimSwitch.h"
 
-namespace NevQosTest {
+namespace Sim {
 
 // "name(type,direction)", as the chip writes a policy map in the ids of its ACLs.
 std::string pmapText( Qos::MapType type, Qos::Direction direction, std::string const& name );
@@ -33,4 +33,4 @@ std::vector< std::string > tcamMismatches( Sim::SimSwitch const& sw );
 // for the engine's review are left out: the review settles them, a second later at most.
 std::vector< std::string > cbfMismatches( Sim::SimSwitch const& sw );
 
-}  // namespace NevQosTest
+}  // namespace Sim

@@ -8,7 +8,7 @@
 #include <span>
 #include <string_view>
 
-namespace NevQosTest {
+namespace Sim {
 
 struct KnownDefect {
    std::string_view name;
@@ -19,4 +19,4 @@ std::span< KnownDefect const > knownDefects();
 // Whether the generators step around the condition `name`, which must be one of the list.
 bool avoided( std::string_view name );
 
-}  // namespace NevQosTest
+}  // namespace Sim

@@ -12,7 +12,7 @@
 #include "sim/runner/SimSwitch.h"
 #include "sim/scenario/Scenario.h"
 
-namespace NevQosTest {
+namespace Sim {
 
 struct CheckedRunLimits {
    Zub::Seconds settle = 60.0;
@@ -33,4 +33,4 @@ struct CheckedRun {
 
 CheckedRun checkedRun( Sim::Scenario const& scenario, CheckedRunLimits const& limits = {} );
 
-}  // namespace NevQosTest
+}  // namespace Sim

@@ -1,11 +1,11 @@
-#include "reliability/SwitchChecks.h"
+#include "sim/checks/SwitchChecks.h"
 
 #include <map>
 #include <set>
 
 #include "sim/chip/ChipText.h"
 
-namespace NevQosTest {
+namespace Sim {
 
 namespace {
 
@@ -196,4 +196,4 @@ std::vector< std::string > cbfMismatches( Sim::SimSwitch const& sw ) {
    return out;
 }
 
-}  // namespace NevQosTest
+}  // namespace Sim
