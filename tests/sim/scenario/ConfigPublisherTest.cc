@@ -89,27 +89,6 @@ std::string textOf( Value const& v ) {
    return os.str();
 }
 
-TEST_F( ConfigPublisherTest, TheChipsCapabilitiesAndLimitsAreCopied ) {
-   Sim::ChipConfig chip;
-   chip.perClassPolicerSupported = true;
-   chip.cosClassMatchSupported = false;
-   chip.pdpSupported = true;
-   chip.policyClassMaxPrio = 300;
-   chip.policePacketModeMaxBurstPackets = 777;
-   chip.policeByteModeMinRateKbps = 9;
-   publisher.chipIs( chip );
-   Qos::AclHwStatus const& hw = *inputs.aclHwStatus;
-   EXPECT_TRUE( hw.perClassPolicerSupported() );
-   EXPECT_FALSE( hw.cosClassMatchSupported() );
-   EXPECT_TRUE( hw.vlanClassMatchSupported() );
-   EXPECT_TRUE( hw.policyQosSupported() );
-   EXPECT_EQ( hw.policyClassMaxPrio(), 300 );
-   EXPECT_EQ( hw.policePacketModeMaxBurstPackets(), 777u );
-   EXPECT_EQ( hw.policeByteModeMinRateKbps(), 9u );
-   EXPECT_EQ( hw.policeByteModeMaxRateKbps(), 400000000u );
-   EXPECT_TRUE( inputs.hwStatus->pdpSupported() );
-}
-
 TEST_F( ConfigPublisherTest, TheStartingConfigurationReachesEveryEntity ) {
    startWith( "" );
    auto const a = acl( "A" );
