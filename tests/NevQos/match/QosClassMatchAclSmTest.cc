@@ -241,6 +241,32 @@ TEST_F( QosClassMatchAclSmTest, ARetryCodeExpandsOnlyTheDimensionsItNames ) {
    EXPECT_EQ( hwStatus( "gold" )->prgmStatus(), Qos::hwPrgmStatusSuccess_ );
 }
 
+// "Expand all" expands both ports, "expand destination" the destination alone: source 80..90
+// takes three blocks and destination 88..90 two.
+TEST_F( QosClassMatchAclSmTest, ExpandAllAndExpandDestinationExpandWhatTheyName ) {
+   start();
+   auto const rule =
+         ipRule( 6, Acl::PortCondition::rangeOf( 88, 90 ), Acl::PortCondition::rangeOf( 80, 90 ) );
+   ipAclIs( "a", { rule } );
+   ipAclIs( "b", { rule } );
+   classMapIs( "ca", { { Qos::matchOptionIpAcl, "a" } } );
+   classMapIs( "cb", { { Qos::matchOptionIpAcl, "b" } } );
+   classIs( "gold", "ca" );
+   classIs( "gold", "cb" );
+   helper->answerEnq( "createIpAclSubrule", Nev::aclCreateErrorExpandAll );
+   for( int block = 0; block < 6; ++block )
+      helper->forwardEnq( "createIpAclSubrule" );
+   helper->answerEnq( "createIpAclSubrule", Nev::aclCreateErrorExpandDst );
+   helper->callsForget();
+   applyIs( "gold", { intf( "Ethernet1" ) } );
+   std::map< std::string, unsigned > perList;
+   for( std::string const& call : compileCalls( "createIpAclSubrule" ) )
+      ++perList[ call.substr( 0, 9 ) ];
+   EXPECT_EQ( perList, ( std::map< std::string, unsigned >{ { "sub a(ip)", 1 + 3 * 2 },
+                                                            { "sub b(ip)", 1 + 2 } } ) );
+   EXPECT_EQ( hwStatus( "gold" )->prgmStatus(), Qos::hwPrgmStatusSuccess_ );
+}
+
 TEST_F( QosClassMatchAclSmTest, ASecondRefusalEndsTheListAndFailsTheMap ) {
    start();
    ipAclIs( "v4", { ipRule( 6, {}, Acl::PortCondition::rangeOf( 80, 90 ) ),
