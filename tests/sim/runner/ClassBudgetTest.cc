@@ -21,8 +21,7 @@ std::string coppMapOf( unsigned classes ) {
           "interfaces: [ Ethernet1 ]\n"
           "acls: [ { name: A, rules: [ { proto: udp } ] } ]\n"
           "classMaps:\n" +
-          classMaps +
-          "policyMaps: [ { name: copp-system-policy, type: control-plane, classes: [ " +
+          classMaps + "policyMaps: [ { name: copp-system-policy, type: control-plane, classes: [ " +
           classList +
           " ] } ]\n"
           "servicePolicies: [ { policyMap: copp-system-policy, type: control-plane, "
