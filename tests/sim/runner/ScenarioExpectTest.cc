@@ -1,7 +1,7 @@
 // A scenario's `expect` list, checked by the runner: each item must come after the one before
 // it, a `not` item must not come between its neighbours, and a list not met is a mismatch
 // (exit 1) whose report says which item failed and why. The scenarios under tests/stories/ tell
-// their story through such a list; each must be met.
+// their story through such a list; each must be met, and verify clean at every check point.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -141,12 +141,13 @@ std::vector< std::string > storyNames() {
 class StoryTest : public ::testing::TestWithParam< std::string > {};
 
 TEST_P( StoryTest, ItsExpectationsAreMet ) {
-   SimRun const run =
-         runSim( { std::string( NEVQOS_STORIES_DIR ) + "/" + GetParam() + ".yaml", "--json" } );
+   SimRun const run = runSim( { std::string( NEVQOS_STORIES_DIR ) + "/" + GetParam() + ".yaml",
+                                "--json", "--verify=always" } );
    ASSERT_EQ( run.exitCode, 0 ) << run.err << run.out.substr( 0, 2000 );
    Json const report = run.report();
    ASSERT_TRUE( report.contains( "expect" ) ) << "a story without an expect list";
    EXPECT_TRUE( report[ "expect" ][ "met" ].get< bool >() );
+   EXPECT_EQ( report[ "verify" ][ "findings" ], Json::array() );
 }
 
 INSTANTIATE_TEST_SUITE_P( Stories, StoryTest, ::testing::ValuesIn( storyNames() ),
