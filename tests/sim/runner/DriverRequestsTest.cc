@@ -1,9 +1,7 @@
-// What a chip's driver and a counter client ask of the engine from a scenario: the driver's
-// interface-update callback reprograms the policy maps of that interface and direction only,
-// and a counter client that goes takes its counter machine with it.
+// A counter client that goes takes its counter machine with it, and may come back. (The driver's
+// interface-update callback has a story of its own under tests/stories.)
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <string>
 
 #include "support/SimProgram.h"
@@ -27,45 +25,6 @@ policyMaps:
 servicePolicies:
   - { policyMap: p, interfaces: [ Ethernet1 ] }
 )";
-
-// The helper calls made at time `t`.
-std::vector< std::string > callsAt( Json const& report, double t ) {
-   std::vector< std::string > ops;
-   for( Json const& c : report[ "calls" ] ) {
-      if( c[ "t" ].get< double >() == t ) ops.push_back( c[ "op" ].get< std::string >() );
-   }
-   return ops;
-}
-
-TEST( DriverRequestsTest, TheInterfaceUpdateCallbackReprogramsThatInterfaceAndDirection ) {
-   struct Case {
-      char const* callback;
-      bool reprogrammed;
-   };
-   for( Case const c : { Case{ "{ interface: Ethernet1 }", true },
-                         Case{ "{ interface: Ethernet1, direction: output }", false },
-                         Case{ "{ interface: Ethernet2 }", false } } ) {
-      SCOPED_TRACE( c.callback );
-      std::string const path =
-            scenarioFile( "callback.yaml", configuration +
-                                                 "steps:\n  - at: 2\n    changes:\n"
-                                                 "      - intfUpdateCallback: " +
-                                                 c.callback + "\n" );
-      SimRun const run = runSim( { path, "--json" } );
-      ASSERT_EQ( run.exitCode, 0 ) << run.err;
-      std::vector< std::string > const ops = callsAt( run.report(), 2.0 );
-      if( !c.reprogrammed ) {
-         EXPECT_TRUE( ops.empty() ) << ops.size() << " calls, first " << ops.front();
-         continue;
-      }
-      // The interface's map is taken down and compiled and bound again.
-      auto const has = [ & ]( char const* op ) {
-         return std::find( ops.begin(), ops.end(), op ) != ops.end();
-      };
-      EXPECT_TRUE( has( "destroyAcl" ) && has( "commitAcl" ) && has( "updatePortForAcl" ) )
-            << ops.size() << " calls";
-   }
-}
 
 TEST( DriverRequestsTest, ACounterClientThatGoesTakesItsCounterMachine ) {
    auto const clientsAfter = []( std::string const& changes ) {
