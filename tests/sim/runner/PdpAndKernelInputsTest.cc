@@ -1,7 +1,7 @@
 // The engine inputs a scenario reaches beside the configuration: PDP mode, whose default PDP
 // policy the engine configures itself and the switch merges into the status, with the chip's
-// named policers; the kernel's CoPP configuration, read at each start-up; and the kernel packet
-// driver's calls in order.
+// named policers; and the kernel packet driver's calls in order. (The kernel's CoPP
+// configuration, read at each start-up, has stories under tests/stories.)
 #include <gtest/gtest.h>
 
 #include <set>
@@ -101,25 +101,6 @@ TEST( PdpAndKernelInputsTest, WithoutPdpModeNoPortJoinsTheDefaultPolicy ) {
    Json const report = reportOf( "pdp-off", text );
    EXPECT_EQ( report[ "status" ][ "policyMaps" ].size(), 0u );
    EXPECT_TRUE( defaultPolicyPorts( report ).empty() );
-}
-
-// The start-up asks for the default CPU-queue rates exactly when the kernel's configuration is
-// given, at every start-up.
-TEST( PdpAndKernelInputsTest, TheKernelCoppConfigurationIsReadAtEachStartUp ) {
-   struct Case {
-      char const* config;
-      std::size_t calls;
-   };
-   for( Case const c : { Case{ "", 0 }, Case{ "kernelCoppConfig: false\n", 0 },
-                         Case{ "kernelCoppConfig: true\n", 2 } } ) {
-      SCOPED_TRACE( c.config );
-      Json const report = reportOf( "kernel-config", std::string( c.config ) + R"(
-interfaces: [ Ethernet1 ]
-steps: [ { at: 1, changes: [ { restart: true } ] } ]
-)" );
-      EXPECT_EQ( callsOf( report, "createDefaultCoppRates" ), c.calls );
-      EXPECT_EQ( report[ "controlPlane" ][ "copp" ][ "kernelConfig" ], c.calls > 0 );
-   }
 }
 
 TEST( PdpAndKernelInputsTest, ThePacketDriversCallsAreKeptInOrder ) {
