@@ -1,5 +1,6 @@
-// nevqos-sim run as a user runs it: each example's report, the same outcome on both TCAM modes,
-// every kind of chip fault, and bad scenarios refused with their place and exit code 2.
+// nevqos-sim run as a user runs it: examples cut short, the same outcome on both TCAM modes,
+// verification and --show, the engine's records, traces, and bad scenarios refused with their
+// place and exit code 2. (Chip faults have stories under tests/stories.)
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -10,7 +11,6 @@
 #include <map>
 #include <nlohmann/json.hpp>
 #include <set>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -41,36 +41,6 @@ std::string exampleUpTo( std::string const& name, std::string const& marker ) {
    std::ifstream in( example( name ) );
    std::string const text( ( std::istreambuf_iterator< char >( in ) ), {} );
    return scenarioFile( "upto-" + name, text.substr( 0, text.find( marker ) ) );
-}
-
-Json const& policyMap( Json const& report, std::string const& name ) {
-   for( Json const& p : report[ "status" ][ "policyMaps" ] ) {
-      if( p[ "name" ] == name ) return p;
-   }
-   static Json const none;
-   ADD_FAILURE() << "no policy map " << name;
-   return none;
-}
-
-Json const& classMap( Json const& pmap, std::string const& name ) {
-   for( Json const& c : pmap[ "classMaps" ] ) {
-      if( c[ "name" ] == name ) return c;
-   }
-   static Json const none;
-   ADD_FAILURE() << "no class map " << name;
-   return none;
-}
-
-// "t HANDLE: text" for each log line.
-Lines logsOf( Json const& report ) {
-   Lines out;
-   for( Json const& l : report[ "logs" ] ) {
-      std::ostringstream os;
-      os << l[ "t" ].get< double >() << " " << l[ "handle" ].get< std::string >() << ": "
-         << l[ "text" ].get< std::string >();
-      out.push_back( os.str() );
-   }
-   return out;
 }
 
 std::vector< Json > callsOf( Json const& report, std::string const& op ) {
@@ -115,52 +85,6 @@ INSTANTIATE_TEST_SUITE_P( Examples, BothTcamModesTest,
                           ::testing::Values( "tcam-exhaustion.yaml", "range-checkers.yaml",
                                              "counters.yaml", "async-timeout.yaml",
                                              "restart-reconciliation.yaml" ) );
-
-std::string const faultBase = R"(
-interfaces: [ Ethernet1 ]
-acls: [ { name: WEB, rules: [ { proto: tcp, dstPort: { eq: 80 } } ] } ]
-classMaps: [ { name: web, match: { ipv4: WEB } } ]
-policyMaps:
-  - name: pm
-    classes: [ { class: web, set: { dscp: 10 }, police: { cir: 1000, bc: 10000 } } ]
-servicePolicies: [ { policyMap: pm, interfaces: [ Ethernet1 ] } ]
-steps:
-  - { at: 2, changes: [ { fault: { index: 0, on: false } },
-                        { acl: { name: WEB, rules: [ { proto: tcp, dstPort: { eq: 81 } } ] } } ] }
-)";
-
-TEST( NevqosSimTest, PolicerExhaustionIsLoggedAndTheRestProgrammed ) {
-   std::string const path = scenarioFile(
-         "policers.yaml", "chip: { faults: [ { kind: policerExhaustion } ] }" + faultBase );
-   Json const r = runSim( { path, "--json" } ).report();
-   EXPECT_EQ( logsOf( r ), Lines{ "0.001 QOS_POLICY_POLICER_RESOURCE_FULL: Insufficient hardware "
-                                  "resources to program the police action for the class-map "
-                                  "web in the policy-map pm on interface Ethernet1." } );
-   Json const& web = classMap( policyMap( r, "pm" ), "web" );
-   ASSERT_EQ( web[ "policers" ].size(), 1u );
-   EXPECT_TRUE( web[ "policers" ][ 0 ][ "policerPrgmd" ] ) << "the new version, fault off";
-   EXPECT_EQ( r[ "resources" ][ "policers" ][ "used" ], 1 );
-}
-
-TEST( NevqosSimTest, OutOfRangeCheckersExpandsInTheWindowOfTheFault ) {
-   std::string const path = scenarioFile( "checkers.yaml", R"(
-chip: { faults: [ { kind: outOfRangeCheckers, until: 1 } ] }
-interfaces: [ Ethernet1 ]
-acls: [ { name: R, rules: [ { proto: udp, dstPort: { range: [ 100, 103 ] } },
-                            { proto: udp, dstPort: { range: [ 200, 300 ] } } ] } ]
-classMaps: [ { name: r, match: { ipv4: R } } ]
-policyMaps: [ { name: pm, classes: [ { class: r, set: { trafficClass: 1 } } ] } ]
-servicePolicies: [ { policyMap: pm, interfaces: [ Ethernet1 ] } ]
-steps:
-  - { at: 2, changes: [ { acl: { name: R, rules: [ { proto: udp, dstPort: { range: [ 200, 300 ] } } ] } } ] }
-)" );
-   Json const r = runSim( { path, "--json" } ).report();
-   auto const subrules = callsOf( r, "createIpAclSubrule" );
-   EXPECT_EQ( subrules.size(), 1u + 1u + 7u + 1u )
-         << "100-103 goes as one block; 200-300 is refused, then sent as seven blocks; after "
-            "the fault one call takes a checker";
-   EXPECT_EQ( r[ "tcam" ][ "rangeCheckers" ][ "used" ], 1 );
-}
 
 TEST( NevqosSimTest, TheTextReportIsTheDefault ) {
    SimRun const run = runSim( { example( "tcam-exhaustion.yaml" ), "--limit", "3" } );
