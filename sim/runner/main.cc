@@ -156,18 +156,17 @@ int main( int argc, char** argv ) {
       if( !traces.empty() || !scenario.traces.empty() ) {
          report[ "trace" ] = Sim::tracesOf( sw.traces() );
       }
-      if( !scenario.expect.empty() ) report[ "expect" ] = Sim::expectationsMet( scenario, sw );
+      bool const expects = !scenario.expect.empty();
+      if( expects ) report[ "expect" ] = Sim::expectationsMet( scenario, sw );
       if( json ) {
          std::cout << report.dump( 2 ) << "\n";
       } else {
          Sim::printTextReport( std::cout, report, limit );
-         if( report.contains( "expect" ) ) Sim::printExpectations( std::cout, report[ "expect" ] );
+         if( expects ) Sim::printExpectations( std::cout, report[ "expect" ] );
       }
       if( showOption->count() != 0 ) show( sw, showType, !brief );
       if( !verification.findings.empty() ) return mismatch;
-      if( report.contains( "expect" ) && !report[ "expect" ][ "met" ].get< bool >() ) {
-         return mismatch;
-      }
+      if( expects && !report[ "expect" ][ "met" ].get< bool >() ) return mismatch;
    } catch( Sim::ScenarioError const& e ) {
       std::cerr << "nevqos-sim: " << e.what() << "\n";
       return badInput;

@@ -1,12 +1,18 @@
 #include "sim/scenario/ExpectReader.h"
 
 #include <string>
+#include <string_view>
+#include <utility>
+
+#include "sim/scenario/ScenarioNames.h"
 
 namespace Sim {
 
 namespace {
 
-char const* const helperNames[] = { "acl", "basic", "cbf" };
+constexpr std::pair< std::string_view, char const* > helperNames[] = { { "acl", "acl" },
+                                                                       { "basic", "basic" },
+                                                                       { "cbf", "cbf" } };
 
 // `{ call: OP, helper, args, at }` or `{ log: HANDLE, text, at }`.
 ExpectItem eventOf( YAML::Node const& node, YamlReader const& yaml, std::string const& what ) {
@@ -20,12 +26,7 @@ ExpectItem eventOf( YAML::Node const& node, YamlReader const& yaml, std::string 
    item.name = yaml.text( item.isCall ? call : log, item.isCall ? "call" : "log" );
    if( auto const helper = node[ "helper" ] ) {
       if( !item.isCall ) yaml.fail( helper, "helper: a log line has none" );
-      item.helper = yaml.text( helper, "helper" );
-      bool known = false;
-      for( char const* h : helperNames )
-         known = known || item.helper == h;
-      if( !known )
-         yaml.fail( helper, "helper: '" + item.helper + "' is not one of acl, basic, cbf" );
+      item.helper = yaml.choice( helper, "helper", NameTable< char const* >( helperNames ) );
    }
    if( auto const args = node[ "args" ] ) {
       if( !item.isCall ) yaml.fail( args, "args: a log line has none; give text" );

@@ -4,7 +4,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <string>
@@ -52,6 +54,38 @@ std::string scenarioFile( std::string const& name, std::string const& text ) {
    std::string const path = ::testing::TempDir() + name;
    std::ofstream( path ) << text;
    return path;
+}
+
+std::vector< std::string > scenarioNamesIn( std::string const& folder ) {
+   std::vector< std::string > names;
+   for( auto const& entry : std::filesystem::directory_iterator( folder ) ) {
+      if( entry.path().extension() == ".yaml" ) names.push_back( entry.path().stem().string() );
+   }
+   std::sort( names.begin(), names.end() );
+   return names;
+}
+
+std::string testNameOf( ::testing::TestParamInfo< std::string > const& param ) {
+   std::string name = param.param;
+   std::replace( name.begin(), name.end(), '-', '_' );
+   return name;
+}
+
+std::string oneClassOnEthernet1() {
+   return R"(
+interfaces: [ Ethernet1, Ethernet2 ]
+acls:
+  - name: A
+    rules: [ { proto: udp } ]
+classMaps:
+  - { name: c, match: { ipv4: A } }
+policyMaps:
+  - name: p
+    classes:
+      - { class: c, set: { dscp: 10 } }
+servicePolicies:
+  - { policyMap: p, interfaces: [ Ethernet1 ] }
+)";
 }
 
 }  // namespace NevQosTest

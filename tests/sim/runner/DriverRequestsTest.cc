@@ -11,24 +11,10 @@ namespace {
 
 using Json = nlohmann::json;
 
-std::string const configuration = R"(
-interfaces: [ Ethernet1, Ethernet2 ]
-acls:
-  - name: A
-    rules: [ { proto: udp } ]
-classMaps:
-  - { name: c, match: { ipv4: A } }
-policyMaps:
-  - name: p
-    classes:
-      - { class: c, set: { dscp: 10 } }
-servicePolicies:
-  - { policyMap: p, interfaces: [ Ethernet1 ] }
-)";
-
 TEST( DriverRequestsTest, ACounterClientThatGoesTakesItsCounterMachine ) {
    auto const clientsAfter = []( std::string const& changes ) {
-      std::string const path = scenarioFile( "clients.yaml", configuration + "steps:\n" + changes );
+      std::string const path =
+            scenarioFile( "clients.yaml", oneClassOnEthernet1() + "steps:\n" + changes );
       SimRun const run = runSim( { path, "--json" } );
       EXPECT_EQ( run.exitCode, 0 ) << run.err;
       return run.exitCode == 0 ? run.report()[ "engine" ][ "counterClients" ] : Json();

@@ -10,14 +10,11 @@
 // before committing it.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <map>
 #include <nlohmann/json.hpp>
 #include <string>
-#include <vector>
 
 #include "support/SimProgram.h"
 
@@ -84,22 +81,9 @@ TEST_P( ExampleExpectationsTest, TheReportIsAsExpected ) {
          << Json::diff( expected, seen ).dump( 2 );
 }
 
-// The examples' names, from the folder, in order.
-std::vector< std::string > exampleNames() {
-   std::vector< std::string > names;
-   for( auto const& entry : std::filesystem::directory_iterator( NEVQOS_EXAMPLES_DIR ) ) {
-      if( entry.path().extension() == ".yaml" ) names.push_back( entry.path().stem().string() );
-   }
-   std::sort( names.begin(), names.end() );
-   return names;
-}
-
-INSTANTIATE_TEST_SUITE_P( Examples, ExampleExpectationsTest, ::testing::ValuesIn( exampleNames() ),
-                          []( ::testing::TestParamInfo< std::string > const& param ) {
-                             std::string name = param.param;
-                             std::replace( name.begin(), name.end(), '-', '_' );
-                             return name;
-                          } );
+INSTANTIATE_TEST_SUITE_P( Examples, ExampleExpectationsTest,
+                          ::testing::ValuesIn( scenarioNamesIn( NEVQOS_EXAMPLES_DIR ) ),
+                          testNameOf );
 
 }  // namespace
 }  // namespace NevQosTest

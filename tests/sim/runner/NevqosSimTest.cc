@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <map>
@@ -126,13 +125,10 @@ TEST( NevqosSimTest, BadScenariosAreRefusedWithTheirPlace ) {
 // ---- Verification and show
 
 TEST( NevqosSimTest, EveryExampleButTheDamagedOneVerifiesClean ) {
-   namespace fs = std::filesystem;
-   std::vector< std::string > names;
-   for( auto const& f : fs::directory_iterator( fs::path( example( "x" ) ).parent_path() ) ) {
-      if( f.path().extension() == ".yaml" ) names.push_back( f.path().filename().string() );
-   }
+   std::vector< std::string > const names = scenarioNamesIn( NEVQOS_EXAMPLES_DIR );
    ASSERT_GE( names.size(), 10u );
-   for( std::string const& name : names ) {
+   for( std::string const& stem : names ) {
+      std::string const name = stem + ".yaml";
       if( name == "tcam-corruption.yaml" ) continue;
       for( char const* mode : { "synchronous", "asynchronous" } ) {
          SCOPED_TRACE( name + " " + mode );

@@ -4,10 +4,7 @@
 // their story through such a list; each must be met, and verify clean at every check point.
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <filesystem>
 #include <string>
-#include <vector>
 
 #include "support/SimProgram.h"
 
@@ -17,20 +14,7 @@ namespace {
 using Json = nlohmann::json;
 
 // Ethernet1 has the map from the start and Ethernet2 joins at 2 s.
-std::string const story = R"(
-interfaces: [ Ethernet1, Ethernet2 ]
-acls:
-  - name: A
-    rules: [ { proto: udp } ]
-classMaps:
-  - { name: c, match: { ipv4: A } }
-policyMaps:
-  - name: p
-    classes:
-      - { class: c, set: { dscp: 10 } }
-servicePolicies:
-  - { policyMap: p, interfaces: [ Ethernet1 ] }
-steps:
+std::string const story = oneClassOnEthernet1() + R"(steps:
   - at: 2
     changes:
       - attach: { policyMap: p, interfaces: [ Ethernet2 ] }
@@ -128,16 +112,6 @@ TEST( ScenarioExpectTest, TheTextReportSaysWhetherTheListWasMet ) {
          << unmet.out;
 }
 
-// The stories' names, from their folder, in order.
-std::vector< std::string > storyNames() {
-   std::vector< std::string > names;
-   for( auto const& entry : std::filesystem::directory_iterator( NEVQOS_STORIES_DIR ) ) {
-      if( entry.path().extension() == ".yaml" ) names.push_back( entry.path().stem().string() );
-   }
-   std::sort( names.begin(), names.end() );
-   return names;
-}
-
 class StoryTest : public ::testing::TestWithParam< std::string > {};
 
 TEST_P( StoryTest, ItsExpectationsAreMet ) {
@@ -150,12 +124,9 @@ TEST_P( StoryTest, ItsExpectationsAreMet ) {
    EXPECT_EQ( report[ "verify" ][ "findings" ], Json::array() );
 }
 
-INSTANTIATE_TEST_SUITE_P( Stories, StoryTest, ::testing::ValuesIn( storyNames() ),
-                          []( ::testing::TestParamInfo< std::string > const& param ) {
-                             std::string name = param.param;
-                             std::replace( name.begin(), name.end(), '-', '_' );
-                             return name;
-                          } );
+INSTANTIATE_TEST_SUITE_P( Stories, StoryTest,
+                          ::testing::ValuesIn( scenarioNamesIn( NEVQOS_STORIES_DIR ) ),
+                          testNameOf );
 
 }  // namespace
 }  // namespace NevQosTest
