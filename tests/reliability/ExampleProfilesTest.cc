@@ -15,7 +15,7 @@
 #include <variant>
 #include <vector>
 
-#include "reliability/AbortNote.h"
+#include "sim/checks/AbortNote.h"
 #include "sim/checks/CheckedRun.h"
 #include "sim/scenario/ScenarioError.h"
 #include "sim/scenario/ScenarioLoader.h"
@@ -217,7 +217,8 @@ TEST_P( ExampleProfilesTest, EndsCleanOnEveryBoundaryChip ) {
          }
          std::string const path =
                ::testing::TempDir() + "example-" + name + "-" + mode + "-" + profile + ".yaml";
-         AbortNote const note( where + "; nevqos-sim " + path + " --verify=always replays it" );
+         Sim::AbortNote const note( where + "; nevqos-sim " + path +
+                                    " --verify=always replays it" );
          std::ofstream( path ) << text;
          Sim::CheckedRun const run = Sim::checkedRun( scenario );
          ++runs;

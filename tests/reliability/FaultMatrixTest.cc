@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "reliability/SwitchImage.h"
+#include "reliability/ReliabilityTest.h"
 
 namespace NevQosTest {
 namespace {

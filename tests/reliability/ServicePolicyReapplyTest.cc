@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "reliability/SwitchImage.h"
+#include "reliability/ReliabilityTest.h"
 #include "reliability/VerifiedRun.h"
 
 namespace NevQosTest {

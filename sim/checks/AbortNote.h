@@ -5,7 +5,7 @@
 
 #include <string>
 
-namespace NevQosTest {
+namespace Sim {
 
 class AbortNote {
  public:
@@ -19,4 +19,4 @@ class AbortNote {
    AbortNote* outer_;
 };
 
-}  // namespace NevQosTest
+}  // namespace Sim

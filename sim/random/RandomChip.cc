@@ -1,11 +1,11 @@
-#include "reliability/RandomChip.h"
+#include "sim/random/RandomChip.h"
 
 #include <sstream>
 #include <stdexcept>
 
 #include "sim/checks/KnownDefects.h"
 
-namespace NevQosTest {
+namespace Sim {
 
 namespace {
 
@@ -122,7 +122,7 @@ std::vector< std::string > const& RandomChip::faultNames() {
    return names;
 }
 
-RandomChip::RandomChip( std::mt19937_64& random, Sim::TcamMode mode ) : mode_( mode ) {
+RandomChip::RandomChip( std::mt19937_64& random, TcamMode mode ) : mode_( mode ) {
    auto pick = [ & ]( std::size_t n ) {
       return std::size_t( std::uniform_int_distribution< std::size_t >( 0, n - 1 )( random ) );
    };
@@ -258,4 +258,4 @@ double RandomChip::settleTime() const {
    return 0.9;
 }
 
-}  // namespace NevQosTest
+}  // namespace Sim

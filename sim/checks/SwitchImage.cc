@@ -1,17 +1,14 @@
-#include "reliability/SwitchImage.h"
-
-#include <gtest/gtest.h>
+#include "sim/checks/SwitchImage.h"
 
 #include <sstream>
 
 #include "sim/chip/ChipText.h"
-#include "sim/scenario/ScenarioLoader.h"
 
-namespace NevQosTest {
+namespace Sim {
 
 namespace {
 
-std::string entryText( Sim::TcamEntry const& e ) {
+std::string entryText( TcamEntry const& e ) {
    std::string out =
          e.kind + " " + std::to_string( e.ruleNum ) + "." + std::to_string( e.subruleNum );
    for( auto const& [ name, value ] : e.fields ) {
@@ -25,14 +22,14 @@ std::string entryText( Sim::TcamEntry const& e ) {
 
 }  // namespace
 
-TcamImage tcamImageOf( Sim::SimSwitch const& sw ) {
+TcamImage tcamImageOf( SimSwitch const& sw ) {
    TcamImage image;
    auto const& ports = sw.chip().aclPorts();
    for( auto const& [ id, acl ] : sw.chip().tcam().acls() ) {
       AclImage& out = image[ id ];
       out.slice = acl.slice;
       out.committed = acl.committed;
-      for( Sim::TcamEntry const& e : acl.entries )
+      for( TcamEntry const& e : acl.entries )
          out.entries.push_back( entryText( e ) );
       if( auto const it = ports.find( id ); it != ports.end() ) out.ports = it->second;
    }
@@ -47,9 +44,9 @@ std::vector< std::string > aclsOfPolicyMap( TcamImage const& image, std::string 
    return out;
 }
 
-std::map< std::string, std::uint64_t > resourcesInUse( Sim::SimSwitch const& sw ) {
+std::map< std::string, std::uint64_t > resourcesInUse( SimSwitch const& sw ) {
    std::map< std::string, std::uint64_t > out;
-   Sim::SimQosAclHelper const& chip = sw.chip();
+   SimQosAclHelper const& chip = sw.chip();
    for( auto const& [ name, slice ] : chip.tcam().slices() )
       out[ "tcam " + name ] = slice.used;
    out[ "range checkers" ] = chip.tcam().rangeCheckersUsed();
@@ -58,7 +55,7 @@ std::map< std::string, std::uint64_t > resourcesInUse( Sim::SimSwitch const& sw 
    out[ "cpu queues" ] = chip.cpuQueuesUsed();
    out[ "port cpu queue policers" ] = chip.portCpuQueuePolicers().size();
    out[ "pending operations" ] = chip.pendingOperations();
-   Sim::SimQosBasicHelper const& basic = sw.basicChip();
+   SimQosBasicHelper const& basic = sw.basicChip();
    out[ "ecn profiles" ] = basic.ecnProfiles().used();
    out[ "wred profiles" ] = basic.wredProfiles().used();
    out[ "drop threshold profiles" ] = basic.dropThresholdProfiles().used();
@@ -67,7 +64,7 @@ std::map< std::string, std::uint64_t > resourcesInUse( Sim::SimSwitch const& sw 
    return out;
 }
 
-std::vector< std::string > logLinesOf( Sim::SimSwitch const& sw, std::size_t from ) {
+std::vector< std::string > logLinesOf( SimSwitch const& sw, std::size_t from ) {
    std::vector< std::string > out;
    auto const& logs = sw.logs();
    for( std::size_t i = from; i < logs.size(); ++i )
@@ -75,15 +72,15 @@ std::vector< std::string > logLinesOf( Sim::SimSwitch const& sw, std::size_t fro
    return out;
 }
 
-std::vector< std::string > policyMapStatusOf( Sim::SimSwitch const& sw ) {
+std::vector< std::string > policyMapStatusOf( SimSwitch const& sw ) {
    std::vector< std::string > out;
    for( auto t = sw.aclSliceHwStatus().pmapType().iter(); t; ++t ) {
       for( auto p = t.value()->pmap().iter(); p; ++p ) {
-         std::string line = Sim::textOf( p.key().direction() );
+         std::string line = textOf( p.key().direction() );
          line += "/";
          line += p.key().name().str().stdString();
          line += ": ";
-         line += Sim::textOf( p.value()->prgmStatus() );
+         line += textOf( p.value()->prgmStatus() );
          line += " (";
          line += p.value()->prgmStatusErrMessage().stdString();
          line += ")";
@@ -91,10 +88,6 @@ std::vector< std::string > policyMapStatusOf( Sim::SimSwitch const& sw ) {
       }
    }
    return out;
-}
-
-std::string tcamModeName( ::testing::TestParamInfo< Sim::TcamMode > const& mode ) {
-   return mode.param == Sim::TcamMode::synchronous ? "synchronous" : "asynchronous";
 }
 
 std::string textOf( TcamImage const& image ) {
@@ -110,13 +103,4 @@ std::string textOf( TcamImage const& image ) {
    return os.str();
 }
 
-Sim::Scenario scenarioOf( std::string const& yaml ) {
-   try {
-      return Sim::loadScenarioText( yaml, "test.yaml" );
-   } catch( Sim::ScenarioError const& e ) {
-      ADD_FAILURE() << e.what() << "\n" << yaml;
-      return {};
-   }
-}
-
-}  // namespace NevQosTest
+}  // namespace Sim

@@ -1,11 +1,11 @@
-#include "reliability/RandomConfig.h"
+#include "sim/random/RandomConfig.h"
 
 #include <algorithm>
 #include <iterator>
 
 #include "sim/checks/KnownDefects.h"
 
-namespace NevQosTest {
+namespace Sim {
 
 namespace {
 
@@ -210,7 +210,7 @@ std::string fecOverrideText( std::string const& key, unsigned overriding ) {
 
 }  // namespace
 
-RandomConfig::RandomConfig( std::uint64_t seed, Sim::TcamMode mode )
+RandomConfig::RandomConfig( std::uint64_t seed, TcamMode mode )
     : random_( seed ), chip_( random_, mode ), faultOn_( RandomChip::faultNames().size(), false ) {
    for( std::string const acl : { "A1", "A2", "A3", "B1", "M1" } ) {
       auto const& pool = rulePool( familyOf( acl ) );
@@ -270,14 +270,14 @@ bool RandomConfig::faultOn( std::string const& name ) const {
 // Known defect vlan-rule-compile-order: no VLAN rule.
 bool RandomConfig::ruleAllowed( std::string const& family, unsigned rule ) const {
    return !rulePool( family )[ rule ].starts_with( "vlan:" ) ||
-          !Sim::avoided( "vlan-rule-compile-order" );
+          !avoided( "vlan-rule-compile-order" );
 }
 
 std::string RandomConfig::drawMatch( std::string const& cmap ) {
    // Known defect mpls-tc-list-binding: no MPLS traffic-class match.
    std::vector< std::string > allowed;
    for( std::string const& m : classMaps.at( cmap ).matches ) {
-      if( !m.starts_with( "mplsTrafficClass" ) || !Sim::avoided( "mpls-tc-list-binding" ) ) {
+      if( !m.starts_with( "mplsTrafficClass" ) || !avoided( "mpls-tc-list-binding" ) ) {
          allowed.push_back( m );
       }
    }
@@ -639,4 +639,4 @@ std::set< std::string > RandomConfig::configuredLogHandles() const {
    return out;
 }
 
-}  // namespace NevQosTest
+}  // namespace Sim

@@ -14,14 +14,14 @@
 
 #include "sim/chip/ChipConfig.h"
 
-namespace NevQosTest {
+namespace Sim {
 
 class RandomChip {
  public:
    // Names of the faults the chip declares, in order; all start switched off.
    static std::vector< std::string > const& faultNames();
 
-   RandomChip( std::mt19937_64& random, Sim::TcamMode mode );
+   RandomChip( std::mt19937_64& random, TcamMode mode );
 
    // The chip section as a flow mapping: every key, with the faults or without.
    std::string text( bool withFaults ) const;
@@ -33,7 +33,7 @@ class RandomChip {
    // A key's value as drawn.
    std::uint64_t number( std::string const& key ) const;
    bool flag( std::string const& key ) const;
-   bool asynchronous() const { return mode_ == Sim::TcamMode::asynchronous; }
+   bool asynchronous() const { return mode_ == TcamMode::asynchronous; }
    // Every pool of the TCAM side is large: no order of changes runs it out.
    bool roomy() const;
    // Whether the TCAM's slices, range checkers, policers, counters, CPU queues, CBF rules or
@@ -43,11 +43,11 @@ class RandomChip {
    double settleTime() const;
 
  private:
-   Sim::TcamMode mode_;
+   TcamMode mode_;
    // Key to value as scenario text, in the order written.
    std::vector< std::pair< std::string, std::string > > settings_;
    std::map< std::string, std::string > byKey_;
    std::string faults_;
 };
 
-}  // namespace NevQosTest
+}  // namespace Sim

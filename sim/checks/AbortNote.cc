@@ -1,11 +1,11 @@
-#include "reliability/AbortNote.h"
+#include "sim/checks/AbortNote.h"
 
 #include <unistd.h>
 
 #include <csignal>
 #include <utility>
 
-namespace NevQosTest {
+namespace Sim {
 
 namespace {
 
@@ -38,4 +38,4 @@ AbortNote::~AbortNote() {
    if( !outer_ ) std::signal( SIGABRT, SIG_DFL );
 }
 
-}  // namespace NevQosTest
+}  // namespace Sim

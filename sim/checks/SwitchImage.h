@@ -11,12 +11,9 @@
 #include <string>
 #include <vector>
 
-#include <gtest/gtest.h>
-
 #include "sim/runner/SimSwitch.h"
-#include "sim/scenario/Scenario.h"
 
-namespace NevQosTest {
+namespace Sim {
 
 struct AclImage {
    std::string slice;
@@ -27,23 +24,17 @@ struct AclImage {
 };
 using TcamImage = std::map< std::string, AclImage >;
 
-TcamImage tcamImageOf( Sim::SimSwitch const& sw );
+TcamImage tcamImageOf( SimSwitch const& sw );
 // The ACL ids of `image` whose policy map is `pmapName`.
 std::vector< std::string > aclsOfPolicyMap( TcamImage const& image, std::string const& pmapName );
 // Resource name to units in use: TCAM entries per slice, range checkers, policers, counters, CPU
 // queues, port CPU queue policers, queue profiles, ECN counters, CBF rules, pending operations.
-std::map< std::string, std::uint64_t > resourcesInUse( Sim::SimSwitch const& sw );
+std::map< std::string, std::uint64_t > resourcesInUse( SimSwitch const& sw );
 // The log lines from the `from`th on.
-std::vector< std::string > logLinesOf( Sim::SimSwitch const& sw, std::size_t from = 0 );
+std::vector< std::string > logLinesOf( SimSwitch const& sw, std::size_t from = 0 );
 // "direction/name: status (message)" of every policy map in the hardware status.
-std::vector< std::string > policyMapStatusOf( Sim::SimSwitch const& sw );
-// The name of a test run on `mode`.
-std::string tcamModeName( ::testing::TestParamInfo< Sim::TcamMode > const& mode );
-
+std::vector< std::string > policyMapStatusOf( SimSwitch const& sw );
 // Text of an image, for failure messages.
 std::string textOf( TcamImage const& image );
 
-// A scenario from YAML text; the test fails (and the scenario is empty) when it can't be read.
-Sim::Scenario scenarioOf( std::string const& yaml );
-
-}  // namespace NevQosTest
+}  // namespace Sim

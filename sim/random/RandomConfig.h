@@ -17,13 +17,13 @@
 #include <string>
 #include <vector>
 
-#include "reliability/RandomChip.h"
+#include "sim/random/RandomChip.h"
 
-namespace NevQosTest {
+namespace Sim {
 
 class RandomConfig {
  public:
-   RandomConfig( std::uint64_t seed, Sim::TcamMode mode );
+   RandomConfig( std::uint64_t seed, TcamMode mode );
 
    RandomChip const& chip() const { return chip_; }
    // The configuration as it stands, as a scenario with no steps, on `chipText`.
@@ -104,4 +104,4 @@ class RandomConfig {
    bool ethernet7_ = false;
 };
 
-}  // namespace NevQosTest
+}  // namespace Sim
