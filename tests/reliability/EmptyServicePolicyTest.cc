@@ -63,14 +63,7 @@ TEST_P( EmptyServicePolicyTest, ReportsSuccessForTheVersionConfiguredAndHoldsNot
       s.chip.tcamMode = GetParam();
       if( GetParam() == Sim::TcamMode::asynchronous ) s.chip.asyncDelay = 0.5;
       Sim::SimSwitch sw( s );
-      Lines findings;
-      for( Sim::Step const& step : s.steps ) {
-         for( std::string& f : stepVerified( sw, step ) )
-            findings.push_back( std::move( f ) );
-      }
-      for( std::string& f : runVerified( sw, at + 10.0 ) )
-         findings.push_back( std::move( f ) );
-      EXPECT_EQ( findings, Lines{} ) << r.what;
+      EXPECT_EQ( stepsVerified( sw, s.steps, at + 10.0 ), Lines{} ) << r.what;
       EXPECT_EQ( policyMapStatusOf( sw ), Lines{ "input/p: hwPrgmStatusSuccess ()" } ) << r.what;
       auto const type = sw.aclSliceHwStatus().pmapType( Qos::mapQos_ );
       auto const pmap =

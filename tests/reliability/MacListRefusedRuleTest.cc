@@ -56,14 +56,7 @@ TEST_P( MacListRefusedRuleTest, TheMapFailsAndLeavesNothingInTheChip ) {
       s.chip.tcamMode = GetParam();
       if( GetParam() == Sim::TcamMode::asynchronous ) s.chip.asyncDelay = 0.5;
       Sim::SimSwitch sw( s );
-      Lines findings;
-      for( Sim::Step const& step : s.steps ) {
-         for( std::string& f : stepVerified( sw, step ) )
-            findings.push_back( std::move( f ) );
-      }
-      for( std::string& f : runVerified( sw, 5.0 ) )
-         findings.push_back( std::move( f ) );
-      EXPECT_EQ( findings, Lines{} ) << r.what;
+      EXPECT_EQ( stepsVerified( sw, s.steps, 5.0 ), Lines{} ) << r.what;
       Lines status = policyMapStatusOf( sw );
       std::erase( status, "input/q: hwPrgmStatusSuccess ()" );
       EXPECT_EQ( status, Lines{ "input/p: hwPrgmStatusFail (Insufficient hardware resources)" } )

@@ -61,14 +61,7 @@ TEST_P( MplsTrafficClassTeardownTest, TheTrafficClassListLeavesTheChipWithItsCla
       s.chip.tcamMode = GetParam();
       if( GetParam() == Sim::TcamMode::asynchronous ) s.chip.asyncDelay = 0.5;
       Sim::SimSwitch sw( s );
-      Lines findings;
-      for( Sim::Step const& step : s.steps ) {
-         for( std::string& f : stepVerified( sw, step ) )
-            findings.push_back( std::move( f ) );
-      }
-      for( std::string& f : runVerified( sw, 5.0 ) )
-         findings.push_back( std::move( f ) );
-      EXPECT_EQ( findings, Lines{} ) << t.what;
+      EXPECT_EQ( stepsVerified( sw, s.steps, 5.0 ), Lines{} ) << t.what;
       EXPECT_EQ( policyMapStatusOf( sw ), t.status ) << t.what;
       TcamImage const tcam = tcamImageOf( sw );
       for( auto const& [ id, acl ] : tcam )

@@ -35,4 +35,16 @@ std::vector< std::string > stepVerified( Sim::SimSwitch& sw, Sim::Step const& st
    return findings;
 }
 
+std::vector< std::string > stepsVerified( Sim::SimSwitch& sw, std::vector< Sim::Step > const& steps,
+                                          Zub::Seconds until ) {
+   std::vector< std::string > findings;
+   for( Sim::Step const& step : steps ) {
+      for( std::string& f : stepVerified( sw, step ) )
+         findings.push_back( std::move( f ) );
+   }
+   for( std::string& f : runVerified( sw, until ) )
+      findings.push_back( std::move( f ) );
+   return findings;
+}
+
 }  // namespace NevQosTest

@@ -22,4 +22,8 @@ std::vector< std::string > stepVerified( Sim::SimSwitch& sw, Sim::Step const& st
                                          std::function< void() > const& check = {},
                                          Zub::Seconds slice = 0.01 );
 
+// Every step of `steps` verified, then on to `until`; the findings of all.
+std::vector< std::string > stepsVerified( Sim::SimSwitch& sw, std::vector< Sim::Step > const& steps,
+                                          Zub::Seconds until );
+
 }  // namespace NevQosTest
