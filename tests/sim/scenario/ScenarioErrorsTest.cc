@@ -455,6 +455,17 @@ policyMaps:
    { "kernelCoppConfig: [ true ]\n",
      "bad.yaml:1:19: kernelCoppConfig: expected true or false, found a sequence" },
 
+   // Basic QoS settings.
+   { "globalMaps: { cosToTc: { 8: 1 } }\n", "bad.yaml:1:26: cosToTc: 8 is out of range 0..7" },
+   { "interfaceQos: [ { interface: Ethernet1, cosToTcProfile: p } ]\n",
+     "bad.yaml:1:17: interface Ethernet1 names COS-to-TC profile p, which does not exist" },
+   { "dscpRewriteMaps: [ { name: m } ]\n"
+     "interfaceQos: [ { interface: Ethernet1, dscpRewriteMap: m } ]\n"
+     "steps: [ { at: 1, changes: [ { removeDscpRewriteMap: m } ] } ]\n",
+     "bad.yaml:3:30: DSCP rewrite map m is used by interface Ethernet1" },
+   { "interfaceQos: [ { interface: Ethernet1, queues: [ { queue: 1, ecn: { min: 9, max: 3 } } ] } "
+     "]\n",
+     "bad.yaml:1:68: ecn: min is above max" },
    // Expectations that say nothing clear.
    { "expect: { call: hwInit }\n", "bad.yaml:1:9: expect: expected a sequence, found a mapping" },
    { "expect: [ { helper: acl } ]\n", "bad.yaml:1:11: expect item: give call or log, one of them" },
