@@ -466,6 +466,26 @@ policyMaps:
    { "interfaceQos: [ { interface: Ethernet1, queues: [ { queue: 1, ecn: { min: 9, max: 3 } } ] } "
      "]\n",
      "bad.yaml:1:68: ecn: min is above max" },
+   // Basic QoS inputs: a trust mode neither a name nor a 32-bit number, the second datapath's
+   // service policies, the review's quantum.
+   { "interfaces: [ Ethernet1 ]\ninterfaceQos:\n  - { interface: Ethernet1, trust: 4294967296 }\n",
+     "bad.yaml:3:36: trust: 4294967296 is out of range 0..4294967295" },
+   { "interfaces: [ Ethernet1 ]\ninterfaceQos:\n  - { interface: Ethernet1, trust: cost }\n",
+     "bad.yaml:3:36: trust: 'cost' is not one of cos, dscp, untrusted" },
+   { "steps:\n  - at: 1\n    changes:\n      - servicePolicyDP1: { policyMap: core }\n"
+     "      - servicePolicyDP1: { policyMap: edge, on: false }\n",
+     "bad.yaml:5:9: the second datapath does not hold service policy qos input edge to switch "
+     "off" },
+   { "steps: [ { at: 1, changes: [ { servicePolicyDP1: { policyMap: a, on: maybe } } ] } ]\n",
+     "bad.yaml:1:70: on: expected true or false, found 'maybe'" },
+   { "chip: { cbfReviewQuantum: 0 }\n",
+     "bad.yaml:1:27: cbfReviewQuantum: 0 is out of range 1..4294967295" },
+   { "chip: { faults: [ { kind: operationError, op: deleteMapping, error: outOfTcam } ] }\n",
+     "bad.yaml:1:69: error: does not apply to class-based-forwarding operation deleteMapping, "
+     "which fails as its driver does" },
+   { "chip: { faults: [ { kind: operationError, op: syncMapping } ] }\n",
+     "bad.yaml:1:47: op: 'syncMapping' is no operation of the ACL, basic QoS or "
+     "class-based-forwarding helper that a fault can fail" },
    // Expectations that say nothing clear.
    { "expect: { call: hwInit }\n", "bad.yaml:1:9: expect: expected a sequence, found a mapping" },
    { "expect: [ { helper: acl } ]\n", "bad.yaml:1:11: expect item: give call or log, one of them" },
