@@ -154,21 +154,6 @@ TEST( HelperQuestionsTest, ARefusedMacRuleGivesItsNumberToTheNext ) {
               arg( ChipRun( "", macClass ).calls( "createMacAclRule" )[ 0 ], "ruleNum" ) );
 }
 
-TEST( HelperQuestionsTest, AnInterfaceJoinsTheMapOfItsGroup ) {
-   ChipRun const run( "aclGroups: { Ethernet2: uplinks, Ethernet3: uplinks }", webOnTwoPorts );
-   std::vector< std::string > maps;
-   for( auto const& call : run.calls( "precreateAcl" ) )
-      maps.push_back( arg( call, "classData" ) );
-   EXPECT_EQ( maps, ( std::vector< std::string >{ "gold(qos,input)/web/Default",
-                                                  "gold(qos,input,uplinks)/web/Default" } ) );
-   // Ethernet3 joins the list of its group, not the default one.
-   auto const ports = run.sw->chip().aclPorts();
-   ASSERT_EQ( ports.size(), 2u );
-   EXPECT_EQ( ports.begin()->second, ( std::set< std::string >{ "Ethernet1" } ) );
-   EXPECT_EQ( ports.rbegin()->second, ( std::set< std::string >{ "Ethernet2", "Ethernet3" } ) );
-   EXPECT_EQ( run.goldStatus().prgmStatus(), Qos::hwPrgmStatusSuccess_ );
-}
-
 TEST( HelperQuestionsTest, AnSviWaitsForTheInterfaceListOnAChipThatDelaysIt ) {
    struct Case {
       char const* keys;
@@ -228,23 +213,6 @@ TEST( HelperQuestionsTest, AChipThatReportsItsOwnStatusWritesTheStatusAlone ) {
    }
 }
 
-TEST( HelperQuestionsTest, RenamedBaseNamesNameTheGeneratedLists ) {
-   std::string const vlanClass = R"(
-interfaces: [ Ethernet1 ]
-classMaps: [ { name: v, match: { vlan: 10 } } ]
-policyMaps: [ { name: gold, classes: [ { class: v, set: { dscp: 10 } } ] } ]
-servicePolicies: [ { policyMap: gold, interfaces: [ Ethernet1 ] } ]
-)";
-   auto keyOf = []( ChipRun const& run ) {
-      auto const made = run.calls( "precreateAcl" );
-      return made.empty() ? std::string() : arg( made[ 0 ], "aclKey" );
-   };
-   EXPECT_EQ( keyOf( ChipRun( "", vlanClass ) ).rfind( "vlan-acl-", 0 ), 0u );
-   EXPECT_EQ(
-         keyOf( ChipRun( "aclNames: { vlanAclName: v4vlan }", vlanClass ) ).rfind( "v4vlan-", 0 ),
-         0u );
-}
-
 TEST( HelperQuestionsTest, AnAsynchronousCommitRefusedInTheCallIsNotSeenByTheEngine ) {
    std::string const refused =
          "tcamMode: asynchronous, asyncDelay: 0.01, faults: [ { kind: operationError, op: "
@@ -268,7 +236,7 @@ TEST( HelperQuestionsTest, AnAsynchronousRuleRefusedInTheCallStopsTheEngine ) {
    EXPECT_DEATH( ChipRun( refused, webOnTwoPorts ), "aclCreateErrorNone" );
 }
 
-TEST( HelperQuestionsTest, TheDriversInputsMoveTheEngine ) {
+TEST( HelperQuestionsTest, EachChangeOfCliWaitingRestatesTheConfigurationVersion ) {
    // Restating the configuration version: one more "applied" trace per change of cliWaiting.
    auto applied = []( std::string const& changes ) {
       Zub::traceEnable( "NevQos/2" );
@@ -283,17 +251,6 @@ TEST( HelperQuestionsTest, TheDriversInputsMoveTheEngine ) {
    auto const base = applied( "[]" );
    EXPECT_EQ( applied( "[ { cliWaiting: true } ]" ), base + 1 );
    EXPECT_EQ( applied( "[ { cliWaiting: false } ]" ), base );
-
-   // Every policy map programmed anew: its list destroyed and made again at the step.
-   std::string const reprogram = webOnTwoPorts +
-                                 "  - at: 2\n    changes: [ { "
-                                 "reprogramAllPolicyMaps: true } ]\n";
-   ChipRun const run( "", reprogram );
-   auto const made = run.calls( "precreateAcl" );
-   ASSERT_EQ( made.size(), 2u );
-   EXPECT_DOUBLE_EQ( made[ 1 ].t, 2.0 );
-   EXPECT_EQ( run.count( "destroyAcl" ), 1u );
-   EXPECT_EQ( run.goldStatus().prgmStatus(), Qos::hwPrgmStatusSuccess_ );
 }
 
 }  // namespace
