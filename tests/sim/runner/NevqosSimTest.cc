@@ -1,5 +1,5 @@
 // nevqos-sim run as a user runs it: examples cut short, the same outcome on both TCAM modes,
-// verification and --show, the engine's records, traces, and bad scenarios refused with their
+// verification and --show, the engine's records, and bad scenarios and flags refused with their
 // place and exit code 2. (Chip faults have stories under tests/stories.)
 #include <gtest/gtest.h>
 
@@ -9,7 +9,6 @@
 #include <iterator>
 #include <map>
 #include <nlohmann/json.hpp>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -120,6 +119,11 @@ TEST( NevqosSimTest, BadScenariosAreRefusedWithTheirPlace ) {
    SimRun const missing = runSim( { ::testing::TempDir() + "no-such.yaml" } );
    EXPECT_EQ( missing.exitCode, 2 );
    EXPECT_NE( missing.err.find( "no-such.yaml: cannot read" ), std::string::npos ) << missing.err;
+   // A trace list that cannot be read is refused before anything runs.
+   SimRun const bad = runSim( { example( "cbf-overrides.yaml" ), "--trace", "NevQos/x" } );
+   EXPECT_EQ( bad.exitCode, 2 );
+   EXPECT_EQ( bad.out, "" );
+   EXPECT_NE( bad.err.find( "--trace NevQos/x: not a trace list" ), std::string::npos ) << bad.err;
 }
 
 // ---- Verification and show
@@ -245,31 +249,6 @@ servicePolicies: [ { policyMap: p, interfaces: [ Ethernet1 ] } ]
    EXPECT_EQ( c6[ "acls" ][ 0 ][ "installed" ], true ) << "yet committed";
    for( Json const& acl : report[ "tcam" ][ "acls" ] )
       EXPECT_EQ( acl[ "id" ].get< std::string >().find( "V6" ), std::string::npos );
-}
-
-// --trace keeps the lines of the handles and levels asked for, in order, with their times; a
-// list that cannot be read is refused before anything runs.
-TEST( NevqosSimTest, TraceKeepsTheLinesAskedForInOrder ) {
-   Json const report =
-         reportOf( "cbf-overrides.yaml", { "--trace", "NevCbfFecMappingSm/0", "--trace", "*/9" } );
-   ASSERT_TRUE( report.contains( "trace" ) );
-   Json const& trace = report[ "trace" ];
-   ASSERT_FALSE( trace.empty() );
-   std::set< std::string > handles;
-   double last = 0.0;
-   for( Json const& l : trace ) {
-      handles.insert( l[ "handle" ].get< std::string >() + "/" + l[ "level" ].dump() );
-      EXPECT_GE( l[ "t" ].get< double >(), last );
-      last = l[ "t" ].get< double >();
-   }
-   EXPECT_EQ( handles, std::set< std::string >{ "NevCbfFecMappingSm/0" } )
-         << "no handle traces at level 9";
-   EXPECT_GT( last, 0.001 ) << "steps' lines as well as the start-up's";
-   EXPECT_FALSE( reportOf( "cbf-overrides.yaml" ).contains( "trace" ) );
-   SimRun const bad = runSim( { example( "cbf-overrides.yaml" ), "--trace", "NevQos/x" } );
-   EXPECT_EQ( bad.exitCode, 2 );
-   EXPECT_EQ( bad.out, "" );
-   EXPECT_NE( bad.err.find( "--trace NevQos/x: not a trace list" ), std::string::npos ) << bad.err;
 }
 
 TEST( NevqosSimTest, ShowPrintsTheTcamOfEachAclAfterTheReport ) {

@@ -1,7 +1,7 @@
 // The engine inputs a scenario reaches beside the configuration: PDP mode, whose default PDP
-// policy the engine configures itself and the switch merges into the status, with the chip's
-// named policers; and the kernel packet driver's calls in order. (The kernel's CoPP
-// configuration, read at each start-up, has stories under tests/stories.)
+// policy the engine configures itself and the switch merges into the status; and the kernel
+// packet driver's calls in order. (The ports the default policy takes, with the chip's policer,
+// and the kernel's CoPP configuration, read at each start-up, have stories under tests/stories.)
 #include <gtest/gtest.h>
 
 #include <set>
@@ -53,30 +53,6 @@ namedPolicers: [ { name: cap, cir: 999, bc: 9000 } ]
 policyMaps:
   - { name: default-pdp-policy, type: pdp, classes: [ { class: c, police: { named: cap } } ] }
 )";
-
-TEST( PdpAndKernelInputsTest, TheDefaultPdpPolicyFollowsTheEthernetPortsWithTheChipsPolicer ) {
-   Json const report = reportOf( "pdp-ports", pdpScenario + R"(
-steps:
-  - { at: 1, changes: [ { addInterfaces: [ Ethernet3, Port-Channel5, Ethernet3.7 ] } ] }
-  - { at: 2, changes: [ { removeInterfaces: [ Ethernet1 ] } ] }
-)" );
-   EXPECT_EQ( defaultPolicyPorts( report ),
-              ( std::set< std::string >{ "Ethernet2", "Ethernet3" } ) );
-   ASSERT_EQ( report[ "status" ][ "policyMaps" ].size(), 1u );
-   Json const& status = report[ "status" ][ "policyMaps" ][ 0 ];
-   EXPECT_EQ( status[ "name" ], "default-pdp-policy" );
-   EXPECT_EQ( status[ "prgmStatus" ], "hwPrgmStatusSuccess" );
-   // The chip's table is what the status shows, and its rates are the policers'.
-   ASSERT_EQ( report[ "status" ][ "namedPolicers" ].size(), 1u );
-   EXPECT_EQ( report[ "status" ][ "namedPolicers" ][ 0 ][ "cir" ], 300 );
-   std::size_t policers = 0;
-   for( Json const& copy : report[ "engine" ][ "policyMaps" ][ 0 ][ "classes" ] ) {
-      if( copy[ "policer" ].is_null() ) continue;
-      ++policers;
-      EXPECT_EQ( copy[ "policer" ][ "cir" ], 300 ) << copy[ "id" ];
-   }
-   EXPECT_EQ( policers, 2u );
-}
 
 TEST( PdpAndKernelInputsTest, TheDefaultPdpPolicyFollowsItsMapAndSurvivesARestart ) {
    Json const report = reportOf( "pdp-changes", pdpScenario + R"(
