@@ -46,24 +46,6 @@ policyMaps: [ { name: gold, classes: [ { class: l2, set: { dscp: 10 } } ] } ]
 servicePolicies: [ { policyMap: gold, interfaces: [ Ethernet1 ] } ]
 )";
 
-// A policy on an SVI, and an interface that appears at 2 s.
-std::string sviPolicy( std::string const& start, std::string const& atOne ) {
-   return start + R"(
-interfaces: [ Ethernet1, Vlan100 ]
-acls: [ { name: WEB, rules: [ { proto: tcp, dstPort: { eq: 80 } } ] } ]
-classMaps: [ { name: web, match: { ipv4: WEB } } ]
-policyMaps: [ { name: gold, classes: [ { class: web, set: { dscp: 10 } } ] } ]
-servicePolicies: [ { policyMap: gold, interfaces: [ Vlan100 ] } ]
-steps:
-  - at: 1
-    changes: )" +
-          atOne + R"(
-  - at: 2
-    changes:
-      - addInterfaces: [ Ethernet2 ]
-)";
-}
-
 struct ChipRun {
    Sim::Scenario scenario;
    std::unique_ptr< Sim::SimSwitch > sw;
@@ -152,44 +134,6 @@ TEST( HelperQuestionsTest, ARefusedMacRuleGivesItsNumberToTheNext ) {
    ASSERT_EQ( rules.size(), 2u );
    EXPECT_EQ( arg( rules[ 0 ], "ruleNum" ),
               arg( ChipRun( "", macClass ).calls( "createMacAclRule" )[ 0 ], "ruleNum" ) );
-}
-
-TEST( HelperQuestionsTest, AnSviWaitsForTheInterfaceListOnAChipThatDelaysIt ) {
-   struct Case {
-      char const* keys;
-      std::string scenario;
-      // When the SVI's list is made; 0 for never.
-      double compiledAt;
-   } const cases[] = {
-      { "", sviPolicy( "interfacesReady: false", "[]" ), 0.001 },
-      { "delaySviPmapSmCreation: true", sviPolicy( "", "[]" ), 0.001 },
-      // Held back until an interface appears, whether or not the list is said complete first.
-      { "delaySviPmapSmCreation: true", sviPolicy( "interfacesReady: false", "[]" ), 2.0 },
-      { "delaySviPmapSmCreation: true",
-        sviPolicy( "interfacesReady: false", "[ { interfacesReady: true } ]" ), 2.0 },
-   };
-   for( Case const& c : cases ) {
-      SCOPED_TRACE( std::string( c.keys ) + c.scenario );
-      auto const made = ChipRun( c.keys, c.scenario ).calls( "precreateAcl" );
-      ASSERT_EQ( made.size(), 1u );
-      EXPECT_DOUBLE_EQ( made[ 0 ].t, c.compiledAt );
-   }
-   // Once the list is complete, an SVI that joins is served at once.
-   std::string const joinsLater = R"(
-interfaces: [ Ethernet1, Vlan100 ]
-interfacesReady: false
-acls: [ { name: WEB, rules: [ { proto: tcp } ] } ]
-classMaps: [ { name: web, match: { ipv4: WEB } } ]
-policyMaps: [ { name: gold, classes: [ { class: web, set: { dscp: 10 } } ] } ]
-steps:
-  - at: 1
-    changes:
-      - interfacesReady: true
-      - servicePolicy: { policyMap: gold, interfaces: [ Vlan100 ] }
-)";
-   auto const made = ChipRun( "delaySviPmapSmCreation: true", joinsLater ).calls( "precreateAcl" );
-   ASSERT_EQ( made.size(), 1u );
-   EXPECT_DOUBLE_EQ( made[ 0 ].t, 1.0 );
 }
 
 TEST( HelperQuestionsTest, AChipThatReportsItsOwnStatusWritesTheStatusAlone ) {
