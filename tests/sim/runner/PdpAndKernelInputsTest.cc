@@ -71,14 +71,6 @@ steps:
    EXPECT_EQ( callsOf( report, "createAndAttachPolicer" ), 2u ) << "the policer went with step 1";
 }
 
-TEST( PdpAndKernelInputsTest, WithoutPdpModeNoPortJoinsTheDefaultPolicy ) {
-   std::string text = pdpScenario;
-   text.replace( text.find( "pdpMode: true" ), 13, "pdpMode: false" );
-   Json const report = reportOf( "pdp-off", text );
-   EXPECT_EQ( report[ "status" ][ "policyMaps" ].size(), 0u );
-   EXPECT_TRUE( defaultPolicyPorts( report ).empty() );
-}
-
 TEST( PdpAndKernelInputsTest, ThePacketDriversCallsAreKeptInOrder ) {
    Json const report = reportOf( "kernel-calls", R"(
 chip: { hwInitialized: false }
