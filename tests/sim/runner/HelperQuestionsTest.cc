@@ -35,17 +35,6 @@ std::string const webOnTwoPorts = goldOnTwoPorts( "set: { dscp: 10 }" );
 // The same with a policer of the class's own, one per interface.
 std::string const policedOnTwoPorts = goldOnTwoPorts( "police: { cir: 100, bc: 2000 }" );
 
-// A MAC list of IPv4, ARP and IPv6 rules.
-std::string const macClass = R"(
-interfaces: [ Ethernet1 ]
-acls:
-  - { name: L2, type: mac, rules: [ { etherType: 0x800 }, { etherType: 0x806 },
-                                    { etherType: 0x86dd } ] }
-classMaps: [ { name: l2, match: { mac: L2 } } ]
-policyMaps: [ { name: gold, classes: [ { class: l2, set: { dscp: 10 } } ] } ]
-servicePolicies: [ { policyMap: gold, interfaces: [ Ethernet1 ] } ]
-)";
-
 struct ChipRun {
    Sim::Scenario scenario;
    std::unique_ptr< Sim::SimSwitch > sw;
@@ -80,13 +69,6 @@ struct ChipRun {
    }
 };
 
-std::string arg( Sim::ChipCall const& call, std::string const& name ) {
-   for( auto const& [ n, v ] : call.args ) {
-      if( n == name ) return v;
-   }
-   return "";
-}
-
 TEST( HelperQuestionsTest, EachAnswerChangesTheCallsTheEngineMakes ) {
    struct Case {
       char const* keys;
@@ -97,10 +79,6 @@ TEST( HelperQuestionsTest, EachAnswerChangesTheCallsTheEngineMakes ) {
       std::size_t byDefault;
       std::size_t withKeys;
    } const cases[] = {
-      // The engine leaves out the rule the chip can't match.
-      { "unsupportedMacEtherTypes: 0x806", macClass, "createMacAclRule", 0, 3, 2 },
-      { "unsupportedMacEtherTypes: [ 0x800-0x806, 0x86dd ]", macClass, "createMacAclRule", 0, 3,
-        0 },
       // A map flagged for version updates, of a type whose interfaces the chip manages, is
       // compiled anew when an interface joins: its one list is destroyed and made again.
       { "managedPrioritySupported: [ qos ], doVersionUpdate: true", webOnTwoPorts, "destroyAcl", 1,
@@ -126,14 +104,6 @@ TEST( HelperQuestionsTest, EachAnswerChangesTheCallsTheEngineMakes ) {
       EXPECT_EQ( count( ChipRun( "", c.scenario ) ), c.byDefault );
       EXPECT_EQ( count( ChipRun( c.keys, c.scenario ) ), c.withKeys );
    }
-}
-
-TEST( HelperQuestionsTest, ARefusedMacRuleGivesItsNumberToTheNext ) {
-   auto const rules =
-         ChipRun( "unsupportedMacEtherTypes: 0x800", macClass ).calls( "createMacAclRule" );
-   ASSERT_EQ( rules.size(), 2u );
-   EXPECT_EQ( arg( rules[ 0 ], "ruleNum" ),
-              arg( ChipRun( "", macClass ).calls( "createMacAclRule" )[ 0 ], "ruleNum" ) );
 }
 
 TEST( HelperQuestionsTest, AChipThatReportsItsOwnStatusWritesTheStatusAlone ) {
