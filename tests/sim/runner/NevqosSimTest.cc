@@ -1,4 +1,4 @@
-// nevqos-sim run as a user runs it: examples cut short, the same outcome on both TCAM modes,
+// nevqos-sim run as a user runs it: the same outcome on both TCAM modes,
 // verification and --show, the engine's records, and bad scenarios and flags refused with their
 // place and exit code 2. (Chip faults have stories under tests/stories.)
 #include <gtest/gtest.h>
@@ -47,19 +47,6 @@ std::vector< Json > callsOf( Json const& report, std::string const& op ) {
       if( c[ "op" ] == op ) out.push_back( c );
    }
    return out;
-}
-
-// What two examples' expected reports can't show: the state before their last steps.
-TEST( NevqosSimTest, ExamplesCutShortStopWhereTheirStoryWasThen ) {
-   // Without the clear request the basic slice stays down.
-   SimRun const uncleared = runSim( { exampleUpTo( "ecn-profiles.yaml", "  - at: 7" ), "--json" } );
-   ASSERT_EQ( uncleared.exitCode, 0 ) << uncleared.err;
-   EXPECT_EQ( uncleared.report()[ "status" ][ "basicStatus" ], "hwProgrammingFailed" );
-   // Until the driver has started, the kernel is told nothing.
-   SimRun const starting =
-         runSim( { exampleUpTo( "copp-exhaustion.yaml", "  - at: 2" ), "--json" } );
-   ASSERT_EQ( starting.exitCode, 0 ) << starting.err;
-   EXPECT_EQ( starting.report()[ "controlPlane" ][ "kernel" ][ "operations" ], 0 );
 }
 
 // The outcome of a scenario does not depend on the road: same status, same lists on the same
