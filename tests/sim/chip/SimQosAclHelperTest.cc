@@ -1,5 +1,6 @@
-// The reference chip under the engine: entries installed and freed, range checkers shared and
-// running out, TCAM and policers running out, the asynchronous mode, and counters from traffic.
+// The reference chip under the engine: entries installed and freed, a range checker shared, and
+// counters from traffic. (Checkers, TCAM and policers running out, and the asynchronous mode,
+// are the examples' and the stories'.)
 #include <gtest/gtest.h>
 
 #include <string>
@@ -69,47 +70,6 @@ TEST_F( SimQosAclHelperTest, RulesTakeEntriesAndCheckersAndGiveThemBack ) {
    EXPECT_TRUE( chip->tcam().acls().empty() );
 }
 
-TEST_F( SimQosAclHelperTest, WithoutCheckersTheCompilerExpandsThePorts ) {
-   Sim::ChipConfig config;
-   config.rangeCheckers = 0;
-   startWith( config );
-   goldIs( { tcpTo( 1000, 1003 ), tcpTo( 5, 6 ) } );
-   EXPECT_EQ( hwStatus( "gold" )->prgmStatus(), Qos::hwPrgmStatusSuccess_ );
-   EXPECT_EQ( dstPorts(), ( Lines{ "1000/0xfffc", "5/0xffff", "6/0xffff" } ) );
-   EXPECT_EQ( chip->tcam().rangeCheckersUsed(), 0u );
-}
-
-TEST_F( SimQosAclHelperTest, AFullSliceFailsTheMapAndItsRemovalFreesWhatItTook ) {
-   Sim::ChipConfig config;
-   config.tcamSliceEntries = 2;
-   startWith( config );
-   goldIs( { tcpTo( 80, 80 ), tcpTo( 81, 81 ), tcpTo( 82, 82 ) } );
-   EXPECT_EQ( hwStatus( "gold" )->prgmStatus(), Qos::hwPrgmStatusFail_ );
-   EXPECT_EQ( takeLogs(), Lines{ "QOS_POLICY_HW_RESOURCE_FULL: Insufficient hardware resources to "
-                                 "program the input policy-map gold." } );
-   qosStatus->servicePolicyStatusDel( spKey( "gold" ) );
-   loop->runOnce();
-   EXPECT_EQ( used( "ipv4" ), 0u );
-}
-
-TEST_F( SimQosAclHelperTest, PolicersRunOutAtThePoolSize ) {
-   Sim::ChipConfig config;
-   config.policers = 1;
-   startWith( config );
-   ipAclIs( "v4", { tcpTo( 80, 80 ) } );
-   classMapIs( "c1", { { Qos::matchOptionIpAcl, "v4" } } );
-   classIs( "gold", "c1" )->policerIs( policerOf( "p1" ) );
-   applyIs( "gold", { intf( "Ethernet1" ), intf( "Ethernet2" ) } );
-   loop->runOnce();
-   EXPECT_EQ( chip->policersUsed(), 1u );
-   EXPECT_EQ( takeLogs(), Lines{ "QOS_POLICY_POLICER_RESOURCE_FULL: Insufficient hardware "
-                                 "resources to program the police action for the class-map c1 "
-                                 "in the policy-map gold on interface Ethernet2." } );
-   qosStatus->servicePolicyStatusDel( spKey( "gold" ) );
-   loop->runOnce();
-   EXPECT_EQ( chip->policersUsed(), 0u );
-}
-
 TEST_F( SimQosAclHelperTest, TrafficShowsInTheCountersOnce ) {
    startWith( Sim::ChipConfig() );
    ip6AclIs( "v6", {} );
@@ -131,22 +91,6 @@ TEST_F( SimQosAclHelperTest, TrafficShowsInTheCountersOnce ) {
    EXPECT_EQ( cmap->outCount(), 10u )
          << "counted on one of the class's two lists, not for another interface";
    EXPECT_EQ( cmap->outBytes(), 1000u );
-}
-
-TEST_F( SimQosAclHelperTest, AnAsynchronousChipAnswersLaterAndCarriesItsFailure ) {
-   Sim::ChipConfig config;
-   config.tcamMode = Sim::TcamMode::asynchronous;
-   config.asyncDelay = 0.25;
-   config.tcamSliceEntries = 1;
-   startWith( config );
-   goldIs( { tcpTo( 80, 80 ), tcpTo( 81, 81 ) } );
-   EXPECT_EQ( chip->pendingOperations(), 1u );
-   loop->runUntil( loop->now() + 5.0 );
-   EXPECT_EQ( chip->pendingOperations(), 0u );
-   EXPECT_EQ( hwStatus( "gold" )->prgmStatus(), Qos::hwPrgmStatusFail_ );
-   EXPECT_EQ( hwStatus( "gold" )->prgmStatusErrMessage(), "Insufficient hardware resources" );
-   EXPECT_EQ( takeLogs(), Lines{ "QOS_POLICY_HW_RESOURCE_FULL: Insufficient hardware resources to "
-                                 "program the input policy-map gold." } );
 }
 
 }  // namespace

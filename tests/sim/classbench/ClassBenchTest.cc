@@ -146,22 +146,6 @@ TEST( ClassBenchTest, BadInputNamesFileLineAndProblem ) {
    }
 }
 
-TEST( ClassBenchTest, RuleSetNumbersRulesInFileOrder ) {
-   auto const rules = Sim::readClassBench( dataDir / "ipc1_1k" );
-   auto const set = Sim::aclRuleSetOf( rules, 7 );
-   EXPECT_EQ( set->key(), 7u );
-   ASSERT_EQ( set->ruleBySequenceSize(), rules.size() );
-   EXPECT_EQ( set->ipRuleByIdSize(), rules.size() );
-   EXPECT_EQ( set->ip6RuleByIdSize(), 0u );
-   std::uint32_t seq = 0;
-   for( auto it = set->ruleBySequence().iter(); it; ++it ) {
-      seq += 10;
-      EXPECT_EQ( it.key(), seq );
-      EXPECT_EQ( it.value(), Acl::UniqueId( seq / 10 ) );
-      EXPECT_EQ( set->ipRuleById( it.value() ), rules[ seq / 10 - 1 ] );
-   }
-}
-
 Acl::IpRuleConfig ruleOf( std::uint32_t src, unsigned srcLen, Acl::PortCondition dstPort,
                           std::uint8_t proto = 6 ) {
    Acl::IpRuleConfig r;

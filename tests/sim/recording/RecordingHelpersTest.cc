@@ -1,7 +1,7 @@
-// The recording decorators over the reference chip and over helpers of the tests' own: the calls
-// recorded in order with their argument texts, the wrapped helper answering unless a scripted
-// answer stands in, the asynchronous road and the engine's per-map state through the decorator,
-// and the counting mode.
+// The recording decorators over the reference chip and over helpers of the tests' own: the wrapped
+// helper answering unless a scripted answer stands in, asynchronous results through the
+// decorator, the engine's per-map state, the counting mode, and the calls of several helpers
+// recorded in order with their argument texts.
 #include <gtest/gtest.h>
 
 #include <stdexcept>
@@ -21,13 +21,6 @@ namespace NevQosTest {
 namespace {
 
 using Lines = std::vector< std::string >;
-
-Acl::IpRuleConfig tcpTo( std::uint16_t port ) {
-   Acl::IpRuleConfig r;
-   r.filter.proto = 6;
-   r.filter.dstPort = Acl::PortCondition::rangeOf( port, port );
-   return r;
-}
 
 // An ACL helper of the test's own: it answers every question "yes" and reports an asynchronous
 // result when the test says so.
@@ -55,18 +48,6 @@ class ResultLog : public Nev::NevAsyncBaseHelper::Notifiee {
 
 class RecordingHelpersTest : public QosAclSmFixture {
  protected:
-   // The engine over the decorator over the reference chip.
-   void startWith( Sim::ChipConfig const& config ) {
-      chipIs( config );
-      start();
-   }
-   void goldIs( std::vector< Acl::IpRuleConfig > const& rules ) {
-      ipAclIs( "v4", rules );
-      classMapIs( "c1", { { Qos::matchOptionIpAcl, "v4" } } );
-      classIs( "gold", "c1" );
-      applyIs( "gold", { intf( "Ethernet1" ) } );
-      loop->runOnce();
-   }
    // The decorator over a helper of the test's own, and a class to ask it about.
    Zub::Ptr< Sim::RecordingQosAclHelper > plain() {
       classData = Zub::make< Nev::QosClassData >(
@@ -76,38 +57,6 @@ class RecordingHelpersTest : public QosAclSmFixture {
       return Zub::make< Sim::RecordingQosAclHelper >( inner, clock );
    }
 };
-
-TEST_F( RecordingHelpersTest, TheEngineProgramsTheChipThroughTheDecoratorWhichRecordsEachCall ) {
-   startWith( Sim::ChipConfig() );
-   goldIs( { tcpTo( 80 ) } );
-   // The chip did the work: the class's ACL stands in its TCAM.
-   EXPECT_TRUE( chip->tcam().acls().contains( "gold(qos,input)/c1/Default v4(ip)" ) );
-   Lines const creates = helper->callsMatching( "createIpAclSubrule" );
-   ASSERT_EQ( creates.size(), 1u );
-   EXPECT_EQ( creates[ 0 ].substr( 0, creates[ 0 ].find( " aclType" ) ),
-              "createIpAclSubrule classData=gold(qos,input)/c1/Default aclKey=v4(ip)" );
-   EXPECT_NE( creates[ 0 ].find( " dstPortLow=80 dstPortHigh=80 " ), std::string::npos );
-   // A bare name matches that operation only; a longer prefix matches by its text.
-   EXPECT_EQ( helper->callsMatching( "batchCommitAcls" ).size(),
-              helper->callsMatching( "batchCommitAcls " ).size() );
-   EXPECT_EQ( helper->callsMatching( "hwInit" ), Lines{ "hwInit" } );
-   EXPECT_EQ( helper->callsMatching( "" ).size(), helper->calls().size() );
-   // The runner's text of each call, in order: hwInit came first.
-   EXPECT_EQ( helper->callsText().substr( 0, 7 ), "hwInit\n" );
-   EXPECT_EQ( helper->calls().front().helper, "acl" );
-}
-
-TEST_F( RecordingHelpersTest, AScriptedRefusalStandsInForTheChipAndFailsTheMap ) {
-   startWith( Sim::ChipConfig() );
-   helper->answerEnq( "createIpAclSubrule", Nev::aclCreateErrorOutOfTcam );
-   goldIs( { tcpTo( 80 ) } );
-   // Recorded, but never reached the chip.
-   EXPECT_EQ( helper->callsMatching( "createIpAclSubrule" ).size(), 1u );
-   EXPECT_EQ( chip->tcam().slices().at( "ipv4" ).used, 0u );
-   EXPECT_EQ( hwStatus( "gold" )->prgmStatus(), Qos::hwPrgmStatusFail_ );
-   EXPECT_EQ( takeLogs(), Lines{ "QOS_POLICY_HW_RESOURCE_FULL: Insufficient hardware resources to "
-                                 "program the input policy-map gold." } );
-}
 
 TEST_F( RecordingHelpersTest, QueuedAnswersGoFirstThenTheStandingOneThenTheWrappedHelper ) {
    auto const rec = plain();
@@ -188,23 +137,6 @@ TEST_F( RecordingHelpersTest, TheWrappedHelpersAsynchronousResultsReachTheDecora
    inner->complete( "failed", 2.0 );
    EXPECT_EQ( log->heard, ( Lines{ "", "", "failed" } ) );
    EXPECT_EQ( inner->asyncOperationResult(), Nev::AsyncOperationResult() );
-}
-
-TEST_F( RecordingHelpersTest, AnAsynchronousChipsFailureFailsTheMapThroughTheDecorator ) {
-   Sim::ChipConfig config;
-   config.tcamMode = Sim::TcamMode::asynchronous;
-   config.asyncDelay = 0.25;
-   config.tcamSliceEntries = 1;
-   startWith( config );
-   goldIs( { tcpTo( 80 ), tcpTo( 81 ) } );
-   EXPECT_EQ( chip->pendingOperations(), 1u );
-   loop->runUntil( loop->now() + 5.0 );
-   EXPECT_EQ( chip->pendingOperations(), 0u );
-   // The chip marked the engine's state of the map, held by the decorator, dirty.
-   EXPECT_EQ( hwStatus( "gold" )->prgmStatus(), Qos::hwPrgmStatusFail_ );
-   EXPECT_EQ( hwStatus( "gold" )->prgmStatusErrMessage(), "Insufficient hardware resources" );
-   EXPECT_EQ( takeLogs(), Lines{ "QOS_POLICY_HW_RESOURCE_FULL: Insufficient hardware resources to "
-                                 "program the input policy-map gold." } );
 }
 
 TEST_F( RecordingHelpersTest, TheChipsStartUpClearsTheEnginesStateInTheDecorator ) {

@@ -1,7 +1,7 @@
 // Scenario inputs that reach the less travelled paths of basic QoS and class-based forwarding:
-// the DLP flow, trust modes given as numbers, the second datapath's service policies, the review
-// task's work quantum, removals the engine never saw, damaged shared tables and failing rule-table
-// operations; and the report keys that show them.
+// the review task's work quantum, removals the engine never saw, damaged shared tables and failing
+// rule-table operations; and the report keys that show them. (The DLP flow, trust modes given as
+// numbers and the second datapath have stories under tests/stories.)
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -11,9 +11,7 @@
 
 #include "sim/runner/Report.h"
 #include "sim/runner/SimSwitch.h"
-#include "sim/scenario/ScenarioError.h"
 #include "sim/scenario/ScenarioLoader.h"
-#include "support/ScenarioErrorOf.h"
 
 namespace NevQosTest {
 namespace {
@@ -38,138 +36,6 @@ std::size_t callsOf( Sim::SimSwitch const& sw, std::string const& op ) {
    return static_cast< std::size_t >(
          std::count_if( sw.calls().begin(), sw.calls().end(),
                         [ &op ]( Sim::ChipCall const& call ) { return call.op == op; } ) );
-}
-
-// ---- DLP
-
-// A port that comes up at 1 and goes down at 2, with a queue and an ECN counter.
-std::string const portComingUp = R"(
-interfaces: [ Ethernet1 ]
-links: [ { interface: Ethernet1, speed: 10000 } ]
-interfaceQos:
-  - { interface: Ethernet1, trust: dscp, queues: [ { queue: 1, priority: strict } ] }
-ecnCounters: [ { interface: Ethernet1, queues: 1 } ]
-steps:
-  - at: 1
-    changes: [ { link: { interface: Ethernet1, active: true } } ]
-  - at: 2
-    changes: [ { link: { interface: Ethernet1, active: false } } ]
-)";
-
-TEST( BasicCbfInputsTest, UnderDlpAPortBecomingActiveIsProgrammedAgain ) {
-   struct Case {
-      char const* chip;
-      // Start-up programs the port once; the DLP flow programs it again when it comes up.
-      std::size_t trustCalls;
-      std::size_t queueCalls;
-   } const cases[] = {
-      { "chip: { ecnQueueCounterSupported: true }\n", 1, 1 },
-      { "chip: { ecnQueueCounterSupported: true, dlpEnabled: true }\n", 2, 2 },
-   };
-   for( Case const& c : cases ) {
-      SCOPED_TRACE( c.chip );
-      Ran const r = run( c.chip + portComingUp );
-      EXPECT_EQ( callsOf( *r.sw, "programIntfTrustModeDscp" ), c.trustCalls );
-      EXPECT_EQ( callsOf( *r.sw, "programIntfTxQueuePriority" ), c.queueCalls );
-      // Either way the chip hears of both changes, once each.
-      EXPECT_EQ( callsOf( *r.sw, "handleEthPhyIntfStatusActive" ), 2u );
-   }
-}
-
-TEST( BasicCbfInputsTest, UnderDlpEcnCountersFollowThePortsState ) {
-   // The counter of queue 1 after each moment: at the start (the port inactive), once the port
-   // is up, and once it is down again.
-   struct Case {
-      char const* chip;
-      bool counting[ 3 ];
-   } const cases[] = {
-      { "chip: { ecnQueueCounterSupported: true }\n", { true, true, true } },
-      { "chip: { ecnQueueCounterSupported: true, dlpEnabled: true }\n", { false, true, false } },
-   };
-   for( Case const& c : cases ) {
-      SCOPED_TRACE( c.chip );
-      Sim::Scenario const s = Sim::loadScenarioText( c.chip + portComingUp, "dlp.yaml" );
-      Sim::SimSwitch sw( s );
-      for( std::size_t moment = 0; moment < 3; ++moment ) {
-         if( moment > 0 ) sw.stepIs( s.steps[ moment - 1 ] );
-         EXPECT_EQ( sw.basicChip().ecnCounters().size(), c.counting[ moment ] ? 1u : 0u )
-               << "moment " << moment;
-      }
-   }
-}
-
-// ---- Trust modes
-
-TEST( BasicCbfInputsTest, ATrustModeMayBeANumberAndTheEngineActsOnItsValue ) {
-   struct Case {
-      char const* trust;
-      // The trust operation the engine calls, or none.
-      char const* op;
-   } const cases[] = {
-      { "1", "programIntfTrustModeDscp" },
-      { "2", "programIntfTrustModeUntrusted" },
-      // A port without a settled mode classifies by COS.
-      { "3", "programIntfTrustModeCos" },
-      { "0x10", nullptr },
-      { "4294967295", nullptr },
-   };
-   for( Case const& c : cases ) {
-      SCOPED_TRACE( c.trust );
-      Ran const r = run( std::string( "interfaces: [ Ethernet1 ]\ninterfaceQos: [ { interface: "
-                                      "Ethernet1, trust: " ) +
-                         c.trust + " } ]\n" );
-      std::size_t trustCalls = 0;
-      for( char const* op : { "programIntfTrustModeCos", "programIntfTrustModeDscp",
-                              "programIntfTrustModeUntrusted" } ) {
-         trustCalls += callsOf( *r.sw, op );
-      }
-      EXPECT_EQ( trustCalls, c.op ? 1u : 0u );
-      if( c.op ) {
-         EXPECT_EQ( callsOf( *r.sw, c.op ), 1u );
-      }
-   }
-}
-
-TEST( BasicCbfInputsTest, ATrustModeThatIsNeitherANameNorA32BitNumberIsRefused ) {
-   std::string const head =
-         "interfaces: [ Ethernet1 ]\ninterfaceQos:\n  - { interface: "
-         "Ethernet1, trust: ";
-   EXPECT_EQ( errorOf( head + "4294967296 }\n" ),
-              "bad.yaml:3:36: trust: 4294967296 is out of range 0..4294967295" );
-   EXPECT_EQ( errorOf( head + "cost }\n" ),
-              "bad.yaml:3:36: trust: 'cost' is not one of cos, dscp, untrusted" );
-}
-
-// ---- The second datapath
-
-std::string const dp1 = R"(
-steps:
-  - at: 1
-    changes:
-      - servicePolicyDP1: { policyMap: edge }
-      - servicePolicyDP1: { policyMap: core, direction: output }
-  - at: 2
-    changes:
-      - servicePolicyDP1: { policyMap: edge, on: false }
-)";
-
-TEST( BasicCbfInputsTest, TheSecondDatapathsServicePoliciesReachTheDriver ) {
-   Ran const r = run( dp1 );
-   // Each service policy that comes or goes is told.
-   std::vector< Zub::Seconds > told;
-   for( Sim::ChipCall const& call : r.sw->calls() ) {
-      if( call.op == "handleServicePolicyDP1Status" ) told.push_back( call.t );
-   }
-   EXPECT_EQ( told, ( std::vector< Zub::Seconds >{ 1.0, 1.0, 2.0 } ) );
-}
-
-TEST( BasicCbfInputsTest, OnlyAServicePolicyTheSecondDatapathHoldsCanBeSwitchedOff ) {
-   EXPECT_EQ( errorOf( dp1 + "      - servicePolicyDP1: { policyMap: edge, on: false }\n" ),
-              "bad.yaml:10:9: the second datapath does not hold service policy qos input edge "
-              "to switch off" );
-   EXPECT_EQ( errorOf( "steps: [ { at: 1, changes: [ { servicePolicyDP1: { policyMap: a, on: "
-                       "maybe } } ] } ]\n" ),
-              "bad.yaml:1:70: on: expected true or false, found 'maybe'" );
 }
 
 // ---- Report keys of the basic slice status
@@ -216,8 +82,6 @@ TEST( BasicCbfInputsTest, TheReviewTakesAsManyKeysARunAsTheQuantumSays ) {
       // However cut, the review programs every override.
       EXPECT_EQ( cbf[ "ruleTable" ][ "used" ], 5 );
    }
-   EXPECT_EQ( errorOf( "chip: { cbfReviewQuantum: 0 }\n" ),
-              "bad.yaml:1:27: cbfReviewQuantum: 0 is out of range 1..4294967295" );
 }
 
 TEST( BasicCbfInputsTest, ARemovalOfAnOverrideTheEngineNeverSawIsReviewedAndTouchesNothing ) {
@@ -306,13 +170,6 @@ TEST( BasicCbfInputsTest, AFailingRuleTableOperationShowsAsItsDriverWouldFail ) 
       }
       EXPECT_EQ( withoutRuleId, 1u );
    }
-   EXPECT_EQ( errorOf( "chip: { faults: [ { kind: operationError, op: deleteMapping, error: "
-                       "outOfTcam } ] }\n" ),
-              "bad.yaml:1:69: error: does not apply to class-based-forwarding operation "
-              "deleteMapping, which fails as its driver does" );
-   EXPECT_EQ( errorOf( "chip: { faults: [ { kind: operationError, op: syncMapping } ] }\n" ),
-              "bad.yaml:1:47: op: 'syncMapping' is no operation of the ACL, basic QoS or "
-              "class-based-forwarding helper that a fault can fail" );
 }
 
 }  // namespace

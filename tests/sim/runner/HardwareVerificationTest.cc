@@ -10,7 +10,6 @@
 #include "sim/runner/SimSwitch.h"
 #include "sim/scenario/ScenarioLoader.h"
 #include "support/QosAclSmFixture.h"
-#include "support/SimProgram.h"
 
 namespace NevQosTest {
 namespace {
@@ -63,26 +62,6 @@ steps:
    sw.stepIs( s.steps[ 0 ] );
    EXPECT_EQ( sw.verify(), ( Lines{ std::string( "ACL LEN sequence 10 rule 0 subrule " ) +
                                     ( sync ? "5" : "0" ) + " proto is 6, expected 17" } ) );
-}
-
-// The example's damage, found in the same words on both roads: on the asynchronous one the chip
-// compares every entry with what the engine's calls wrote.
-TEST_P( HardwareVerificationTest, DamagedEntriesAreFoundOnBothRoadsInTheSameWords ) {
-   Sim::Scenario s = Sim::loadScenario( example( "tcam-corruption.yaml" ) );
-   s.chip.tcamMode = GetParam();
-   Sim::SimSwitch sw( s );
-   Lines found;
-   for( Sim::Step const& step : s.steps ) {
-      sw.stepIs( step );
-      sw.runUntil( step.time + 0.5 );
-      for( std::string const& f : sw.verify() )
-         found.push_back( f );
-   }
-   EXPECT_EQ( found, ( Lines{ "ACL MGMT sequence 30 rule 2 subrule 0 dstPort is 447-447, expected "
-                              "443-443",
-                              "ACL MGMT sequence 20 rule 1 subrule 0 doesn't exist",
-                              "ACL MGMT sequence 30 rule 2 subrule 0 dstPort is 447-447, expected "
-                              "443-443" } ) );
 }
 
 // A policer or counter the chip refused, which the engine went on without, is no finding.

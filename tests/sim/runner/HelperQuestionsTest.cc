@@ -35,35 +35,6 @@ std::string const webOnTwoPorts = goldOnTwoPorts( "set: { dscp: 10 }" );
 // The same with a policer of the class's own, one per interface.
 std::string const policedOnTwoPorts = goldOnTwoPorts( "police: { cir: 100, bc: 2000 }" );
 
-// A MAC list of IPv4, ARP and IPv6 rules.
-std::string const macClass = R"(
-interfaces: [ Ethernet1 ]
-acls:
-  - { name: L2, type: mac, rules: [ { etherType: 0x800 }, { etherType: 0x806 },
-                                    { etherType: 0x86dd } ] }
-classMaps: [ { name: l2, match: { mac: L2 } } ]
-policyMaps: [ { name: gold, classes: [ { class: l2, set: { dscp: 10 } } ] } ]
-servicePolicies: [ { policyMap: gold, interfaces: [ Ethernet1 ] } ]
-)";
-
-// A policy on an SVI, and an interface that appears at 2 s.
-std::string sviPolicy( std::string const& start, std::string const& atOne ) {
-   return start + R"(
-interfaces: [ Ethernet1, Vlan100 ]
-acls: [ { name: WEB, rules: [ { proto: tcp, dstPort: { eq: 80 } } ] } ]
-classMaps: [ { name: web, match: { ipv4: WEB } } ]
-policyMaps: [ { name: gold, classes: [ { class: web, set: { dscp: 10 } } ] } ]
-servicePolicies: [ { policyMap: gold, interfaces: [ Vlan100 ] } ]
-steps:
-  - at: 1
-    changes: )" +
-          atOne + R"(
-  - at: 2
-    changes:
-      - addInterfaces: [ Ethernet2 ]
-)";
-}
-
 struct ChipRun {
    Sim::Scenario scenario;
    std::unique_ptr< Sim::SimSwitch > sw;
@@ -98,13 +69,6 @@ struct ChipRun {
    }
 };
 
-std::string arg( Sim::ChipCall const& call, std::string const& name ) {
-   for( auto const& [ n, v ] : call.args ) {
-      if( n == name ) return v;
-   }
-   return "";
-}
-
 TEST( HelperQuestionsTest, EachAnswerChangesTheCallsTheEngineMakes ) {
    struct Case {
       char const* keys;
@@ -115,10 +79,6 @@ TEST( HelperQuestionsTest, EachAnswerChangesTheCallsTheEngineMakes ) {
       std::size_t byDefault;
       std::size_t withKeys;
    } const cases[] = {
-      // The engine leaves out the rule the chip can't match.
-      { "unsupportedMacEtherTypes: 0x806", macClass, "createMacAclRule", 0, 3, 2 },
-      { "unsupportedMacEtherTypes: [ 0x800-0x806, 0x86dd ]", macClass, "createMacAclRule", 0, 3,
-        0 },
       // A map flagged for version updates, of a type whose interfaces the chip manages, is
       // compiled anew when an interface joins: its one list is destroyed and made again.
       { "managedPrioritySupported: [ qos ], doVersionUpdate: true", webOnTwoPorts, "destroyAcl", 1,
@@ -146,67 +106,6 @@ TEST( HelperQuestionsTest, EachAnswerChangesTheCallsTheEngineMakes ) {
    }
 }
 
-TEST( HelperQuestionsTest, ARefusedMacRuleGivesItsNumberToTheNext ) {
-   auto const rules =
-         ChipRun( "unsupportedMacEtherTypes: 0x800", macClass ).calls( "createMacAclRule" );
-   ASSERT_EQ( rules.size(), 2u );
-   EXPECT_EQ( arg( rules[ 0 ], "ruleNum" ),
-              arg( ChipRun( "", macClass ).calls( "createMacAclRule" )[ 0 ], "ruleNum" ) );
-}
-
-TEST( HelperQuestionsTest, AnInterfaceJoinsTheMapOfItsGroup ) {
-   ChipRun const run( "aclGroups: { Ethernet2: uplinks, Ethernet3: uplinks }", webOnTwoPorts );
-   std::vector< std::string > maps;
-   for( auto const& call : run.calls( "precreateAcl" ) )
-      maps.push_back( arg( call, "classData" ) );
-   EXPECT_EQ( maps, ( std::vector< std::string >{ "gold(qos,input)/web/Default",
-                                                  "gold(qos,input,uplinks)/web/Default" } ) );
-   // Ethernet3 joins the list of its group, not the default one.
-   auto const ports = run.sw->chip().aclPorts();
-   ASSERT_EQ( ports.size(), 2u );
-   EXPECT_EQ( ports.begin()->second, ( std::set< std::string >{ "Ethernet1" } ) );
-   EXPECT_EQ( ports.rbegin()->second, ( std::set< std::string >{ "Ethernet2", "Ethernet3" } ) );
-   EXPECT_EQ( run.goldStatus().prgmStatus(), Qos::hwPrgmStatusSuccess_ );
-}
-
-TEST( HelperQuestionsTest, AnSviWaitsForTheInterfaceListOnAChipThatDelaysIt ) {
-   struct Case {
-      char const* keys;
-      std::string scenario;
-      // When the SVI's list is made; 0 for never.
-      double compiledAt;
-   } const cases[] = {
-      { "", sviPolicy( "interfacesReady: false", "[]" ), 0.001 },
-      { "delaySviPmapSmCreation: true", sviPolicy( "", "[]" ), 0.001 },
-      // Held back until an interface appears, whether or not the list is said complete first.
-      { "delaySviPmapSmCreation: true", sviPolicy( "interfacesReady: false", "[]" ), 2.0 },
-      { "delaySviPmapSmCreation: true",
-        sviPolicy( "interfacesReady: false", "[ { interfacesReady: true } ]" ), 2.0 },
-   };
-   for( Case const& c : cases ) {
-      SCOPED_TRACE( std::string( c.keys ) + c.scenario );
-      auto const made = ChipRun( c.keys, c.scenario ).calls( "precreateAcl" );
-      ASSERT_EQ( made.size(), 1u );
-      EXPECT_DOUBLE_EQ( made[ 0 ].t, c.compiledAt );
-   }
-   // Once the list is complete, an SVI that joins is served at once.
-   std::string const joinsLater = R"(
-interfaces: [ Ethernet1, Vlan100 ]
-interfacesReady: false
-acls: [ { name: WEB, rules: [ { proto: tcp } ] } ]
-classMaps: [ { name: web, match: { ipv4: WEB } } ]
-policyMaps: [ { name: gold, classes: [ { class: web, set: { dscp: 10 } } ] } ]
-steps:
-  - at: 1
-    changes:
-      - interfacesReady: true
-      - servicePolicy: { policyMap: gold, interfaces: [ Vlan100 ] }
-)";
-   auto const made = ChipRun( "delaySviPmapSmCreation: true", joinsLater ).calls( "precreateAcl" );
-   ASSERT_EQ( made.size(), 1u );
-   EXPECT_DOUBLE_EQ( made[ 0 ].t, 1.0 );
-}
-
 TEST( HelperQuestionsTest, AChipThatReportsItsOwnStatusWritesTheStatusAlone ) {
    std::string const full = "faults: [ { kind: outOfTcam, atEntries: 0 } ]";
    struct Case {
@@ -226,23 +125,6 @@ TEST( HelperQuestionsTest, AChipThatReportsItsOwnStatusWritesTheStatusAlone ) {
       EXPECT_EQ( run.sw->aclHwStatus().selfReportedPrgmStatus(),
                  c.keys.starts_with( "selfReported" ) );
    }
-}
-
-TEST( HelperQuestionsTest, RenamedBaseNamesNameTheGeneratedLists ) {
-   std::string const vlanClass = R"(
-interfaces: [ Ethernet1 ]
-classMaps: [ { name: v, match: { vlan: 10 } } ]
-policyMaps: [ { name: gold, classes: [ { class: v, set: { dscp: 10 } } ] } ]
-servicePolicies: [ { policyMap: gold, interfaces: [ Ethernet1 ] } ]
-)";
-   auto keyOf = []( ChipRun const& run ) {
-      auto const made = run.calls( "precreateAcl" );
-      return made.empty() ? std::string() : arg( made[ 0 ], "aclKey" );
-   };
-   EXPECT_EQ( keyOf( ChipRun( "", vlanClass ) ).rfind( "vlan-acl-", 0 ), 0u );
-   EXPECT_EQ(
-         keyOf( ChipRun( "aclNames: { vlanAclName: v4vlan }", vlanClass ) ).rfind( "v4vlan-", 0 ),
-         0u );
 }
 
 TEST( HelperQuestionsTest, AnAsynchronousCommitRefusedInTheCallIsNotSeenByTheEngine ) {
@@ -268,7 +150,7 @@ TEST( HelperQuestionsTest, AnAsynchronousRuleRefusedInTheCallStopsTheEngine ) {
    EXPECT_DEATH( ChipRun( refused, webOnTwoPorts ), "aclCreateErrorNone" );
 }
 
-TEST( HelperQuestionsTest, TheDriversInputsMoveTheEngine ) {
+TEST( HelperQuestionsTest, EachChangeOfCliWaitingRestatesTheConfigurationVersion ) {
    // Restating the configuration version: one more "applied" trace per change of cliWaiting.
    auto applied = []( std::string const& changes ) {
       Zub::traceEnable( "NevQos/2" );
@@ -283,17 +165,6 @@ TEST( HelperQuestionsTest, TheDriversInputsMoveTheEngine ) {
    auto const base = applied( "[]" );
    EXPECT_EQ( applied( "[ { cliWaiting: true } ]" ), base + 1 );
    EXPECT_EQ( applied( "[ { cliWaiting: false } ]" ), base );
-
-   // Every policy map programmed anew: its list destroyed and made again at the step.
-   std::string const reprogram = webOnTwoPorts +
-                                 "  - at: 2\n    changes: [ { "
-                                 "reprogramAllPolicyMaps: true } ]\n";
-   ChipRun const run( "", reprogram );
-   auto const made = run.calls( "precreateAcl" );
-   ASSERT_EQ( made.size(), 2u );
-   EXPECT_DOUBLE_EQ( made[ 1 ].t, 2.0 );
-   EXPECT_EQ( run.count( "destroyAcl" ), 1u );
-   EXPECT_EQ( run.goldStatus().prgmStatus(), Qos::hwPrgmStatusSuccess_ );
 }
 
 }  // namespace

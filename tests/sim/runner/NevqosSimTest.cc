@@ -1,5 +1,5 @@
-// nevqos-sim run as a user runs it: examples cut short, the same outcome on both TCAM modes,
-// verification and --show, the engine's records, traces, and bad scenarios refused with their
+// nevqos-sim run as a user runs it: the same outcome on both TCAM modes,
+// verification and --show, the engine's records, and bad scenarios and flags refused with their
 // place and exit code 2. (Chip faults have stories under tests/stories.)
 #include <gtest/gtest.h>
 
@@ -9,7 +9,6 @@
 #include <iterator>
 #include <map>
 #include <nlohmann/json.hpp>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -48,19 +47,6 @@ std::vector< Json > callsOf( Json const& report, std::string const& op ) {
       if( c[ "op" ] == op ) out.push_back( c );
    }
    return out;
-}
-
-// What two examples' expected reports can't show: the state before their last steps.
-TEST( NevqosSimTest, ExamplesCutShortStopWhereTheirStoryWasThen ) {
-   // Without the clear request the basic slice stays down.
-   SimRun const uncleared = runSim( { exampleUpTo( "ecn-profiles.yaml", "  - at: 7" ), "--json" } );
-   ASSERT_EQ( uncleared.exitCode, 0 ) << uncleared.err;
-   EXPECT_EQ( uncleared.report()[ "status" ][ "basicStatus" ], "hwProgrammingFailed" );
-   // Until the driver has started, the kernel is told nothing.
-   SimRun const starting =
-         runSim( { exampleUpTo( "copp-exhaustion.yaml", "  - at: 2" ), "--json" } );
-   ASSERT_EQ( starting.exitCode, 0 ) << starting.err;
-   EXPECT_EQ( starting.report()[ "controlPlane" ][ "kernel" ][ "operations" ], 0 );
 }
 
 // The outcome of a scenario does not depend on the road: same status, same lists on the same
@@ -120,6 +106,11 @@ TEST( NevqosSimTest, BadScenariosAreRefusedWithTheirPlace ) {
    SimRun const missing = runSim( { ::testing::TempDir() + "no-such.yaml" } );
    EXPECT_EQ( missing.exitCode, 2 );
    EXPECT_NE( missing.err.find( "no-such.yaml: cannot read" ), std::string::npos ) << missing.err;
+   // A trace list that cannot be read is refused before anything runs.
+   SimRun const bad = runSim( { example( "cbf-overrides.yaml" ), "--trace", "NevQos/x" } );
+   EXPECT_EQ( bad.exitCode, 2 );
+   EXPECT_EQ( bad.out, "" );
+   EXPECT_NE( bad.err.find( "--trace NevQos/x: not a trace list" ), std::string::npos ) << bad.err;
 }
 
 // ---- Verification and show
@@ -245,31 +236,6 @@ servicePolicies: [ { policyMap: p, interfaces: [ Ethernet1 ] } ]
    EXPECT_EQ( c6[ "acls" ][ 0 ][ "installed" ], true ) << "yet committed";
    for( Json const& acl : report[ "tcam" ][ "acls" ] )
       EXPECT_EQ( acl[ "id" ].get< std::string >().find( "V6" ), std::string::npos );
-}
-
-// --trace keeps the lines of the handles and levels asked for, in order, with their times; a
-// list that cannot be read is refused before anything runs.
-TEST( NevqosSimTest, TraceKeepsTheLinesAskedForInOrder ) {
-   Json const report =
-         reportOf( "cbf-overrides.yaml", { "--trace", "NevCbfFecMappingSm/0", "--trace", "*/9" } );
-   ASSERT_TRUE( report.contains( "trace" ) );
-   Json const& trace = report[ "trace" ];
-   ASSERT_FALSE( trace.empty() );
-   std::set< std::string > handles;
-   double last = 0.0;
-   for( Json const& l : trace ) {
-      handles.insert( l[ "handle" ].get< std::string >() + "/" + l[ "level" ].dump() );
-      EXPECT_GE( l[ "t" ].get< double >(), last );
-      last = l[ "t" ].get< double >();
-   }
-   EXPECT_EQ( handles, std::set< std::string >{ "NevCbfFecMappingSm/0" } )
-         << "no handle traces at level 9";
-   EXPECT_GT( last, 0.001 ) << "steps' lines as well as the start-up's";
-   EXPECT_FALSE( reportOf( "cbf-overrides.yaml" ).contains( "trace" ) );
-   SimRun const bad = runSim( { example( "cbf-overrides.yaml" ), "--trace", "NevQos/x" } );
-   EXPECT_EQ( bad.exitCode, 2 );
-   EXPECT_EQ( bad.out, "" );
-   EXPECT_NE( bad.err.find( "--trace NevQos/x: not a trace list" ), std::string::npos ) << bad.err;
 }
 
 TEST( NevqosSimTest, ShowPrintsTheTcamOfEachAclAfterTheReport ) {

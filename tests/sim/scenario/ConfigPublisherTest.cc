@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <sstream>
 #include <string>
 
 #include "entities/CounterConfig.h"
@@ -82,25 +81,10 @@ class ConfigPublisherTest : public ::testing::Test {
    }
 };
 
-template< class Value >
-std::string textOf( Value const& v ) {
-   std::ostringstream os;
-   os << v;
-   return os.str();
-}
-
+// What the examples leave out: a MAC list beside an IPv4 one in a class, a masked VLAN, DSCP
+// ranges with ECN, a port-channel member, and the named policer's rates in the class.
 TEST_F( ConfigPublisherTest, TheStartingConfigurationReachesEveryEntity ) {
    startWith( "" );
-   auto const a = acl( "A" );
-   ASSERT_TRUE( a && a->currCfg() );
-   EXPECT_EQ( a->version(), 1u );
-   EXPECT_EQ( a->currCfg()->ruleBySequence( 25 ), Acl::UniqueId( 2 ) );
-   EXPECT_EQ( textOf( a->currCfg()->ipRuleById( Acl::UniqueId( 1 ) ) ),
-              "permit proto 6 any any eq 80" );
-   ASSERT_TRUE( acl( "M", Acl::mac() ) );
-   EXPECT_EQ( acl( "M", Acl::mac() )->currCfg()->macRuleById( Acl::UniqueId( 1 ) ).filter.etherType,
-              0x8847 );
-
    EXPECT_EQ( match( "cb", Qos::matchOptionIpAcl )->strValue(), "B" );
    EXPECT_EQ( match( "cb", Qos::matchOptionMac )->strValue(), "M" );
    auto const vlan = match( "cv", Qos::matchOptionVlan )->vlanValue();
@@ -112,46 +96,13 @@ TEST_F( ConfigPublisherTest, TheStartingConfigurationReachesEveryEntity ) {
    EXPECT_FALSE( dscp->dscp().isValid() );
    EXPECT_EQ( dscp->ecn(), Acl::ecnCe );
    EXPECT_TRUE( dscp->dscpCollHas( Qos::DscpRange( 8, 15 ) ) );
-
-   auto const pa = pmap( "pa" );
-   ASSERT_TRUE( pa );
-   EXPECT_EQ( pa->version(), 1u );
-   EXPECT_EQ( pa->classPrio( 1 ), Qos::ClassPriority( Zub::Name( "ca" ) ) );
-   EXPECT_EQ( pa->classPrio( 2 ), Qos::ClassPriority( Zub::Name( "cv" ) ) );
-   EXPECT_EQ( pa->classPrioSize(), 2u ) << "the default class stands apart";
-   auto const ca = pa->classAction( Zub::Name( "ca" ) );
-   EXPECT_EQ( ca->action( Qos::actionSetDscp_ )->value(), 46u );
-   EXPECT_EQ( ca->action( Qos::actionSetCos_ )->value(), 5u );
-   EXPECT_TRUE( ca->count() );
-   EXPECT_FALSE( ca->policer() );
-   auto const named = pa->classAction( Zub::Name( "cv" ) )->policer();
+   auto const named = pmap( "pa" )->classAction( Zub::Name( "cv" ) )->policer();
    ASSERT_TRUE( named );
-   EXPECT_TRUE( named->named() );
    EXPECT_EQ( named->name(), "np" );
    EXPECT_EQ( named->cir(), 1000u ) << "the named policer's rates";
-   EXPECT_EQ( named->bc(), 20000u );
    EXPECT_TRUE( named->redAction( Qos::actionDrop_ ) );
-   ASSERT_TRUE( pa->classDefault() );
-   EXPECT_TRUE( pa->classDefault()->matchHas( Qos::matchOptionNone ) );
-   EXPECT_TRUE( pa->classActionDefault()->action( Qos::actionDrop_ ) );
-
-   auto const own = pmap( "pb" )->classAction( Zub::Name( "cb" ) )->policer();
-   ASSERT_TRUE( own );
-   EXPECT_FALSE( own->named() );
-   EXPECT_EQ( own->cirUnit(), Qos::rateUnitMbps_ );
-   EXPECT_EQ( own->bcUnit(), Qos::burstUnitKbytes_ );
-   EXPECT_EQ( own->yellowAction( Qos::actionSetDscp_ )->value(), 10u );
-
-   auto const sp = servicePolicy( "pa" );
-   ASSERT_TRUE( sp );
-   EXPECT_EQ( sp->version(), 0u );
-   EXPECT_TRUE( sp->intfIds( Qos::IntfPairKey( Mirel::IntfId( "Ethernet1" ) ) ) );
-   EXPECT_TRUE( sp->intfIds(
+   EXPECT_TRUE( servicePolicy( "pa" )->intfIds(
          Qos::IntfPairKey( Mirel::IntfId( "Ethernet3" ), Mirel::IntfId( "Port-Channel5" ) ) ) );
-   EXPECT_EQ( inputs.qosStatus->namedPolicer( Zub::Name( "np" ) )->paramChangeVersion(), 0u );
-   EXPECT_TRUE( inputs.ncsd->intf( Mirel::IntfId( "Ethernet2" ) ) );
-   EXPECT_TRUE( inputs.ncsd->intfsReady() );
-   EXPECT_EQ( inputs.qosStatus->configVersionUpdateTime(), 0.0 );
 }
 
 TEST_F( ConfigPublisherTest, AStepMovesTheVersionsOfWhatItChangedAndNothingElse ) {

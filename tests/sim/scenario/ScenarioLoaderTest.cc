@@ -147,34 +147,6 @@ namedPolicers:
    EXPECT_EQ( byte.be, 5u );
 }
 
-TEST( ScenarioLoaderTest, ChipKeysAndFaultsDescribeTheChip ) {
-   auto const s = loaded( R"(
-chip:
-  tcamMode: asynchronous
-  asyncDelay: 0.25
-  perClassPolicerSupported: true
-  vlanClassMatchSupported: false
-  supportedTcpFlags: 0x3f
-  policyClassMaxPrio: 200
-  faults:
-    - { kind: operationError, op: createIpAclSubrule, nth: 2, error: tooManyL4PortRanges, until: 9 }
-    - { name: stuck, kind: asyncPending }
-)" );
-   EXPECT_EQ( s.chip.tcamMode, Sim::TcamMode::asynchronous );
-   EXPECT_EQ( s.chip.asyncDelay, 0.25 );
-   EXPECT_TRUE( s.chip.perClassPolicerSupported );
-   EXPECT_FALSE( s.chip.vlanClassMatchSupported );
-   EXPECT_EQ( s.chip.supportedTcpFlags, 0x3f );
-   EXPECT_EQ( s.chip.policyClassMaxPrio, 200 );
-   ASSERT_EQ( s.chip.faults.size(), 2u );
-   EXPECT_EQ( s.chip.faults[ 0 ].op, "createIpAclSubrule" );
-   EXPECT_EQ( s.chip.faults[ 0 ].nth, 2u );
-   EXPECT_EQ( s.chip.faults[ 0 ].error, Nev::aclCreateErrorTooManyL4PortRanges );
-   EXPECT_EQ( s.chip.faults[ 0 ].until, 9.0 );
-   EXPECT_EQ( s.chip.faults[ 1 ].nth, 1u ) << "the first pending operation by default";
-   EXPECT_EQ( s.faultNames, ( std::vector< std::string >{ "", "stuck" } ) );
-}
-
 TEST( ScenarioLoaderTest, RemovalsTakeANameForTheDefaultTypeOrAMapping ) {
    auto const s = loaded( R"(
 acls: [ { name: A }, { name: B, type: ipv6 } ]
