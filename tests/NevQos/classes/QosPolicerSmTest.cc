@@ -189,15 +189,5 @@ TEST_F( QosPolicerSmTest, TheDefaultPdpPolicyTakesItsNamedPolicersFromTheChip ) 
    EXPECT_EQ( other->classData()->policerData()->namedPolicerStatus(), fromConfig );
 }
 
-using QosPolicerSmDeathTest = QosPolicerSmTest;
-
-TEST_F( QosPolicerSmDeathTest, AControlPlaneClassCannotUseANamedPolicer ) {
-   qosAclHwStatus->intfCoppSupportedIs( true );
-   start();
-   policedClassIs( "np", "copp-port", Qos::mapControlPlane_ )->namedIs( true );
-   EXPECT_DEATH( applyIs( "copp-port", { intf( "Ethernet1" ) }, Qos::mapControlPlane_ ),
-                 "Control plane policies cannot use named policers" );
-}
-
 }  // namespace
 }  // namespace NevQosTest

@@ -176,26 +176,6 @@ TEST_F( QosClassMatchAclSmVerifyTest, OnASimulatedSwitchTheFirstFindingStopsTheP
          "Assertion `0' failed" );
 }
 
-TEST_F( QosClassMatchAclSmVerifyTest, StructuralMismatchesStopTheProcessWithTheirTexts ) {
-   goldIs( { rule( 17 ) } );
-   auto const pmap = sm->servicePolicySm( spKey( "gold" ) )->pmapSm( pmapKey( "gold" ) );
-   auto const cls = pmap->policyClassSm( Nev::QosClassMapKey( Zub::Name( "c4" ), Qos::mapQos_ ) );
-   ASSERT_TRUE( cls );
-   EXPECT_DEATH(
-         {
-            cls->classMatchSm( Qos::matchOptionIpAcl )
-                  ->aclSmDel( Nev::AclKey( Zub::Name( "v4" ), Acl::ip() ) );
-            verify();
-         },
-         "aclSmHas\\( AclKey\\( classMatch\\(\\)->strValue\\(\\), Acl::ip\\(\\) \\) \\)" );
-   EXPECT_DEATH(
-         {
-            pmap->policyClassSmDel( Nev::QosClassMapKey( Zub::Name( "c4" ), Qos::mapQos_ ) );
-            verify();
-         },
-         "policyClassSm\\( cmapKey \\)" );
-}
-
 // ---- Show
 
 class AclShowTest : public QosClassMatchAclSmVerifyTest {

@@ -66,20 +66,4 @@ TEST( QosClassCounterDataTest, EqualityAndOrderIncludeTheMap ) {
    EXPECT_LT( counters( 0 ), counters( 1 ) );
 }
 
-TEST( QosClassCounterDataTest, TextShowsNoneForTheMap ) {
-   QosClassCounterData c = counters( 0 );
-   c.dropCountIntfSharedPolicerIs( eth1, 99 );
-   EXPECT_EQ( valueToStrep( c ),
-              "Value('Nev::QosClassCounterData', ** {'pktHits': 1, 'pktDrops': 2, 'byteHits': 3, "
-              "'byteDrops': 4, 'yellowPktHits': 5, 'yellowByteHits': 6, "
-              "'dropCountIntfSharedPolicer': None})" );
-}
-
-TEST( QosClassCounterDataDeathTest, CannotBeReadFromText ) {
-   Zub::String text = valueToStrep( QosClassCounterData() );
-   EXPECT_DEATH( QosClassCounterData( text.begin(), text.end() ),
-                 "Assertion `!\"No String constructor for QosClassCounterData - has "
-                 "collection\"' failed" );
-}
-
 }  // namespace

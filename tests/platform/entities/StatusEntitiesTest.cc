@@ -3,7 +3,6 @@
 // includes yet still has to compile.
 #include <gtest/gtest.h>
 
-#include <sstream>
 #include <vector>
 
 #include "entities/AclConfig.h"
@@ -20,7 +19,6 @@
 #include "nev/KernelCoPPConfig.h"
 #include "nev/KernelCoPPStatus.h"
 #include "nev/NexthopGroupStatus.h"
-#include "support/OneAtATime.h"
 
 namespace {
 
@@ -59,23 +57,6 @@ TEST( StatusEntitiesTest, MatchesAndActionsWalkInKeyOrder ) {
    caction->actionIs( Qos::actionSetDscp_ )->valueIs( 46 );
    EXPECT_EQ( ( *caction->action().iter() )->actionType(), Qos::actionSetDscp_ );
    EXPECT_EQ( caction->action( Qos::actionSetTc_ )->value(), 3u );
-}
-
-TEST( StatusEntitiesTest, ModIdPortQueueKey ) {
-   Nev::ModIdPortQueueKey a( 1, 2, 3 ), b( 1, 3, 0 );
-   EXPECT_LT( a, b );
-   EXPECT_TRUE( !Nev::ModIdPortQueueKey() );
-   EXPECT_FALSE( !a );
-
-   std::vector< std::uint8_t > bytes;
-   TypesTest::appendLe( bytes, 1, 4 );
-   TypesTest::appendLe( bytes, 2, 4 );
-   TypesTest::appendLe( bytes, 3, 4 );
-   EXPECT_EQ( a.hash(), TypesTest::oneAtATime( bytes ) );
-
-   std::ostringstream os;
-   os << a;
-   EXPECT_EQ( os.str(), "Value('Nev::ModIdPortQueueKey', ** {'modId': 1, 'port': 2, 'queue': 3})" );
 }
 
 }  // namespace
