@@ -97,7 +97,6 @@ class DynamicPerPortCoppSmTest : public ::testing::Test {
 
    Nev::ModIdPortQueueKey const a{ 1, 2, 3 };
    Nev::ModIdPortQueueKey const b{ 1, 5, 3 };
-   Nev::ModIdPortQueueKey const c{ 0, 7, 9 };
    Zub::Ptr< Zub::ActivityManager > loop;
    Zub::Ptr< Nev::KernelCoPPStatus > kernelCoppStatus;
    Zub::Ptr< Sim::RecordingQosAclHelper > helper;
@@ -107,20 +106,6 @@ class DynamicPerPortCoppSmTest : public ::testing::Test {
  private:
    Lines logs_;
 };
-
-TEST_F( DynamicPerPortCoppSmTest, ReportsStandingBeforeStartArePickedUpThenChangesFollow ) {
-   report( a, Nev::kernelCoppQueueSaturated );
-   report( b, Nev::kernelCoppQueueUnsaturated );
-   report( c, Nev::KernelCoppQueueState( 7 ) );  // not a report
-   start();
-   EXPECT_EQ( takeCalls(), ( Lines{ "createCoppPolicerByPortQueue key=1/2/3",
-                                    "destroyCoppPolicerByPortQueue key=1/5/3" } ) );
-   EXPECT_EQ( sm->retryTime(), Zub::never );
-
-   report( a, Nev::kernelCoppQueueUnsaturated );
-   report( c, Nev::kernelCoppQueueNoReport );
-   EXPECT_EQ( takeCalls(), Lines{ "destroyCoppPolicerByPortQueue key=1/2/3" } );
-}
 
 TEST_F( DynamicPerPortCoppSmTest, TwoSaturatedReportsWhileFullWaitTwiceAndAreProgrammedTwice ) {
    start();

@@ -70,25 +70,6 @@ TEST_F( QosAclHelperTest, AnInterfaceRequestFiresTheReactorAndLeavesNothingBehin
    EXPECT_EQ( reactor->heard.size(), 4u );
 }
 
-// A chip that batches per policy map only.
-class MapBatchingHelper : public QosAclHelper {
- public:
-   using QosAclHelper::QosAclHelper;
-   void batchCommitAcls( Nev::QosPolicyMapState const& pmapState ) override {
-      batched.push_back( pmapState.key() );
-   }
-   std::vector< QosPolicyMapKey > batched;
-};
-
-TEST_F( QosAclHelperTest, APerInterfaceBatchIsAPlainBatchByDefault ) {
-   auto chip =
-         Zub::make< MapBatchingHelper >( helper->qosStatus(), sliceHw, helper->mainAclConfig() );
-   auto state = chip->pmapStateIs( gold );
-   chip->batchCommitAclsIntf( *state, intf( "Ethernet1" ), true );
-   chip->batchCommitAclsIntf( *state, intf( "Ethernet2" ), false );
-   EXPECT_EQ( chip->batched, ( std::vector< QosPolicyMapKey >{ gold, gold } ) );
-}
-
 TEST_F( QosAclHelperTest, AStatusReportWritesTheProgrammingStatusOnly ) {
    Qos::PolicyMapHwStatusKey const hwKey( Qos::directionInput_, Zub::Name( "gold" ) );
    auto hw = sliceHw->pmapTypeIs( Qos::mapQos_ )->pmapIs( hwKey );

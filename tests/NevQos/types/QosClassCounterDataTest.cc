@@ -51,19 +51,4 @@ TEST( QosClassCounterDataTest, ArithmeticMergesThePerInterfaceDrops ) {
    EXPECT_EQ( restored, left );
 }
 
-TEST( QosClassCounterDataTest, EqualityAndOrderIncludeTheMap ) {
-   QosClassCounterData a = counters( 0 ), b = counters( 0 );
-   EXPECT_EQ( a, b );
-   EXPECT_TRUE( !QosClassCounterData() );
-   EXPECT_FALSE( !a );
-   b.dropCountIntfSharedPolicerIs( eth1, 1 );
-   EXPECT_NE( a, b );
-   EXPECT_LT( a, b );
-   b.dropCountIntfSharedPolicerDelAll();
-   EXPECT_EQ( a, b );
-   b.yellowByteHitsIs( 0 );
-   EXPECT_LT( b, a );  // the last counter decides when the others tie
-   EXPECT_LT( counters( 0 ), counters( 1 ) );
-}
-
 }  // namespace

@@ -41,22 +41,4 @@ TEST( StatusEntitiesTest, UnconfiguredMapSlotReadsAsSentinel ) {
    EXPECT_TRUE( hw->defaultDscp().isValid() );
 }
 
-// Matches and actions know their own key, and walk in ascending order of it.
-TEST( StatusEntitiesTest, MatchesAndActionsWalkInKeyOrder ) {
-   auto cmap = Zub::make< Qos::ClassMapStatus >( Zub::Name( "c1" ) );
-   cmap->matchIs( Qos::matchOptionMac )->strValueIs( "macAcl" );
-   cmap->matchIs( Qos::matchOptionIpAcl )->strValueIs( "ipAcl" );
-   auto it = cmap->match().iter();
-   EXPECT_EQ( ( *it )->option(), Qos::matchOptionIpAcl );
-   EXPECT_EQ( ( *it )->strValue(), "ipAcl" );
-   ++it;
-   EXPECT_EQ( ( *it )->option(), Qos::matchOptionMac );
-
-   auto caction = Zub::make< Qos::ClassAction >( Zub::Name( "c1" ) );
-   caction->actionIs( Qos::actionSetTc_ )->valueIs( 3 );
-   caction->actionIs( Qos::actionSetDscp_ )->valueIs( 46 );
-   EXPECT_EQ( ( *caction->action().iter() )->actionType(), Qos::actionSetDscp_ );
-   EXPECT_EQ( caction->action( Qos::actionSetTc_ )->value(), 3u );
-}
-
 }  // namespace
