@@ -223,24 +223,6 @@ TEST( LayersTest, EveryIncludeOfTheTreeKeepsToTheTableOfLayers ) {
    EXPECT_EQ( joined( checkIncludes( table, includes ) ), "" );
 }
 
-TEST( LayersTest, EveryFolderWithSourcesHasARow ) {
-   fs::path const top = NEVQOS_SOURCE_DIR;
-   std::ifstream doc( top / "docs/design.md" );
-   LayerTable const table = readLayerTable( doc );
-   std::vector< std::string > missing;
-   for( std::string root : { "platform", "NevQos", "sim" } ) {
-      for( auto const& entry : fs::recursive_directory_iterator( top / root ) ) {
-         if( entry.path().extension() != ".h" && entry.path().extension() != ".cc" ) continue;
-         std::string const folder =
-               fs::relative( entry.path().parent_path(), top ).generic_string();
-         if( !table.rowOf.count( folder ) ) missing.push_back( folder );
-      }
-   }
-   std::sort( missing.begin(), missing.end() );
-   missing.erase( std::unique( missing.begin(), missing.end() ), missing.end() );
-   EXPECT_EQ( joined( missing ), "" );
-}
-
 // The checker itself, on a small table: the findings it must give and the ones it must not.
 TEST( LayersTest, TheCheckerFindsUpwardIncludesAndStaleExceptions ) {
    std::istringstream doc( R"(# Notes

@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "support/QosBasicSmFixture.h"
-#include "zub/Exception.h"
 
 namespace NevQosTest {
 namespace {
@@ -17,7 +16,6 @@ using Lines = std::vector< std::string >;
 using Qos::TrafficClass;
 
 using QosBasicSmTest = QosBasicSmFixture;
-using QosBasicSmDeathTest = QosBasicSmFixture;
 
 TEST_F( QosBasicSmTest, StartUpWalksTheInputsInItsOrder ) {
    qosHwStatus->numTcSupportedIs( 2 );
@@ -278,36 +276,6 @@ TEST_F( QosBasicSmTest, TeardownResetsInterfacesAndLeavesEcnCounters ) {
                                     "txQueueStatus=UC1" } ) );
    EXPECT_EQ( sm->qosIntfSmSize(), 0u );
    EXPECT_EQ( sm->ecnIntfCounterConfigSmSize(), 1u );
-}
-
-TEST_F( QosBasicSmTest, NullMembersOfWatchedCollectionsAreRefused ) {
-   start();
-   try {
-      sm->statusIs( nullptr );
-      FAIL() << "a null status was taken";
-   } catch( Zub::NullParameterException const& e ) {
-      EXPECT_STREQ( e.what(),
-                    "null _status parameter to mutator for Nev::QosBasicSm::status not allowed\"" );
-   }
-   EXPECT_THROW( sm->dscpRewriteMapIs( nullptr ), Zub::NullParameterException );
-   EXPECT_THROW( sm->cosToTcProfileIs( nullptr ), Zub::NullParameterException );
-}
-
-TEST_F( QosBasicSmDeathTest, StartUpNeedsTheHelperAndTheClock ) {
-   EXPECT_DEATH(
-         {
-            sm = Nev::qosBasicSmFactory( ncsd, qosStatus, qosHwStatus, sliceHwStatus, nullptr,
-                                         ethPhyIntfStatusDir, counterConfig, clock );
-            loop->runOnce();
-         },
-         "qosHelper\\(\\)" );
-   EXPECT_DEATH(
-         {
-            sm = Nev::qosBasicSmFactory( ncsd, qosStatus, qosHwStatus, sliceHwStatus, helper,
-                                         ethPhyIntfStatusDir, counterConfig, nullptr );
-            loop->runOnce();
-         },
-         "clock\\(\\)" );
 }
 
 }  // namespace

@@ -131,42 +131,5 @@ TEST_F( QosIntfTxQueueSmTest, ExhaustedProfilesAreFiledUnderTheirFeature ) {
    }
 }
 
-TEST_F( QosIntfTxQueueSmTest, TheResetFilesEachFailureUnderItsFeature ) {
-   qosHwStatus->dropPrecedenceThresholdSupportedIs( true );
-   auto intf = intfIs( "Ethernet1", { 1, 2, 3 } );
-   start();
-   takeCalls();
-   // The same defaults call runs once under the ECN record and once under the WRED record:
-   // a chip out of WRED profiles fails only the second, and the first doesn't stop the rest.
-   failIs( "programIntfTxQueueDefaults", Qos::featureWred_ );
-   intf->txQueueStatusDel( uc( 1 ) );
-   EXPECT_EQ( takeCalls(),
-              ( Lines{ "basic programIntfTxQueueDefaults intfStatus=Ethernet1 txQueueStatus=UC1",
-                       "basic programIntfTxQueueDefaults intfStatus=Ethernet1 txQueueStatus=UC1",
-                       "basic programIntfTxQueueDropThresholdDefaults intfStatus=Ethernet1 "
-                       "txQueueStatus=UC1" } ) );
-   EXPECT_EQ( record( Qos::featureEcnStatus_ )->hwProgrammingStatus(),
-              Qos::hwProgrammingSucceeded_ );
-   EXPECT_EQ( record( Qos::featureWred_ )->hwProgrammingStatus(), Qos::hwProgrammingFailed_ );
-   EXPECT_EQ( record( Qos::featureWred_ )->errMessage(), "WRED profiles exhausted" );
-
-   failIs( "programIntfTxQueueDefaults", Qos::featureEcnStatus_ );
-   failIs( "programIntfTxQueueDropThresholdDefaults", Qos::featureDropThresholds_ );
-   intf->txQueueStatusDel( uc( 2 ) );
-   EXPECT_EQ( takeCalls().size(), 3u );
-   EXPECT_EQ( record( Qos::featureEcnStatus_ )->errMessage(), "ECN profiles exhausted" );
-   EXPECT_EQ( record( Qos::featureWred_ )->hwProgrammingStatus(), Qos::hwProgrammingSucceeded_ );
-   EXPECT_EQ( record( Qos::featureDropThresholds_ )->errMessage(),
-              "Drop Precedence Tail Drop Thresholds Rate Classes exhausted" );
-
-   // Without drop-precedence thresholds there is no third step.
-   qosHwStatus->dropPrecedenceThresholdSupportedIs( false );
-   intf->txQueueStatusDel( uc( 3 ) );
-   EXPECT_EQ( takeCalls(), ( Lines{ "basic programIntfTxQueueDefaults intfStatus=Ethernet1 "
-                                    "txQueueStatus=UC3",
-                                    "basic programIntfTxQueueDefaults intfStatus=Ethernet1 "
-                                    "txQueueStatus=UC3" } ) );
-}
-
 }  // namespace
 }  // namespace NevQosTest

@@ -166,35 +166,6 @@ TEST_F( CbfFecMappingSmTest, RequestsFollowTheFecsInUse ) {
    EXPECT_EQ( requested(), Fecs{} );
 }
 
-TEST_F( CbfFecMappingSmTest, KeysAreProgrammedOnceBothFecsAreKnownAndUnprogrammedWhenOneGoes ) {
-   start();
-   want( key( 10, 1 ), 2 );
-   review();
-   // Neither FEC known: waiting, and the driver hears nothing.
-   EXPECT_EQ( statusOf( key( 10, 1 ) ), 3u );
-   EXPECT_EQ( takeCalls(), Lines{} );
-   EXPECT_TRUE( sm->policyOverrideReviewQueue().empty() );
-
-   known( 1 );
-   known( 2 );
-   review();
-   EXPECT_EQ( takeCalls(), Lines{ "cbf createOrUpdateMapping key=ipv4/10/1 hwFecId=1001 "
-                                  "overridingHwFecId=1002" } );
-   EXPECT_EQ( statusOf( key( 10, 1 ) ), 1u );
-
-   // The overriding FEC vanishes: the rule goes, the key waits again.
-   responses->hwFecIdDel( 2 );
-   review();
-   EXPECT_EQ( takeCalls(), Lines{ "cbf deleteMapping key=ipv4/10/1" } );
-   EXPECT_EQ( statusOf( key( 10, 1 ) ), 3u );
-
-   // Removed while not programmed: its status goes, the driver hears nothing.
-   config->overrideDel( key( 10, 1 ) );
-   review();
-   EXPECT_EQ( takeCalls(), Lines{} );
-   EXPECT_EQ( statusOf( key( 10, 1 ) ), 0u );
-}
-
 TEST_F( CbfFecMappingSmTest, ADeletionWithoutACachedCopyUsesTheDefaultEntry ) {
    start();
    want( key( 10, 1 ), 2 );

@@ -173,31 +173,5 @@ TEST_F( QosPolicerSmTest, ExhaustionIsLoggedAndFailsTheMapOnlyWhenTheChipSaysSo 
          << "a policer the chip refused is not destroyed";
 }
 
-TEST_F( QosPolicerSmTest, TheDefaultPdpPolicyTakesItsNamedPolicersFromTheChip ) {
-   qosHwStatus->pdpSupportedIs( true );
-   start();
-   auto fromChip = qosAclHwStatus->namedPolicerStatusIs( Zub::Name( "np" ) );
-   auto fromConfig = qosStatus->namedPolicerIs( Zub::Name( "np" ) );
-   policedClassIs( "np", "default-pdp-policy", Qos::mapPdp_ )->namedIs( true );
-   policedClassIs( "np", "other", Qos::mapPdp_ )->namedIs( true );
-   applyIs( "default-pdp-policy", { intf( "Ethernet1" ) }, Qos::mapPdp_ );
-   applyIs( "other", { intf( "Ethernet1" ) }, Qos::mapPdp_ );
-   auto dflt = copy( "Ethernet1", "default-pdp-policy", Qos::mapPdp_ );
-   auto other = copy( "Ethernet1", "other", Qos::mapPdp_ );
-   ASSERT_TRUE( dflt && other );
-   EXPECT_EQ( dflt->classData()->policerData()->namedPolicerStatus(), fromChip );
-   EXPECT_EQ( other->classData()->policerData()->namedPolicerStatus(), fromConfig );
-}
-
-using QosPolicerSmDeathTest = QosPolicerSmTest;
-
-TEST_F( QosPolicerSmDeathTest, AControlPlaneClassCannotUseANamedPolicer ) {
-   qosAclHwStatus->intfCoppSupportedIs( true );
-   start();
-   policedClassIs( "np", "copp-port", Qos::mapControlPlane_ )->namedIs( true );
-   EXPECT_DEATH( applyIs( "copp-port", { intf( "Ethernet1" ) }, Qos::mapControlPlane_ ),
-                 "Control plane policies cannot use named policers" );
-}
-
 }  // namespace
 }  // namespace NevQosTest

@@ -135,21 +135,6 @@ TEST_F( QosPolicyClassSmTest, APdpCounterCopiesPerInterfaceUnlessThePolicerWins 
               ( Lines{ "Ethernet2/1", "Port-Channel10/1" } ) );
 }
 
-TEST_F( QosPolicyClassSmTest, ThreeMatchesTakeMatchPrioritiesSevenSixFive ) {
-   start();
-   ipAclIs( "v4", {} );
-   ip6AclIs( "v6", {} );
-   classMapIs( "c1", { { Qos::matchOptionIpAcl, "v4" },
-                       { Qos::matchOptionIpv6Acl, "v6" },
-                       { Qos::matchOptionVlan, "" } } );
-   classIs( "gold", "c1" );
-   applyIs( "gold", { intf( "Ethernet1" ) } );
-   auto data = classSm()->classData();
-   EXPECT_EQ( data->matchData( Qos::matchOptionIpAcl )->priority(), 7u );
-   EXPECT_EQ( data->matchData( Qos::matchOptionIpv6Acl )->priority(), 6u );
-   EXPECT_EQ( data->matchData( Qos::matchOptionVlan )->priority(), 5u );
-}
-
 TEST_F( QosPolicyClassSmTest, AnInterfaceReachesEveryAclOfTheClass ) {
    start();
    ipAclIs( "v4", {} );

@@ -97,7 +97,6 @@ class DynamicPerPortCoppSmTest : public ::testing::Test {
 
    Nev::ModIdPortQueueKey const a{ 1, 2, 3 };
    Nev::ModIdPortQueueKey const b{ 1, 5, 3 };
-   Nev::ModIdPortQueueKey const c{ 0, 7, 9 };
    Zub::Ptr< Zub::ActivityManager > loop;
    Zub::Ptr< Nev::KernelCoPPStatus > kernelCoppStatus;
    Zub::Ptr< Sim::RecordingQosAclHelper > helper;
@@ -107,20 +106,6 @@ class DynamicPerPortCoppSmTest : public ::testing::Test {
  private:
    Lines logs_;
 };
-
-TEST_F( DynamicPerPortCoppSmTest, ReportsStandingBeforeStartArePickedUpThenChangesFollow ) {
-   report( a, Nev::kernelCoppQueueSaturated );
-   report( b, Nev::kernelCoppQueueUnsaturated );
-   report( c, Nev::KernelCoppQueueState( 7 ) );  // not a report
-   start();
-   EXPECT_EQ( takeCalls(), ( Lines{ "createCoppPolicerByPortQueue key=1/2/3",
-                                    "destroyCoppPolicerByPortQueue key=1/5/3" } ) );
-   EXPECT_EQ( sm->retryTime(), Zub::never );
-
-   report( a, Nev::kernelCoppQueueUnsaturated );
-   report( c, Nev::kernelCoppQueueNoReport );
-   EXPECT_EQ( takeCalls(), Lines{ "destroyCoppPolicerByPortQueue key=1/2/3" } );
-}
 
 TEST_F( DynamicPerPortCoppSmTest, TwoSaturatedReportsWhileFullWaitTwiceAndAreProgrammedTwice ) {
    start();
@@ -148,27 +133,6 @@ TEST_F( DynamicPerPortCoppSmTest, TwoSaturatedReportsWhileFullWaitTwiceAndArePro
    EXPECT_EQ( sm->pendingHwCoppMetadata().dequeued, 2u );
 }
 
-TEST_F( DynamicPerPortCoppSmTest, RetryStopsAtTheFirstFailureAndKeepsTheOrder ) {
-   start();
-   chipFull( true );
-   report( a, Nev::kernelCoppQueueSaturated );
-   report( b, Nev::kernelCoppQueueSaturated );
-   report( c, Nev::kernelCoppQueueSaturated );
-   EXPECT_EQ( takeLogs().size(), 3u );
-   takeCalls();
-
-   // The first retry reaches the chip, which has room; the second is refused.
-   helper->forwardEnq( create );
-   helper->answerEnq( create, false );
-   loop->runUntil( loop->now() + 60.0 );
-   EXPECT_EQ( helper->callsMatching( create ),
-              ( Lines{ "createCoppPolicerByPortQueue key=1/2/3",
-                       "createCoppPolicerByPortQueue key=1/5/3" } ) );
-   EXPECT_EQ( waiting(), ( Keys{ b, c } ) );
-   // The failed retry is silent: it was reported when the key first failed.
-   EXPECT_EQ( takeLogs(), Lines{ normal( policerOfA ) } );
-}
-
 TEST_F( DynamicPerPortCoppSmTest, TimerStaysArmedUntilTheLastWaitingKeyIsReportedUnsaturated ) {
    start();
    chipFull( true );
@@ -192,23 +156,6 @@ TEST_F( DynamicPerPortCoppSmTest, TimerStaysArmedUntilTheLastWaitingKeyIsReporte
    EXPECT_EQ( sm->retryTime(), Zub::never );
    loop->runUntil( retry + 120.0 );
    EXPECT_EQ( helper->callsMatching( create ), Lines{} );
-}
-
-TEST_F( DynamicPerPortCoppSmTest, OnceArmedTheTimerFiresEveryMinuteWithNothingToDo ) {
-   start();
-   chipFull( true );
-   report( a, Nev::kernelCoppQueueSaturated );
-   Zub::Seconds const firstRetry = sm->retryTime();
-   chipFull( false );
-   loop->runUntil( firstRetry );
-   EXPECT_EQ( takeLogs(), ( Lines{ full( policerOfA ), normal( policerOfA ) } ) );
-   takeCalls();
-
-   for( int minute = 1; minute <= 3; ++minute ) {
-      loop->runUntil( firstRetry + 60.0 * minute );
-      EXPECT_EQ( sm->retryTime(), firstRetry + 60.0 * ( minute + 1 ) );
-   }
-   EXPECT_EQ( takeCalls(), Lines{} );
 }
 
 }  // namespace

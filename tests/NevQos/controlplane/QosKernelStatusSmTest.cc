@@ -55,8 +55,8 @@ class QosKernelStatusSmTest : public ::testing::Test {
       sm = nullptr;
       Zub::activityManagerIs( nullptr );
    }
-   void start( bool hwInitialized = true ) {
-      qosHwStatus->hwInitializedIs( hwInitialized );
+   void start() {
+      qosHwStatus->hwInitializedIs( true );
       sm = Nev::qosKernelStatusSmFactory( pktDrv, qosStatus, qosHwStatus );
       loop->runOnce();
    }
@@ -67,26 +67,6 @@ class QosKernelStatusSmTest : public ::testing::Test {
    Zub::Ptr< RecordingPktDrv > pktDrv;
    Zub::Ptr< Nev::QosKernelStatusSm > sm;
 };
-
-TEST_F( QosKernelStatusSmTest, NothingReachesTheDriverBeforeTheHardwareIsInitialized ) {
-   start( false );
-   qosStatus->cosToTcMapIs( 3, 6 );
-   qosStatus->tcToTxQueueMapIs( 2, 5 );
-   EXPECT_EQ( pktDrv->take(), Lines{} );
-   EXPECT_FALSE( sm->initialized() );
-
-   // The full pass carries the changes made meanwhile, and gives the sentinel class its turn.
-   qosHwStatus->hwInitializedIs( true );
-   Lines const calls = pktDrv->take();
-   ASSERT_EQ( calls.size(), 8u + 64u + 17u * 3u );
-   EXPECT_EQ( calls[ 3 ], "cosToTc 3->6" );
-   EXPECT_EQ( calls[ 4 ], "cosToTc 4->4" );
-   EXPECT_EQ( calls[ 8 ], "dscpToTc 0->16" ) << "no default: the driver gets the sentinel";
-   EXPECT_EQ( Lines( calls.begin() + 72 + 6, calls.begin() + 72 + 9 ),
-              ( Lines{ "tcToUcTxQueue 2->5", "tcToMcTxQueue 2->5", "tcToMcTxQueue 2->5" } ) );
-   EXPECT_EQ( Lines( calls.end() - 3, calls.end() ),
-              ( Lines{ "tcToUcTxQueue 16->16", "tcToMcTxQueue 16->16", "tcToMcTxQueue 16->16" } ) );
-}
 
 TEST_F( QosKernelStatusSmTest, WithoutAMulticastMapMulticastFollowsTheUnicastQueue ) {
    start();

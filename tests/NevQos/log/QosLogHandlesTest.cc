@@ -53,20 +53,6 @@ TEST( QosLogHandlesTest, EveryHandleIsRegisteredUnderItsName ) {
    }
 }
 
-TEST( QosLogHandlesTest, OnlyThreeHandlesAreWarnings ) {
-   EXPECT_EQ( namesWhere( []( Zub::LogHandle const& h ) {
-                 return h.severity() == Zub::LogSeverity::warning;
-              } ),
-              ( std::set< std::string >{ "QOS_EGRESS_PMAP_ACTION_UNSUPPORTED",
-                                         "QOS_VLAN_ACL_RULE_SVI_MISMATCH",
-                                         "QOS_MAC_ACL_RULE_IPV6_MISMATCH" } ) );
-   EXPECT_EQ( namesWhere( []( Zub::LogHandle const& h ) {
-                 return h.severity() != Zub::LogSeverity::warning &&
-                        h.severity() != Zub::LogSeverity::error;
-              } ),
-              std::set< std::string >{} );
-}
-
 // The handles are built at load in another file than the platform text they copy: this catches
 // an action left empty by the order of static initialisation.
 TEST( QosLogHandlesTest, HandlesWithoutActionCarryThePlatformText ) {
@@ -81,20 +67,6 @@ TEST( QosLogHandlesTest, HandlesWithoutActionCarryThePlatformText ) {
                "QOS_POLICY_POLICER_RESOURCE_FULL", "QOS_VLAN_ACL_RULE_SVI_MISMATCH",
                "QOS_EGRESS_PMAP_ACTION_UNSUPPORTED", "QOS_MAC_ACL_RULE_IPV6_MISMATCH",
                "QOS_PMAP_FIELD_NOT_SUPPORTED", "ROUTING_CBF_HW_RESOURCE_NORMAL" } ) );
-}
-
-TEST( QosLogHandlesTest, TextsAreExact ) {
-   EXPECT_EQ( QOS_SCH_SHP_UNIT_MISMATCH.format(),
-              "Shape rate is in %s and Bandwidth guaranteed is in %s causing unit mismatch for "
-              "queue %s on port %s. Not programming %s " );
-   EXPECT_EQ( QOS_POLICY_HW_RESOURCE_FULL.recommendedAction(),
-              "Reduce number of ACL rules in policy-map classes or reconfigure your ACLs to free "
-              "some resources for policy-mapIf there is a policer in one of the classes, "
-              "detaching policy-map from one of the interfaces also frees up resourcs" );
-   EXPECT_EQ( QOS_POLICY_MULTIPLE_ACTIONS.explanation(),
-              "In case of conflicting actions only a single action is applied. Dscp rewrite is "
-              "programmed over any other action, cos rewrite is programmed over traffic-class "
-              "selection. " );
 }
 
 TEST( QosLogHandlesTest, MessagesAreFormattedWithTheirArguments ) {

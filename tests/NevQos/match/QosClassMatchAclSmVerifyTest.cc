@@ -99,44 +99,6 @@ TEST_F( QosClassMatchAclSmVerifyTest, OnlyPermitRulesAreExpectedAndEachMissingSu
    EXPECT_EQ( queries( "verifyIpRuleAction" ), ( Lines{ "1.0", "2.0" } ) );
 }
 
-TEST_F( QosClassMatchAclSmVerifyTest, AVlanRuleLeftOutOnAnSviIsNoFinding ) {
-   Acl::IpRuleConfig vlan = rule( 17 );
-   vlan.filter.vlan = 10;
-   vlan.filter.vlanMask = 0xfff;
-   goldIs( { vlan }, "Vlan10" );
-   takeLogs();  // the compile's note that the rule is ignored
-   // The chip holds no entry of the rule, and is asked about it.
-   EXPECT_EQ( verify(), Lines{} );
-   EXPECT_EQ( queries( "ipSubruleExists" ), Lines{ "0.0" } );
-   EXPECT_EQ( helper->callsMatching( "verifyAclGeneral" ).size(), 1u ) << "the list was walked";
-}
-
-TEST_F( QosClassMatchAclSmVerifyTest, ListsLeftOutBesideTheOtherFamilyAreNoFinding ) {
-   // On a chip that cannot hold MAC lists beside IPv6 ones both classes' lists are left out, and
-   // the engine commits them all the same.
-   start();
-   Acl::MacRuleConfig ipv4;
-   ipv4.filter.etherType = 0x800;
-   macAclIs( "m", { ipv4 } );
-   Acl::Ip6RuleConfig udp;
-   udp.filter.proto = 17;
-   ip6AclIs( "v6", { udp } );
-   classMapIs( "cm", { { Qos::matchOptionMac, "m" } } );
-   classMapIs( "c6", { { Qos::matchOptionIpv6Acl, "v6" } } );
-   classIs( "gold", "cm" );
-   classIs( "gold", "c6" );
-   classDefaultIs( "gold" );
-   applyIs( "gold", { intf( "Ethernet1" ) } );
-   EXPECT_EQ( takeLogs().size(), 2u ) << "each class's list is left out, and logged";
-   EXPECT_EQ( helper->callsMatching( "precreateAcl" ).size(), 1u ) << "the default class's only";
-   EXPECT_EQ( helper->callsMatching( "commitAcl" ).size(), 3u );
-   // Only the default class is asked about: nothing of the lists left out is in hardware.
-   EXPECT_EQ( verify(), Lines{} );
-   EXPECT_EQ( helper->callsMatching( "verifyMacAclRule" ).size(), 0u );
-   EXPECT_EQ( helper->callsMatching( "verifyAclGeneral" ).size(), 0u );
-   EXPECT_EQ( helper->callsMatching( "verifyDefaultRule" ).size(), 1u );
-}
-
 TEST_F( QosClassMatchAclSmVerifyTest, AnExpandedRuleIsVerifiedEntryByEntryThenItsFragmentEntry ) {
    // Without range checkers the chip has ports 80-90 expanded into the blocks 80-87, 88-89 and
    // 90.
@@ -174,26 +136,6 @@ TEST_F( QosClassMatchAclSmVerifyTest, OnASimulatedSwitchTheFirstFindingStopsTheP
             verify();
          },
          "Assertion `0' failed" );
-}
-
-TEST_F( QosClassMatchAclSmVerifyTest, StructuralMismatchesStopTheProcessWithTheirTexts ) {
-   goldIs( { rule( 17 ) } );
-   auto const pmap = sm->servicePolicySm( spKey( "gold" ) )->pmapSm( pmapKey( "gold" ) );
-   auto const cls = pmap->policyClassSm( Nev::QosClassMapKey( Zub::Name( "c4" ), Qos::mapQos_ ) );
-   ASSERT_TRUE( cls );
-   EXPECT_DEATH(
-         {
-            cls->classMatchSm( Qos::matchOptionIpAcl )
-                  ->aclSmDel( Nev::AclKey( Zub::Name( "v4" ), Acl::ip() ) );
-            verify();
-         },
-         "aclSmHas\\( AclKey\\( classMatch\\(\\)->strValue\\(\\), Acl::ip\\(\\) \\) \\)" );
-   EXPECT_DEATH(
-         {
-            pmap->policyClassSmDel( Nev::QosClassMapKey( Zub::Name( "c4" ), Qos::mapQos_ ) );
-            verify();
-         },
-         "policyClassSm\\( cmapKey \\)" );
 }
 
 // ---- Show

@@ -245,34 +245,6 @@ INSTANTIATE_TEST_SUITE_P( Roads, QosClassMatchOptionSmRoadTest, ::testing::Value
                              return param.param ? "Deferred" : "Immediate";
                           } );
 
-TEST_F( QosClassMatchOptionSmTest, MatchesTheChipCannotMakeAreLeftOutOnlyOnTheImmediateRoad ) {
-   for( bool deferred : { false, true } ) {
-      SCOPED_TRACE( deferred ? "deferred" : "immediate" );
-      TearDown();
-      SetUp();
-      deferredIs( deferred );
-      chipMatchesIs( false );
-      start();
-      l2ClassMapIs( "vlan", Qos::matchOptionVlan, { { 10, 10 } } );
-      l2ClassMapIs( "cos", Qos::matchOptionCos, {}, { { 5, 5 } } );
-      dscpEcnClassMapIs( "ef", 46, Acl::ecnDontCare );
-      helper->callsForget();
-      goldIs( { "vlan", "cos", "ef" } );
-      if( deferred ) drain();
-      Lines const calls = compileCalls();
-      if( !deferred ) {
-         EXPECT_EQ( calls, ( Lines{ "commit vlan-acl-7(ip)", "commit cos-acl-7(ip)",
-                                    "commit dscpecn-acl-7(ip)" } ) )
-               << "nothing programmed; the empty ACLs are committed";
-      } else {
-         // The deferred compile tests no capability: the chip that queues takes what it gets.
-         EXPECT_EQ( helper->callsMatching( "createL2ParamsRule" ).size(), 2u );
-         EXPECT_EQ( helper->callsMatching( "createDscpEcnRule" ).size(), 1u );
-      }
-      EXPECT_EQ( hwStatus( "gold" )->prgmStatus(), Qos::hwPrgmStatusSuccess_ );
-   }
-}
-
 TEST_F( QosClassMatchOptionSmTest, ARefusedVlanOrDscpRuleEndsItsAclAndFailsTheMap ) {
    chipMatchesIs( true );
    start();
@@ -294,31 +266,6 @@ TEST_F( QosClassMatchOptionSmTest, ARefusedVlanOrDscpRuleEndsItsAclAndFailsTheMa
                       ->matchData( Qos::matchOptionVlan )
                       ->aclData( Nev::AclKey( Zub::Name( "vlan-acl-7" ), Acl::ip() ) )
                       ->dirty() );
-   EXPECT_EQ( takeLogs(), Lines{ "QOS_POLICY_HW_RESOURCE_FULL: Insufficient hardware resources to "
-                                 "program the input policy-map gold." } );
-   loop->runOnce();
-   EXPECT_EQ( hwStatus( "gold" )->prgmStatus(), Qos::hwPrgmStatusFail_ );
-}
-
-TEST_F( QosClassMatchOptionSmTest, ARefusedMacRuleFailsTheMapAndAnIgnoredOneDoesNot ) {
-   start();
-   macAclIs( "m", { macRule( 0x800 ), macRule( 0x806 ), macRule( 0x86dd ) } );
-   classMapIs( "mac", { { Qos::matchOptionMac, "m" } } );
-   helper->answerEnq( "createMacAclRule", Nev::aclCreateErrorRuleIgnored );
-   helper->answerEnq( "createMacAclRule", Nev::aclCreateErrorOutOfTcam );
-   helper->callsForget();
-   goldIs( { "mac" } );
-   // The ignored rule is no failure; the refused one ends the list, which is not committed. Both
-   // answers stand in the chip's place, so neither leaves an entry. Both
-   // answers stand in the chip's place, so neither leaves an entry.
-   EXPECT_EQ( compileCalls( "createMacAclRule" ),
-              ( Lines{ "rule mac-acl-7(ip) r0 -", "rule mac-acl-7(ip) r1 -" } ) );
-   EXPECT_EQ( helper->callsMatching( "commitAcl" ), Lines{} );
-   auto const match = classMatchSm( "mac", Qos::matchOptionMac );
-   ASSERT_TRUE( match );
-   auto const child = match->matchOptionSm().iter().value();
-   EXPECT_TRUE(
-         match->classData()->matchData( Qos::matchOptionMac )->aclData( child->key() )->dirty() );
    EXPECT_EQ( takeLogs(), Lines{ "QOS_POLICY_HW_RESOURCE_FULL: Insufficient hardware resources to "
                                  "program the input policy-map gold." } );
    loop->runOnce();

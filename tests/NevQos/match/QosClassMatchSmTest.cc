@@ -99,20 +99,6 @@ TEST_F( QosClassMatchSmTest, OptionMatchesAreNamedPerFamilyAndTheLastFamilyOutCl
                        "aclKey=vlan-acl-ipv6-7(ipv6)" } ) );
 }
 
-TEST_F( QosClassMatchSmTest, AnUnconfiguredListHasNoChildAndNoCounters ) {
-   start();
-   classMapIs( "c4", { { Qos::matchOptionIpAcl, "missing" } } );
-   classIs( "gold", "c4" );
-   applyIs( "gold", { intf( "Ethernet1" ) } );
-   auto match = classSm( "c4" )->classMatchSm( Qos::matchOptionIpAcl );
-   ASSERT_TRUE( match );
-   EXPECT_EQ( match->aclSmSize(), 0u );
-   EXPECT_TRUE( match->classData()->matchDataHas( Qos::matchOptionIpAcl ) );
-   EXPECT_FALSE( match->policyData()->aclConfig() );
-   EXPECT_EQ( match->counterUpdateRequest(), Nev::QosClassCounterData() );
-   EXPECT_TRUE( helper->callsMatching( "precreateAcl" ).empty() );
-}
-
 TEST_F( QosClassMatchSmTest, ASharedCounterIsReadFromTheFirstFamilyOnly ) {
    start();
    ipAclIs( "v4", {} );

@@ -289,39 +289,6 @@ TEST_F( QosAclSmTest, RemovingTheServicePolicyDeletesItsMachineAndStatus ) {
    EXPECT_FALSE( helper->pmapState( pmapKey( "gold" ) ) );
 }
 
-TEST_F( QosAclSmTest, PolicersSubinterfacesAndDriverRequestsReachTheirHandlers ) {
-   auto policer = qosStatus->namedPolicerIs( Zub::Name( "police1" ) );
-   auto subIntf = subIntfStatusDir->intfStatusIs( Mirel::IntfId( "Ethernet1.10" ) );
-   start();
-   servicePolicyIs( "gold", 1, { "Ethernet1", "Ethernet2" } );
-   helper->callsForget();
-   // The sub-interface notices are recorded on request only: they change nothing on the chip.
-   helper->detailRecordedIs( true );
-
-   policer->paramChangeVersionIs( 1 );
-   subIntf->forwardingModelIs( Interface::forwardingModelRouted );
-   subIntfStatusDir->intfStatusDel( Mirel::IntfId( "Ethernet1.10" ) );
-   qosStatus->routedPortSubIntfQosAclSharingIs( true );
-   EXPECT_EQ( calls(), ( Lines{ "updatePolicer policerName=police1",
-                                "handleSubIntfForwardingModel intfId=Ethernet1.10",
-                                "handleSubIntfDeletion intfId=Ethernet1.10",
-                                "handleRoutedPortSubIntfAclSharing" } ) );
-
-   // The driver asks for one interface to be reprogrammed: removed, then added again.
-   helper->callsForget();
-   helper->intfUpdateCallback( intf( "Ethernet2" ), Qos::directionInput_ );
-   EXPECT_EQ(
-         helper->callsMatching( "batchCommitAclsIntf" ),
-         ( Lines{ "batchCommitAclsIntf pmapState=gold(qos,input) intfPair=Ethernet2 add=false",
-                  "batchCommitAclsIntf pmapState=gold(qos,input) intfPair=Ethernet2 add=true" } ) );
-
-   // The driver asks for every policy map anew: a new machine per service policy.
-   auto before = sm->servicePolicySm( spKey( "gold" ) );
-   helper->reprogramAllPMapsRequestTimeIs( loop->now() );
-   EXPECT_NE( sm->servicePolicySm( spKey( "gold" ) ), before );
-   EXPECT_EQ( hwStatus( "gold" )->prgmStatus(), Qos::hwPrgmStatusSuccess_ );
-}
-
 TEST_F( QosAclSmTest, ACounterRequestStartsFromClearedClassCounters ) {
    start();
    servicePolicyIs( "gold", 1, { "Ethernet1" } );
@@ -334,18 +301,6 @@ TEST_F( QosAclSmTest, ACounterRequestStartsFromClearedClassCounters ) {
    sm->servicePolicySm( spKey( "gold" ) )->counterUpdateRequest();
    EXPECT_EQ( cmap->outCount() + cmap->dropBytes(), 0u );
    EXPECT_EQ( policer->pktInCount() + policer->yellowByteInCount(), 0u );
-}
-
-using QosAclSmDeathTest = QosAclSmTest;
-
-TEST_F( QosAclSmDeathTest, DeletingTheControlPlaneMapTypeIsFatal ) {
-   qosStatus->pmapTypeIs( Qos::mapControlPlane_ );
-   qosStatus->pmapTypeIs( Qos::mapPdp_ );
-   start();
-   qosStatus->pmapTypeDel( Qos::mapPdp_ );  // ignored
-   EXPECT_TRUE( sm->pmapTypeSm( Qos::mapPdp_ ) );
-   EXPECT_DEATH( qosStatus->pmapTypeDel( Qos::mapControlPlane_ ),
-                 "Failed\\(false\\) Can't delete control-plane policy-map type" );
 }
 
 // ---- asynchronous road: the update queue ----

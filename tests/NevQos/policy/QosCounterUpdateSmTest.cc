@@ -82,29 +82,6 @@ TEST_F( QosCounterUpdateSmTest, EachRequestTimeIsServedOnceAndStampedAfterTheLas
    EXPECT_FALSE( sm->counterUpdateSmHas( Zub::Name( "cli" ) ) );
 }
 
-TEST_F( QosCounterUpdateSmTest, PolicerCopiesFillTheirOwnStatusAndLeaveTheClassAtZero ) {
-   start();
-   ipAclIs( "v4", {} );
-   classMapIs( "c1", { { Qos::matchOptionIpAcl, "v4" } } );
-   classIs( "gold", "c1" )->policerIs( policerOf( "p1" ) );
-   applyIs( "gold", { intf( "Ethernet1" ), intf( "Ethernet2" ) } );
-   Nev::QosClassCounterData data = hits( 10, 1000 );
-   data.pktDropsIs( 2 );
-   data.yellowPktHitsIs( 3 );
-   // Each interface has its own copy of the policer, counting its own packets.
-   trafficIs( "Ethernet1", data );
-   trafficIs( "Ethernet2", data );
-   clientIs( "cli" )->pmapCounterUpdateRequestTimeIs( 1.0 );
-   for( char const* name : { "Ethernet1", "Ethernet2" } ) {
-      auto policer = cmapStatus()->policerHwStatus( Zub::Name( name ) );
-      EXPECT_EQ( policer->pktInCount(), 10u ) << name;
-      EXPECT_EQ( policer->byteInCount(), 1000u ) << name;
-      EXPECT_EQ( policer->pktDropCount(), 2u ) << name;
-      EXPECT_EQ( policer->yellowPktInCount(), 3u ) << name;
-   }
-   EXPECT_EQ( cmapStatus()->outCount(), 0u );
-}
-
 TEST_F( QosCounterUpdateSmTest, SharedPolicerDropsOfOneInterfaceAddUpAcrossMatches ) {
    start();
    ipAclIs( "v4", {} );

@@ -10,15 +10,6 @@ namespace {
 
 using Nev::L2ParamsInfo;
 
-TEST( L2ParamsInfoTest, EqualityCoversEveryField ) {
-   L2ParamsInfo p( 100, 0xfff, 5, 7 );
-   EXPECT_EQ( p, L2ParamsInfo( 100, 0xfff, 5, 7 ) );
-   EXPECT_NE( p, L2ParamsInfo( 101, 0xfff, 5, 7 ) );
-   EXPECT_NE( p, L2ParamsInfo( 100, 0xffe, 5, 7 ) );
-   EXPECT_NE( p, L2ParamsInfo( 100, 0xfff, 4, 7 ) );
-   EXPECT_NE( p, L2ParamsInfo( 100, 0xfff, 5, 6 ) );
-}
-
 TEST( L2ParamsInfoTest, ValueFormRoundTrips ) {
    L2ParamsInfo p( 4094, 0xffff, 255, 7 );
    Zub::String text = valueToStrep( p );

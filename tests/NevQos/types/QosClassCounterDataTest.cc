@@ -51,35 +51,4 @@ TEST( QosClassCounterDataTest, ArithmeticMergesThePerInterfaceDrops ) {
    EXPECT_EQ( restored, left );
 }
 
-TEST( QosClassCounterDataTest, EqualityAndOrderIncludeTheMap ) {
-   QosClassCounterData a = counters( 0 ), b = counters( 0 );
-   EXPECT_EQ( a, b );
-   EXPECT_TRUE( !QosClassCounterData() );
-   EXPECT_FALSE( !a );
-   b.dropCountIntfSharedPolicerIs( eth1, 1 );
-   EXPECT_NE( a, b );
-   EXPECT_LT( a, b );
-   b.dropCountIntfSharedPolicerDelAll();
-   EXPECT_EQ( a, b );
-   b.yellowByteHitsIs( 0 );
-   EXPECT_LT( b, a );  // the last counter decides when the others tie
-   EXPECT_LT( counters( 0 ), counters( 1 ) );
-}
-
-TEST( QosClassCounterDataTest, TextShowsNoneForTheMap ) {
-   QosClassCounterData c = counters( 0 );
-   c.dropCountIntfSharedPolicerIs( eth1, 99 );
-   EXPECT_EQ( valueToStrep( c ),
-              "Value('Nev::QosClassCounterData', ** {'pktHits': 1, 'pktDrops': 2, 'byteHits': 3, "
-              "'byteDrops': 4, 'yellowPktHits': 5, 'yellowByteHits': 6, "
-              "'dropCountIntfSharedPolicer': None})" );
-}
-
-TEST( QosClassCounterDataDeathTest, CannotBeReadFromText ) {
-   Zub::String text = valueToStrep( QosClassCounterData() );
-   EXPECT_DEATH( QosClassCounterData( text.begin(), text.end() ),
-                 "Assertion `!\"No String constructor for QosClassCounterData - has "
-                 "collection\"' failed" );
-}
-
 }  // namespace

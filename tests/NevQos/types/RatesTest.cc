@@ -45,45 +45,6 @@ class RatesTest : public ::testing::Test {
    std::vector< std::string > traces_;
 };
 
-TEST( RatesConversionTest, DecimalFactorsAndTruncation ) {
-   EXPECT_EQ( Nev::irToKbps( 1999, Qos::rateUnitBps_ ), 1u );
-   EXPECT_EQ( Nev::irToKbps( 1999, Qos::rateUnitKbps_ ), 1999u );
-   EXPECT_EQ( Nev::irToKbps( 7, Qos::rateUnitMbps_ ), 7000u );
-   EXPECT_EQ( Nev::bsToBytes( 5, Qos::burstUnitBytes_ ), 5u );
-   EXPECT_EQ( Nev::bsToBytes( 5, Qos::burstUnitKbytes_ ), 5000u );
-   EXPECT_EQ( Nev::bsToBytes( 5, Qos::burstUnitMbytes_ ), 5000000u );
-
-   EXPECT_EQ( NevHelper::getRateParamInKbps( Qos::rateUnitBps_, 999 ), 0u );
-   EXPECT_EQ( NevHelper::getRateParamInKbps( Qos::rateUnitKbps_, 999 ), 999u );
-   EXPECT_EQ( NevHelper::getRateParamInKbps( Qos::rateUnitMbps_, 3 ), 3000u );
-   EXPECT_EQ( NevHelper::getBurstParamInBytes( Qos::burstUnitBytes_, 9 ), 9u );
-   EXPECT_EQ( NevHelper::getBurstParamInBytes( Qos::burstUnitKbytes_, 9 ), 9000u );
-   EXPECT_EQ( NevHelper::getBurstParamInBytes( Qos::burstUnitMbytes_, 9 ), 9000000u );
-   EXPECT_EQ( NevHelper::getBurstParamInKbits( Qos::burstUnitBytes_, 999 ), 7u );
-   EXPECT_EQ( NevHelper::getBurstParamInKbits( Qos::burstUnitBytes_, 1000 ), 8u );
-   // The product wraps before the division: 2^61 bytes are 2^64 bits, i.e. 0.
-   EXPECT_EQ( NevHelper::getBurstParamInKbits( Qos::burstUnitBytes_, ( 1ull << 61 ) + 1000 ), 8u );
-   EXPECT_EQ( NevHelper::getBurstParamInKbits( Qos::burstUnitKbytes_, 3 ), 24u );
-   EXPECT_EQ( NevHelper::getBurstParamInKbits( Qos::burstUnitMbytes_, 3 ), 24000u );
-}
-
-using RatesDeathTest = RatesTest;
-
-TEST_F( RatesDeathTest, PacketUnitsHaveNoByteConversion ) {
-   EXPECT_DEATH( Nev::irToKbps( 5, Qos::rateUnitPps_ ),
-                 "Failed\\(0\\) Invalid rate unit\n.*Assertion `0' failed" );
-   EXPECT_DEATH( Nev::bsToBytes( 5, Qos::burstUnitPackets_ ),
-                 "Failed\\(0\\) Invalid burst unit\n.*Assertion `0' failed" );
-   EXPECT_DEATH( NevHelper::getRateParamInKbps( Qos::rateUnitPps_, 5 ), "Assertion" );
-   EXPECT_DEATH( NevHelper::getBurstParamInKbits( Qos::burstUnitPackets_, 5 ), "Assertion" );
-   EXPECT_DEATH( NevHelper::getBurstParamInBytes( Qos::burstUnitPackets_, 5 ), "Assertion" );
-   // A byte-mode peak rate over a packet-mode committed rate mixes the modes.
-   std::uint64_t pir = 5;
-   Qos::RateUnit pirUnit = Qos::rateUnitKbps_;
-   EXPECT_DEATH( Nev::validateAndUpdatePir( hw_, 100, Qos::rateUnitPps_, pir, pirUnit ),
-                 "Invalid rate unit" );
-}
-
 struct RateCase {
    std::uint64_t rate;
    Qos::RateUnit unit;

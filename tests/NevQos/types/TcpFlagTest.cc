@@ -10,35 +10,6 @@ namespace {
 
 using NevHelper::TcpFlag;
 
-TEST( TcpFlagTest, EachViewOwnsOneBit ) {
-   struct View {
-      bool ( TcpFlag::*get )() const noexcept;
-      void ( TcpFlag::*set )( bool ) noexcept;
-      std::uint32_t bit;
-   } const views[] = { { &TcpFlag::fin, &TcpFlag::finIs, TcpFlag::fin_ },
-                       { &TcpFlag::syn, &TcpFlag::synIs, TcpFlag::syn_ },
-                       { &TcpFlag::rst, &TcpFlag::rstIs, TcpFlag::rst_ },
-                       { &TcpFlag::psh, &TcpFlag::pshIs, TcpFlag::psh_ },
-                       { &TcpFlag::ack, &TcpFlag::ackIs, TcpFlag::ack_ },
-                       { &TcpFlag::urg, &TcpFlag::urgIs, TcpFlag::urg_ } };
-   std::uint32_t seen = 0;
-   for( auto const& v : views ) {
-      TcpFlag f( TcpFlag::maxValue );
-      ( f.*v.set )( false );
-      EXPECT_EQ( f.value(), TcpFlag::maxValue & ~v.bit );
-      EXPECT_FALSE( ( f.*v.get )() );
-      ( f.*v.set )( true );
-      EXPECT_EQ( f, TcpFlag( TcpFlag::maxValue ) );
-      EXPECT_EQ( TcpFlag( v.bit ), [ &v ] {
-         TcpFlag g;
-         ( g.*v.set )( true );
-         return g;
-      }() );
-      seen |= v.bit;
-   }
-   EXPECT_EQ( seen, 0x3fu );
-}
-
 TEST( TcpFlagTest, ValuesAboveSixBitsAreRefused ) {
    try {
       TcpFlag f( 0x40 );

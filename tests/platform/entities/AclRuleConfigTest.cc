@@ -76,19 +76,6 @@ TEST( AclRuleConfigTest, PortConditionRefusesValuesTheOperatorCannotTake ) {
    EXPECT_EQ( textOf( full ), "neq 1 2 3 4 5 6 7 8 9 10" );
 }
 
-TEST( AclRuleConfigTest, TcpFlagTakesNineBits ) {
-   Acl::TcpFlag f( Acl::TcpFlag::maxValue );
-   EXPECT_EQ( f.value(), 0x1ffu );
-   try {
-      f.valueIs( 0x200 );
-      ADD_FAILURE() << "no range error";
-   } catch( Zub::RangeException const& e ) {
-      EXPECT_STREQ( e.what(), "TcpFlag::value > 0x1ff not allowed" );
-   }
-   EXPECT_EQ( f.value(), 0x1ffu ) << "a refused value must leave the flags as they were";
-   EXPECT_THROW( Acl::TcpFlag( 0x1000 ), Zub::RangeException );
-}
-
 TEST( AclRuleConfigTest, IpAddrWithMaskMaskAndText ) {
    EXPECT_EQ( Mirel::IpAddrWithMask( 0, 0 ).mask(), 0u );
    EXPECT_EQ( Mirel::IpAddrWithMask( 0x0a000000, 8 ).mask(), 0xff000000u );

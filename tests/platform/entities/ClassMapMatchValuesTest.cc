@@ -20,16 +20,6 @@ std::string rangeErrorText( std::function< void() > const& f ) {
    return "";
 }
 
-TEST( ClassMapMatchValuesTest, NumbersOfAMatchRefuseValuesAboveTheirSentinel ) {
-   EXPECT_EQ( Qos::MplsTrafficClassVal( 8 ).value(), 8 );
-   EXPECT_EQ( rangeErrorText( [] { Qos::MplsTrafficClassVal( 9 ); } ),
-              "MplsTrafficClassVal::value < MplsTrafficClassVal::min or > "
-              "MplsTrafficClassVal::invalid not allowed" );
-   EXPECT_FALSE( Qos::DscpVal( 64 ).isValid() ) << "64 is a match without a DSCP";
-   EXPECT_EQ( rangeErrorText( [] { Qos::DscpVal( 65 ); } ),
-              "DscpVal::value < DscpVal::min or > DscpVal::invalid not allowed" );
-}
-
 TEST( ClassMapMatchValuesTest, MplsLabelsOfAMacRuleAreTwentyBits ) {
    Acl::MacRuleConfig rule;
    rule.filter.mplsLabelIs( 0xfffff );
@@ -39,10 +29,6 @@ TEST( ClassMapMatchValuesTest, MplsLabelsOfAMacRuleAreTwentyBits ) {
    EXPECT_EQ( rangeErrorText( [ & ] { rule.filter.mplsInnerLabelIs( -1 ); } ),
               "MacFilter::mplsInnerLabel < 0 or > 0xFFFFF not allowed" );
    EXPECT_EQ( rule.filter.mplsLabel(), 0xfffffu ) << "a refused label leaves the old one";
-   // Rules are stored by id beside the IP rules of a list.
-   auto set = Zub::make< Acl::AclRuleSet >( 1u );
-   set->macRuleByIdIs( Acl::UniqueId( 7 ), rule );
-   EXPECT_EQ( set->macRuleById( Acl::UniqueId( 7 ) ), rule );
 }
 
 TEST( ClassMapMatchValuesTest, RangesAreWalkedByLowThenHigh ) {

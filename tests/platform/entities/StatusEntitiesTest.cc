@@ -3,7 +3,6 @@
 // includes yet still has to compile.
 #include <gtest/gtest.h>
 
-#include <sstream>
 #include <vector>
 
 #include "entities/AclConfig.h"
@@ -20,7 +19,6 @@
 #include "nev/KernelCoPPConfig.h"
 #include "nev/KernelCoPPStatus.h"
 #include "nev/NexthopGroupStatus.h"
-#include "support/OneAtATime.h"
 
 namespace {
 
@@ -41,41 +39,6 @@ TEST( StatusEntitiesTest, UnconfiguredMapSlotReadsAsSentinel ) {
    EXPECT_TRUE( hw->defaultDropPrecedence().isValid() );
    EXPECT_TRUE( hw->defaultCos().isValid() );
    EXPECT_TRUE( hw->defaultDscp().isValid() );
-}
-
-// Matches and actions know their own key, and walk in ascending order of it.
-TEST( StatusEntitiesTest, MatchesAndActionsWalkInKeyOrder ) {
-   auto cmap = Zub::make< Qos::ClassMapStatus >( Zub::Name( "c1" ) );
-   cmap->matchIs( Qos::matchOptionMac )->strValueIs( "macAcl" );
-   cmap->matchIs( Qos::matchOptionIpAcl )->strValueIs( "ipAcl" );
-   auto it = cmap->match().iter();
-   EXPECT_EQ( ( *it )->option(), Qos::matchOptionIpAcl );
-   EXPECT_EQ( ( *it )->strValue(), "ipAcl" );
-   ++it;
-   EXPECT_EQ( ( *it )->option(), Qos::matchOptionMac );
-
-   auto caction = Zub::make< Qos::ClassAction >( Zub::Name( "c1" ) );
-   caction->actionIs( Qos::actionSetTc_ )->valueIs( 3 );
-   caction->actionIs( Qos::actionSetDscp_ )->valueIs( 46 );
-   EXPECT_EQ( ( *caction->action().iter() )->actionType(), Qos::actionSetDscp_ );
-   EXPECT_EQ( caction->action( Qos::actionSetTc_ )->value(), 3u );
-}
-
-TEST( StatusEntitiesTest, ModIdPortQueueKey ) {
-   Nev::ModIdPortQueueKey a( 1, 2, 3 ), b( 1, 3, 0 );
-   EXPECT_LT( a, b );
-   EXPECT_TRUE( !Nev::ModIdPortQueueKey() );
-   EXPECT_FALSE( !a );
-
-   std::vector< std::uint8_t > bytes;
-   TypesTest::appendLe( bytes, 1, 4 );
-   TypesTest::appendLe( bytes, 2, 4 );
-   TypesTest::appendLe( bytes, 3, 4 );
-   EXPECT_EQ( a.hash(), TypesTest::oneAtATime( bytes ) );
-
-   std::ostringstream os;
-   os << a;
-   EXPECT_EQ( os.str(), "Value('Nev::ModIdPortQueueKey', ** {'modId': 1, 'port': 2, 'queue': 3})" );
 }
 
 }  // namespace

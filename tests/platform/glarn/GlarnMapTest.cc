@@ -68,30 +68,6 @@ TEST_F( GlarnMapTest, EveryViewSeesTheWriterAndHearsEachKey ) {
    EXPECT_EQ( late->heard, std::vector{ key( 46, 100 ) } );
 }
 
-TEST_F( GlarnMapTest, AReadOnlyViewRefusesEveryWrite ) {
-   auto const refusal = [ & ]( auto op ) -> std::string {
-      try {
-         op();
-      } catch( Pelto::NoPermissionException const& e ) {
-         return e.what();
-      }
-      return "accepted";
-   };
-   FecOverrideEntry const entry{ key( 1, 2 ), 3 };
-   auto& base = reader->base();
-   EXPECT_EQ( refusal( [ & ] { reader->overrideIs( entry ); } ), "write to read-only Glarn table" );
-   EXPECT_EQ( refusal( [ & ] { base.directWrite( entry ); } ), "write to read-only Glarn table" );
-   EXPECT_EQ( refusal( [ & ] { base.directUpdate( entry ); } ), "write to read-only Glarn table" );
-   EXPECT_EQ( refusal( [ & ] { base.directCommit(); } ), "write to read-only Glarn table" );
-   EXPECT_EQ( refusal( [ & ] { reader->overrideDel( entry.key ); } ),
-              "remove to read-only Glarn table" );
-   EXPECT_EQ( refusal( [ & ] { base.cleanup(); } ), "cleanup to read-only Glarn table" );
-   EXPECT_EQ( refusal( [ & ] { base.validateFiles(); } ),
-              "validateFiles to read-only Glarn table" );
-   EXPECT_EQ( refusal( [ & ] { base.validate(); } ), "validate to read-only Glarn table" );
-   EXPECT_EQ( store->records().size(), 0u );
-}
-
 TEST_F( GlarnMapTest, ACorruptRecordDetachesTheReaderAndIsRethrown ) {
    writer->overrideIs( FecOverrideEntry{ key( 1, 2 ), 3 } );
    writer->overrideIs( FecOverrideEntry{ key( 5, 6 ), 7 } );
@@ -124,20 +100,6 @@ TEST_F( GlarnMapTest, ACorruptRecordDetachesTheReaderAndIsRethrown ) {
                  Pelto::CorruptionDetectedException );
    writer->overrideIs( FecOverrideEntry{ key( 5, 6 ), 7 } );
    EXPECT_NO_THROW( writer->base().validate() );
-}
-
-TEST( FecIdToHwFecIdTest, RequestsComeAndGoAndDeletingAllOfNoneIsHarmless ) {
-   auto store = Zub::make< Nev::FecIdToHwFecIdRequest::Store >( Zub::String( "/fec/request" ) );
-   auto requests = Zub::make< Nev::FecIdToHwFecIdRequest >(
-         store, Nev::FecIdToHwFecIdRequest::Access::writer );
-   requests->hwFecIdRequestDelAll();
-   requests->hwFecIdRequestIs( Nev::HwFecIdRequest{ 7 } );
-   requests->hwFecIdRequestIs( Nev::HwFecIdRequest{ 9 } );
-   requests->hwFecIdRequestDel( 7 );
-   EXPECT_FALSE( requests->has( 7 ) );
-   EXPECT_TRUE( requests->has( 9 ) );
-   requests->hwFecIdRequestDelAll();
-   EXPECT_EQ( requests->size(), 0u );
 }
 
 }  // namespace

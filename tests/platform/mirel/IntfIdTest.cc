@@ -2,10 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <sstream>
 #include <string>
 
-#include "support/OneAtATime.h"
 #include "zub/Exception.h"
 
 namespace {
@@ -89,29 +87,6 @@ TEST( IntfIdTest, OrdersByKindThenNumerically ) {
    EXPECT_LT( IntfId( "Ethernet1/2" ), IntfId( "Ethernet1/10" ) );
    EXPECT_LT( IntfId( "Ethernet99" ), IntfId( "Port-Channel1" ) );
    EXPECT_LT( IntfId(), IntfId( "Ethernet1" ) );
-}
-
-TEST( IntfIdTest, HashIsTheByteWiseHashOfTheLittleEndianValue ) {
-   for( char const* name : { "", "Ethernet1", "Port-Channel10.5", "Vlan100" } ) {
-      IntfId id( name );
-      std::vector< std::uint8_t > bytes;
-      TypesTest::appendLe( bytes, id.value(), 8 );
-      EXPECT_EQ( id.hash(), TypesTest::oneAtATime( bytes ) ) << name;
-   }
-}
-
-TEST( IntfIdTest, ValueFormQuotesTheName ) {
-   IntfId id( "Ethernet4.7" );
-   EXPECT_EQ( valueToStrep( id ), "'Ethernet4.7'" );
-   std::ostringstream os;
-   os << id;
-   EXPECT_EQ( os.str(), "Ethernet4.7" );
-   std::string text = "'Vlan9'";
-   Zub::StrepIter it = text.data();
-   IntfId back;
-   deserializeAttr( it, text.data() + text.size(), back );
-   EXPECT_EQ( back, IntfId( "Vlan9" ) );
-   EXPECT_EQ( it, text.data() + text.size() );
 }
 
 }  // namespace

@@ -197,8 +197,3 @@ TEST_F( ActivityManagerTest, ABusyLoopThatSettlesOrMovesOnIsNoRunaway ) {
    EXPECT_EQ( periodic->fired, 20001 );
    EXPECT_EQ( burst->fired, 1051 );
 }
-
-TEST_F( ActivityManagerTest, ATimerIsNamedByItsClassUnlessItSaysOtherwise ) {
-   EXPECT_EQ( timer( "a" )->timerName(), Zub::String( "(anonymous namespace)::Timer" ) );
-   EXPECT_EQ( make< Rearming >( 0.0, 0 )->timerName(), Zub::String( "rearming" ) );
-}

@@ -15,20 +15,6 @@ TEST( StringTest, NamesAreInternedAndCompareAsText ) {
    EXPECT_EQ( a.hash(), Zub::stringHash( "gold" ) );
 }
 
-TEST( StringTest, TextOperations ) {
-   Zub::String s( "pmap!qos!input!grp" );
-   EXPECT_EQ( s.pos( '!' ), 4 );
-   EXPECT_EQ( s.lastPosOf( '!' ), 14 );
-   EXPECT_EQ( s.pos( Zub::String( "input" ) ), 9 );
-   EXPECT_EQ( s.pos( 'x' ), -1 );
-   EXPECT_EQ( s.substr( 15 ), "grp" );
-   EXPECT_EQ( s.substr( 99 ), "" );
-   Zub::String t = Zub::String( "a" ) + "b";
-   t += "c";
-   EXPECT_EQ( t, "abc" );
-   EXPECT_EQ( Zub::format( "%s-%d", "x", 7 ), "x-7" );
-}
-
 TEST( StringTest, BitReverse ) {
    EXPECT_EQ( Zub::bitReverse( 1u ), 0x80000000u );
    EXPECT_EQ( Zub::bitReverse( 0x0000000fu ), 0xf0000000u );

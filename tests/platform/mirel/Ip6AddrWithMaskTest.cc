@@ -2,8 +2,6 @@
 
 #include <sstream>
 
-#include "NevQos/helpers/ModIdQueueKeys.h"
-#include "entities/AclRuleConfig.h"
 #include "mirel/Ip6AddrWithMask.h"
 #include "zub/Exception.h"
 
@@ -47,19 +45,6 @@ TEST( Ip6AddrWithMaskTest, MaskAndLimits ) {
    // Equal addresses with different lengths are different values.
    EXPECT_NE( prefix( { 1 }, 16 ), prefix( { 1 }, 17 ) );
    EXPECT_LT( prefix( { 1 }, 16 ), prefix( { 2 }, 0 ) );
-}
-
-TEST( HelperKeysTest, QueueKeysCompareFieldByFieldAndPrintTheirFields ) {
-   Nev::ModIdQueueKey const a( 1, 7 ), b( 2, 0 );
-   EXPECT_LT( a, b ) << "modId first";
-   EXPECT_LT( Nev::ModIdQueueKey( 1, 6 ), a );
-   EXPECT_TRUE( !Nev::ModIdQueueKey() );
-   EXPECT_FALSE( !a );
-   EXPECT_NE( a.hash(), Nev::ModIdQueueKey( 7, 1 ).hash() );
-   EXPECT_EQ( valueToStrep( a ), "Value('Nev::ModIdQueueKey', ** {'modId': 1, 'queue': 7})" );
-   EXPECT_EQ( valueToStrep( Acl::UniqueId( 42 ) ), "42" );
-   EXPECT_EQ( stringValue( Acl::actionPermit ), "permit" );
-   EXPECT_EQ( Acl::ActionInstance( "deny" ), Acl::actionDeny );
 }
 
 }  // namespace
