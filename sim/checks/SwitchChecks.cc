@@ -9,23 +9,6 @@ namespace Sim {
 
 namespace {
 
-struct MapStatus {
-   Qos::PolicyMapHwPrgmStatus status = Qos::hwPrgmStatusInProgress_;
-   std::string message;
-};
-
-// The status entries by "name(type,direction)".
-std::map< std::string, MapStatus > mapStatuses( Sim::SimSwitch const& sw ) {
-   std::map< std::string, MapStatus > out;
-   for( auto t = sw.aclSliceHwStatus().pmapType().iter(); t; ++t ) {
-      for( auto p = t.value()->pmap().iter(); p; ++p ) {
-         out[ pmapText( t.key(), p.key().direction(), p.key().name().str().stdString() ) ] =
-               MapStatus{ p.value()->prgmStatus(), p.value()->prgmStatusErrMessage().stdString() };
-      }
-   }
-   return out;
-}
-
 struct ServicePolicyView {
    Qos::MapType type;
    std::set< std::string > interfaces;
@@ -71,6 +54,17 @@ std::size_t groupsOf( Sim::SimSwitch const& sw, ServicePolicyView const& sp ) {
 }
 
 }  // namespace
+
+std::map< std::string, MapStatus > mapStatuses( Sim::SimSwitch const& sw ) {
+   std::map< std::string, MapStatus > out;
+   for( auto t = sw.aclSliceHwStatus().pmapType().iter(); t; ++t ) {
+      for( auto p = t.value()->pmap().iter(); p; ++p ) {
+         out[ pmapText( t.key(), p.key().direction(), p.key().name().str().stdString() ) ] =
+               MapStatus{ p.value()->prgmStatus(), p.value()->prgmStatusErrMessage().stdString() };
+      }
+   }
+   return out;
+}
 
 std::string pmapText( Qos::MapType type, Qos::Direction direction, std::string const& name ) {
    return name + "(" + Sim::mapTypeText( type ) + "," + Sim::textOf( direction ) + ")";

@@ -4,12 +4,21 @@
 // beside the engine's own verification, which sees only what the engine thinks it programmed.
 #pragma once
 
+#include <map>
 #include <string>
 #include <vector>
 
 #include "sim/runner/SimSwitch.h"
 
 namespace Sim {
+
+struct MapStatus {
+   Qos::PolicyMapHwPrgmStatus status = Qos::hwPrgmStatusInProgress_;
+   std::string message;
+};
+
+// The policy maps' status entries by "name(type,direction)".
+std::map< std::string, MapStatus > mapStatuses( Sim::SimSwitch const& sw );
 
 // "name(type,direction)", as the chip writes a policy map in the ids of its ACLs.
 std::string pmapText( Qos::MapType type, Qos::Direction direction, std::string const& name );

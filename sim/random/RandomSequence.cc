@@ -56,28 +56,10 @@ TcamImage skeletonOf( TcamImage const& image, bool rules ) {
    return out;
 }
 
-struct MapStatus {
-   std::string status;
-   std::string message;
-};
-
-// The status of every policy map, by "name(type,direction)".
-std::map< std::string, MapStatus > statusOf( SimSwitch const& sw ) {
-   std::map< std::string, MapStatus > out;
-   for( auto t = sw.aclSliceHwStatus().pmapType().iter(); t; ++t ) {
-      for( auto p = t.value()->pmap().iter(); p; ++p ) {
-         out[ pmapText( t.key(), p.key().direction(), p.key().name().str().stdString() ) ] =
-               MapStatus{ textOf( p.value()->prgmStatus() ),
-                          p.value()->prgmStatusErrMessage().stdString() };
-      }
-   }
-   return out;
-}
-
 bool settled( SimSwitch const& sw ) {
    if( sw.chip().pendingOperations() != 0 ) return false;
-   for( auto const& [ pmap, s ] : statusOf( sw ) ) {
-      if( s.status == "hwPrgmStatusInProgress" ) return false;
+   for( auto const& [ pmap, s ] : mapStatuses( sw ) ) {
+      if( s.status == Qos::hwPrgmStatusInProgress_ ) return false;
    }
    return true;
 }
@@ -187,10 +169,10 @@ void SeedRun::checkMap( std::string const& pmap, TcamImage const& mine, TcamImag
       if( exact && mine != theirs ) differ( " holds other entries than afresh" );
       return;
    }
-   if( here->status == "hwPrgmStatusFail" ) {
+   if( here->status == Qos::hwPrgmStatusFail_ ) {
       bool const explainedFailure = faultsHeld || !chip().roomy() || asyncFailureTolerated() ||
                                     failedBefore_.contains( pmap ) ||
-                                    afresh->status == "hwPrgmStatusFail" ||
+                                    afresh->status == Qos::hwPrgmStatusFail_ ||
                                     here->message == "Hardware commit timed out";
       if( !explainedFailure ) {
          fail( pmap + " failed (" + here->message + ") on a roomy chip with no fault" );
@@ -199,10 +181,11 @@ void SeedRun::checkMap( std::string const& pmap, TcamImage const& mine, TcamImag
       return;
    }
    failedBefore_.erase( pmap );
-   if( here->status != "hwPrgmStatusSuccess" ) {
-      fail( pmap + " is " + here->status + " after settling" );
-   } else if( afresh->status != "hwPrgmStatusSuccess" ) {
-      differ( " is programmed here, and " + afresh->status + " on a roomy chip started afresh" );
+   if( here->status != Qos::hwPrgmStatusSuccess_ ) {
+      fail( pmap + " is " + textOf( here->status ) + " after settling" );
+   } else if( afresh->status != Qos::hwPrgmStatusSuccess_ ) {
+      differ( " is programmed here, and " + textOf( afresh->status ) +
+              " on a roomy chip started afresh" );
    } else if( exact ) {
       if( mine != theirs ) differ( " holds other entries than afresh" );
    } else {
@@ -227,8 +210,8 @@ void SeedRun::checkAgainstFresh( SimSwitch& sw, bool faultsHeld ) {
    }
    TcamImage const got = tcamImageOf( sw );
    TcamImage const want = tcamImageOf( freshSwitch );
-   auto const status = statusOf( sw );
-   auto const freshStatus = statusOf( freshSwitch );
+   auto const status = mapStatuses( sw );
+   auto const freshStatus = mapStatuses( freshSwitch );
    std::set< std::string > pmaps;
    for( auto const& [ pmap, s ] : status )
       pmaps.insert( pmap );

@@ -56,6 +56,12 @@ std::string scenarioFile( std::string const& name, std::string const& text ) {
    return path;
 }
 
+nlohmann::json scenarioReport( std::string const& name, std::string const& text ) {
+   SimRun const run = runSim( { scenarioFile( name, text ), "--json" } );
+   EXPECT_EQ( run.exitCode, 0 ) << run.err;
+   return run.exitCode == 0 ? run.report() : nlohmann::json::object();
+}
+
 std::vector< std::string > scenarioNamesIn( std::string const& folder ) {
    std::vector< std::string > names;
    for( auto const& entry : std::filesystem::directory_iterator( folder ) ) {

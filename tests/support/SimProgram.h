@@ -24,6 +24,10 @@ std::string example( std::string const& name );
 // A scenario written to a file of its own in the test's temporary folder; its path.
 std::string scenarioFile( std::string const& name, std::string const& text );
 
+// The JSON report of a scenario written as `scenarioFile` writes it; the test fails, and the
+// report is empty, when the run does not end with exit code 0.
+nlohmann::json scenarioReport( std::string const& name, std::string const& text );
+
 // The names of the scenarios (`*.yaml`) of a folder, without the extension, in order.
 std::vector< std::string > scenarioNamesIn( std::string const& folder );
 

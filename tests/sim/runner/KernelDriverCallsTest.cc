@@ -12,14 +12,8 @@ namespace {
 
 using Json = nlohmann::json;
 
-Json reportOf( std::string const& name, std::string const& text ) {
-   SimRun const run = runSim( { scenarioFile( name, text ), "--json" } );
-   EXPECT_EQ( run.exitCode, 0 ) << run.err;
-   return run.exitCode == 0 ? run.report() : Json::object();
-}
-
 TEST( KernelDriverCallsTest, ThePacketDriversCallsAreKeptInOrder ) {
-   Json const report = reportOf( "kernel-calls", R"(
+   Json const report = scenarioReport( "kernel-calls", R"(
 chip: { hwInitialized: false }
 steps:
   - { at: 1, changes: [ { globalMaps: { cosToTc: { 5: 4 } } } ] }

@@ -19,12 +19,6 @@ namespace {
 using Json = nlohmann::json;
 using Counters = std::map< std::string, std::uint64_t >;
 
-Json reportOf( std::string const& name, std::string const& text ) {
-   SimRun const run = runSim( { scenarioFile( name, text ), "--json" } );
-   EXPECT_EQ( run.exitCode, 0 ) << run.err;
-   return run.exitCode == 0 ? run.report() : Json::object();
-}
-
 char const* const classKeys[] = { "outCount", "outBytes", "dropCount", "dropBytes" };
 char const* const policerKeys[] = { "pktInCount",    "byteInCount",      "pktDropCount",
                                     "byteDropCount", "yellowPktInCount", "yellowByteInCount" };
@@ -111,9 +105,9 @@ Landing const landings[] = {
 };
 
 TEST( TrafficColoursTest, EachShareReachesItsCounterOnAChipOfPerClassPolicers ) {
-   Json const report =
-         reportOf( "per-class.yaml",
-                   sharedPolicerScenario( "perClassPolicerSupported: true", colouredTraffic ) );
+   Json const report = scenarioReport(
+         "per-class.yaml",
+         sharedPolicerScenario( "perClassPolicerSupported: true", colouredTraffic ) );
    Counters expected;
    for( Landing const& l : landings ) {
       if( l.onClasses ) expected[ l.onClasses ] = l.sum;
@@ -135,13 +129,13 @@ TEST( TrafficColoursTest, PerPortDropsOfAPolicerAreKeptOnceItServesSeveralPorts 
                    droppedPackets: 5, droppedBytes: 500 }
       - requestCounters: snmp
 )";
-   Json const alone =
-         reportOf( "alone.yaml", sharedPolicerScenario( "perClassPolicerSupported: true", steps ) );
+   Json const alone = scenarioReport(
+         "alone.yaml", sharedPolicerScenario( "perClassPolicerSupported: true", steps ) );
    expectCounters( countersOf( alone ), { { "video.outCount", 50 },
                                           { "video.outBytes", 5000 },
                                           { "video.dropCount", 5 },
                                           { "video.dropBytes", 500 } } );
-   Json const shared = reportOf(
+   Json const shared = scenarioReport(
          "shared.yaml", sharedPolicerScenario( "perClassPolicerSupported: true", steps + R"(
   - at: 2
     changes:
