@@ -8,53 +8,25 @@
 // in the caches; at 1024 each pass touches hundreds. So the second benchmark takes the marginal
 // cost: with N - 1 interfaces applied, the Nth joins and leaves. A walk over the interfaces
 // would show there as well, and the caches play a smaller part.
+//
+// The churn also gives the peak resident memory of the process while it ran.
 #include <benchmark/benchmark.h>
 
-#include <string>
-#include <vector>
-
 #include "bench/support/BenchAgent.h"
-#include "sim/classbench/ClassBench.h"
+#include "bench/support/ProcessMemory.h"
 
 namespace {
 
 using Bench::Agent;
 using Bench::AgentOptions;
 
-constexpr unsigned operatorClasses = 63;  // and class-default
-constexpr unsigned rulesPerAcl = 4;
-
-// Class i matches access list i, VLAN 100 + i or DSCP i mod 64 by turns, and polices.
-void churnMapIs( Agent& agent ) {
-   static std::vector< Acl::IpRuleConfig > const rules =
-         Sim::readClassBench( NEVQOS_CLASSBENCH_DIR "/acl1_10k" );
-   for( unsigned i = 0; i < operatorClasses; ++i ) {
-      std::string const name = Bench::named( "c", i );
-      auto cmap = agent.classMapIs( name );
-      switch( i % 3 ) {
-         case 0: {
-            std::string const acl = Bench::named( "acl", i );
-            auto const first = rules.begin() + i * rulesPerAcl;
-            agent.ipAclIs( acl, { first, first + rulesPerAcl } );
-            Bench::aclMatchIs( *cmap, acl );
-            break;
-         }
-         case 1:
-            Bench::vlanMatchIs( *cmap, static_cast< std::uint16_t >( 100 + i ) );
-            break;
-         default:
-            Bench::dscpMatchIs( *cmap, i % 64 );
-            break;
-      }
-      agent.classIs( "churn", name )->policerIs( Bench::policerOf( Bench::named( "p", i ) ) );
-   }
-   agent.classDefaultIs( "churn" );
-}
+constexpr unsigned operatorClasses = Bench::policedClasses;
 
 void BM_InterfaceChurn( benchmark::State& state ) {
    auto const n = static_cast< unsigned >( state.range( 0 ) );
+   bool const peakReset = Bench::peakResetIs();
    Agent agent( AgentOptions{ .interfaces = n, .maxClassesPerPolicyMap = 128 } );
-   churnMapIs( agent );
+   Bench::policedMapIs( agent, "churn" );
    std::uint64_t policersAtFull = 0;
    auto const churn = [ & ]( bool timed ) {
       for( unsigned i = 1; i <= n; ++i ) {
@@ -83,6 +55,7 @@ void BM_InterfaceChurn( benchmark::State& state ) {
    if( agent.chip().counts().policers != 0 ) Bench::fail( "churn: policers left behind" );
    state.SetItemsProcessed( static_cast< std::int64_t >( state.iterations() * 2 * n ) );
    state.counters[ "interfaces" ] = n;
+   state.counters[ "peak_rss_bytes" ] = Bench::peakResidentBytes( peakReset );
 }
 BENCHMARK( BM_InterfaceChurn )
       ->Arg( 1 )
@@ -94,7 +67,7 @@ BENCHMARK( BM_InterfaceChurn )
 void BM_InterfaceChurnMarginal( benchmark::State& state ) {
    auto const n = static_cast< unsigned >( state.range( 0 ) );
    Agent agent( AgentOptions{ .interfaces = n, .maxClassesPerPolicyMap = 128 } );
-   churnMapIs( agent );
+   Bench::policedMapIs( agent, "churn" );
    for( unsigned i = 1; i < n; ++i )
       agent.intfIs( "churn", Agent::ethernet( i ), true );
    agent.settle();

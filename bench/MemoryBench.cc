@@ -9,40 +9,42 @@
 
 #include <malloc.h>
 
-#include <fstream>
+#include <atomic>
+#include <cstdint>
+#include <cstdlib>
+#include <new>
 #include <string>
 
 #include "bench/support/BenchAgent.h"
+#include "bench/support/ProcessMemory.h"
 #include "sim/runner/SimSwitch.h"
 #include "sim/scenario/ScenarioLoader.h"
 
 namespace {
 
-// A line of /proc/self/status such as "VmHWM:  1234 kB", in bytes.
-double statusBytes( std::string const& field ) {
-   std::ifstream status( "/proc/self/status" );
-   std::string line;
-   while( std::getline( status, line ) ) {
-      if( line.rfind( field + ":", 0 ) == 0 )
-         return 1024.0 * std::stod( line.substr( field.size() + 1 ) );
-   }
-   Bench::fail( "no " + field + " in /proc/self/status" );
+// Every allocation of the program passes here, so that a figure can give the blocks a piece of
+// work leaves live as well as their bytes.
+std::atomic< std::int64_t > liveBlocks{ 0 };
+
+void* counted( std::size_t size ) {
+   void* const p = std::malloc( size ? size : 1 );
+   if( !p ) throw std::bad_alloc();
+   liveBlocks.fetch_add( 1, std::memory_order_relaxed );
+   return p;
 }
 
-// Starts a new peak at the present resident set; false where the kernel does not allow it.
-bool peakResetIs() {
-   std::ofstream clear( "/proc/self/clear_refs" );
-   clear << "5";
-   clear.flush();
-   return clear.good();
+void released( void* p ) noexcept {
+   if( !p ) return;
+   liveBlocks.fetch_sub( 1, std::memory_order_relaxed );
+   std::free( p );
 }
 
 void BM_RunnerMemory( benchmark::State& state ) {
    for( auto _ : state ) {
       Sim::Scenario const scenario =
             Sim::loadScenario( NEVQOS_EXAMPLES_DIR "/classbench-10k.yaml" );
-      bool const peakReset = peakResetIs();
-      double const before = statusBytes( "VmRSS" );
+      bool const peakReset = Bench::peakResetIs();
+      double const before = Bench::statusBytes( "VmRSS" );
       double peak = 0.0;
       double entries = 0.0;
       {
@@ -52,7 +54,7 @@ void BM_RunnerMemory( benchmark::State& state ) {
          sw.runUntil( sw.now() + 60.0 );
          for( auto const& [ name, slice ] : sw.chip().tcam().slices() )
             entries += slice.used;
-         peak = statusBytes( peakReset ? "VmHWM" : "VmRSS" );
+         peak = Bench::peakResidentBytes( peakReset );
       }
       if( entries == 0.0 ) Bench::fail( "the runner installed nothing" );
       state.counters[ "subrules" ] = entries;
@@ -80,4 +82,66 @@ void BM_ClassMemory( benchmark::State& state ) {
 }
 BENCHMARK( BM_ClassMemory )->Iterations( 1 )->Unit( benchmark::kMillisecond );
 
+// The copies of the interface churn's classes that one more interface adds: with the map on
+// the first interface, it goes on 16 more, and the heap in use and the live blocks grow by
+// what their 16 x 63 per-interface class copies and the interfaces' own entries hold.
+void BM_ClassCopyMemory( benchmark::State& state ) {
+   constexpr unsigned interfaces = 17;
+   for( auto _ : state ) {
+      Bench::Agent agent(
+            Bench::AgentOptions{ .interfaces = interfaces, .maxClassesPerPolicyMap = 128 } );
+      Bench::policedMapIs( agent, "churn" );
+      agent.intfIs( "churn", Bench::Agent::ethernet( 1 ), true );
+      agent.settle();
+      auto const bytesBefore = mallinfo2().uordblks;
+      auto const blocksBefore = liveBlocks.load();
+      for( unsigned i = 2; i <= interfaces; ++i ) {
+         agent.intfIs( "churn", Bench::Agent::ethernet( i ), true );
+         agent.settle();
+      }
+      agent.checkProgrammed( "churn" );
+      double const copies = ( interfaces - 1 ) * Bench::policedClasses;
+      if( agent.chip().counts().policers != interfaces * Bench::policedClasses )
+         Bench::fail( "class copies: wrong policer count" );
+      state.counters[ "figure_bytes" ] =
+            static_cast< double >( mallinfo2().uordblks - bytesBefore ) / copies;
+      state.counters[ "blocks" ] =
+            static_cast< double >( liveBlocks.load() - blocksBefore ) / copies;
+   }
+}
+BENCHMARK( BM_ClassCopyMemory )->Iterations( 1 )->Unit( benchmark::kMillisecond );
+
 }  // namespace
+
+void* operator new( std::size_t size ) {
+   return counted( size );
+}
+void* operator new[]( std::size_t size ) {
+   return counted( size );
+}
+void* operator new( std::size_t size, std::nothrow_t const& ) noexcept {
+   try {
+      return counted( size );
+   } catch( std::bad_alloc const& ) {
+      return nullptr;
+   }
+}
+void* operator new[]( std::size_t size, std::nothrow_t const& ) noexcept {
+   try {
+      return counted( size );
+   } catch( std::bad_alloc const& ) {
+      return nullptr;
+   }
+}
+void operator delete( void* p ) noexcept {
+   released( p );
+}
+void operator delete[]( void* p ) noexcept {
+   released( p );
+}
+void operator delete( void* p, std::size_t ) noexcept {
+   released( p );
+}
+void operator delete[]( void* p, std::size_t ) noexcept {
+   released( p );
+}

@@ -8,7 +8,8 @@ Three kinds of row:
   time per item at a small one, both from items_per_second;
 - a figure row, for a benchmark that reports its own figure and baseline as counters (figure_s
   and baseline_s in seconds, or figure_bytes alone).
-Targets are a maximum ratio. The rates a run reports (items_per_second and counters named
+- a limit row, for the counters in LIMITS: the counter's value beside an absolute maximum.
+Targets are a maximum ratio, or for a limit row that maximum. The rates a run reports (items_per_second and counters named
 *_per_second) are shown beside it.
 """
 import json
@@ -22,6 +23,7 @@ TARGETS = {
     "BM_AttributeWrite": 3.0,
     "BM_KeyedCollection": 3.0,
     "BM_AsyncDrain": 1.0,
+    "BM_CbfReview": 10.0,
 }
 TARGET_ARGS = {
     "BM_AttributeWrite": {"4"},
@@ -33,6 +35,19 @@ SCALING = {
     "BM_InterfaceChurnMarginal": ("16", "1024", 1.5),
 }
 
+# Benchmark name without arguments other than those given: [(counter, what it is, unit,
+# maximum)]; the row is named "<name> <what>".
+MB = 1024.0 * 1024.0
+LIMITS = {
+    "BM_ClassCopyMemory": [
+        ("figure_bytes", "heap bytes per class copy", "bytes", 1024.0),
+        ("blocks", "allocations per class copy", "blocks", 12.0),
+    ],
+    "BM_InterfaceChurn/1024": [
+        ("peak_rss_bytes", "peak resident memory", "MB", 100.0 * MB),
+    ],
+}
+
 # What the items of a benchmark are, where "items" would say too little.
 ITEMS = {
     "BM_EngineCompile": "rules",
@@ -41,6 +56,8 @@ ITEMS = {
     "BM_EngineRecompileBaseline": "rules",
     "BM_CbfReview": "keys",
     "BM_CbfReviewBaseline": "keys",
+    "BM_CbfReviewRefused": "keys",
+    "BM_CbfReviewRefusedBaseline": "keys",
     "BM_InterfaceChurn": "interface changes",
     "BM_InterfaceChurnMarginal": "interface changes",
 }
@@ -165,6 +182,23 @@ def scaling_rows(runs):
     return rows
 
 
+def limit_rows(runs):
+    rows = []
+    for name, limits in LIMITS.items():
+        run = runs.get(name) or runs.get(name + "/iterations:1")
+        if run is None:
+            continue
+        for counter, what, unit, maximum in limits:
+            if counter not in run:
+                continue
+            scale = MB if unit == "MB" else 1.0
+            shown = lambda v: "%.4g %s" % (v / scale, unit)
+            value = run[counter]
+            rows.append(Row("%s %s" % (name, what), shown(value), ratio=value / maximum,
+                            target=1.0, baseline="limit " + shown(maximum)))
+    return rows
+
+
 def main(paths):
     runs, context = load(paths)
     rows = []
@@ -175,6 +209,7 @@ def main(paths):
         row = paired_row(name, run, runs) or figure_row(name, run)
         rows.append(row or Row(name, time_text(run), rate=rates(run)))
     rows += scaling_rows(runs)
+    rows += limit_rows(runs)
     host = context.get("host_name", "?")
     cpus = context.get("num_cpus", "?")
     print("Benchmark report (host %s, %s CPUs); ratio = figure / baseline, same run\n"

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "sim/classbench/ClassBench.h"
 #include "zub/Log.h"
 
 namespace Bench {
@@ -45,6 +46,33 @@ Zub::Ptr< Qos::PolicerConfig > policerOf( std::string const& name ) {
    policer->bcIs( 10000 );
    policer->redActionIs( Qos::actionDrop_ );
    return policer;
+}
+
+void policedMapIs( Agent& agent, std::string const& pmap ) {
+   constexpr unsigned rulesPerAcl = 4;
+   static std::vector< Acl::IpRuleConfig > const rules =
+         Sim::readClassBench( NEVQOS_CLASSBENCH_DIR "/acl1_10k" );
+   for( unsigned i = 0; i < policedClasses; ++i ) {
+      std::string const name = named( "c", i );
+      auto cmap = agent.classMapIs( name );
+      switch( i % 3 ) {
+         case 0: {
+            std::string const acl = named( "acl", i );
+            auto const first = rules.begin() + i * rulesPerAcl;
+            agent.ipAclIs( acl, { first, first + rulesPerAcl } );
+            aclMatchIs( *cmap, acl );
+            break;
+         }
+         case 1:
+            vlanMatchIs( *cmap, static_cast< std::uint16_t >( 100 + i ) );
+            break;
+         default:
+            dscpMatchIs( *cmap, i % 64 );
+            break;
+      }
+      agent.classIs( pmap, name )->policerIs( policerOf( named( "p", i ) ) );
+   }
+   agent.classDefaultIs( pmap );
 }
 
 Agent::Agent( AgentOptions const& options ) {

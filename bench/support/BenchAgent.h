@@ -38,6 +38,14 @@ void aclMatchIs( Qos::ClassMapStatus& cmap, std::string const& acl );
 // A single-rate policer of 1000 kbps and 10000 bytes that drops what violates.
 Zub::Ptr< Qos::PolicerConfig > policerOf( std::string const& name );
 
+class Agent;
+
+// The policy map of the interface churn: 63 classes and class-default, class i matching access
+// list i (four ClassBench rules), VLAN 100 + i or DSCP i mod 64 by turns, each with a policer of
+// its own on every interface.
+constexpr unsigned policedClasses = 63;
+void policedMapIs( Agent& agent, std::string const& pmap );
+
 class Agent {
  public:
    explicit Agent( AgentOptions const& options );
