@@ -133,15 +133,17 @@ void CbfFecMappingSm::updateInternalMappingAndFecRequest( FecOverrideEntry const
       configCacheDel( key );
       cbfFecMapRuleCacheDel( key );
    } else {
-      // The FEC that took over until now loses the key.
-      FecOverrideEntry const* cached = configCache().find( key );
-      if( cached && cached->overridingFecId != entry.overridingFecId ) {
+      // The driver's rule is made when the key is first programmed.
+      auto const [ cached, added ] = configCache_.insert( key, entry );
+      if( !added ) {
+         // The FEC that took over until now loses the key.
          Glarn::Fib::FecId const oldOverridingFecId = cached->overridingFecId;
-         updateFecIdToOverrideKey( oldOverridingFecId, key, true );
-         maybeUpdateFecRequest( oldOverridingFecId );
+         *cached = entry;
+         if( oldOverridingFecId != entry.overridingFecId ) {
+            updateFecIdToOverrideKey( oldOverridingFecId, key, true );
+            maybeUpdateFecRequest( oldOverridingFecId );
+         }
       }
-      configCacheIs( entry );
-      cbfFecMapRuleCacheIs( key );
    }
    updateFecIdToOverrideKey( key.fecId, key, isDelete );
    updateFecIdToOverrideKey( entry.overridingFecId, key, isDelete );
@@ -200,10 +202,9 @@ void CbfFecMappingSm::handleHwFecIdResponse( Glarn::Fib::FecId fecId ) {
 }
 
 Zub::Ptr< CbfFecMapRule > CbfFecMappingSm::cbfFecMapRuleCacheIs( OverrideKey const& key ) {
-   if( auto const* rule = cbfFecMapRuleCache_.find( key ) ) return *rule;
-   auto const rule = Zub::make< CbfFecMapRule >( key );
-   cbfFecMapRuleCache_.set( key, rule );
-   return rule;
+   auto const [ rule, added ] = cbfFecMapRuleCache_.insert( key, nullptr );
+   if( added ) *rule = Zub::make< CbfFecMapRule >( key );
+   return *rule;
 }
 
 // ---- review ----
@@ -216,14 +217,10 @@ void CbfFecMappingSm::policyOverrideTaskIs( Zub::Ptr< Kesh::TaskScheduler > cons
 }
 
 void CbfFecMappingSm::policyOverrideReviewQueueIs( OverrideKey const& key, bool ) {
-   if( policyOverrideReviewQueue_.has( key ) ) return;
-   policyOverrideReviewQueue_.set( key, true );
+   // Queued already: set() finds the same value and says so.
+   if( !policyOverrideReviewQueue_.set( key, true ) ) return;
    if( reviewCursor_ && !( *reviewCursor_ < key ) ) reviewMissedKey_ = true;
    policyOverrideTask()->scheduleTask();
-}
-
-void CbfFecMappingSm::policyOverrideReviewQueueDel( OverrideKey const& key ) {
-   policyOverrideReviewQueue_.erase( key );
 }
 
 void CbfFecMappingSm::doReviewPolicyOverride() {
@@ -243,9 +240,12 @@ void CbfFecMappingSm::doReviewPolicyOverride() {
    while( it ) {
       OverrideKey const key = it.key();
       reviewLastSettled_ = processPolicyOverride( key );
-      if( reviewLastSettled_ ) policyOverrideReviewQueueDel( key );
       task.taskWorkCountInc( 1 );
-      ++it;
+      if( reviewLastSettled_ ) {
+         it = policyOverrideReviewQueue_.eraseAt( it );
+      } else {
+         ++it;
+      }
       if( it && task.taskShouldYield() ) {
          // The next run goes on after this key, so that every key is tried once per review.
          reviewCursor_ = key;

@@ -138,7 +138,6 @@ class CbfFecMappingSm : public Zub::PtrInterface {
    }
    // Queues `key`; the task is scheduled only when the key was not queued already.
    void policyOverrideReviewQueueIs( OverrideKey const& key, bool );
-   void policyOverrideReviewQueueDel( OverrideKey const& key );
    Zub::Ptr< Kesh::TimerTask > const& policyOverrideTask() const { return policyOverrideTask_; }
    void policyOverrideTaskIs( Zub::Ptr< Kesh::TaskScheduler > const& scheduler,
                               Kesh::TaskPriority priority, Zub::String const& name );
@@ -171,9 +170,6 @@ class CbfFecMappingSm : public Zub::PtrInterface {
    void zubDoZombieReactors( bool zombie );
 
  private:
-   void configCacheIs( Qos::Glarn::FecOverrideEntry const& entry ) {
-      configCache_.set( entry.key, entry );
-   }
    void configCacheDel( OverrideKey const& key ) { configCache_.erase( key ); }
    // The key's rule, made when missing.
    Zub::Ptr< CbfFecMapRule > cbfFecMapRuleCacheIs( OverrideKey const& key );

@@ -90,6 +90,12 @@ class Collection {
       it->second = v;
       return true;
    }
+   // The member of `k`, added as `v` when absent; the flag says whether it was added. One
+   // search where find() and set() would take two.
+   std::pair< V*, bool > insert( K const& k, V const& v ) {
+      auto [ it, inserted ] = map_.try_emplace( k, v );
+      return { &it->second, inserted };
+   }
    // Removes `k`; false when it was absent. The removed value is moved into `out`, if given,
    // so that its destruction can wait until the caller is done notifying.
    bool erase( K const& k, V* out = nullptr ) {
@@ -99,6 +105,20 @@ class Collection {
       map_.erase( it );
       ++erasures_;
       return true;
+   }
+   // Removes the member `it` stands on and returns an iterator on the next one: a walk that
+   // removes as it goes needs no search per step. An iterator that no longer stands on a member
+   // (its member or another went since) falls back on the search.
+   Iterator eraseAt( Iterator const& it ) {
+      if( !it.c_ ) return it;
+      if( it.c_ != this || it.erasures_ != erasures_ ) {
+         K const key = it.key_;
+         erase( key );
+         return Iterator( this, map_.upper_bound( key ) );
+      }
+      auto const next = map_.erase( it.at_ );
+      ++erasures_;
+      return Iterator( this, next );
    }
    K const* firstKey() const { return map_.empty() ? nullptr : &map_.begin()->first; }
 

@@ -74,6 +74,35 @@ TEST( CollectionTest, InsertionsWhileIteratingAheadAreVisitedBehindAreNot ) {
    EXPECT_EQ( visited, ( std::vector< int >{ 10, 20, 25, 30 } ) );
 }
 
+TEST( CollectionTest, InsertAddsOnlyWhenAbsentAndGivesTheMember ) {
+   Coll c;
+   auto [ added, isNew ] = c.insert( 4, 40 );
+   EXPECT_TRUE( isNew );
+   *added = 41;
+   auto [ held, isNewAgain ] = c.insert( 4, 99 );
+   EXPECT_FALSE( isNewAgain );
+   EXPECT_EQ( *held, 41 );
+   EXPECT_EQ( *c.find( 4 ), 41 );
+}
+
+// A walk that removes what it settles, also when the member or another one went meanwhile.
+TEST( CollectionTest, EraseAtGoesOnAfterTheRemovedMember ) {
+   Coll c;
+   for( int k = 1; k <= 6; ++k )
+      c.set( k, 0 );
+   std::vector< int > visited;
+   for( auto it = c.iter(); it; ) {
+      int const key = it.key();
+      visited.push_back( key );
+      if( key == 3 ) c.erase( 5 );  // another member goes: the iterator is stale
+      if( key == 4 ) c.erase( 4 );  // its own member goes first
+      it = key % 2 == 0 || key == 3 ? c.eraseAt( it ) : ++it;
+   }
+   EXPECT_EQ( visited, ( std::vector< int >{ 1, 2, 3, 4, 6 } ) );
+   EXPECT_EQ( keysOf( c ), ( std::vector< int >{ 1 } ) );
+   EXPECT_FALSE( c.eraseAt( c.iterFrom( 2 ) ) );
+}
+
 TEST( CollectionTest, IteratorValueOutlivesRemovalOfItsMember ) {
    Zub::Collection< int, Zub::Ptr< ZubTest::Slot > > c;
    c.set( 1, Zub::make< ZubTest::Slot >( "a" ) );
