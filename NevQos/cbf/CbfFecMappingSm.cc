@@ -154,14 +154,9 @@ void CbfFecMappingSm::updateInternalMappingAndFecRequest( FecOverrideEntry const
 void CbfFecMappingSm::updateFecIdToOverrideKey( Glarn::Fib::FecId fecId, OverrideKey const& key,
                                                 bool isDelete ) {
    if( !isDelete ) {
-      Zub::Ptr< FecIdToOverrideKey > users;
-      if( auto const* found = fecIdToOverrideKey_.find( fecId ) ) {
-         users = *found;
-      } else {
-         users = Zub::make< FecIdToOverrideKey >( fecId );
-         fecIdToOverrideKey_.set( fecId, users );
-      }
-      users->mappingIs( key, true );
+      auto const [ users, added ] = fecIdToOverrideKey_.insert( fecId, nullptr );
+      if( added ) *users = Zub::make< FecIdToOverrideKey >( fecId );
+      ( *users )->mappingIs( key, true );
       return;
    }
    auto const* found = fecIdToOverrideKey_.find( fecId );

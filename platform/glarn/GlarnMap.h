@@ -87,6 +87,11 @@ class GlarnStore : public Zub::PtrInterface {
  private:
    friend class GlarnMap< Record >;
    void notify( Key const& key ) {
+      // Most tables have one view, often the writer's own: no copy to make.
+      if( views_.size() == 1 ) {
+         views_.front()->recordChanged( key );
+         return;
+      }
       // A view may detach while it is told; walk a copy.
       std::vector< GlarnMap< Record >* > const views = views_;
       for( GlarnMap< Record >* v : views )
