@@ -13,6 +13,7 @@ Targets are a maximum ratio, or for a limit row that maximum. The rates a run re
 *_per_second) are shown beside it.
 """
 import json
+import re
 import sys
 
 # Maximum ratio to the baseline, by benchmark name without arguments; for a benchmark with
@@ -33,6 +34,7 @@ TARGET_ARGS = {
 SCALING = {
     "BM_InterfaceChurn": ("16", "1024", 1.5),
     "BM_InterfaceChurnMarginal": ("16", "1024", 1.5),
+    "BM_RunnerScale": ("10000", "80000", 1.3),
 }
 
 # Benchmark name without arguments other than those given: [(counter, what it is, unit,
@@ -45,6 +47,9 @@ LIMITS = {
     ],
     "BM_InterfaceChurn/1024": [
         ("peak_rss_bytes", "peak resident memory", "MB", 100.0 * MB),
+    ],
+    "BM_RunnerScale/80000": [
+        ("peak_bytes_per_entry", "peak resident memory per TCAM entry", "bytes", 2560.0),
     ],
 }
 
@@ -60,6 +65,7 @@ ITEMS = {
     "BM_CbfReviewRefusedBaseline": "keys",
     "BM_InterfaceChurn": "interface changes",
     "BM_InterfaceChurnMarginal": "interface changes",
+    "BM_RunnerScale": "TCAM entries",
 }
 
 RATE_SUFFIX = "_per_second"
@@ -75,8 +81,13 @@ def load(paths):
         for b in data["benchmarks"]:
             if b.get("run_type", "iteration") != "iteration":
                 continue
-            runs[b["name"]] = b
+            runs[plain(b["name"])] = b
     return runs, context
+
+
+def plain(name):
+    """The name without the decorations the library adds: /iterations:1, /manual_time."""
+    return re.sub(r"/(iterations:\d+|manual_time|real_time)", "", name)
 
 
 def split(name):
@@ -185,14 +196,14 @@ def scaling_rows(runs):
 def limit_rows(runs):
     rows = []
     for name, limits in LIMITS.items():
-        run = runs.get(name) or runs.get(name + "/iterations:1")
+        run = runs.get(name)
         if run is None:
             continue
         for counter, what, unit, maximum in limits:
             if counter not in run:
                 continue
             scale = MB if unit == "MB" else 1.0
-            shown = lambda v: "%.4g %s" % (v / scale, unit)
+            shown = lambda v: "%s %s" % (si(v / scale), unit)
             value = run[counter]
             rows.append(Row("%s %s" % (name, what), shown(value), ratio=value / maximum,
                             target=1.0, baseline="limit " + shown(maximum)))
