@@ -18,6 +18,15 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
+// An object with room for `members`. An ordered object is a vector of pairs whose keys are
+// const, so growing it copies every member held: the room is made first, and the parts are
+// moved in member by member, since a brace list of pairs would copy each part too.
+Json objectWithRoom( std::size_t members ) {
+   Json object = Json::object();
+   object.get_ref< Json::object_t& >().reserve( members );
+   return object;
+}
+
 std::string name( Zub::Name const& n ) {
    return n.charPtr();
 }
@@ -27,13 +36,14 @@ std::string name( Zub::Name const& n ) {
 Json callsOf( std::vector< ChipCall > const& calls ) {
    Json out = Json::array();
    for( ChipCall const& call : calls ) {
-      Json args = Json::object();
+      Json args = objectWithRoom( call.args.size() );
       for( auto const& [ name, value ] : call.args )
          args[ name ] = value;
-      out.push_back( Json{ { "t", call.t },
-                           { "helper", call.helper },
-                           { "op", call.op },
-                           { "args", std::move( args ) } } );
+      Json& c = out.emplace_back( objectWithRoom( 4 ) );
+      c[ "t" ] = call.t;
+      c[ "helper" ] = call.helper;
+      c[ "op" ] = call.op;
+      c[ "args" ] = std::move( args );
    }
    return out;
 }
@@ -164,13 +174,15 @@ Json statusOf( SimSwitch const& sw ) {
 }
 
 Json entryOf( TcamEntry const& e ) {
-   Json fields = Json::object();
+   Json fields = objectWithRoom( e.fields.size() );
    for( auto const& [ name, value ] : e.fields )
       fields[ name ] = value;
-   return Json{ { "kind", e.kind },
-                { "ruleNum", e.ruleNum },
-                { "subruleNum", e.subruleNum },
-                { "fields", std::move( fields ) } };
+   Json entry = objectWithRoom( 4 );
+   entry[ "kind" ] = e.kind;
+   entry[ "ruleNum" ] = e.ruleNum;
+   entry[ "subruleNum" ] = e.subruleNum;
+   entry[ "fields" ] = std::move( fields );
+   return entry;
 }
 
 Json tcamOf( SimQosAclHelper const& chip ) {
@@ -196,16 +208,19 @@ Json tcamOf( SimQosAclHelper const& chip ) {
          for( std::string const& p : it->second )
             ports.push_back( p );
       }
-      acls.push_back( Json{ { "id", id },
-                            { "slice", acl.slice },
-                            { "committed", acl.committed },
-                            { "interfaces", std::move( ports ) },
-                            { "rangeCheckers", std::move( checkers ) },
-                            { "entries", std::move( entries ) } } );
+      Json& out = acls.emplace_back( objectWithRoom( 6 ) );
+      out[ "id" ] = id;
+      out[ "slice" ] = acl.slice;
+      out[ "committed" ] = acl.committed;
+      out[ "interfaces" ] = std::move( ports );
+      out[ "rangeCheckers" ] = std::move( checkers );
+      out[ "entries" ] = std::move( entries );
    }
-   return Json{ { "slices", std::move( slices ) },
-                { "rangeCheckers", poolOf( tcam.rangeCheckers(), tcam.rangeCheckersUsed() ) },
-                { "acls", std::move( acls ) } };
+   Json out = objectWithRoom( 3 );
+   out[ "slices" ] = std::move( slices );
+   out[ "rangeCheckers" ] = poolOf( tcam.rangeCheckers(), tcam.rangeCheckersUsed() );
+   out[ "acls" ] = std::move( acls );
+   return out;
 }
 
 Json resourcesOf( SimQosAclHelper const& chip ) {
@@ -367,19 +382,23 @@ std::string poolText( Json const& pool ) {
           pool[ "size" ].dump();
 }
 
+// The calls and the TCAM entries of a large run are most of the report; the parts are moved in.
 Json reportOf( Scenario const& scenario, SimSwitch const& sw ) {
-   return Json{ { "scenario",
-                  Json{ { "file", scenario.file }, { "description", scenario.description } } },
-                { "time", sw.now() },
-                { "calls", callsOf( sw.calls() ) },
-                { "logs", logsOf( sw.logs() ) },
-                { "status", statusOf( sw ) },
-                { "basic", basicOf( sw.basicChip() ) },
-                { "controlPlane", controlPlaneOf( sw ) },
-                { "cbf", cbfOf( sw ) },
-                { "tcam", tcamOf( sw.chip() ) },
-                { "resources", resourcesOf( sw.chip() ) },
-                { "engine", engineOf( sw.engine() ) } };
+   // Room for the parts below and for those the runner adds: verify, trace, expect.
+   Json report = objectWithRoom( 16 );
+   report[ "scenario" ] =
+         Json{ { "file", scenario.file }, { "description", scenario.description } };
+   report[ "time" ] = sw.now();
+   report[ "calls" ] = callsOf( sw.calls() );
+   report[ "logs" ] = logsOf( sw.logs() );
+   report[ "status" ] = statusOf( sw );
+   report[ "basic" ] = basicOf( sw.basicChip() );
+   report[ "controlPlane" ] = controlPlaneOf( sw );
+   report[ "cbf" ] = cbfOf( sw );
+   report[ "tcam" ] = tcamOf( sw.chip() );
+   report[ "resources" ] = resourcesOf( sw.chip() );
+   report[ "engine" ] = engineOf( sw.engine() );
+   return report;
 }
 
 namespace {

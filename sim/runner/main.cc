@@ -6,6 +6,7 @@
 
 #include <cstdio>
 #include <exception>
+#include <iomanip>
 #include <iostream>
 #include <map>
 #include <string>
@@ -159,7 +160,8 @@ int main( int argc, char** argv ) {
       bool const expects = !scenario.expect.empty();
       if( expects ) report[ "expect" ] = Sim::expectationsMet( scenario, sw );
       if( json ) {
-         std::cout << report.dump( 2 ) << "\n";
+         // Streamed: the text of a large report need not be held whole.
+         std::cout << std::setw( 2 ) << report << "\n";
       } else {
          Sim::printTextReport( std::cout, report, limit );
          if( expects ) Sim::printExpectations( std::cout, report[ "expect" ] );
