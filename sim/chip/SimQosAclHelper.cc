@@ -243,10 +243,13 @@ Nev::AclCreateError SimQosAclHelper::install( std::string const& aclId, TcamEntr
          limit = f.atEntries;
       }
    }
-   TcamEntry const written = entry;
-   if( !tcam_.add( aclId, std::move( entry ), limit ) ) return Nev::aclCreateErrorOutOfTcam;
-   // Only what the chip accepted: the engine is told of a refusal, and fails the map.
-   aclRecords_[ aclId ].written.push_back( written );
+   // Only what the chip accepted is written: the engine is told of a refusal, and fails the map.
+   auto& kept = aclRecords_[ aclId ].written;
+   if( !kept )
+      return tcam_.add( aclId, std::move( entry ), limit ) ? Nev::aclCreateErrorNone
+                                                           : Nev::aclCreateErrorOutOfTcam;
+   if( !tcam_.add( aclId, entry, limit ) ) return Nev::aclCreateErrorOutOfTcam;
+   kept->push_back( std::move( entry ) );
    return Nev::aclCreateErrorNone;
 }
 

@@ -354,13 +354,18 @@ class SimQosAclHelper : public NevHelper::QosAclHelper {
 
    // The driver's record of one ACL it opened: the class data the engine opened it for, and the
    // entries the engine's calls wrote into it, as written. The TCAM's cells may change behind
-   // the driver's back (corruptEntry); this record does not.
+   // the driver's back (corruptEntry, plantEntry); this record does not. Until they do, the TCAM
+   // holds what was written, and the record keeps no copy of it: the first damage copies.
    struct AclRecord {
       Zub::Ptr< Nev::QosClassData const > classData;
       // The engine's key of the ACL; none for the ACL of the built-in classes.
       std::optional< Nev::AclKey > aclKey;
-      std::vector< TcamEntry > written;
+      std::optional< std::vector< TcamEntry > > written;
    };
+   // The entries written into the ACL as the driver wrote them.
+   std::vector< TcamEntry > const& writtenEntries( std::string const& aclId ) const;
+   // Keeps the entries written into the ACL apart from its cells, before they are damaged.
+   void writtenKeptApart( std::string const& aclId );
 
    bool async() const { return config_.tcamMode == TcamMode::asynchronous; }
    // The answer a scripted fault gives to this call of `op`, if any: in the asynchronous mode

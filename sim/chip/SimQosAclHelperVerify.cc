@@ -224,10 +224,9 @@ void SimQosAclHelper::verifyTcamData( Nev::QosClassData const& classData,
 // field, and what is left on either side is missing or should not be there.
 void SimQosAclHelper::compareWritten( Nev::QosClassData const& classData, Nev::AclKey const& aclKey,
                                       std::string const& aclId ) {
-   auto const record = aclRecords_.find( aclId );
    auto const acl = tcam_.acls().find( aclId );
    std::vector< TcamEntry > const none;
-   auto const& written = record == aclRecords_.end() ? none : record->second.written;
+   auto const& written = writtenEntries( aclId );
    auto const& actual = acl == tcam_.acls().end() ? none : acl->second.entries;
    using Numbers = std::pair< std::uint32_t, std::uint32_t >;
    struct Group {
@@ -606,19 +605,38 @@ std::vector< std::string > SimQosAclHelper::aclIdsNamed( std::string const& aclN
    return ids;
 }
 
+std::vector< TcamEntry > const& SimQosAclHelper::writtenEntries( std::string const& aclId ) const {
+   static std::vector< TcamEntry > const none;
+   auto const record = aclRecords_.find( aclId );
+   if( record == aclRecords_.end() ) return none;
+   if( record->second.written ) return *record->second.written;
+   auto const acl = tcam_.acls().find( aclId );
+   return acl == tcam_.acls().end() ? none : acl->second.entries;
+}
+
+void SimQosAclHelper::writtenKeptApart( std::string const& aclId ) {
+   auto const record = aclRecords_.find( aclId );
+   if( record == aclRecords_.end() || record->second.written ) return;
+   record->second.written = writtenEntries( aclId );
+}
+
 std::size_t SimQosAclHelper::corruptEntry( std::string const& aclName, std::uint32_t ruleNum,
                                            std::uint32_t subruleNum, std::string const& field,
                                            std::string const& value ) {
    std::size_t damaged = 0;
-   for( std::string const& id : aclIdsNamed( aclName ) )
+   for( std::string const& id : aclIdsNamed( aclName ) ) {
+      writtenKeptApart( id );
       damaged += tcam_.corrupt( id, ruleNum, subruleNum, field, value ) ? 1 : 0;
+   }
    return damaged;
 }
 
 std::size_t SimQosAclHelper::plantEntry( std::string const& aclName, TcamEntry const& entry ) {
    std::size_t planted = 0;
-   for( std::string const& id : aclIdsNamed( aclName ) )
+   for( std::string const& id : aclIdsNamed( aclName ) ) {
+      writtenKeptApart( id );
       planted += tcam_.plant( id, entry ) ? 1 : 0;
+   }
    return planted;
 }
 
