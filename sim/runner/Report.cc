@@ -1,6 +1,7 @@
 #include "sim/runner/Report.h"
 
 #include <cstdio>
+#include <functional>
 #include <map>
 #include <ostream>
 #include <string>
@@ -33,18 +34,22 @@ std::string name( Zub::Name const& n ) {
 
 // ---- The JSON document
 
+Json callOf( ChipCall const& call ) {
+   Json args = objectWithRoom( call.args.size() );
+   for( auto const& [ name, value ] : call.args )
+      args[ name ] = value;
+   Json c = objectWithRoom( 4 );
+   c[ "t" ] = call.t;
+   c[ "helper" ] = call.helper;
+   c[ "op" ] = call.op;
+   c[ "args" ] = std::move( args );
+   return c;
+}
+
 Json callsOf( std::vector< ChipCall > const& calls ) {
    Json out = Json::array();
-   for( ChipCall const& call : calls ) {
-      Json args = objectWithRoom( call.args.size() );
-      for( auto const& [ name, value ] : call.args )
-         args[ name ] = value;
-      Json& c = out.emplace_back( objectWithRoom( 4 ) );
-      c[ "t" ] = call.t;
-      c[ "helper" ] = call.helper;
-      c[ "op" ] = call.op;
-      c[ "args" ] = std::move( args );
-   }
+   for( ChipCall const& call : calls )
+      out.push_back( callOf( call ) );
    return out;
 }
 
@@ -185,40 +190,51 @@ Json entryOf( TcamEntry const& e ) {
    return entry;
 }
 
-Json tcamOf( SimQosAclHelper const& chip ) {
-   Tcam const& tcam = chip.tcam();
+// The TCAM's slices and its range-checker pool: the members of "tcam" before its lists.
+Json tcamPoolsOf( Tcam const& tcam ) {
    Json slices = Json::array();
    for( auto const& [ name, s ] : tcam.slices() ) {
       Json slice{ { "name", name } };
       slice.update( poolOf( s.size, s.used ) );
       slices.push_back( std::move( slice ) );
    }
-   Json acls = Json::array();
-   for( auto const& [ id, acl ] : tcam.acls() ) {
-      Json entries = Json::array();
-      for( TcamEntry const& e : acl.entries )
-         entries.push_back( entryOf( e ) );
-      Json checkers = Json::array();
-      for( RangeNeed const& n : acl.checkers ) {
-         checkers.push_back(
-               Json{ { "dimension", n.dimension }, { "low", n.low }, { "high", n.high } } );
-      }
-      Json ports = Json::array();
-      if( auto const it = chip.aclPorts().find( id ); it != chip.aclPorts().end() ) {
-         for( std::string const& p : it->second )
-            ports.push_back( p );
-      }
-      Json& out = acls.emplace_back( objectWithRoom( 6 ) );
-      out[ "id" ] = id;
-      out[ "slice" ] = acl.slice;
-      out[ "committed" ] = acl.committed;
-      out[ "interfaces" ] = std::move( ports );
-      out[ "rangeCheckers" ] = std::move( checkers );
-      out[ "entries" ] = std::move( entries );
-   }
    Json out = objectWithRoom( 3 );
    out[ "slices" ] = std::move( slices );
    out[ "rangeCheckers" ] = poolOf( tcam.rangeCheckers(), tcam.rangeCheckersUsed() );
+   return out;
+}
+
+// A list of the TCAM without its entries, which come last.
+Json aclHeadOf( SimQosAclHelper const& chip, std::string const& id, Tcam::Acl const& acl ) {
+   Json checkers = Json::array();
+   for( RangeNeed const& n : acl.checkers ) {
+      checkers.push_back(
+            Json{ { "dimension", n.dimension }, { "low", n.low }, { "high", n.high } } );
+   }
+   Json ports = Json::array();
+   if( auto const it = chip.aclPorts().find( id ); it != chip.aclPorts().end() ) {
+      for( std::string const& p : it->second )
+         ports.push_back( p );
+   }
+   Json out = objectWithRoom( 6 );
+   out[ "id" ] = id;
+   out[ "slice" ] = acl.slice;
+   out[ "committed" ] = acl.committed;
+   out[ "interfaces" ] = std::move( ports );
+   out[ "rangeCheckers" ] = std::move( checkers );
+   return out;
+}
+
+Json tcamOf( SimQosAclHelper const& chip ) {
+   Json acls = Json::array();
+   for( auto const& [ id, acl ] : chip.tcam().acls() ) {
+      Json entries = Json::array();
+      for( TcamEntry const& e : acl.entries )
+         entries.push_back( entryOf( e ) );
+      Json& out = acls.emplace_back( aclHeadOf( chip, id, acl ) );
+      out[ "entries" ] = std::move( entries );
+   }
+   Json out = tcamPoolsOf( chip.tcam() );
    out[ "acls" ] = std::move( acls );
    return out;
 }
@@ -382,23 +398,145 @@ std::string poolText( Json const& pool ) {
           pool[ "size" ].dump();
 }
 
+namespace {
+
+// The members of the report in order, each made when asked for. The calls and the TCAM are
+// made whole here; the streamed report writes them piece by piece instead.
+using Part = std::pair< char const*, std::function< Json() > >;
+
+std::vector< Part > partsOf( Scenario const& scenario, SimSwitch const& sw ) {
+   return {
+      { "scenario",
+        [ & ] {
+           return Json{ { "file", scenario.file }, { "description", scenario.description } };
+        } },
+      { "time", [ & ] { return Json( sw.now() ); } },
+      { "calls", [ & ] { return callsOf( sw.calls() ); } },
+      { "logs", [ & ] { return logsOf( sw.logs() ); } },
+      { "status", [ & ] { return statusOf( sw ); } },
+      { "basic", [ & ] { return basicOf( sw.basicChip() ); } },
+      { "controlPlane", [ & ] { return controlPlaneOf( sw ); } },
+      { "cbf", [ & ] { return cbfOf( sw ); } },
+      { "tcam", [ & ] { return tcamOf( sw.chip() ); } },
+      { "resources", [ & ] { return resourcesOf( sw.chip() ); } },
+      { "engine", [ & ] { return engineOf( sw.engine() ); } },
+   };
+}
+
+// ---- Streaming: the text dump( 2 ) gives, written part by part
+
+// `v` as dump( 2 ) writes it where it stands `indent` spaces in.
+void writeIndented( std::ostream& os, Json const& v, std::size_t indent ) {
+   std::string const text = v.dump( 2 );
+   std::string const pad( indent, ' ' );
+   std::size_t from = 0;
+   for( std::size_t line = text.find( '\n' ); line != std::string::npos;
+        line = text.find( '\n', from ) ) {
+      os.write( text.data() + from, static_cast< std::streamsize >( line + 1 - from ) );
+      os << pad;
+      from = line + 1;
+   }
+   os.write( text.data() + from, static_cast< std::streamsize >( text.size() - from ) );
+}
+
+// An array or object of `count` members, `indent` spaces in; `member( i, indent )` writes
+// member i (with its key, in an object) at the members' indent.
+template< class Member >
+void writeContainer( std::ostream& os, char const* brackets, std::size_t count, std::size_t indent,
+                     Member&& member ) {
+   os << brackets[ 0 ];
+   if( count != 0 ) {
+      os << '\n';
+      for( std::size_t i = 0; i < count; ++i ) {
+         if( i != 0 ) os << ",\n";
+         os << std::string( indent + 2, ' ' );
+         member( i, indent + 2 );
+      }
+      os << '\n' << std::string( indent, ' ' );
+   }
+   os << brackets[ 1 ];
+}
+
+void writeKey( std::ostream& os, std::string const& key ) {
+   os << Json( key ).dump() << ": ";
+}
+
+// The members of object `head`, then `last` written by `writeLast`.
+template< class Write >
+void writeObjectThen( std::ostream& os, Json const& head, char const* last, std::size_t indent,
+                      Write&& writeLast ) {
+   std::vector< std::pair< std::string, Json const* > > members;
+   for( auto const& [ key, value ] : head.items() )
+      members.emplace_back( key, &value );
+   writeContainer( os, "{}", members.size() + 1, indent, [ & ]( std::size_t i, std::size_t in ) {
+      if( i == members.size() ) {
+         writeKey( os, last );
+         writeLast( in );
+         return;
+      }
+      writeKey( os, members[ i ].first );
+      writeIndented( os, *members[ i ].second, in );
+   } );
+}
+
+void writeCalls( std::ostream& os, std::vector< ChipCall > const& calls, std::size_t indent ) {
+   writeContainer( os, "[]", calls.size(), indent, [ & ]( std::size_t i, std::size_t in ) {
+      writeIndented( os, callOf( calls[ i ] ), in );
+   } );
+}
+
+void writeTcam( std::ostream& os, SimQosAclHelper const& chip, std::size_t indent ) {
+   std::vector< std::pair< std::string const*, Tcam::Acl const* > > acls;
+   for( auto const& [ id, acl ] : chip.tcam().acls() )
+      acls.emplace_back( &id, &acl );
+   writeObjectThen( os, tcamPoolsOf( chip.tcam() ), "acls", indent, [ & ]( std::size_t in ) {
+      writeContainer( os, "[]", acls.size(), in, [ & ]( std::size_t a, std::size_t aclIn ) {
+         auto const& [ id, acl ] = acls[ a ];
+         writeObjectThen(
+               os, aclHeadOf( chip, *id, *acl ), "entries", aclIn, [ & ]( std::size_t entriesIn ) {
+                  writeContainer( os, "[]", acl->entries.size(), entriesIn,
+                                  [ & ]( std::size_t e, std::size_t entryIn ) {
+                                     writeIndented( os, entryOf( acl->entries[ e ] ), entryIn );
+                                  } );
+               } );
+      } );
+   } );
+}
+
+}  // namespace
+
 // The calls and the TCAM entries of a large run are most of the report; the parts are moved in.
 Json reportOf( Scenario const& scenario, SimSwitch const& sw ) {
    // Room for the parts below and for those the runner adds: verify, trace, expect.
    Json report = objectWithRoom( 16 );
-   report[ "scenario" ] =
-         Json{ { "file", scenario.file }, { "description", scenario.description } };
-   report[ "time" ] = sw.now();
-   report[ "calls" ] = callsOf( sw.calls() );
-   report[ "logs" ] = logsOf( sw.logs() );
-   report[ "status" ] = statusOf( sw );
-   report[ "basic" ] = basicOf( sw.basicChip() );
-   report[ "controlPlane" ] = controlPlaneOf( sw );
-   report[ "cbf" ] = cbfOf( sw );
-   report[ "tcam" ] = tcamOf( sw.chip() );
-   report[ "resources" ] = resourcesOf( sw.chip() );
-   report[ "engine" ] = engineOf( sw.engine() );
+   for( auto const& [ key, make ] : partsOf( scenario, sw ) )
+      report[ key ] = make();
    return report;
+}
+
+void writeJsonReport( std::ostream& os, Scenario const& scenario, SimSwitch const& sw,
+                      Json const& more ) {
+   std::vector< Part > parts = partsOf( scenario, sw );
+   std::vector< std::pair< std::string, Json const* > > extra;
+   for( auto const& [ key, value ] : more.items() )
+      extra.emplace_back( key, &value );
+   writeContainer( os, "{}", parts.size() + extra.size(), 0,
+                   [ & ]( std::size_t i, std::size_t in ) {
+                      if( i >= parts.size() ) {
+                         writeKey( os, extra[ i - parts.size() ].first );
+                         writeIndented( os, *extra[ i - parts.size() ].second, in );
+                         return;
+                      }
+                      std::string const key = parts[ i ].first;
+                      writeKey( os, key );
+                      if( key == "calls" ) {
+                         writeCalls( os, sw.calls(), in );
+                      } else if( key == "tcam" ) {
+                         writeTcam( os, sw.chip(), in );
+                      } else {
+                         writeIndented( os, parts[ i ].second(), in );
+                      }
+                   } );
 }
 
 namespace {

@@ -16,6 +16,11 @@
 namespace Sim {
 
 nlohmann::ordered_json reportOf( Scenario const& scenario, SimSwitch const& sw );
+// The report with the members of `more` after its own, written as reportOf( ... ).dump( 2 )
+// would write it, without holding it whole: the calls and the TCAM entries are made and written
+// one by one.
+void writeJsonReport( std::ostream& os, Scenario const& scenario, SimSwitch const& sw,
+                      nlohmann::ordered_json const& more );
 // The "trace" key: the trace lines kept, in order.
 nlohmann::ordered_json tracesOf( std::vector< TraceLine > const& traces );
 

@@ -6,7 +6,6 @@
 
 #include <cstdio>
 #include <exception>
-#include <iomanip>
 #include <iostream>
 #include <map>
 #include <string>
@@ -152,23 +151,27 @@ int main( int argc, char** argv ) {
       }
       sw.runUntil( sw.now() + settle );
       verification.run( sw );
-      auto report = Sim::reportOf( scenario, sw );
-      if( verification.on() ) report[ "verify" ] = verification.json( sw );
+      // What the runner adds to the switch's report.
+      nlohmann::ordered_json more = nlohmann::ordered_json::object();
+      if( verification.on() ) more[ "verify" ] = verification.json( sw );
       if( !traces.empty() || !scenario.traces.empty() ) {
-         report[ "trace" ] = Sim::tracesOf( sw.traces() );
+         more[ "trace" ] = Sim::tracesOf( sw.traces() );
       }
       bool const expects = !scenario.expect.empty();
-      if( expects ) report[ "expect" ] = Sim::expectationsMet( scenario, sw );
+      if( expects ) more[ "expect" ] = Sim::expectationsMet( scenario, sw );
       if( json ) {
-         // Streamed: the text of a large report need not be held whole.
-         std::cout << std::setw( 2 ) << report << "\n";
+         // Written part by part: a large run's report need not be held whole.
+         Sim::writeJsonReport( std::cout, scenario, sw, more );
+         std::cout << "\n";
       } else {
+         auto report = Sim::reportOf( scenario, sw );
+         report.update( more );
          Sim::printTextReport( std::cout, report, limit );
          if( expects ) Sim::printExpectations( std::cout, report[ "expect" ] );
       }
       if( showOption->count() != 0 ) show( sw, showType, !brief );
       if( !verification.findings.empty() ) return mismatch;
-      if( expects && !report[ "expect" ][ "met" ].get< bool >() ) return mismatch;
+      if( expects && !more[ "expect" ][ "met" ].get< bool >() ) return mismatch;
    } catch( Sim::ScenarioError const& e ) {
       std::cerr << "nevqos-sim: " << e.what() << "\n";
       return badInput;
