@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "sim/runner/Expectations.h"
+#include "sim/runner/Progress.h"
 #include "sim/runner/Report.h"
 #include "sim/runner/SimSwitch.h"
 #include "sim/scenario/ScenarioError.h"
@@ -144,13 +145,17 @@ int main( int argc, char** argv ) {
       Sim::SimSwitch sw( scenario, Sim::SwitchOptions{ .runawayTurns = maxTurns,
                                                        .verifyOnRequest = verification.on(),
                                                        .keepTraces = !traces.empty() } );
+      Sim::Progress progress( std::cerr, isatty( STDERR_FILENO ) != 0, scenario.steps.size() );
       verification.run( sw );
+      std::size_t stepsDone = 0;
       for( Sim::Step const& step : scenario.steps ) {
          sw.stepIs( step );
          verification.run( sw );
+         progress.update( sw.now(), ++stepsDone, sw.calls().size() );
       }
       sw.runUntil( sw.now() + settle );
       verification.run( sw );
+      progress.finish();
       // What the runner adds to the switch's report.
       nlohmann::ordered_json more = nlohmann::ordered_json::object();
       if( verification.on() ) more[ "verify" ] = verification.json( sw );
