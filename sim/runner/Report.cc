@@ -491,14 +491,17 @@ void writeTcam( std::ostream& os, SimQosAclHelper const& chip, std::size_t inden
       acls.emplace_back( &id, &acl );
    writeObjectThen( os, tcamPoolsOf( chip.tcam() ), "acls", indent, [ & ]( std::size_t in ) {
       writeContainer( os, "[]", acls.size(), in, [ & ]( std::size_t a, std::size_t aclIn ) {
-         auto const& [ id, acl ] = acls[ a ];
-         writeObjectThen(
-               os, aclHeadOf( chip, *id, *acl ), "entries", aclIn, [ & ]( std::size_t entriesIn ) {
-                  writeContainer( os, "[]", acl->entries.size(), entriesIn,
-                                  [ & ]( std::size_t e, std::size_t entryIn ) {
-                                     writeIndented( os, entryOf( acl->entries[ e ] ), entryIn );
-                                  } );
-               } );
+         // Plain names: a lambda may not capture a structured binding in every compiler here.
+         std::string const& id = *acls[ a ].first;
+         std::vector< TcamEntry > const& entries = acls[ a ].second->entries;
+         writeObjectThen( os, aclHeadOf( chip, id, *acls[ a ].second ), "entries", aclIn,
+                          [ & ]( std::size_t entriesIn ) {
+                             writeContainer( os, "[]", entries.size(), entriesIn,
+                                             [ & ]( std::size_t e, std::size_t entryIn ) {
+                                                writeIndented( os, entryOf( entries[ e ] ),
+                                                               entryIn );
+                                             } );
+                          } );
       } );
    } );
 }
