@@ -32,6 +32,7 @@ fs::path scenarioOf( std::size_t rules ) {
    std::ofstream set( dir / "rules" );
    std::size_t written = 0;
    while( written < rules ) {
+      std::size_t const before = written;
       for( char const* name : { "acl1_10k", "fw1_10k", "ipc1_10k" } ) {
          std::ifstream in( fs::path( NEVQOS_CLASSBENCH_DIR ) / name );
          std::string line;
@@ -41,6 +42,7 @@ fs::path scenarioOf( std::size_t rules ) {
             ++written;
          }
       }
+      if( written == before ) Bench::fail( "no ClassBench rules in " NEVQOS_CLASSBENCH_DIR );
    }
    std::ofstream( dir / "scenario.yaml" ) << R"(description: runner scale
 chip:

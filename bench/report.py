@@ -9,8 +9,8 @@ Three kinds of row:
 - a figure row, for a benchmark that reports its own figure and baseline as counters (figure_s
   and baseline_s in seconds, or figure_bytes alone).
 - a limit row, for the counters in LIMITS: the counter's value beside an absolute maximum.
-Targets are a maximum ratio, or for a limit row that maximum. The rates a run reports (items_per_second and counters named
-*_per_second) are shown beside it.
+Targets are a maximum ratio, or for a limit row that maximum. The rates a run reports
+(items_per_second and counters named *_per_second) are shown beside it.
 """
 import json
 import re

@@ -34,15 +34,20 @@ std::string name( Zub::Name const& n ) {
 
 // ---- The JSON document
 
+// Name and text pairs, such as a call's arguments or an entry's fields, as an object.
+Json textsOf( std::vector< std::pair< std::string, std::string > > const& pairs ) {
+   Json out = objectWithRoom( pairs.size() );
+   for( auto const& [ name, text ] : pairs )
+      out[ name ] = text;
+   return out;
+}
+
 Json callOf( ChipCall const& call ) {
-   Json args = objectWithRoom( call.args.size() );
-   for( auto const& [ name, value ] : call.args )
-      args[ name ] = value;
    Json c = objectWithRoom( 4 );
    c[ "t" ] = call.t;
    c[ "helper" ] = call.helper;
    c[ "op" ] = call.op;
-   c[ "args" ] = std::move( args );
+   c[ "args" ] = textsOf( call.args );
    return c;
 }
 
@@ -179,14 +184,11 @@ Json statusOf( SimSwitch const& sw ) {
 }
 
 Json entryOf( TcamEntry const& e ) {
-   Json fields = objectWithRoom( e.fields.size() );
-   for( auto const& [ name, value ] : e.fields )
-      fields[ name ] = value;
    Json entry = objectWithRoom( 4 );
    entry[ "kind" ] = e.kind;
    entry[ "ruleNum" ] = e.ruleNum;
    entry[ "subruleNum" ] = e.subruleNum;
-   entry[ "fields" ] = std::move( fields );
+   entry[ "fields" ] = textsOf( e.fields );
    return entry;
 }
 
@@ -400,29 +402,6 @@ std::string poolText( Json const& pool ) {
 
 namespace {
 
-// The members of the report in order, each made when asked for. The calls and the TCAM are
-// made whole here; the streamed report writes them piece by piece instead.
-using Part = std::pair< char const*, std::function< Json() > >;
-
-std::vector< Part > partsOf( Scenario const& scenario, SimSwitch const& sw ) {
-   return {
-      { "scenario",
-        [ & ] {
-           return Json{ { "file", scenario.file }, { "description", scenario.description } };
-        } },
-      { "time", [ & ] { return Json( sw.now() ); } },
-      { "calls", [ & ] { return callsOf( sw.calls() ); } },
-      { "logs", [ & ] { return logsOf( sw.logs() ); } },
-      { "status", [ & ] { return statusOf( sw ); } },
-      { "basic", [ & ] { return basicOf( sw.basicChip() ); } },
-      { "controlPlane", [ & ] { return controlPlaneOf( sw ); } },
-      { "cbf", [ & ] { return cbfOf( sw ); } },
-      { "tcam", [ & ] { return tcamOf( sw.chip() ); } },
-      { "resources", [ & ] { return resourcesOf( sw.chip() ); } },
-      { "engine", [ & ] { return engineOf( sw.engine() ); } },
-   };
-}
-
 // ---- Streaming: the text dump( 2 ) gives, written part by part
 
 // `v` as dump( 2 ) writes it where it stands `indent` spaces in.
@@ -457,89 +436,117 @@ void writeContainer( std::ostream& os, char const* brackets, std::size_t count, 
    os << brackets[ 1 ];
 }
 
-void writeKey( std::ostream& os, std::string const& key ) {
-   os << Json( key ).dump() << ": ";
-}
+// A member of an object being written: its key, and what writes its value at an indent.
+struct Member {
+   std::string key;
+   std::function< void( std::size_t indent ) > write;
+};
+using Members = std::vector< Member >;
 
-// The members of object `head`, then `last` written by `writeLast`.
-template< class Write >
-void writeObjectThen( std::ostream& os, Json const& head, char const* last, std::size_t indent,
-                      Write&& writeLast ) {
-   std::vector< std::pair< std::string, Json const* > > members;
-   for( auto const& [ key, value ] : head.items() )
-      members.emplace_back( key, &value );
-   writeContainer( os, "{}", members.size() + 1, indent, [ & ]( std::size_t i, std::size_t in ) {
-      if( i == members.size() ) {
-         writeKey( os, last );
-         writeLast( in );
-         return;
-      }
-      writeKey( os, members[ i ].first );
-      writeIndented( os, *members[ i ].second, in );
+void writeObject( std::ostream& os, Members const& members, std::size_t indent ) {
+   writeContainer( os, "{}", members.size(), indent, [ & ]( std::size_t i, std::size_t in ) {
+      os << Json( members[ i ].key ).dump() << ": ";
+      members[ i ].write( in );
    } );
 }
 
-void writeCalls( std::ostream& os, std::vector< ChipCall > const& calls, std::size_t indent ) {
-   writeContainer( os, "[]", calls.size(), indent, [ & ]( std::size_t i, std::size_t in ) {
-      writeIndented( os, callOf( calls[ i ] ), in );
+// The members of `object`, which must outlive them, written as they stand.
+Members membersOf( std::ostream& os, Json const& object ) {
+   Members out;
+   for( auto const& [ key, value ] : object.items() ) {
+      Json const* v = &value;
+      out.push_back( { key, [ &os, v ]( std::size_t in ) { writeIndented( os, *v, in ); } } );
+   }
+   return out;
+}
+
+template< class T, class Of >
+void writeArray( std::ostream& os, std::vector< T > const& items, std::size_t indent, Of&& of ) {
+   writeContainer( os, "[]", items.size(), indent, [ & ]( std::size_t i, std::size_t in ) {
+      writeIndented( os, of( items[ i ] ), in );
    } );
+}
+
+// One list of the TCAM: its head, then its entries one by one.
+void writeAcl( std::ostream& os, SimQosAclHelper const& chip, std::string const& id,
+               Tcam::Acl const& acl, std::size_t indent ) {
+   Json const head = aclHeadOf( chip, id, acl );
+   Members members = membersOf( os, head );
+   members.push_back(
+         { "entries", [ & ]( std::size_t in ) { writeArray( os, acl.entries, in, entryOf ); } } );
+   writeObject( os, members, indent );
 }
 
 void writeTcam( std::ostream& os, SimQosAclHelper const& chip, std::size_t indent ) {
    std::vector< std::pair< std::string const*, Tcam::Acl const* > > acls;
    for( auto const& [ id, acl ] : chip.tcam().acls() )
       acls.emplace_back( &id, &acl );
-   writeObjectThen( os, tcamPoolsOf( chip.tcam() ), "acls", indent, [ & ]( std::size_t in ) {
-      writeContainer( os, "[]", acls.size(), in, [ & ]( std::size_t a, std::size_t aclIn ) {
-         // Plain names: a lambda may not capture a structured binding in every compiler here.
-         std::string const& id = *acls[ a ].first;
-         std::vector< TcamEntry > const& entries = acls[ a ].second->entries;
-         writeObjectThen( os, aclHeadOf( chip, id, *acls[ a ].second ), "entries", aclIn,
-                          [ & ]( std::size_t entriesIn ) {
-                             writeContainer( os, "[]", entries.size(), entriesIn,
-                                             [ & ]( std::size_t e, std::size_t entryIn ) {
-                                                writeIndented( os, entryOf( entries[ e ] ),
-                                                               entryIn );
-                                             } );
-                          } );
-      } );
-   } );
+   Json const pools = tcamPoolsOf( chip.tcam() );
+   Members members = membersOf( os, pools );
+   members.push_back(
+         { "acls", [ & ]( std::size_t in ) {
+             writeContainer( os, "[]", acls.size(), in, [ & ]( std::size_t a, std::size_t aclIn ) {
+                writeAcl( os, chip, *acls[ a ].first, *acls[ a ].second, aclIn );
+             } );
+          } } );
+   writeObject( os, members, indent );
+}
+
+// The members of the report in order, each made when asked for; the calls and the TCAM, most
+// of a large run's report, are also written piece by piece without being made whole.
+struct Part {
+   char const* key;
+   std::function< Json() > make;
+   std::function< void( std::ostream&, std::size_t indent ) > stream = {};
+};
+
+std::vector< Part > partsOf( Scenario const& scenario, SimSwitch const& sw ) {
+   return {
+      { "scenario",
+        [ & ] {
+           return Json{ { "file", scenario.file }, { "description", scenario.description } };
+        } },
+      { "time", [ & ] { return Json( sw.now() ); } },
+      { "calls", [ & ] { return callsOf( sw.calls() ); },
+        [ & ]( std::ostream& os, std::size_t in ) { writeArray( os, sw.calls(), in, callOf ); } },
+      { "logs", [ & ] { return logsOf( sw.logs() ); } },
+      { "status", [ & ] { return statusOf( sw ); } },
+      { "basic", [ & ] { return basicOf( sw.basicChip() ); } },
+      { "controlPlane", [ & ] { return controlPlaneOf( sw ); } },
+      { "cbf", [ & ] { return cbfOf( sw ); } },
+      { "tcam", [ & ] { return tcamOf( sw.chip() ); },
+        [ & ]( std::ostream& os, std::size_t in ) { writeTcam( os, sw.chip(), in ); } },
+      { "resources", [ & ] { return resourcesOf( sw.chip() ); } },
+      { "engine", [ & ] { return engineOf( sw.engine() ); } },
+   };
 }
 
 }  // namespace
 
-// The calls and the TCAM entries of a large run are most of the report; the parts are moved in.
+// The parts are moved in: an ordered object copies its members when it grows.
 Json reportOf( Scenario const& scenario, SimSwitch const& sw ) {
    // Room for the parts below and for those the runner adds: verify, trace, expect.
    Json report = objectWithRoom( 16 );
-   for( auto const& [ key, make ] : partsOf( scenario, sw ) )
-      report[ key ] = make();
+   for( Part const& part : partsOf( scenario, sw ) )
+      report[ part.key ] = part.make();
    return report;
 }
 
 void writeJsonReport( std::ostream& os, Scenario const& scenario, SimSwitch const& sw,
                       Json const& more ) {
-   std::vector< Part > parts = partsOf( scenario, sw );
-   std::vector< std::pair< std::string, Json const* > > extra;
-   for( auto const& [ key, value ] : more.items() )
-      extra.emplace_back( key, &value );
-   writeContainer( os, "{}", parts.size() + extra.size(), 0,
-                   [ & ]( std::size_t i, std::size_t in ) {
-                      if( i >= parts.size() ) {
-                         writeKey( os, extra[ i - parts.size() ].first );
-                         writeIndented( os, *extra[ i - parts.size() ].second, in );
-                         return;
-                      }
-                      std::string const key = parts[ i ].first;
-                      writeKey( os, key );
-                      if( key == "calls" ) {
-                         writeCalls( os, sw.calls(), in );
-                      } else if( key == "tcam" ) {
-                         writeTcam( os, sw.chip(), in );
-                      } else {
-                         writeIndented( os, parts[ i ].second(), in );
-                      }
-                   } );
+   Members members;
+   for( Part const& part : partsOf( scenario, sw ) ) {
+      members.push_back( { part.key, [ &os, part ]( std::size_t in ) {
+                             if( part.stream ) {
+                                part.stream( os, in );
+                             } else {
+                                writeIndented( os, part.make(), in );
+                             }
+                          } } );
+   }
+   for( Member& m : membersOf( os, more ) )
+      members.push_back( std::move( m ) );
+   writeObject( os, members, 0 );
 }
 
 namespace {
