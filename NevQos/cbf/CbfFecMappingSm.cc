@@ -101,8 +101,14 @@ void CbfFecMappingSm::zubDoZombieReactors( bool zombie ) {
 
 void CbfFecMappingSm::handlePolicyOverrideConfig() {
    ZUB_TRACE( nevCbfFecMappingSmTrace, 0, "handlePolicyOverrideConfig" );
-   for( auto it = policyFecOverrideConfig()->iter( Glarn::IterHint::sequential ); it; ++it )
-      handlePolicyOverrideConfig( it.key() );
+   if( !initialized() ) return;
+   // The walk holds each entry already: no lookup per key.
+   for( auto it = policyFecOverrideConfig()->iter( Glarn::IterHint::sequential ); it; ++it ) {
+      OverrideKey const& key = it.key();
+      PAIRLOG( nevCbfFecMappingSmTrace, 0, "handlePolicyOverrideConfig", " af: ", afOf( key ),
+               " dscp: ", dscpOf( key ), " fecId: ", key.fecId );
+      overrideConfigIs( key, &it.value() );
+   }
 }
 
 void CbfFecMappingSm::handlePolicyOverrideConfig( OverrideKey const& key ) {
@@ -112,7 +118,13 @@ void CbfFecMappingSm::handlePolicyOverrideConfig( OverrideKey const& key ) {
    bool found = false;
    FecOverrideEntry entry;
    policyFecOverrideConfig()->safeLookup( key, found, entry );
-   bool const isDelete = !found;
+   overrideConfigIs( key, found ? &entry : nullptr );
+}
+
+void CbfFecMappingSm::overrideConfigIs( OverrideKey const& key,
+                                        FecOverrideEntry const* configured ) {
+   FecOverrideEntry entry = configured ? *configured : FecOverrideEntry{};
+   bool const isDelete = !configured;
    if( isDelete ) {
       // Without a cached copy the default entry stands in: its FECs are not the key's, so
       // no FEC's interest changes, and the key is still reviewed.

@@ -170,6 +170,8 @@ class CbfFecMappingSm : public Zub::PtrInterface {
    void zubDoZombieReactors( bool zombie );
 
  private:
+   // A key's configuration as it now stands: its entry, or null when it is not configured.
+   void overrideConfigIs( OverrideKey const& key, Qos::Glarn::FecOverrideEntry const* configured );
    void configCacheDel( OverrideKey const& key ) { configCache_.erase( key ); }
    // The key's rule, made when missing.
    Zub::Ptr< CbfFecMapRule > cbfFecMapRuleCacheIs( OverrideKey const& key );

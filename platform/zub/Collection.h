@@ -8,11 +8,14 @@
 #include <map>
 #include <utility>
 
+#include "zub/Pool.h"
+
 namespace Zub {
 
 template< class K, class V >
 class Collection {
-   using Map = std::map< K, V >;
+   // Nodes from the runtime's free lists: members come and go by the thousand.
+   using Map = std::map< K, V, std::less< K >, Pool::Allocator< std::pair< K const, V > > >;
 
  public:
    class Iterator {
@@ -84,6 +87,10 @@ class Collection {
    }
    // Inserts or overwrites; false when the value held was equal already.
    bool set( K const& k, V const& v ) {
+      if( beyondLast( k ) ) {
+         map_.emplace_hint( map_.end(), k, v );
+         return true;
+      }
       auto [ it, inserted ] = map_.try_emplace( k, v );
       if( inserted ) return true;
       if( it->second == v ) return false;
@@ -93,6 +100,7 @@ class Collection {
    // The member of `k`, added as `v` when absent; the flag says whether it was added. One
    // search where find() and set() would take two.
    std::pair< V*, bool > insert( K const& k, V const& v ) {
+      if( beyondLast( k ) ) return { &map_.emplace_hint( map_.end(), k, v )->second, true };
       auto [ it, inserted ] = map_.try_emplace( k, v );
       return { &it->second, inserted };
    }
@@ -123,6 +131,10 @@ class Collection {
    K const* firstKey() const { return map_.empty() ? nullptr : &map_.begin()->first; }
 
  private:
+   // A key above every member's: walks that fill a collection in key order (a table read from
+   // its start, a review settling keys one after another) add at the end without a search.
+   bool beyondLast( K const& k ) const { return map_.empty() || map_.rbegin()->first < k; }
+
    Map map_;
    std::uint64_t erasures_ = 0;
 };

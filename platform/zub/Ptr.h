@@ -8,6 +8,8 @@
 #include <functional>
 #include <utility>
 
+#include "zub/Pool.h"
+
 namespace Zub {
 
 class NotifieeList;
@@ -30,6 +32,11 @@ class PtrInterface {
    virtual void zeroReferencesIs( bool ) {}
    virtual FwkType fwkType() const { return FwkType::object; }
    virtual ~PtrInterface() = default;
+
+   // Objects of the runtime come from its free lists; the size given back is the object's own,
+   // since the destructor is virtual.
+   static void* operator new( std::size_t size ) { return Pool::allocate( size ); }
+   static void operator delete( void* p, std::size_t size ) noexcept { Pool::release( p, size ); }
 
    std::uint32_t references() const { return refCount_; }
    void newRef() const;
