@@ -38,6 +38,7 @@ char const* severityText( Zub::LogSeverity s ) {
 
 SimSwitch::SimSwitch( Scenario const& scenario, SwitchOptions const& options )
     : file_( scenario.file )
+    , calls_( options.keepCalls, options.keepCalls, options.keepCallTimes )
     , keepTraces_( options.keepTraces || !scenario.traces.empty() )
     , ownTraceLists_( !scenario.traces.empty() ) {
    // The loader has checked the lists.

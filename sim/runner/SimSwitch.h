@@ -27,6 +27,7 @@
 #include "sim/chip/SimPktDrv.h"
 #include "sim/chip/SimQosAclHelper.h"
 #include "sim/chip/SimQosBasicHelper.h"
+#include "sim/recording/CallLog.h"
 #include "sim/recording/RecordingCbfFecMappingHelper.h"
 #include "sim/recording/RecordingQosAclHelper.h"
 #include "sim/recording/RecordingQosBasicHelper.h"
@@ -75,6 +76,11 @@ struct SwitchOptions {
    // The lines of the trace handles enabled (Zub::traceEnable) are kept, in order, rather than
    // written to standard error.
    bool keepTraces = false;
+   // The first and the last runs of identical helper calls kept in the record each; the runs
+   // between them are only counted.
+   std::size_t keepCalls = CallLog::defaultKeep;
+   // The times of calls inside those runs kept at most, for expectations about them.
+   std::size_t keepCallTimes = CallLog::defaultTimes;
 };
 
 class SimSwitch {
@@ -117,8 +123,9 @@ class SimSwitch {
    SimQosAclHelper const& chip() const { return *chip_; }
    Nev::QosAclSm const& engine() const { return *engine_; }
    SimQosBasicHelper const& basicChip() const { return *basicChip_; }
-   // Every call of the engines on the chip, in order, as the recording decorators took them.
-   std::vector< ChipCall > const& calls() const { return calls_; }
+   // Every call of the engines on the chip, in order, as the recording decorators took them:
+   // runs of identical calls, the first and the last kept, the number of all exact.
+   CallLog const& calls() const { return calls_; }
    // Drops the calls recorded so far, so that a long run keeps its memory flat.
    void callsForget() { calls_.clear(); }
    SimPktDrv const& pktDrv() const { return *pktDrv_; }
@@ -181,7 +188,7 @@ class SimSwitch {
 
    // The scenario file, for messages.
    std::string file_;
-   std::vector< ChipCall > calls_;
+   CallLog calls_;
    Zub::Ptr< Zub::ActivityManager > loop_;
    Zub::Ptr< Nev::NevCommonSmData > ncsd_;
    Zub::Ptr< Qos::CounterConfig > cliCounterConfig_;

@@ -83,6 +83,7 @@ int main( int argc, char** argv ) {
    bool brief = false;
    std::size_t maxTurns = Sim::SimSwitch::defaultRunawayTurns;
    std::vector< std::string > traces;
+   std::size_t keepCalls = Sim::CallLog::defaultKeep;
    app.add_option( "scenario", path, "The scenario file (YAML)" )->required();
    auto* const jsonFlag = app.add_flag( "--json", json, "Print the report as JSON" );
    app.add_option( "--settle", settle,
@@ -123,6 +124,11 @@ int main( int argc, char** argv ) {
                    "(NevQos/0-3, NevCbfFecMappingSm/*, */0); may be given again" )
          ->type_name( "HANDLE/LEVELS" )
          ->multi_option_policy( CLI::MultiOptionPolicy::TakeAll );
+   app.add_option( "--keep-calls", keepCalls,
+                   "Keep the first and the last this many runs of identical helper calls in the "
+                   "record; the runs between them are only counted" )
+         ->capture_default_str()
+         ->check( CLI::PositiveNumber );
    try {
       app.parse( argc, argv );
    } catch( CLI::ParseError const& e ) {
@@ -144,7 +150,8 @@ int main( int argc, char** argv ) {
       if( tcamMode == "asynchronous" ) scenario.chip.tcamMode = Sim::TcamMode::asynchronous;
       Sim::SimSwitch sw( scenario, Sim::SwitchOptions{ .runawayTurns = maxTurns,
                                                        .verifyOnRequest = verification.on(),
-                                                       .keepTraces = !traces.empty() } );
+                                                       .keepTraces = !traces.empty(),
+                                                       .keepCalls = keepCalls } );
       Sim::Progress progress( std::cerr, isatty( STDERR_FILENO ) != 0, scenario.steps.size() );
       verification.run( sw );
       std::size_t stepsDone = 0;

@@ -51,7 +51,8 @@ struct ChipRun {
    }
    std::vector< Sim::ChipCall > calls( std::string const& op ) const {
       std::vector< Sim::ChipCall > out;
-      std::copy_if( sw->calls().begin(), sw->calls().end(), std::back_inserter( out ),
+      auto const all = sw->calls().kept();
+      std::copy_if( all.begin(), all.end(), std::back_inserter( out ),
                     [ &op ]( Sim::ChipCall const& c ) { return c.op == op; } );
       return out;
    }
