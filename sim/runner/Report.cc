@@ -100,15 +100,25 @@ Json logsOf( std::vector< LogLine > const& logs ) {
 
 }  // namespace
 
-Json tracesOf( std::vector< TraceLine > const& traces ) {
+Json tracesOf( TraceLog const& traces ) {
    Json out = Json::array();
-   for( TraceLine const& l : traces ) {
+   auto const add = [ &out ]( TraceLine const& l ) {
       out.push_back( Json{ { "t", l.t },
                            { "handle", l.handle },
                            { "level", l.level },
                            { "function", l.function },
                            { "text", l.text } } );
+   };
+   for( TraceLine const& l : traces.first() )
+      add( l );
+   if( traces.gap() ) {
+      TraceGap const& gap = *traces.gap();
+      out.push_back( Json{
+            { "gap",
+              Json{ { "lines", gap.lines }, { "from", gap.from }, { "until", gap.until } } } } );
    }
+   for( TraceLine const& l : traces.last() )
+      add( l );
    return out;
 }
 
@@ -345,8 +355,17 @@ void printLogs( std::ostream& os, Json const& logs ) {
 }
 
 void printTraces( std::ostream& os, Json const& traces ) {
-   os << "\nTrace (" << traces.size() << "):\n";
+   std::uint64_t lines = 0;
+   for( Json const& l : traces )
+      lines += l.contains( "gap" ) ? l[ "gap" ][ "lines" ].get< std::uint64_t >() : 1;
+   os << "\nTrace (" << lines << "):\n";
    for( Json const& l : traces ) {
+      if( l.contains( "gap" ) ) {
+         Json const& gap = l[ "gap" ];
+         os << "  ... " << gap[ "lines" ].get< std::uint64_t >() << " lines left out, from "
+            << plainSeconds( gap[ "from" ] ) << " to " << plainSeconds( gap[ "until" ] ) << " s\n";
+         continue;
+      }
       os << seconds( l[ "t" ] ) << "  " << l[ "handle" ].get< std::string >() << "/"
          << l[ "level" ].get< int >() << " " << l[ "function" ].get< std::string >() << ": "
          << l[ "text" ].get< std::string >() << "\n";

@@ -31,6 +31,7 @@
 #include "sim/recording/RecordingCbfFecMappingHelper.h"
 #include "sim/recording/RecordingQosAclHelper.h"
 #include "sim/recording/RecordingQosBasicHelper.h"
+#include "sim/runner/TraceLog.h"
 #include "sim/scenario/ConfigPublisher.h"
 #include "sim/scenario/Scenario.h"
 #include "zub/ActivityManager.h"
@@ -47,15 +48,6 @@ struct LogLine {
    std::string text;
    // How many helper calls came before it: where it stands among the calls.
    std::size_t callsBefore = 0;
-};
-
-// One line of an engine's trace, as the switch's trace handles wrote it.
-struct TraceLine {
-   Zub::Seconds t = 0.0;
-   std::string handle;
-   int level = 0;
-   std::string function;
-   std::string text;
 };
 
 // The agent restarted because an engine read a damaged record of a shared table.
@@ -81,6 +73,8 @@ struct SwitchOptions {
    std::size_t keepCalls = CallLog::defaultKeep;
    // The times of calls inside those runs kept at most, for expectations about them.
    std::size_t keepCallTimes = CallLog::defaultTimes;
+   // The first and the last trace lines kept each; those between are only counted.
+   std::size_t keepTraceLines = TraceLog::defaultKeep;
 };
 
 class SimSwitch {
@@ -143,8 +137,9 @@ class SimSwitch {
    Qos::AclHwStatus const& aclHwStatus() const { return *aclHwStatus_; }
    ConfigModel const& model() const { return publisher_->model(); }
    std::vector< LogLine > const& logs() const { return logs_; }
-   // With keepTraces, or trace lists in the scenario: the trace lines so far.
-   std::vector< TraceLine > const& traces() const { return traces_; }
+   // With keepTraces, or trace lists in the scenario: the trace lines so far, the first and the
+   // last kept.
+   TraceLog const& traces() const { return traces_; }
    // The restarts that damaged shared tables of class-based forwarding caused, in order.
    std::vector< CorruptionRestart > const& corruptionRestarts() const {
       return corruptionRestarts_;
@@ -238,7 +233,7 @@ class SimSwitch {
    std::vector< LogLine > logs_;
    bool keepTraces_ = false;
    bool ownTraceLists_ = false;
-   std::vector< TraceLine > traces_;
+   TraceLog traces_;
    std::vector< CorruptionRestart > corruptionRestarts_;
 };
 

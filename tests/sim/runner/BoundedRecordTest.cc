@@ -6,9 +6,12 @@
 
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <string>
+#include <vector>
 
 #include "sim/runner/Expectations.h"
+#include "sim/runner/Report.h"
 #include "sim/runner/SimSwitch.h"
 #include "sim/scenario/ScenarioLoader.h"
 #include "support/SimProgram.h"
@@ -221,6 +224,40 @@ TEST( BoundedRecordTest, ATableNeverReadyKeepsItsRecordSmallAndCountsEveryRetry 
          { scenarioFile( "never.yaml", never ), "--keep-calls", "50", "--settle", "1000" } );
    EXPECT_NE( text.out.find( "\nHelper calls (" + std::to_string( totals.calls ) + "):\n" ),
               std::string::npos );
+}
+
+TEST( BoundedRecordTest, TheTraceKeepsItsFirstAndLastLinesAndCountsTheRest ) {
+   Sim::Scenario const scenario =
+         Sim::loadScenarioText( retrying + "trace: [ NevCbfFecMappingSm/0-1 ]\n", "trace.yaml" );
+   auto const run = [ &scenario ]( std::size_t keep ) {
+      auto sw = std::make_unique< Sim::SimSwitch >( scenario,
+                                                    Sim::SwitchOptions{ .keepTraceLines = keep } );
+      for( Sim::Step const& step : scenario.steps )
+         sw->stepIs( step );
+      sw->runUntil( sw->now() + 1.0 );
+      return sw;
+   };
+   auto const whole = run( 100000 );
+   auto const bounded = run( 5 );
+   std::vector< Sim::TraceLine > const all = whole->traces().kept();
+   // Three lines a retry: the last lines are not one line repeated.
+   ASSERT_GT( all.size(), 600u );
+   ASSERT_FALSE( whole->traces().gap() );
+   Sim::TraceLog const& kept = bounded->traces();
+   EXPECT_EQ( kept.size(), all.size() );
+   ASSERT_EQ( kept.first().size(), 5u );
+   ASSERT_EQ( kept.last().size(), 5u );
+   ASSERT_TRUE( kept.gap() );
+   EXPECT_EQ( kept.gap()->lines, all.size() - 10 );
+   EXPECT_EQ( kept.gap()->from, all[ 5 ].t );
+   EXPECT_EQ( kept.gap()->until, all[ all.size() - 6 ].t );
+   for( std::size_t i = 0; i < 5; ++i ) {
+      EXPECT_EQ( kept.first()[ i ].text, all[ i ].text );
+      EXPECT_EQ( kept.last()[ i ].text, all[ all.size() - 5 + i ].text );
+   }
+   Json const report = Json::parse( Sim::tracesOf( kept ).dump() );
+   ASSERT_EQ( report.size(), 11u );
+   EXPECT_EQ( report[ 5 ][ "gap" ][ "lines" ], all.size() - 10 );
 }
 
 }  // namespace

@@ -159,7 +159,8 @@ TEST( HelperQuestionsTest, EachChangeOfCliWaitingRestatesTheConfigurationVersion
       options.keepTraces = true;
       ChipRun const run( "", "steps: [ { at: 1, changes: " + changes + " } ]", options );
       Zub::traceDisableAll();
-      return std::count_if( run.sw->traces().begin(), run.sw->traces().end(), []( auto const& t ) {
+      auto const traces = run.sw->traces().kept();
+      return std::count_if( traces.begin(), traces.end(), []( auto const& t ) {
          return t.text.find( "applied" ) != std::string::npos;
       } );
    };
