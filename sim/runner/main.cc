@@ -4,6 +4,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <exception>
 #include <iostream>
@@ -25,6 +26,9 @@ namespace {
 constexpr int mismatch = 1;
 constexpr int badInput = 2;
 constexpr int failed = 3;  // a run cut short too: it has no report to give
+
+// Virtual seconds of the settle between two looks at the progress line.
+constexpr double settleSlice = 1.0;
 
 // The map types --show takes, by the names scenarios use.
 std::map< std::string, Qos::MapType > const showTypes{ { "qos", Qos::mapQos_ },
@@ -160,7 +164,13 @@ int main( int argc, char** argv ) {
          verification.run( sw );
          progress.update( sw.now(), ++stepsDone, sw.calls().size() );
       }
-      sw.runUntil( sw.now() + settle );
+      // The settle in slices of virtual time, so that a long one shows its progress; the loop
+      // runs the same timers in the same order whatever the slices.
+      Zub::Seconds const end = sw.now() + settle;
+      while( sw.now() < end ) {
+         sw.runUntil( std::min( end, sw.now() + settleSlice ) );
+         progress.update( sw.now(), stepsDone, sw.calls().size() );
+      }
       verification.run( sw );
       progress.finish();
       // What the runner adds to the switch's report.
