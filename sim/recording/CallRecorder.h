@@ -37,9 +37,8 @@ class CallRecorder {
    void callLogIs( CallLog* log ) { log_ = log; }
    void callsForget() { own_.clear(); }
    // The lines (callText) of the own record's calls, in order, whose text from the operation on
-   // begins with
-   // `prefix`. A bare operation name matches that operation only, not one whose name merely
-   // starts with it. The empty prefix matches every call.
+   // begins with `prefix`. A bare operation name matches that operation only, not one whose name
+   // merely starts with it. The empty prefix matches every call.
    std::vector< std::string > callsMatching( std::string_view prefix ) const;
    // All lines, each ended by a line break: readable in a failed comparison.
    std::string callsText() const;
