@@ -51,6 +51,9 @@ LIMITS = {
     "BM_RunnerScale/80000": [
         ("peak_bytes_per_entry", "peak resident memory per TCAM entry", "bytes", 2560.0),
     ],
+    "BM_BoundedRecording": [
+        ("peak_rss_bytes", "peak resident memory", "MB", 300.0 * MB),
+    ],
 }
 
 # What the items of a benchmark are, where "items" would say too little.
@@ -66,6 +69,7 @@ ITEMS = {
     "BM_InterfaceChurn": "interface changes",
     "BM_InterfaceChurnMarginal": "interface changes",
     "BM_RunnerScale": "TCAM entries",
+    "BM_BoundedRecording": "helper calls",
 }
 
 RATE_SUFFIX = "_per_second"

@@ -19,12 +19,17 @@ CallRecorder::CallRecorder( char const* helper, Operations const& operations,
 CallRecorder::~CallRecorder() = default;
 
 void CallRecorder::record( char const* op, Args args ) {
-   log_->push_back( ChipCall{ clock_ ? clock_->now() : 0.0, op, std::move( args ), helper_ } );
+   ChipCall call{ clock_ ? clock_->now() : 0.0, op, std::move( args ), helper_ };
+   if( log_ ) {
+      log_->append( std::move( call ) );
+   } else {
+      own_.push_back( std::move( call ) );
+   }
 }
 
 std::vector< std::string > CallRecorder::callsMatching( std::string_view prefix ) const {
    std::vector< std::string > out;
-   for( ChipCall const& call : *log_ ) {
+   for( ChipCall const& call : own_ ) {
       std::string line = callText( call );
       // Matched from the operation on: the helper's name before it is not asked for.
       std::string_view const text =
@@ -42,7 +47,7 @@ std::vector< std::string > CallRecorder::callsMatching( std::string_view prefix 
 
 std::string CallRecorder::callsText() const {
    std::string out;
-   for( ChipCall const& call : *log_ )
+   for( ChipCall const& call : own_ )
       out += callText( call ) + "\n";
    return out;
 }

@@ -17,6 +17,7 @@
 #include <vector>
 
 #include "kesh/TimerWheel.h"
+#include "sim/recording/CallLog.h"
 #include "sim/recording/ChipCall.h"
 
 namespace Sim {
@@ -29,14 +30,15 @@ class CallRecorder {
 
    // ---- The record
 
-   std::vector< ChipCall > const& calls() const { return *log_; }
+   // The decorator's own record: empty while it records into a shared log.
+   std::vector< ChipCall > const& calls() const { return own_; }
    // Records into `log` from now on, so that decorators sharing one log keep the order of their
    // calls between them; null records into the decorator's own.
-   void callLogIs( std::vector< ChipCall >* log ) { log_ = log ? log : &own_; }
-   void callsForget() { log_->clear(); }
-   // The lines (callText) of the calls, in order, whose text from the operation on begins with
-   // `prefix`. A bare operation name matches that operation only, not one whose name merely
-   // starts with it. The empty prefix matches every call.
+   void callLogIs( CallLog* log ) { log_ = log; }
+   void callsForget() { own_.clear(); }
+   // The lines (callText) of the own record's calls, in order, whose text from the operation on
+   // begins with `prefix`. A bare operation name matches that operation only, not one whose name
+   // merely starts with it. The empty prefix matches every call.
    std::vector< std::string > callsMatching( std::string_view prefix ) const;
    // All lines, each ended by a line break: readable in a failed comparison.
    std::string callsText() const;
@@ -123,7 +125,7 @@ class CallRecorder {
    Operations const& operations_;
    Zub::Ptr< Kesh::TimerWheel > clock_;
    std::vector< ChipCall > own_;
-   std::vector< ChipCall >* log_ = &own_;
+   CallLog* log_ = nullptr;
    bool counting_ = false;
    // By the operation's own name literal: counting costs no string.
    std::unordered_map< char const*, std::uint64_t > counts_;

@@ -42,19 +42,47 @@ Json textsOf( std::vector< std::pair< std::string, std::string > > const& pairs 
    return out;
 }
 
-Json callOf( ChipCall const& call ) {
-   Json c = objectWithRoom( 4 );
-   c[ "t" ] = call.t;
-   c[ "helper" ] = call.helper;
-   c[ "op" ] = call.op;
-   c[ "args" ] = textsOf( call.args );
+// A run of one call is the call alone, as every call was before runs were counted.
+Json runOf( CallRun const& run ) {
+   Json c = objectWithRoom( 6 );
+   c[ "t" ] = run.call.t;
+   c[ "helper" ] = run.call.helper;
+   c[ "op" ] = run.call.op;
+   c[ "args" ] = textsOf( run.call.args );
+   if( run.count > 1 ) {
+      c[ "count" ] = run.count;
+      c[ "until" ] = run.until;
+   }
    return c;
 }
 
-Json callsOf( std::vector< ChipCall > const& calls ) {
+Json gapOf( CallGap const& gap ) {
+   return Json{ { "gap", Json{ { "calls", gap.calls },
+                               { "runs", gap.runs },
+                               { "from", gap.from },
+                               { "until", gap.until },
+                               { "counts", gap.counts } } } };
+}
+
+// Entry `i` of the record: the first runs, the gap, the last runs.
+Json callEntryOf( CallLog const& calls, std::size_t i ) {
+   if( i < calls.first().size() ) return runOf( calls.first()[ i ] );
+   i -= calls.first().size();
+   if( calls.gap() ) {
+      if( i == 0 ) return gapOf( *calls.gap() );
+      --i;
+   }
+   return runOf( calls.last()[ i ] );
+}
+
+std::size_t callEntries( CallLog const& calls ) {
+   return calls.runs() + ( calls.gap() ? 1 : 0 );
+}
+
+Json callsOf( CallLog const& calls ) {
    Json out = Json::array();
-   for( ChipCall const& call : calls )
-      out.push_back( callOf( call ) );
+   for( std::size_t i = 0; i < callEntries( calls ); ++i )
+      out.push_back( callEntryOf( calls, i ) );
    return out;
 }
 
@@ -72,15 +100,25 @@ Json logsOf( std::vector< LogLine > const& logs ) {
 
 }  // namespace
 
-Json tracesOf( std::vector< TraceLine > const& traces ) {
+Json tracesOf( TraceLog const& traces ) {
    Json out = Json::array();
-   for( TraceLine const& l : traces ) {
+   auto const add = [ &out ]( TraceLine const& l ) {
       out.push_back( Json{ { "t", l.t },
                            { "handle", l.handle },
                            { "level", l.level },
                            { "function", l.function },
                            { "text", l.text } } );
+   };
+   for( TraceLine const& l : traces.first() )
+      add( l );
+   if( traces.gap() ) {
+      TraceGap const& gap = *traces.gap();
+      out.push_back( Json{
+            { "gap",
+              Json{ { "lines", gap.lines }, { "from", gap.from }, { "until", gap.until } } } } );
    }
+   for( TraceLine const& l : traces.last() )
+      add( l );
    return out;
 }
 
@@ -257,23 +295,52 @@ std::string seconds( Json const& t ) {
    return buf;
 }
 
+// Without the column's padding.
+std::string plainSeconds( Json const& t ) {
+   char buf[ 32 ];
+   std::snprintf( buf, sizeof buf, "%.3f", t.get< double >() );
+   return buf;
+}
+
 void printCalls( std::ostream& os, Json const& calls, std::size_t limit ) {
-   os << "\nHelper calls (" << calls.size() << "):\n";
+   // Counted from the entries: a run stands for `count` calls, the gap for those left out.
+   std::uint64_t total = 0;
+   std::map< std::string, std::uint64_t > counts;
+   for( Json const& c : calls ) {
+      if( c.contains( "gap" ) ) {
+         total += c[ "gap" ][ "calls" ].get< std::uint64_t >();
+         for( auto const& [ op, n ] : c[ "gap" ][ "counts" ].items() )
+            counts[ op ] += n.get< std::uint64_t >();
+         continue;
+      }
+      std::uint64_t const n = c.value( "count", std::uint64_t{ 1 } );
+      total += n;
+      counts[ c[ "op" ].get< std::string >() ] += n;
+   }
+   os << "\nHelper calls (" << total << "):\n";
    if( limit != 0 && calls.size() > limit ) {
-      std::map< std::string, std::size_t > counts;
-      for( Json const& c : calls )
-         ++counts[ c[ "op" ].get< std::string >() ];
       os << "  more than " << limit << "; by operation:\n";
       for( auto const& [ op, n ] : counts )
          os << "  " << n << "  " << op << "\n";
       return;
    }
    for( Json const& c : calls ) {
+      if( c.contains( "gap" ) ) {
+         Json const& gap = c[ "gap" ];
+         os << "  ... " << gap[ "calls" ].get< std::uint64_t >() << " calls in "
+            << gap[ "runs" ].get< std::uint64_t >() << " runs left out, from "
+            << plainSeconds( gap[ "from" ] ) << " to " << plainSeconds( gap[ "until" ] ) << " s\n";
+         continue;
+      }
       os << seconds( c[ "t" ] ) << "  ";
       if( c[ "helper" ] != "acl" ) os << c[ "helper" ].get< std::string >() << " ";
       os << c[ "op" ].get< std::string >();
       for( auto const& [ name, value ] : c[ "args" ].items() )
          os << " " << name << "=" << value.get< std::string >();
+      if( c.contains( "count" ) ) {
+         os << "  x" << c[ "count" ].get< std::uint64_t >() << " until "
+            << plainSeconds( c[ "until" ] );
+      }
       os << "\n";
    }
 }
@@ -288,8 +355,17 @@ void printLogs( std::ostream& os, Json const& logs ) {
 }
 
 void printTraces( std::ostream& os, Json const& traces ) {
-   os << "\nTrace (" << traces.size() << "):\n";
+   std::uint64_t lines = 0;
+   for( Json const& l : traces )
+      lines += l.contains( "gap" ) ? l[ "gap" ][ "lines" ].get< std::uint64_t >() : 1;
+   os << "\nTrace (" << lines << "):\n";
    for( Json const& l : traces ) {
+      if( l.contains( "gap" ) ) {
+         Json const& gap = l[ "gap" ];
+         os << "  ... " << gap[ "lines" ].get< std::uint64_t >() << " lines left out, from "
+            << plainSeconds( gap[ "from" ] ) << " to " << plainSeconds( gap[ "until" ] ) << " s\n";
+         continue;
+      }
       os << seconds( l[ "t" ] ) << "  " << l[ "handle" ].get< std::string >() << "/"
          << l[ "level" ].get< int >() << " " << l[ "function" ].get< std::string >() << ": "
          << l[ "text" ].get< std::string >() << "\n";
@@ -508,7 +584,12 @@ std::vector< Part > partsOf( Scenario const& scenario, SimSwitch const& sw ) {
         } },
       { "time", [ & ] { return Json( sw.now() ); } },
       { "calls", [ & ] { return callsOf( sw.calls() ); },
-        [ & ]( std::ostream& os, std::size_t in ) { writeArray( os, sw.calls(), in, callOf ); } },
+        [ & ]( std::ostream& os, std::size_t in ) {
+           writeContainer( os, "[]", callEntries( sw.calls() ), in,
+                           [ & ]( std::size_t i, std::size_t entryIn ) {
+                              writeIndented( os, callEntryOf( sw.calls(), i ), entryIn );
+                           } );
+        } },
       { "logs", [ & ] { return logsOf( sw.logs() ); } },
       { "status", [ & ] { return statusOf( sw ); } },
       { "basic", [ & ] { return basicOf( sw.basicChip() ); } },

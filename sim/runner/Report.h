@@ -21,8 +21,8 @@ nlohmann::ordered_json reportOf( Scenario const& scenario, SimSwitch const& sw )
 // one by one.
 void writeJsonReport( std::ostream& os, Scenario const& scenario, SimSwitch const& sw,
                       nlohmann::ordered_json const& more );
-// The "trace" key: the trace lines kept, in order.
-nlohmann::ordered_json tracesOf( std::vector< TraceLine > const& traces );
+// The "trace" key: the trace lines kept, in order, and a gap entry counting those left out.
+nlohmann::ordered_json tracesOf( TraceLog const& traces );
 
 // A finite pool of the chip: { size, used, free }, and its text "U used, F free of S".
 nlohmann::ordered_json poolOf( std::uint64_t size, std::uint64_t used );

@@ -38,8 +38,10 @@ char const* severityText( Zub::LogSeverity s ) {
 
 SimSwitch::SimSwitch( Scenario const& scenario, SwitchOptions const& options )
     : file_( scenario.file )
+    , calls_( options.keepCalls, options.keepCalls, options.keepCallTimes )
     , keepTraces_( options.keepTraces || !scenario.traces.empty() )
-    , ownTraceLists_( !scenario.traces.empty() ) {
+    , ownTraceLists_( !scenario.traces.empty() )
+    , traces_( options.keepTraceLines, options.keepTraceLines ) {
    // The loader has checked the lists.
    for( std::string const& list : scenario.traces )
       Zub::traceEnable( list );
@@ -71,8 +73,8 @@ void SimSwitch::enter() {
    } );
    if( !keepTraces_ ) return;
    Zub::traceSinkIs( [ this ]( Zub::TraceRecord const& r ) {
-      traces_.push_back( TraceLine{ loop_->now(), r.handle.stdString(), r.level,
-                                    r.function ? r.function : "", r.message.stdString() } );
+      traces_.append( TraceLine{ loop_->now(), r.handle.stdString(), r.level,
+                                 r.function ? r.function : "", r.message.stdString() } );
    } );
 }
 

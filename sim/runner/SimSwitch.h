@@ -27,9 +27,11 @@
 #include "sim/chip/SimPktDrv.h"
 #include "sim/chip/SimQosAclHelper.h"
 #include "sim/chip/SimQosBasicHelper.h"
+#include "sim/recording/CallLog.h"
 #include "sim/recording/RecordingCbfFecMappingHelper.h"
 #include "sim/recording/RecordingQosAclHelper.h"
 #include "sim/recording/RecordingQosBasicHelper.h"
+#include "sim/runner/TraceLog.h"
 #include "sim/scenario/ConfigPublisher.h"
 #include "sim/scenario/Scenario.h"
 #include "zub/ActivityManager.h"
@@ -46,15 +48,6 @@ struct LogLine {
    std::string text;
    // How many helper calls came before it: where it stands among the calls.
    std::size_t callsBefore = 0;
-};
-
-// One line of an engine's trace, as the switch's trace handles wrote it.
-struct TraceLine {
-   Zub::Seconds t = 0.0;
-   std::string handle;
-   int level = 0;
-   std::string function;
-   std::string text;
 };
 
 // The agent restarted because an engine read a damaged record of a shared table.
@@ -75,6 +68,13 @@ struct SwitchOptions {
    // The lines of the trace handles enabled (Zub::traceEnable) are kept, in order, rather than
    // written to standard error.
    bool keepTraces = false;
+   // The first and the last runs of identical helper calls kept in the record each; the runs
+   // between them are only counted.
+   std::size_t keepCalls = CallLog::defaultKeep;
+   // The times of calls inside those runs kept at most, for expectations about them.
+   std::size_t keepCallTimes = CallLog::defaultTimes;
+   // The first and the last trace lines kept each; those between are only counted.
+   std::size_t keepTraceLines = TraceLog::defaultKeep;
 };
 
 class SimSwitch {
@@ -117,8 +117,9 @@ class SimSwitch {
    SimQosAclHelper const& chip() const { return *chip_; }
    Nev::QosAclSm const& engine() const { return *engine_; }
    SimQosBasicHelper const& basicChip() const { return *basicChip_; }
-   // Every call of the engines on the chip, in order, as the recording decorators took them.
-   std::vector< ChipCall > const& calls() const { return calls_; }
+   // Every call of the engines on the chip, in order, as the recording decorators took them:
+   // runs of identical calls, the first and the last kept, the number of all exact.
+   CallLog const& calls() const { return calls_; }
    // Drops the calls recorded so far, so that a long run keeps its memory flat.
    void callsForget() { calls_.clear(); }
    SimPktDrv const& pktDrv() const { return *pktDrv_; }
@@ -136,8 +137,9 @@ class SimSwitch {
    Qos::AclHwStatus const& aclHwStatus() const { return *aclHwStatus_; }
    ConfigModel const& model() const { return publisher_->model(); }
    std::vector< LogLine > const& logs() const { return logs_; }
-   // With keepTraces, or trace lists in the scenario: the trace lines so far.
-   std::vector< TraceLine > const& traces() const { return traces_; }
+   // With keepTraces, or trace lists in the scenario: the trace lines so far, the first and the
+   // last kept.
+   TraceLog const& traces() const { return traces_; }
    // The restarts that damaged shared tables of class-based forwarding caused, in order.
    std::vector< CorruptionRestart > const& corruptionRestarts() const {
       return corruptionRestarts_;
@@ -181,7 +183,7 @@ class SimSwitch {
 
    // The scenario file, for messages.
    std::string file_;
-   std::vector< ChipCall > calls_;
+   CallLog calls_;
    Zub::Ptr< Zub::ActivityManager > loop_;
    Zub::Ptr< Nev::NevCommonSmData > ncsd_;
    Zub::Ptr< Qos::CounterConfig > cliCounterConfig_;
@@ -231,7 +233,7 @@ class SimSwitch {
    std::vector< LogLine > logs_;
    bool keepTraces_ = false;
    bool ownTraceLists_ = false;
-   std::vector< TraceLine > traces_;
+   TraceLog traces_;
    std::vector< CorruptionRestart > corruptionRestarts_;
 };
 

@@ -4,6 +4,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <exception>
 #include <iostream>
@@ -25,6 +26,9 @@ namespace {
 constexpr int mismatch = 1;
 constexpr int badInput = 2;
 constexpr int failed = 3;  // a run cut short too: it has no report to give
+
+// Virtual seconds of the settle between two looks at the progress line.
+constexpr double settleSlice = 1.0;
 
 // The map types --show takes, by the names scenarios use.
 std::map< std::string, Qos::MapType > const showTypes{ { "qos", Qos::mapQos_ },
@@ -83,6 +87,7 @@ int main( int argc, char** argv ) {
    bool brief = false;
    std::size_t maxTurns = Sim::SimSwitch::defaultRunawayTurns;
    std::vector< std::string > traces;
+   std::size_t keepCalls = Sim::CallLog::defaultKeep;
    app.add_option( "scenario", path, "The scenario file (YAML)" )->required();
    auto* const jsonFlag = app.add_flag( "--json", json, "Print the report as JSON" );
    app.add_option( "--settle", settle,
@@ -123,6 +128,11 @@ int main( int argc, char** argv ) {
                    "(NevQos/0-3, NevCbfFecMappingSm/*, */0); may be given again" )
          ->type_name( "HANDLE/LEVELS" )
          ->multi_option_policy( CLI::MultiOptionPolicy::TakeAll );
+   app.add_option( "--keep-calls", keepCalls,
+                   "Keep the first and the last this many runs of identical helper calls in the "
+                   "record; the runs between them are only counted" )
+         ->capture_default_str()
+         ->check( CLI::PositiveNumber );
    try {
       app.parse( argc, argv );
    } catch( CLI::ParseError const& e ) {
@@ -144,7 +154,8 @@ int main( int argc, char** argv ) {
       if( tcamMode == "asynchronous" ) scenario.chip.tcamMode = Sim::TcamMode::asynchronous;
       Sim::SimSwitch sw( scenario, Sim::SwitchOptions{ .runawayTurns = maxTurns,
                                                        .verifyOnRequest = verification.on(),
-                                                       .keepTraces = !traces.empty() } );
+                                                       .keepTraces = !traces.empty(),
+                                                       .keepCalls = keepCalls } );
       Sim::Progress progress( std::cerr, isatty( STDERR_FILENO ) != 0, scenario.steps.size() );
       verification.run( sw );
       std::size_t stepsDone = 0;
@@ -153,7 +164,13 @@ int main( int argc, char** argv ) {
          verification.run( sw );
          progress.update( sw.now(), ++stepsDone, sw.calls().size() );
       }
-      sw.runUntil( sw.now() + settle );
+      // The settle in slices of virtual time, so that a long one shows its progress; the loop
+      // runs the same timers in the same order whatever the slices.
+      Zub::Seconds const end = sw.now() + settle;
+      while( sw.now() < end ) {
+         sw.runUntil( std::min( end, sw.now() + settleSlice ) );
+         progress.update( sw.now(), stepsDone, sw.calls().size() );
+      }
       verification.run( sw );
       progress.finish();
       // What the runner adds to the switch's report.

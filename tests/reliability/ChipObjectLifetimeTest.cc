@@ -20,7 +20,7 @@ using Lines = std::vector< std::string >;
 std::map< std::string, unsigned > perClass( Sim::SimSwitch const& sw, std::string const& op,
                                             std::size_t from = 0 ) {
    std::map< std::string, unsigned > out;
-   auto const& calls = sw.calls();
+   auto const calls = sw.calls().kept();
    for( std::size_t i = from; i < calls.size(); ++i ) {
       if( calls[ i ].op != op ) continue;
       for( auto const& [ name, value ] : calls[ i ].args ) {

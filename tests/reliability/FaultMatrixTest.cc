@@ -125,7 +125,7 @@ class FaultMatrixTest : public ::testing::TestWithParam< Sim::TcamMode > {
       Sim::SimSwitch sw( scenario() );
       sw.runUntil( faultEnds );
       std::map< std::string, unsigned > out;
-      for( Sim::ChipCall const& c : sw.calls() )
+      for( Sim::ChipCall const& c : sw.calls().kept() )
          ++out[ c.op ];
       return out;
    }

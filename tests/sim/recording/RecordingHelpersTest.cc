@@ -180,7 +180,7 @@ TEST_F( RecordingHelpersTest, DecoratorsSharingOneLogKeepTheOrderOfTheirCalls ) 
    auto const table = Zub::make< Sim::SimCbfFecMappingHelper >( 4, nullptr );
    auto const cbf = Zub::make< Sim::RecordingCbfFecMappingHelper >( table, clock );
    auto const acl = plain();
-   std::vector< Sim::ChipCall > log;
+   Sim::CallLog log;
    basic->callLogIs( &log );
    cbf->callLogIs( &log );
    acl->callLogIs( &log );
@@ -199,7 +199,7 @@ TEST_F( RecordingHelpersTest, DecoratorsSharingOneLogKeepTheOrderOfTheirCalls ) 
    EXPECT_EQ( cbf->hwFecOverrideRules().size(), 1u );
    basic->handleQosVerify();
    Lines lines;
-   for( Sim::ChipCall const& c : log )
+   for( Sim::ChipCall const& c : log.kept() )
       lines.push_back( Sim::callText( c ) );
    EXPECT_EQ( lines,
               ( Lines{ "basic hwInit", "basic programDscpToTcMap dscp=46",

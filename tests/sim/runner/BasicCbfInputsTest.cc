@@ -33,9 +33,9 @@ Ran run( std::string const& text ) {
 }
 
 std::size_t callsOf( Sim::SimSwitch const& sw, std::string const& op ) {
-   return static_cast< std::size_t >(
-         std::count_if( sw.calls().begin(), sw.calls().end(),
-                        [ &op ]( Sim::ChipCall const& call ) { return call.op == op; } ) );
+   auto const counts = sw.calls().counts();
+   auto const it = counts.find( op );
+   return it == counts.end() ? 0 : static_cast< std::size_t >( it->second );
 }
 
 // ---- Report keys of the basic slice status

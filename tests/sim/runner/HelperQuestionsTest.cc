@@ -51,7 +51,8 @@ struct ChipRun {
    }
    std::vector< Sim::ChipCall > calls( std::string const& op ) const {
       std::vector< Sim::ChipCall > out;
-      std::copy_if( sw->calls().begin(), sw->calls().end(), std::back_inserter( out ),
+      auto const all = sw->calls().kept();
+      std::copy_if( all.begin(), all.end(), std::back_inserter( out ),
                     [ &op ]( Sim::ChipCall const& c ) { return c.op == op; } );
       return out;
    }
@@ -158,7 +159,8 @@ TEST( HelperQuestionsTest, EachChangeOfCliWaitingRestatesTheConfigurationVersion
       options.keepTraces = true;
       ChipRun const run( "", "steps: [ { at: 1, changes: " + changes + " } ]", options );
       Zub::traceDisableAll();
-      return std::count_if( run.sw->traces().begin(), run.sw->traces().end(), []( auto const& t ) {
+      auto const traces = run.sw->traces().kept();
+      return std::count_if( traces.begin(), traces.end(), []( auto const& t ) {
          return t.text.find( "applied" ) != std::string::npos;
       } );
    };

@@ -24,7 +24,7 @@ TEST( ScenarioTraceTest, TheScenariosListsAreKeptForItsRunOnly ) {
       for( Sim::Step const& step : s.steps )
          sw.stepIs( step );
       std::set< std::string > seen;
-      for( Sim::TraceLine const& l : sw.traces() )
+      for( Sim::TraceLine const& l : sw.traces().kept() )
          seen.insert( l.handle + "/" + std::to_string( l.level ) );
       EXPECT_EQ( seen, std::set< std::string >{ "NevCbfFecMappingSm/0" } );
       EXPECT_TRUE( Nev::nevCbfFecMappingSmTrace.enabled( 0 ) );

@@ -24,7 +24,7 @@ Zub::Ptr< Qos::PolicyMapHwStatus > pmapHwStatus( Sim::SimSwitch const& sw, char 
 
 std::size_t callCount( Sim::SimSwitch const& sw, std::string const& op ) {
    std::size_t n = 0;
-   for( Sim::ChipCall const& c : sw.calls() )
+   for( Sim::ChipCall const& c : sw.calls().kept() )
       n += c.op == op;
    return n;
 }
