@@ -18,9 +18,6 @@ namespace Zub::Pool {
 // allocator.
 inline constexpr std::size_t granule = 16;
 inline constexpr std::size_t largestPooled = 512;
-// The size of a chunk carved into blocks: small enough that a size class used a little holds
-// little memory idle.
-inline constexpr std::size_t chunkBytes = 4096;
 
 // False under AddressSanitizer.
 bool enabled();

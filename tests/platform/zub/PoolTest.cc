@@ -38,9 +38,9 @@ TEST( PoolTest, AFreedBlockServesTheNextObjectOfItsSizeClass ) {
 TEST( PoolTest, BlocksAreDistinctAlignedAndHoldTheirBytes ) {
    std::vector< void* > blocks;
    std::set< void* > distinct;
-   // More than a chunk's worth of several sizes, each filled with its own pattern.
-   for( std::size_t i = 0; i < 600; ++i ) {
-      std::size_t const size = 8 + ( i % 5 ) * 24;
+   // Several chunks' worth of several sizes, each block filled with its own pattern.
+   for( std::size_t i = 0; i < 5000; ++i ) {
+      std::size_t const size = 200 + ( i % 5 ) * 64;
       void* const p = allocate( size );
       EXPECT_EQ( reinterpret_cast< std::uintptr_t >( p ) % Zub::Pool::granule, 0u );
       std::memset( p, static_cast< int >( i % 251 ), size );
@@ -49,7 +49,7 @@ TEST( PoolTest, BlocksAreDistinctAlignedAndHoldTheirBytes ) {
    }
    EXPECT_EQ( distinct.size(), blocks.size() );
    for( std::size_t i = 0; i < blocks.size(); ++i ) {
-      std::size_t const size = 8 + ( i % 5 ) * 24;
+      std::size_t const size = 200 + ( i % 5 ) * 64;
       auto const* bytes = static_cast< unsigned char const* >( blocks[ i ] );
       EXPECT_EQ( bytes[ 0 ], i % 251 );
       EXPECT_EQ( bytes[ size - 1 ], i % 251 );
