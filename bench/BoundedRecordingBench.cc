@@ -6,17 +6,12 @@
 
 #include <nlohmann/json.hpp>
 
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
-#include <chrono>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
 
 #include "bench/support/BenchAgent.h"
+#include "bench/support/ChildRun.h"
 
 namespace {
 
@@ -25,9 +20,7 @@ namespace fs = std::filesystem;
 constexpr char const* settle = "100000";
 
 fs::path scenarioDir() {
-   std::string tmpl = ( fs::temp_directory_path() / "nevqos-bounded-recording-XXXXXX" ).string();
-   if( !mkdtemp( tmpl.data() ) ) Bench::fail( "cannot make a temporary directory" );
-   fs::path const dir( tmpl );
+   fs::path const dir = Bench::temporaryDirectory( "nevqos-bounded-recording" );
    std::ofstream( dir / "scenario.yaml" ) << R"(description: a rule table never ready
 chip:
   faults: [ { kind: cbfNotReady } ]
@@ -40,30 +33,10 @@ fecService:
    return dir;
 }
 
-struct ChildRun {
-   double seconds = 0.0;
-   double peakBytes = 0.0;
-};
-
-ChildRun runnerOn( fs::path const& scenario, fs::path const& report ) {
-   auto const start = std::chrono::steady_clock::now();
-   pid_t const pid = fork();
-   if( pid < 0 ) Bench::fail( "fork failed" );
-   if( pid == 0 ) {
-      if( !std::freopen( report.c_str(), "w", stdout ) ) std::_Exit( 126 );
-      execl( NEVQOS_SIM_BINARY, "nevqos-sim", "--json", "--settle", settle, scenario.c_str(),
-             nullptr );
-      std::_Exit( 127 );
-   }
-   int status = 0;
-   rusage usage{};
-   if( wait4( pid, &status, 0, &usage ) != pid ) Bench::fail( "wait4 failed" );
-   std::chrono::duration< double > const took = std::chrono::steady_clock::now() - start;
-   if( !WIFEXITED( status ) || WEXITSTATUS( status ) != 0 ) {
-      Bench::fail( "nevqos-sim did not end with 0 on " + scenario.string() );
-   }
-   // ru_maxrss is in kilobytes on Linux.
-   return ChildRun{ took.count(), 1024.0 * static_cast< double >( usage.ru_maxrss ) };
+// Runs the runner on the scenario, its report into `report`; aborts unless it ends with 0.
+Bench::ChildRun runnerOn( fs::path const& scenario, fs::path const& report ) {
+   return Bench::childRun( NEVQOS_SIM_BINARY, { "--json", "--settle", settle, scenario.string() },
+                           report );
 }
 
 // The calls the report's entries stand for, and the entries.
@@ -80,7 +53,7 @@ std::pair< double, double > callsOf( fs::path const& report ) {
 
 void BM_BoundedRecording( benchmark::State& state ) {
    fs::path const dir = scenarioDir();
-   ChildRun run;
+   Bench::ChildRun run;
    std::pair< double, double > calls;
    for( auto _ : state ) {
       run = runnerOn( dir / "scenario.yaml", dir / "report.json" );

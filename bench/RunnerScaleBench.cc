@@ -8,17 +8,12 @@
 
 #include <nlohmann/json.hpp>
 
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
-#include <chrono>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
 
 #include "bench/support/BenchAgent.h"
+#include "bench/support/ChildRun.h"
 
 namespace {
 
@@ -26,9 +21,7 @@ namespace fs = std::filesystem;
 
 // A fresh directory holding the N-rule set and the scenario that uses it.
 fs::path scenarioOf( std::size_t rules ) {
-   std::string tmpl = ( fs::temp_directory_path() / "nevqos-runner-scale-XXXXXX" ).string();
-   if( !mkdtemp( tmpl.data() ) ) Bench::fail( "cannot make a temporary directory" );
-   fs::path const dir( tmpl );
+   fs::path const dir = Bench::temporaryDirectory( "nevqos-runner-scale" );
    std::ofstream set( dir / "rules" );
    std::size_t written = 0;
    while( written < rules ) {
@@ -68,30 +61,9 @@ servicePolicies:
    return dir;
 }
 
-struct ChildRun {
-   double seconds = 0.0;
-   double peakBytes = 0.0;
-};
-
 // Runs the runner on the scenario, its report into `report`; aborts unless it ends with 0.
-ChildRun runnerOn( fs::path const& scenario, fs::path const& report ) {
-   auto const start = std::chrono::steady_clock::now();
-   pid_t const pid = fork();
-   if( pid < 0 ) Bench::fail( "fork failed" );
-   if( pid == 0 ) {
-      if( !std::freopen( report.c_str(), "w", stdout ) ) std::_Exit( 126 );
-      execl( NEVQOS_SIM_BINARY, "nevqos-sim", "--json", "--verify", scenario.c_str(), nullptr );
-      std::_Exit( 127 );
-   }
-   int status = 0;
-   rusage usage{};
-   if( wait4( pid, &status, 0, &usage ) != pid ) Bench::fail( "wait4 failed" );
-   std::chrono::duration< double > const took = std::chrono::steady_clock::now() - start;
-   if( !WIFEXITED( status ) || WEXITSTATUS( status ) != 0 ) {
-      Bench::fail( "nevqos-sim did not end with 0 on " + scenario.string() );
-   }
-   // ru_maxrss is in kilobytes on Linux.
-   return ChildRun{ took.count(), 1024.0 * static_cast< double >( usage.ru_maxrss ) };
+Bench::ChildRun runnerOn( fs::path const& scenario, fs::path const& report ) {
+   return Bench::childRun( NEVQOS_SIM_BINARY, { "--json", "--verify", scenario.string() }, report );
 }
 
 // The TCAM entries the report says are installed, over all slices; aborts on a finding.
@@ -110,7 +82,7 @@ void BM_RunnerScale( benchmark::State& state ) {
    auto const rules = static_cast< std::size_t >( state.range( 0 ) );
    fs::path const dir = scenarioOf( rules );
    double entries = 0.0;
-   ChildRun run;
+   Bench::ChildRun run;
    for( auto _ : state ) {
       run = runnerOn( dir / "scenario.yaml", dir / "report.json" );
       state.SetIterationTime( run.seconds );
