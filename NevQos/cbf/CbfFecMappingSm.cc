@@ -152,35 +152,39 @@ void CbfFecMappingSm::updateInternalMappingAndFecRequest( FecOverrideEntry const
          Glarn::Fib::FecId const oldOverridingFecId = cached->overridingFecId;
          *cached = entry;
          if( oldOverridingFecId != entry.overridingFecId ) {
-            updateFecIdToOverrideKey( oldOverridingFecId, key, true );
-            maybeUpdateFecRequest( oldOverridingFecId );
+            bool const stillUsed = updateFecIdToOverrideKey( oldOverridingFecId, key, true );
+            maybeUpdateFecRequest( oldOverridingFecId, stillUsed );
          }
       }
    }
-   updateFecIdToOverrideKey( key.fecId, key, isDelete );
-   updateFecIdToOverrideKey( entry.overridingFecId, key, isDelete );
-   maybeUpdateFecRequest( key.fecId );
-   maybeUpdateFecRequest( entry.overridingFecId );
+   bool const fecStillUsed = updateFecIdToOverrideKey( key.fecId, key, isDelete );
+   bool const overridingStillUsed =
+         updateFecIdToOverrideKey( entry.overridingFecId, key, isDelete );
+   maybeUpdateFecRequest( key.fecId, fecStillUsed );
+   maybeUpdateFecRequest( entry.overridingFecId, overridingStillUsed );
 }
 
-void CbfFecMappingSm::updateFecIdToOverrideKey( Glarn::Fib::FecId fecId, OverrideKey const& key,
+bool CbfFecMappingSm::updateFecIdToOverrideKey( Glarn::Fib::FecId fecId, OverrideKey const& key,
                                                 bool isDelete ) {
    if( !isDelete ) {
-      auto const [ users, added ] = fecIdToOverrideKey_.insert( fecId, nullptr );
-      if( added ) *users = Zub::make< FecIdToOverrideKey >( fecId );
-      ( *users )->mappingIs( key, true );
-      return;
+      auto const [ users, added ] = fecIdToOverrideKey_.try_emplace( fecId );
+      if( added ) users->second = Zub::make< FecIdToOverrideKey >( fecId );
+      users->second->mappingIs( key, true );
+      return !added;
    }
-   auto const* found = fecIdToOverrideKey_.find( fecId );
-   if( !found ) return;
-   Zub::Ptr< FecIdToOverrideKey > const users = *found;
-   users->mappingDel( key );
-   if( users->mapping().empty() ) fecIdToOverrideKey_.erase( fecId );
+   auto const found = fecIdToOverrideKey_.find( fecId );
+   if( found == fecIdToOverrideKey_.end() ) return false;
+   found->second->mappingDel( key );
+   if( !found->second->mapping().empty() ) return true;
+   fecIdToOverrideKey_.erase( found );
+   return false;
 }
 
-void CbfFecMappingSm::maybeUpdateFecRequest( Glarn::Fib::FecId fecId ) {
+void CbfFecMappingSm::maybeUpdateFecRequest( Glarn::Fib::FecId fecId, bool stillUsed ) {
    ZUB_TRACE( nevCbfFecMappingSmTrace, 0, "maybeUpdateFecRequest fecId " << fecId );
-   if( fecIdToOverrideKey().has( fecId ) ) {
+   // A FEC that had keys before this change and still has them was requested with its first key.
+   if( stillUsed ) return;
+   if( fecIdToOverrideKey().contains( fecId ) ) {
       if( hwFecIdRequest()->has( fecId ) ) return;
       PAIRLOG( nevCbfFecMappingSmTrace, 0, " Adding request for fecId ", fecId );
       hwFecIdRequest()->hwFecIdRequestIs( HwFecIdRequest{ fecId } );
@@ -200,12 +204,12 @@ void CbfFecMappingSm::handleHwFecIdResponse() {
 void CbfFecMappingSm::handleHwFecIdResponse( Glarn::Fib::FecId fecId ) {
    ZUB_TRACE( nevCbfFecMappingSmTrace, 0, " fecId: " << fecId );
    if( !initialized() ) return;
-   auto const* users = fecIdToOverrideKey().find( fecId );
-   if( !users ) return;
+   auto const users = fecIdToOverrideKey().find( fecId );
+   if( users == fecIdToOverrideKey().end() ) return;
    // A copy: reviews do not change the set, but the walk must not depend on that.
-   Zub::Ptr< FecIdToOverrideKey > const keep = *users;
-   for( auto it = keep->mapping().iter(); it; ++it )
-      policyOverrideReviewQueueIs( it.key(), true );
+   Zub::Ptr< FecIdToOverrideKey > const keep = users->second;
+   for( OverrideKey const& key : keep->mapping() )
+      policyOverrideReviewQueueIs( key, true );
 }
 
 Zub::Ptr< CbfFecMapRule > CbfFecMappingSm::cbfFecMapRuleCacheIs( OverrideKey const& key ) {

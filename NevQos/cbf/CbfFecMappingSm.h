@@ -16,7 +16,9 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
+#include <unordered_map>
 
 #include "NevQos/helpers/CbfFecMappingHelper.h"
 #include "NevQos/types/CbfFecMap.h"
@@ -26,6 +28,7 @@
 #include "nev/VerifyData.h"
 #include "zub/Attribute.h"
 #include "zub/Collection.h"
+#include "zub/Pool.h"
 
 namespace Nev {
 
@@ -116,10 +119,14 @@ class CbfFecMappingSm : public Zub::PtrInterface {
    Zub::Collection< OverrideKey, Qos::Glarn::FecOverrideEntry > const& configCache() const {
       return configCache_;
    }
-   Zub::Collection< Glarn::Fib::FecId, Zub::Ptr< FecIdToOverrideKey > > const& fecIdToOverrideKey()
-         const {
-      return fecIdToOverrideKey_;
-   }
+   // By FEC, the keys that use it; hashed, as a walk of the configuration in key order meets the
+   // FECs in turn.
+   using FecUsers =
+         std::unordered_map< Glarn::Fib::FecId, Zub::Ptr< FecIdToOverrideKey >,
+                             std::hash< Glarn::Fib::FecId >, std::equal_to< Glarn::Fib::FecId >,
+                             Zub::Pool::Allocator< std::pair< Glarn::Fib::FecId const,
+                                                              Zub::Ptr< FecIdToOverrideKey > > > >;
+   FecUsers const& fecIdToOverrideKey() const { return fecIdToOverrideKey_; }
    Zub::Collection< OverrideKey, Zub::Ptr< CbfFecMapRule > > const& cbfFecMapRuleCache() const {
       return cbfFecMapRuleCache_;
    }
@@ -127,8 +134,11 @@ class CbfFecMappingSm : public Zub::PtrInterface {
    void handlePolicyOverrideConfig( OverrideKey const& key );
    void updateInternalMappingAndFecRequest( Qos::Glarn::FecOverrideEntry const& entry,
                                             bool isDelete );
-   void updateFecIdToOverrideKey( Glarn::Fib::FecId fecId, OverrideKey const& key, bool isDelete );
-   void maybeUpdateFecRequest( Glarn::Fib::FecId fecId );
+   // True when the FEC had keys before the change and still has some after it.
+   bool updateFecIdToOverrideKey( Glarn::Fib::FecId fecId, OverrideKey const& key, bool isDelete );
+   // Requests the FEC's hardware id while keys use it, and withdraws the request after the last;
+   // `stillUsed` is what updateFecIdToOverrideKey said, and means the request stands already.
+   void maybeUpdateFecRequest( Glarn::Fib::FecId fecId, bool stillUsed );
    void handleHwFecIdResponse();
    void handleHwFecIdResponse( Glarn::Fib::FecId fecId );
 
@@ -200,7 +210,7 @@ class CbfFecMappingSm : public Zub::PtrInterface {
    Zub::Ptr< Kesh::TaskScheduler > scheduler_;
    Zub::Ptr< NevHelper::CbfFecMappingHelper > mappingHelper_;
    Zub::Collection< OverrideKey, Qos::Glarn::FecOverrideEntry > configCache_;
-   Zub::Collection< Glarn::Fib::FecId, Zub::Ptr< FecIdToOverrideKey > > fecIdToOverrideKey_;
+   FecUsers fecIdToOverrideKey_;
    Zub::Collection< OverrideKey, Zub::Ptr< CbfFecMapRule > > cbfFecMapRuleCache_;
    Zub::Collection< OverrideKey, bool > policyOverrideReviewQueue_;
    Zub::Input< VerifyData, ZubVerifyData > verifyData_;

@@ -2,27 +2,43 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <unordered_set>
 
 #include "entities/FecOverride.h"
-#include "zub/Collection.h"
 #include "zub/Entity.h"
+#include "zub/Pool.h"
 
 namespace Nev {
 
 // The override keys that use one FEC, as the FEC overridden or as the one that takes over. The
-// FEC's hardware id is wanted exactly while the set has members.
+// FEC's hardware id is wanted exactly while the set has members. A hash set: a walk of the
+// configuration in key order meets the FECs in turn, and adding to thousands of small trees by
+// turns cost more than everything else the walk did; the order of the members matters to no one.
 class FecIdToOverrideKey : public Zub::PtrInterface {
  public:
+   struct KeyHash {
+      std::size_t operator()( Qos::Glarn::OverrideKey const& key ) const noexcept {
+         std::uint64_t const mixed = ( key.fecId * 0x9e3779b97f4a7c15ULL ) ^
+                                     ( std::uint64_t( key.dscp.value() ) << 8 ) ^
+                                     std::uint64_t( key.af );
+         return static_cast< std::size_t >( mixed ^ ( mixed >> 29 ) );
+      }
+   };
+   using Keys = std::unordered_set< Qos::Glarn::OverrideKey, KeyHash,
+                                    std::equal_to< Qos::Glarn::OverrideKey >,
+                                    Zub::Pool::Allocator< Qos::Glarn::OverrideKey > >;
+
    explicit FecIdToOverrideKey( Glarn::Fib::FecId fecId ) : fecId_( fecId ) {}
    Glarn::Fib::FecId fecId() const { return fecId_; }
-   Zub::Collection< Qos::Glarn::OverrideKey, bool > const& mapping() const { return mapping_; }
-   bool mappingHas( Qos::Glarn::OverrideKey const& key ) const { return mapping_.has( key ); }
-   void mappingIs( Qos::Glarn::OverrideKey const& key, bool ) { mapping_.set( key, true ); }
+   Keys const& mapping() const { return mapping_; }
+   bool mappingHas( Qos::Glarn::OverrideKey const& key ) const { return mapping_.contains( key ); }
+   void mappingIs( Qos::Glarn::OverrideKey const& key, bool ) { mapping_.insert( key ); }
    void mappingDel( Qos::Glarn::OverrideKey const& key ) { mapping_.erase( key ); }
 
  private:
    Glarn::Fib::FecId fecId_;
-   Zub::Collection< Qos::Glarn::OverrideKey, bool > mapping_;
+   Keys mapping_;
 };
 
 // The rule the driver receives for one override key: the hardware ids of the FEC overridden and

@@ -146,7 +146,7 @@ TEST_F( CbfFecMappingSmTest, RequestsFollowTheFecsInUse ) {
    want( key( 20, 1 ), 9 );
    want( key( 30, 5 ), 5 );  // both FECs the same: one interest, one request
    EXPECT_EQ( requested(), ( Fecs{ 1, 5, 9 } ) );
-   EXPECT_EQ( sm->fecIdToOverrideKey().find( 5 )->ptr()->mapping().size(), 1u );
+   EXPECT_EQ( sm->fecIdToOverrideKey().at( 5 )->mapping().size(), 1u );
 
    // Two keys on one FEC: the request stays until both have gone.
    config->overrideDel( key( 10, 1 ) );
