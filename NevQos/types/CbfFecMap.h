@@ -2,32 +2,31 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
-#include <unordered_set>
 
 #include "entities/FecOverride.h"
 #include "zub/Entity.h"
-#include "zub/Pool.h"
+#include "zub/FlatSet.h"
 
 namespace Nev {
 
 // The override keys that use one FEC, as the FEC overridden or as the one that takes over. The
-// FEC's hardware id is wanted exactly while the set has members. A hash set: a walk of the
-// configuration in key order meets the FECs in turn, and adding to thousands of small trees by
-// turns cost more than everything else the walk did; the order of the members matters to no one.
+// FEC's hardware id is wanted exactly while the set has members. A flat hash set: a walk of the
+// configuration in key order meets the FECs in turn, and adding to thousands of small trees or
+// node-based sets by turns cost more than everything else the walk did. The order of the members
+// matters to no one.
 class FecIdToOverrideKey : public Zub::PtrInterface {
  public:
    struct KeyHash {
       std::size_t operator()( Qos::Glarn::OverrideKey const& key ) const noexcept {
-         std::uint64_t const mixed = ( key.fecId * 0x9e3779b97f4a7c15ULL ) ^
-                                     ( std::uint64_t( key.dscp.value() ) << 8 ) ^
-                                     std::uint64_t( key.af );
-         return static_cast< std::size_t >( mixed ^ ( mixed >> 29 ) );
+         // Every input bit reaches the low bits that pick a slot.
+         std::uint64_t x = key.fecId ^ ( std::uint64_t( key.dscp.value() ) << 56 ) ^
+                           ( std::uint64_t( key.af ) << 48 );
+         x = ( x ^ ( x >> 33 ) ) * 0xff51afd7ed558ccdULL;
+         x = ( x ^ ( x >> 33 ) ) * 0xc4ceb9fe1a85ec53ULL;
+         return static_cast< std::size_t >( x ^ ( x >> 33 ) );
       }
    };
-   using Keys = std::unordered_set< Qos::Glarn::OverrideKey, KeyHash,
-                                    std::equal_to< Qos::Glarn::OverrideKey >,
-                                    Zub::Pool::Allocator< Qos::Glarn::OverrideKey > >;
+   using Keys = Zub::FlatSet< Qos::Glarn::OverrideKey, KeyHash >;
 
    explicit FecIdToOverrideKey( Glarn::Fib::FecId fecId ) : fecId_( fecId ) {}
    Glarn::Fib::FecId fecId() const { return fecId_; }
