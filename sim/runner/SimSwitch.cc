@@ -1,5 +1,6 @@
 #include "sim/runner/SimSwitch.h"
 
+#include <algorithm>
 #include <string>
 #include <type_traits>
 
@@ -352,6 +353,18 @@ void SimSwitch::driverInputsIs( Step const& step ) {
 void SimSwitch::runUntil( Zub::Seconds t ) {
    enter();
    if( t > loop_->now() ) settle( t );
+}
+
+void SimSwitch::runFor( Zub::Seconds span, std::function< void() > const& afterSlice ) {
+   constexpr Zub::Seconds shortestSlice = 1.0;
+   constexpr double mostSlices = 10000.0;
+   Zub::Seconds const end = now() + span;
+   Zub::Seconds const slice = std::max( shortestSlice, span / mostSlices );
+   while( now() < end ) {
+      Zub::Seconds const next = std::min( end, now() + slice );
+      runUntil( next > now() ? next : end );
+      afterSlice();
+   }
 }
 
 std::vector< std::string > SimSwitch::verify() {

@@ -9,6 +9,7 @@
 // it) may come and go in between.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <set>
@@ -101,6 +102,11 @@ class SimSwitch {
    void restart();
    // Runs the loop until virtual time `t`.
    void runUntil( Zub::Seconds t );
+   // Runs the loop `span` seconds on, in slices, calling `afterSlice` after each, so that a long
+   // settle can show its progress. The same timers run in the same order whatever the slices.
+   // At most ten thousand slices of at least a second, and none that the clock's precision
+   // would make empty at a large virtual time.
+   void runFor( Zub::Seconds span, std::function< void() > const& afterSlice );
    // Compares everything programmed with the chip's TCAM, as the platform's verify agent would
    // ask: the findings of this run, in the order they were raised.
    std::vector< std::string > verify();

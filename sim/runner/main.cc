@@ -27,9 +27,6 @@ constexpr int mismatch = 1;
 constexpr int badInput = 2;
 constexpr int failed = 3;  // a run cut short too: it has no report to give
 
-// Virtual seconds of the settle between two looks at the progress line.
-constexpr double settleSlice = 1.0;
-
 // The map types --show takes, by the names scenarios use.
 std::map< std::string, Qos::MapType > const showTypes{ { "qos", Qos::mapQos_ },
                                                        { "control-plane", Qos::mapControlPlane_ },
@@ -164,16 +161,7 @@ int main( int argc, char** argv ) {
          verification.run( sw );
          progress.update( sw.now(), ++stepsDone, sw.calls().size() );
       }
-      // The settle in slices of virtual time, so that a long one shows its progress; the loop
-      // runs the same timers in the same order whatever the slices.
-      // At most ten thousand slices, and none that the clock's precision would make empty.
-      Zub::Seconds const end = sw.now() + settle;
-      Zub::Seconds const slice = std::max( settleSlice, settle / 10000.0 );
-      while( sw.now() < end ) {
-         Zub::Seconds const next = std::min( end, sw.now() + slice );
-         sw.runUntil( next > sw.now() ? next : end );
-         progress.update( sw.now(), stepsDone, sw.calls().size() );
-      }
+      sw.runFor( settle, [ & ] { progress.update( sw.now(), stepsDone, sw.calls().size() ); } );
       verification.run( sw );
       progress.finish();
       // What the runner adds to the switch's report.

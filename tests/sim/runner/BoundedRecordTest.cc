@@ -226,6 +226,45 @@ TEST( BoundedRecordTest, ATableNeverReadyKeepsItsRecordSmallAndCountsEveryRetry 
               std::string::npos );
 }
 
+// A long settle runs in slices for its progress line: no more than ten thousand of them, the
+// same calls at the same times as one run to the end, and an end even where the clock is too
+// coarse for a slice.
+TEST( BoundedRecordTest, ASettleInSlicesEndsAndRunsWhatOneRunWould ) {
+   Sim::Scenario const scenario = Sim::loadScenarioText( retrying, "retrying.yaml" );
+   Sim::SimSwitch sliced( scenario );
+   Sim::SimSwitch whole( scenario );
+   for( Sim::Step const& step : scenario.steps ) {
+      sliced.stepIs( step );
+      whole.stepIs( step );
+   }
+   Zub::Seconds const start = sliced.now();
+   unsigned slices = 0;
+   sliced.runFor( 20000, [ & ] { ++slices; } );
+   whole.runUntil( start + 20000 );
+   EXPECT_EQ( slices, 10000u ) << "slices of 2 s";
+   EXPECT_EQ( sliced.now(), whole.now() );
+   EXPECT_EQ( sliced.calls().size(), whole.calls().size() );
+   EXPECT_EQ( Sim::reportOf( scenario, sliced )[ "calls" ],
+              Sim::reportOf( scenario, whole )[ "calls" ] );
+
+   // Short settles take slices of a second.
+   slices = 0;
+   sliced.runFor( 3.5, [ & ] { ++slices; } );
+   EXPECT_EQ( slices, 4u );
+
+   // At 2^60 s the clock's step is 256 s, above the slice of a second: the settle still ends,
+   // in one slice, at the end the clock can hold.
+   Sim::Scenario const empty = Sim::loadScenarioText( "description: nothing\n", "empty.yaml" );
+   Sim::SimSwitch late( empty );
+   Zub::Seconds const far = 1152921504606846976.0;
+   late.runUntil( far );
+   ASSERT_EQ( late.now(), far );
+   slices = 0;
+   late.runFor( 1000, [ & ] { ++slices; } );
+   EXPECT_EQ( slices, 1u );
+   EXPECT_EQ( late.now(), far + 1024 );
+}
+
 TEST( BoundedRecordTest, TheTraceKeepsItsFirstAndLastLinesAndCountsTheRest ) {
    Sim::Scenario const scenario =
          Sim::loadScenarioText( retrying + "trace: [ NevCbfFecMappingSm/0-1 ]\n", "trace.yaml" );
