@@ -2,7 +2,8 @@
 // or removing a key reads one or two cache lines of the array, where a node-based set reads a
 // bucket and several scattered nodes: for many small sets touched by turns (the keys of each of
 // thousands of FECs, filled as a walk meets them) that difference is most of the cost. Members
-// come out in slot order, which is the same on every run for the same operations.
+// come out in slot order, which is the same on every run for the same operations. The array
+// does not shrink: an owner drops a set that empties.
 #pragma once
 
 #include <cstddef>
