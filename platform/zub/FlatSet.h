@@ -99,7 +99,10 @@ class FlatSet {
 
  private:
    std::size_t mask() const { return slots_.size() - 1; }
-   std::size_t homeOf( Key const& key ) const { return Hash{}(key)&mask(); }
+   std::size_t homeOf( Key const& key ) const {
+      Hash const hash;
+      return hash( key ) & mask();
+   }
    // The key's slot, or the free slot where it would go.
    std::size_t slotOf( Key const& key ) const {
       std::size_t i = homeOf( key );
