@@ -2,20 +2,49 @@
 // members in the same order, and their iterators survive any insertion or removal made while
 // iterating, including removal of the member under the iterator: the next step goes to the
 // first member after the last key visited, so no member is visited twice.
+//
+// Most collections of the runtime hold none or a few members (the children of one entity, the
+// actions of one class), and there are hundreds of thousands of them. So a collection is one
+// pointer, null while it is empty; up to `arrayLimit` members sit in one sorted array, and past
+// that in a balanced tree. Both live in one block from the runtime's free lists.
 #pragma once
 
+#include <algorithm>
+#include <atomic>
 #include <cstdint>
 #include <map>
+#include <new>
 #include <utility>
 
 #include "zub/Pool.h"
 
 namespace Zub {
 
+namespace CollectionDetail {
+
+// Every insertion or removal in any collection takes a new stamp: an iterator that sees its
+// collection's stamp unchanged may step on by position, otherwise it searches for its key.
+inline std::atomic< std::uint64_t > lastStamp{ 0 };
+inline std::uint64_t nextStamp() {
+   return lastStamp.fetch_add( 1, std::memory_order_relaxed ) + 1;
+}
+
+}  // namespace CollectionDetail
+
 template< class K, class V >
 class Collection {
    // Nodes from the runtime's free lists: members come and go by the thousand.
    using Map = std::map< K, V, std::less< K >, Pool::Allocator< std::pair< K const, V > > >;
+   using Entry = std::pair< K, V >;
+   static constexpr std::uint32_t arrayLimit = 32;
+   static constexpr std::uint32_t treeMode = 0;
+
+   struct Header {
+      std::uint64_t stamp;
+      std::uint32_t size;      // of the array; a tree counts its own
+      std::uint32_t capacity;  // of the array; treeMode for a tree
+   };
+   static_assert( alignof( Entry ) <= sizeof( Header ) && alignof( Map ) <= sizeof( Header ) );
 
  public:
    class Iterator {
@@ -29,10 +58,14 @@ class Collection {
       V const* operator->() const { return &value_; }
       Iterator& operator++() {
          if( !c_ ) return *this;
-         if( c_->erasures_ == erasures_ ) {
-            ++at_;
+         if( c_->stamp() == stamp_ ) {
+            if( c_->isTree() ) {
+               ++at_;
+            } else {
+               ++index_;
+            }
          } else {
-            at_ = c_->map_.upper_bound( key_ );
+            c_->seekAbove( key_, *this );
          }
          load();
          return *this;
@@ -42,23 +75,36 @@ class Collection {
 
     private:
       friend class Collection;
-      Iterator( Collection const* c, typename Map::const_iterator at ) : c_( c ), at_( at ) {
-         load();
-      }
+      explicit Iterator( Collection const* c ) : c_( c ) {}
       void load() {
-         if( at_ == c_->map_.end() ) {
+         if( !c_->h_ ) {
             c_ = nullptr;
             return;
          }
-         key_ = at_->first;
-         value_ = at_->second;
-         erasures_ = c_->erasures_;
+         if( c_->isTree() ) {
+            if( at_ == c_->tree().end() ) {
+               c_ = nullptr;
+               return;
+            }
+            key_ = at_->first;
+            value_ = at_->second;
+         } else {
+            if( index_ >= c_->h_->size ) {
+               c_ = nullptr;
+               return;
+            }
+            Entry const& e = c_->entries()[ index_ ];
+            key_ = e.first;
+            value_ = e.second;
+         }
+         stamp_ = c_->stamp();
       }
       Collection const* c_ = nullptr;
+      std::uint32_t index_ = 0;
       typename Map::const_iterator at_;
       K key_{};
       V value_{};
-      std::uint64_t erasures_ = 0;
+      std::uint64_t stamp_ = 0;
    };
 
    // Range-for over members: `for( auto const& v : coll )` gives values through an Iterator.
@@ -68,50 +114,119 @@ class Collection {
       std::nullptr_t end() const { return nullptr; }
    };
 
-   Iterator iter() const { return Iterator( this, map_.begin() ); }
+   Collection() = default;
+   Collection( Collection const& other ) {
+      for( auto it = other.iter(); it; ++it )
+         set( it.key(), it.value() );
+   }
+   Collection( Collection&& other ) noexcept : h_( std::exchange( other.h_, nullptr ) ) {}
+   Collection& operator=( Collection const& other ) {
+      if( this != &other ) {
+         Collection copy( other );
+         std::swap( h_, copy.h_ );
+      }
+      return *this;
+   }
+   Collection& operator=( Collection&& other ) noexcept {
+      std::swap( h_, other.h_ );
+      return *this;
+   }
+   ~Collection() { release(); }
+
+   Iterator iter() const {
+      Iterator it( this );
+      if( h_ ) {
+         if( isTree() ) it.at_ = tree().begin();
+      }
+      it.load();
+      return it;
+   }
    // First member with a key not below `k`.
-   Iterator iterFrom( K const& k ) const { return Iterator( this, map_.lower_bound( k ) ); }
+   Iterator iterFrom( K const& k ) const {
+      Iterator it( this );
+      if( h_ ) {
+         if( isTree() ) {
+            it.at_ = tree().lower_bound( k );
+         } else {
+            it.index_ = lowerIndex( k );
+         }
+      }
+      it.load();
+      return it;
+   }
    Iterator begin() const { return iter(); }
    std::nullptr_t end() const { return nullptr; }
 
-   std::size_t size() const { return map_.size(); }
-   bool empty() const { return map_.empty(); }
-   bool has( K const& k ) const { return map_.find( k ) != map_.end(); }
-   V const* find( K const& k ) const {
-      auto it = map_.find( k );
-      return it == map_.end() ? nullptr : &it->second;
+   std::size_t size() const {
+      if( !h_ ) return 0;
+      return isTree() ? tree().size() : h_->size;
    }
+   bool empty() const { return !h_; }
+   bool has( K const& k ) const { return find( k ) != nullptr; }
+   // The member's value; valid until the next insertion or removal.
+   V const* find( K const& k ) const { return const_cast< Collection* >( this )->find( k ); }
    V* find( K const& k ) {
-      auto it = map_.find( k );
-      return it == map_.end() ? nullptr : &it->second;
+      if( !h_ ) return nullptr;
+      if( isTree() ) {
+         auto it = tree().find( k );
+         return it == tree().end() ? nullptr : &it->second;
+      }
+      std::uint32_t const i = lowerIndex( k );
+      return i < h_->size && !( k < entries()[ i ].first ) ? &entries()[ i ].second : nullptr;
    }
    // Inserts or overwrites; false when the value held was equal already.
    bool set( K const& k, V const& v ) {
-      if( beyondLast( k ) ) {
-         map_.emplace_hint( map_.end(), k, v );
-         return true;
-      }
-      auto [ it, inserted ] = map_.try_emplace( k, v );
+      auto [ held, inserted ] = insert( k, v );
       if( inserted ) return true;
-      if( it->second == v ) return false;
-      it->second = v;
+      if( *held == v ) return false;
+      *held = v;
       return true;
    }
    // The member of `k`, added as `v` when absent; the flag says whether it was added. One
-   // search where find() and set() would take two.
+   // search where find() and set() would take two. The pointer is valid until the next
+   // insertion or removal.
    std::pair< V*, bool > insert( K const& k, V const& v ) {
-      if( beyondLast( k ) ) return { &map_.emplace_hint( map_.end(), k, v )->second, true };
-      auto [ it, inserted ] = map_.try_emplace( k, v );
-      return { &it->second, inserted };
+      if( h_ && isTree() ) {
+         auto& map = tree();
+         if( map.rbegin()->first < k ) {
+            touch();
+            return { &map.emplace_hint( map.end(), k, v )->second, true };
+         }
+         auto [ it, inserted ] = map.try_emplace( k, v );
+         if( inserted ) touch();
+         return { &it->second, inserted };
+      }
+      std::uint32_t const i = h_ ? lowerIndex( k ) : 0;
+      if( h_ && i < h_->size && !( k < entries()[ i ].first ) ) {
+         return { &entries()[ i ].second, false };
+      }
+      // Made before the array moves: `k` or `v` may be a member's.
+      Entry made( k, v );
+      if( h_ && h_->size == arrayLimit ) {
+         toTree();
+         auto const added = tree().emplace( std::move( made ) ).first;
+         return { &added->second, true };
+      }
+      if( !h_ || h_->size == h_->capacity ) grow();
+      return { &insertAt( i, std::move( made ) ), true };
    }
    // Removes `k`; false when it was absent. The removed value is moved into `out`, if given,
    // so that its destruction can wait until the caller is done notifying.
    bool erase( K const& k, V* out = nullptr ) {
-      auto it = map_.find( k );
-      if( it == map_.end() ) return false;
-      if( out ) *out = std::move( it->second );
-      map_.erase( it );
-      ++erasures_;
+      if( !h_ ) return false;
+      if( isTree() ) {
+         auto& map = tree();
+         auto it = map.find( k );
+         if( it == map.end() ) return false;
+         if( out ) *out = std::move( it->second );
+         map.erase( it );
+         afterTreeErase();
+         return true;
+      }
+      std::uint32_t const i = lowerIndex( k );
+      if( i >= h_->size || k < entries()[ i ].first ) return false;
+      if( out ) *out = std::move( entries()[ i ].second );
+      eraseIndex( i );
       return true;
    }
    // Removes the member `it` stands on and returns an iterator on the next one: a walk that
@@ -119,24 +234,147 @@ class Collection {
    // (its member or another went since) falls back on the search.
    Iterator eraseAt( Iterator const& it ) {
       if( !it.c_ ) return it;
-      if( it.c_ != this || it.erasures_ != erasures_ ) {
+      if( it.c_ != this || it.stamp_ != stamp() ) {
          K const key = it.key_;
          erase( key );
-         return Iterator( this, map_.upper_bound( key ) );
+         return iterAbove( key );
       }
-      auto const next = map_.erase( it.at_ );
-      ++erasures_;
-      return Iterator( this, next );
+      Iterator next( this );
+      if( isTree() ) {
+         auto& map = tree();
+         next.at_ = map.erase( it.at_ );
+         afterTreeErase();
+      } else {
+         eraseIndex( it.index_ );
+         next.index_ = it.index_;
+      }
+      next.load();
+      return next;
    }
-   K const* firstKey() const { return map_.empty() ? nullptr : &map_.begin()->first; }
+   K const* firstKey() const {
+      if( !h_ ) return nullptr;
+      return isTree() ? &tree().begin()->first : &entries()[ 0 ].first;
+   }
 
  private:
-   // A key above every member's: walks that fill a collection in key order (a table read from
-   // its start, a review settling keys one after another) add at the end without a search.
-   bool beyondLast( K const& k ) const { return map_.empty() || map_.rbegin()->first < k; }
+   bool isTree() const { return h_->capacity == treeMode; }
+   std::uint64_t stamp() const { return h_ ? h_->stamp : 0; }
+   void touch() { h_->stamp = CollectionDetail::nextStamp(); }
+   Entry* entries() const {
+      return reinterpret_cast< Entry* >( reinterpret_cast< char* >( h_ ) + sizeof( Header ) );
+   }
+   Map& tree() const {
+      return *reinterpret_cast< Map* >( reinterpret_cast< char* >( h_ ) + sizeof( Header ) );
+   }
+   static std::size_t arrayBytes( std::uint32_t capacity ) {
+      return sizeof( Header ) + capacity * sizeof( Entry );
+   }
+   static constexpr std::size_t treeBytes = sizeof( Header ) + sizeof( Map );
 
-   Map map_;
-   std::uint64_t erasures_ = 0;
+   std::uint32_t lowerIndex( K const& k ) const {
+      Entry const* const first = entries();
+      Entry const* const last = first + h_->size;
+      // Appending in key order is the common case: the search is skipped.
+      if( first != last && last[ -1 ].first < k ) return h_->size;
+      auto const at = std::lower_bound(
+            first, last, k, []( Entry const& e, K const& key ) { return e.first < key; } );
+      return static_cast< std::uint32_t >( at - first );
+   }
+   Iterator iterAbove( K const& k ) const {
+      Iterator it( this );
+      seekAbove( k, it );
+      it.load();
+      return it;
+   }
+   // Places `it` on the first member with a key above `k`.
+   void seekAbove( K const& k, Iterator& it ) const {
+      if( !h_ ) return;
+      if( isTree() ) {
+         it.at_ = tree().upper_bound( k );
+         return;
+      }
+      std::uint32_t i = lowerIndex( k );
+      if( i < h_->size && !( k < entries()[ i ].first ) ) ++i;
+      it.index_ = i;
+   }
+
+   // Room for one more member in the array: the first block, or one twice the size.
+   void grow() {
+      std::uint32_t const capacity = h_ ? h_->capacity * 2 : 1;
+      auto* const block = static_cast< Header* >( Pool::allocate( arrayBytes( capacity ) ) );
+      block->stamp = 0;
+      block->size = 0;
+      block->capacity = capacity;
+      if( h_ ) {
+         Entry* const to = reinterpret_cast< Entry* >( block + 1 );
+         for( std::uint32_t i = 0; i < h_->size; ++i ) {
+            new( to + i ) Entry( std::move( entries()[ i ] ) );
+            entries()[ i ].~Entry();
+         }
+         block->size = h_->size;
+         block->stamp = h_->stamp;
+         Pool::release( h_, arrayBytes( h_->capacity ) );
+      }
+      h_ = block;
+   }
+   V& insertAt( std::uint32_t i, Entry&& made ) {
+      Entry* const e = entries();
+      std::uint32_t const n = h_->size;
+      if( i == n ) {
+         new( e + n ) Entry( std::move( made ) );
+      } else {
+         new( e + n ) Entry( std::move( e[ n - 1 ] ) );
+         std::move_backward( e + i, e + n - 1, e + n );
+         e[ i ] = std::move( made );
+      }
+      ++h_->size;
+      touch();
+      return e[ i ].second;
+   }
+   void eraseIndex( std::uint32_t i ) {
+      Entry* const e = entries();
+      std::uint32_t const n = h_->size;
+      std::move( e + i + 1, e + n, e + i );
+      e[ n - 1 ].~Entry();
+      if( --h_->size == 0 ) {
+         release();
+         return;
+      }
+      touch();
+   }
+   void afterTreeErase() {
+      if( tree().empty() ) {
+         release();
+         return;
+      }
+      touch();
+   }
+   // The full array moves into a tree.
+   void toTree() {
+      auto* const block = static_cast< Header* >( Pool::allocate( treeBytes ) );
+      block->size = 0;
+      block->capacity = treeMode;
+      Map* const map = new( block + 1 ) Map();
+      for( std::uint32_t i = 0; i < h_->size; ++i )
+         map->emplace_hint( map->end(), std::move( entries()[ i ] ) );
+      release();
+      h_ = block;
+      touch();
+   }
+   void release() noexcept {
+      if( !h_ ) return;
+      if( isTree() ) {
+         tree().~Map();
+         Pool::release( h_, treeBytes );
+      } else {
+         for( std::uint32_t i = 0; i < h_->size; ++i )
+            entries()[ i ].~Entry();
+         Pool::release( h_, arrayBytes( h_->capacity ) );
+      }
+      h_ = nullptr;
+   }
+
+   Header* h_ = nullptr;
 };
 
 }  // namespace Zub

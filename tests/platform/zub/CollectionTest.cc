@@ -1,6 +1,9 @@
 // Ordered collections and iterators that survive changes made while iterating.
 #include <gtest/gtest.h>
 
+#include <map>
+#include <random>
+#include <set>
 #include <vector>
 
 #include "ZubTestEntities.h"
@@ -114,6 +117,69 @@ TEST( CollectionTest, IteratorValueOutlivesRemovalOfItsMember ) {
    }
    EXPECT_EQ( names, ( std::vector< std::string >{ "a", "b" } ) );
    EXPECT_TRUE( c.empty() );
+}
+
+// Against an ordered map, through sizes where the members sit in an array and where in a tree,
+// with walks that add and remove at random as they go: a walk visits keys in ascending order,
+// each at most once, each present when visited, and every key that stood throughout.
+TEST( CollectionTest, BehavesAsAnOrderedMapInArrayAndTree ) {
+   std::mt19937 random( 7 );
+   for( int const range : { 6, 40, 300 } ) {
+      Coll c;
+      std::map< int, int > model;
+      auto const anyKey = [ & ] { return static_cast< int >( random() % range ); };
+      auto const mutate = [ & ]( std::set< int >& touched ) {
+         int const k = anyKey();
+         touched.insert( k );
+         if( random() % 3 == 0 ) {
+            EXPECT_EQ( c.erase( k ), model.erase( k ) == 1 );
+         } else {
+            int const v = static_cast< int >( random() % 5 );
+            bool const changed = model.count( k ) == 0 || model[ k ] != v;
+            model[ k ] = v;
+            EXPECT_EQ( c.set( k, v ), changed );
+         }
+      };
+      for( int round = 0; round < 200; ++round ) {
+         std::set< int > touched;
+         for( int i = 0; i < range / 2; ++i )
+            mutate( touched );
+         ASSERT_EQ( c.size(), model.size() );
+         std::vector< std::pair< int, int > > held;
+         for( auto it = c.iter(); it; ++it )
+            held.emplace_back( it.key(), it.value() );
+         ASSERT_EQ( held, ( std::vector< std::pair< int, int > >( model.begin(), model.end() ) ) );
+         int const probe = anyKey();
+         EXPECT_EQ( c.has( probe ), model.count( probe ) == 1 );
+         auto const from = c.iterFrom( probe );
+         auto const expected = model.lower_bound( probe );
+         ASSERT_EQ( !!from, expected != model.end() );
+         if( from ) {
+            EXPECT_EQ( from.key(), expected->first );
+         }
+
+         std::map< int, int > const before = model;
+         std::vector< int > visited;
+         touched.clear();
+         for( auto it = c.iter(); it; ) {
+            EXPECT_TRUE( visited.empty() || visited.back() < it.key() );
+            EXPECT_EQ( model.count( it.key() ), 1u );
+            visited.push_back( it.key() );
+            if( random() % 4 == 0 ) mutate( touched );
+            if( random() % 5 == 0 ) {
+               touched.insert( it.key() );
+               model.erase( it.key() );
+               it = c.eraseAt( it );
+            } else {
+               ++it;
+            }
+         }
+         for( auto const& [ k, v ] : before ) {
+            if( touched.count( k ) ) continue;
+            EXPECT_TRUE( std::binary_search( visited.begin(), visited.end(), k ) ) << k;
+         }
+      }
+   }
 }
 
 }  // namespace
