@@ -4,7 +4,8 @@ namespace Zub {
 
 String Entity::fullName() const {
    if( !parent_ ) return name();
-   return parent_->fullName() + "/" + parentAttrName_.str() + "/" + name();
+   return parent_->fullName() + "/" + String( parentAttrName_ ? parentAttrName_ : "" ) + "/" +
+          name();
 }
 
 }  // namespace Zub

@@ -65,8 +65,9 @@ class Entity : public Notifier {
    String fullName() const;
    // A back pointer, valid while the parent lives; null for a root.
    Entity const* parent() const { return parent_; }
-   Name parentAttrName() const { return parentAttrName_; }
-   void parentIs( Entity const* parent, Name attrName ) {
+   Name parentAttrName() const { return Name( parentAttrName_ ? parentAttrName_ : "" ); }
+   // `attrName` is the text of the attribute's name, which lives as long as the program.
+   void parentIs( Entity const* parent, char const* attrName ) {
       parent_ = parent;
       parentAttrName_ = attrName;
    }
@@ -79,9 +80,9 @@ class Entity : public Notifier {
 
  private:
    mutable String name_;
-   mutable bool named_ = false;
    Entity const* parent_ = nullptr;
-   Name parentAttrName_;
+   char const* parentAttrName_ = nullptr;
+   mutable bool named_ = false;
 };
 
 // The name of an entity created under a key.
@@ -201,13 +202,13 @@ String entityNameOf( K const& key ) {
    ::Zub::Ptr< Type > name##Is( Key const& k, ZubArgs&&... args ) {              \
       if( ::Zub::Ptr< Type > const* v = zub_##name##_.find( k ) ) return *v;     \
       auto child = ::Zub::make< Type >( k, std::forward< ZubArgs >( args )... ); \
-      child->parentIs( this, ::Zub::Name( #name ) );                             \
+      child->parentIs( this, #name );                                            \
       zub_##name##_.set( k, child );                                             \
       zubNotify##Cap( k );                                                       \
       return child;                                                              \
    }                                                                             \
    static void zubForget##Cap( ::Zub::Ptr< Type > const& c ) {                   \
-      if( c ) c->parentIs( nullptr, ::Zub::Name() );                             \
+      if( c ) c->parentIs( nullptr, nullptr );                                   \
    }                                                                             \
    ZUB_ATTR_COLLECTION_COMMON( Cap, name, Key, ::Zub::Ptr< Type > )
 

@@ -21,6 +21,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 #include "zub/Ptr.h"
@@ -33,6 +34,9 @@ class NotifieeBase;
 // The reactors attached to one object.
 class NotifieeList {
  public:
+   static void* operator new( std::size_t size ) { return Pool::allocate( size ); }
+   static void operator delete( void* p, std::size_t size ) noexcept { Pool::release( p, size ); }
+
    void add( NotifieeBase* n, std::uint8_t depth );
    void remove( NotifieeBase* n );
    std::size_t size() const { return entries_.size(); }
@@ -88,7 +92,11 @@ class NotifieeBase : public PtrInterface {
 // Anything that reactors can watch.
 class Notifier : public PtrInterface {
  public:
-   NotifieeList* notifieeList() const override { return &notifiees_; }
+   // Made with the first reactor: most objects are never watched.
+   NotifieeList* notifieeList() const override {
+      if( !notifiees_ ) notifiees_ = std::make_unique< NotifieeList >();
+      return notifiees_.get();
+   }
 
  protected:
    // Calls f( N& ) on each reactor of type N (or a derived type) attached here. The object and
@@ -97,7 +105,7 @@ class Notifier : public PtrInterface {
    void zubNotify( F&& f ) const;
 
  private:
-   mutable NotifieeList notifiees_;
+   mutable std::unique_ptr< NotifieeList > notifiees_;
 };
 
 template< class F >
@@ -121,9 +129,9 @@ void NotifieeList::forEach( std::uint8_t depth, F&& f ) {
 
 template< class N, class F >
 void Notifier::zubNotify( F&& f ) const {
-   if( notifiees_.size() == 0 ) return;
+   if( !notifiees_ || notifiees_->size() == 0 ) return;
    Ptr< Notifier const > keep( references() ? this : nullptr );
-   notifiees_.forEach( N::zubDepth, [ &f ]( NotifieeBase* r ) { f( *static_cast< N* >( r ) ); } );
+   notifiees_->forEach( N::zubDepth, [ &f ]( NotifieeBase* r ) { f( *static_cast< N* >( r ) ); } );
 }
 
 }  // namespace Zub
