@@ -40,7 +40,7 @@ void QosPolicyClassBaseSm::createSmCommon() {
    QosClassDataKey const key( pmapSm()->key(), cmapName(), cmapType(),
                               QosClassDataKey::defaultPolicerName() );
    if( classData_ ) {
-      classData_->keyIs( key );
+      classData_->policerNameIs( key.policerName() );
    } else {
       classData_ = Zub::make< QosClassData >( key );
    }
@@ -49,7 +49,7 @@ void QosPolicyClassBaseSm::createSmCommon() {
 }
 
 void QosPolicyClassBaseSm::classDataPolicerNameIs( Zub::Name const& name ) {
-   classData_->keyIs( QosClassDataKey( pmapSm()->key(), cmapName(), cmapType(), name ) );
+   classData_->policerNameIs( name );
 }
 
 void QosPolicyClassBaseSm::createClassActionSm() {

@@ -49,10 +49,12 @@ using BuiltInClassMatch = Qos::ClassMapMatchBuiltIn;
 class QosClassData : public Zub::Entity {
  public:
    using Key = QosClassDataKey;
-   explicit QosClassData( Key const& key ) : key_( key ), createdAs_( key ) {}
+   explicit QosClassData( Key const& key ) : key_( key ), createdPolicer_( key.policerName() ) {}
    Key const& key() const { return key_; }
    // The per-copy machines rename the policer in the key once they know their copy's name.
-   void keyIs( Key const& key ) { key_ = key; }
+   void policerNameIs( Zub::Name const& name ) {
+      key_ = Key( key_.pmapKey(), key_.cmapName(), key_.cmapType(), name );
+   }
    // The policer of the class, or of one copy, with its validated parameters.
    Zub::Ptr< QosPolicerData > policerDataIs( Zub::Name const& name, std::uint64_t cir,
                                              std::uint32_t bc, std::uint64_t pir,
@@ -64,12 +66,15 @@ class QosClassData : public Zub::Entity {
    ZUB_ENTITY_BODY( QosClassData, Zub::Entity, NEV_QOS_CLASS_DATA_ATTRS )
 
  protected:
-   // Named after the key it was created under, whatever keyIs did since.
-   Zub::String nameFromKey() const override { return Zub::entityNameOf( createdAs_ ); }
+   // Named after the key it was created under, whatever policer the key has named since.
+   Zub::String nameFromKey() const override {
+      return Zub::entityNameOf(
+            Key( key_.pmapKey(), key_.cmapName(), key_.cmapType(), createdPolicer_ ) );
+   }
 
  private:
    Key key_;
-   Key const createdAs_;
+   Zub::Name const createdPolicer_;
 };
 
 }  // namespace Nev
