@@ -4,8 +4,7 @@ namespace Zub {
 
 String Entity::fullName() const {
    if( !parent_ ) return name();
-   return parent_->fullName() + "/" + String( parentAttrName_ ? parentAttrName_ : "" ) + "/" +
-          name();
+   return parent_->fullName() + "/" + parentAttrName().str() + "/" + name();
 }
 
 }  // namespace Zub
