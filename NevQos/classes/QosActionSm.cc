@@ -8,14 +8,12 @@ namespace Nev {
 
 QosActionBaseSm::QosActionBaseSm( Qos::ActionType actionType, QosClassMapKey const& cmapKey,
                                   QosAclSm* qosAclSm, QosPolicyMapSm* pmapSm,
-                                  Zub::Ptr< QosClassData > const& classData,
                                   QosClassActionBaseSm* classActionSm,
                                   Zub::Ptr< Qos::Action const > const& policyAction )
     : actionType_( actionType )
     , cmapKey_( cmapKey )
     , qosAclSm_( qosAclSm )
     , pmapSm_( pmapSm )
-    , classData_( classData )
     , classActionSm_( classActionSm )
     , policyAction_( policyAction ) {}
 
@@ -31,20 +29,15 @@ void QosActionBaseSm::setCmapHwStatus() {
 
 QosActionSm::QosActionSm( Qos::ActionType actionType, QosClassMapKey const& cmapKey,
                           QosAclSm* qosAclSm, QosPolicyMapSm* pmapSm,
-                          Zub::Ptr< QosClassData > const& classData,
                           QosClassActionBaseSm* classActionSm,
                           Zub::Ptr< Qos::Action const > const& policyAction )
-    : QosActionBaseSm( actionType, cmapKey, qosAclSm, pmapSm, classData, classActionSm,
-                       policyAction ) {
-   handleInitialized();
-}
+    : QosActionBaseSm( actionType, cmapKey, qosAclSm, pmapSm, classActionSm, policyAction ) {}
 
-void QosActionSm::handleInitialized() {
-   auto const data = classData()->actionDataIs( actionType() );
+void QosActionSm::applyTo( QosClassData& classData ) {
+   auto const data = classData.actionDataIs( actionType() );
    setCmapHwStatus();
    ZUB_ASSERT_TEXT( cmapHwStatus(), "cmapHwStatus()" );
    recordAction( *data );
-   initializedIs();
 }
 
 void QosActionSm::recordAction( QosClassActionData& data ) {
@@ -75,14 +68,14 @@ void QosActionSm::recordAction( QosClassActionData& data ) {
    }
 }
 
-void QosActionSm::doPrepareToDie() {
-   classData()->actionDataDel( actionType() );
+void QosActionSm::removeFrom( QosClassData& classData ) {
+   classData.actionDataDel( actionType() );
 }
 
-void QosActionSm::handleVerify() {
-   ZUB_ASSERT_TEXT( classData()->actionDataHas( actionType() ),
+void QosActionSm::handleVerify( QosClassData const& classData ) {
+   ZUB_ASSERT_TEXT( classData.actionDataHas( actionType() ),
                     "classData()->actionDataHas( actionType() )" );
-   auto const data = classData()->actionData( actionType() );
+   auto const data = classData.actionData( actionType() );
    ZUB_ASSERT_TEXT( data->val() == policyAction()->value(),
                     "classData()->actionData( actionType() )->val() == policyAction()->value()" );
    bool const input = pmapSm()->direction() == Qos::directionInput_;

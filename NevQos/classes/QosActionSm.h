@@ -1,6 +1,8 @@
 // One action of a class: copies the action's value into the class data, where the rule
 // programming reads it, and marks in the class-map status what was taken. The colour variants
 // (QosColourActionSm.h) do the same for a policer's conforming, exceeding and violating traffic.
+// The machine is the class's: it holds nothing of one copy of the class, and applies itself to
+// the class data of each copy in turn, so that the copies of a class share it.
 #pragma once
 
 #include "NevQos/types/QosClassData.h"
@@ -18,8 +20,7 @@ class QosClassActionBaseSm;
 class QosActionBaseSm : public Zub::PtrInterface {
  public:
    QosActionBaseSm( Qos::ActionType actionType, QosClassMapKey const& cmapKey, QosAclSm* qosAclSm,
-                    QosPolicyMapSm* pmapSm, Zub::Ptr< QosClassData > const& classData,
-                    QosClassActionBaseSm* classActionSm,
+                    QosPolicyMapSm* pmapSm, QosClassActionBaseSm* classActionSm,
                     Zub::Ptr< Qos::Action const > const& policyAction );
    ~QosActionBaseSm() override;
    Zub::FwkType fwkType() const override { return Zub::FwkType::stateMachine; }
@@ -30,48 +31,41 @@ class QosActionBaseSm : public Zub::PtrInterface {
    Qos::MapType cmapType() const { return cmapKey_.cmapType(); }
    QosAclSm* qosAclSm() const { return qosAclSm_; }
    QosPolicyMapSm* pmapSm() const { return pmapSm_; }
-   Zub::Ptr< QosClassData > const& classData() const { return classData_; }
    QosClassActionBaseSm* classActionSm() const { return classActionSm_; }
    Zub::Ptr< Qos::Action const > const& policyAction() const { return policyAction_; }
    Zub::Ptr< Qos::ClassMapHwStatus > const& cmapHwStatus() const { return cmapHwStatus_; }
-   bool initialized() const { return initialized_; }
 
-   // Virtual operations, in slot order.
-   virtual void handleVerify() = 0;
-   virtual void doPrepareToDie() = 0;
+   // Virtual operations, in slot order. Each takes the class data of one copy of the class.
+   virtual void applyTo( QosClassData& classData ) = 0;
+   virtual void handleVerify( QosClassData const& classData ) = 0;
+   virtual void removeFrom( QosClassData& classData ) = 0;
 
    // The class's entry in the policy map's hardware status; both levels must stand.
    void setCmapHwStatus();
-
- protected:
-   void initializedIs() { initialized_ = true; }
 
  private:
    Qos::ActionType actionType_;
    QosClassMapKey cmapKey_;
    QosAclSm* qosAclSm_;
    QosPolicyMapSm* pmapSm_;
-   Zub::Ptr< QosClassData > classData_;
    QosClassActionBaseSm* classActionSm_;
    Zub::Ptr< Qos::Action const > policyAction_;
    Zub::Ptr< Qos::ClassMapHwStatus > cmapHwStatus_;
-   bool initialized_ = false;
 };
 
 // An action of the class itself: set COS, DSCP, traffic class or drop precedence, or drop.
 class QosActionSm final : public QosActionBaseSm {
  public:
    QosActionSm( Qos::ActionType actionType, QosClassMapKey const& cmapKey, QosAclSm* qosAclSm,
-                QosPolicyMapSm* pmapSm, Zub::Ptr< QosClassData > const& classData,
-                QosClassActionBaseSm* classActionSm,
+                QosPolicyMapSm* pmapSm, QosClassActionBaseSm* classActionSm,
                 Zub::Ptr< Qos::Action const > const& policyAction );
 
-   void handleVerify() override;
+   void applyTo( QosClassData& classData ) override;
+   void handleVerify( QosClassData const& classData ) override;
    // The status flags stay: they go with the class-map status entry.
-   void doPrepareToDie() override;
+   void removeFrom( QosClassData& classData ) override;
 
  private:
-   void handleInitialized();
    // Value and status flag by action type; an output policy takes the value of some actions
    // without claiming them in the status.
    void recordAction( QosClassActionData& data );

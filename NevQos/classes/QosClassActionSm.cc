@@ -12,60 +12,47 @@ namespace Nev {
 
 QosClassActionBaseSm::QosClassActionBaseSm(
       QosClassMapKey const& key, QosAclSm* qosAclSm, QosPolicyMapSm* pmapSm,
-      Zub::Ptr< QosClassData > const& classData,
       Zub::Ptr< Qos::ClassAction const > const& policyClassAction )
     : key_( key )
     , qosAclSm_( qosAclSm )
     , pmapSm_( pmapSm )
-    , classData_( classData )
     , policyClassAction_( policyClassAction ) {}
 
 QosClassActionBaseSm::~QosClassActionBaseSm() = default;
 
-void QosClassActionBaseSm::deleteSm() {
-   while( auto const first = actionSm().iter() ) {
-      Qos::ActionType const type = first.key();
-      first.value()->doPrepareToDie();
-      actionSmDel( type );
-   }
+void QosClassActionBaseSm::removeFrom( QosClassData& classData ) {
+   for( auto it = actionSm().iter(); it; ++it )
+      it.value()->removeFrom( classData );
 }
 
 void QosClassActionBaseSm::doPrepareToDie() {
-   deleteSm();
+   actionSmDelAll();
 }
 
 QosClassActionSm::QosClassActionSm( QosClassMapKey const& key, QosAclSm* qosAclSm,
                                     QosPolicyMapSm* pmapSm,
-                                    Zub::Ptr< QosClassData > const& classData,
                                     Zub::Ptr< Qos::ClassAction const > const& policyClassAction )
-    : QosClassActionBaseSm( key, qosAclSm, pmapSm, classData, policyClassAction ) {
-   handleInitialized();
-}
+    : QosClassActionBaseSm( key, qosAclSm, pmapSm, policyClassAction ) {}
 
-void QosClassActionSm::handleInitialized() {
-   createSm();
-   initializedIs();
-}
-
-void QosClassActionSm::createSm() {
+void QosClassActionSm::applyTo( QosClassData& classData ) {
    switch( cmapType() ) {
       case Qos::mapControlPlane_:
-         allocateCpuQueue();
+         allocateCpuQueue( classData );
          break;
       case Qos::mapQos_:
-         selectActions();
+         selectActions( classData );
          break;
       default:
          break;
    }
 }
 
-void QosClassActionSm::allocateCpuQueue() {
+void QosClassActionSm::allocateCpuQueue( QosClassData& classData ) {
    auto const typeStatus = qosAclSm()->qosStatus()->cmapType( cmapType() );
    auto const cmap = typeStatus ? typeStatus->cmap( cmapName() ) : nullptr;
    // System classes have their queue already.
-   if( !cmap || cmap->cpType() != Qos::cmapCpDynamic_ || classData()->cpuQId() != -1 ) return;
-   int const cpuQId = qosAclSm()->qosHelper()->coppAllocateCpuQ( *classData() );
+   if( !cmap || cmap->cpType() != Qos::cmapCpDynamic_ || classData.cpuQId() != -1 ) return;
+   int const cpuQId = qosAclSm()->qosHelper()->coppAllocateCpuQ( classData );
    ZUB_TRACE( nevQosTrace, 5,
               "createSm"
                     << "(" << cpuQId << ")" );
@@ -75,22 +62,19 @@ void QosClassActionSm::allocateCpuQueue() {
       qosAclSm()->updatePolicyMapErrorState( aclCreateErrorOutOfTcam, pmapSm()->key(), nullptr );
       return;
    }
-   classData()->cpuQIdIs( cpuQId );
+   classData.cpuQIdIs( cpuQId );
 }
 
-void QosClassActionSm::selectActions() {
+void QosClassActionSm::selectActions( QosClassData& classData ) {
    auto const& actions = policyClassAction()->action();
    if( qosAclSm()->qosHelper()->multipleActionsSupported() ) {
       for( auto it = actions.iter(); it; ++it ) {
-         actionSmIsOf< QosActionSm >( it.key(), key(), qosAclSm(), pmapSm(), classData(), this,
-                                      Zub::Ptr< Qos::Action const >( it.value() ) );
+         actionApplyTo< QosActionSm >( Zub::Ptr< Qos::Action const >( it.value() ), classData );
       }
       return;
    }
    if( policyClassAction()->actionSize() == 0 ) return;
-   auto const action = singleAction();
-   actionSmIsOf< QosActionSm >( action->actionType(), key(), qosAclSm(), pmapSm(), classData(),
-                                this, Zub::Ptr< Qos::Action const >( action ) );
+   actionApplyTo< QosActionSm >( singleAction(), classData );
    if( policyClassAction()->actionSize() > 1 ) {
       Zub::log( QOS_POLICY_MULTIPLE_ACTIONS, cmapName(), pmapSm()->pmapName() );
    }
@@ -108,24 +92,24 @@ Zub::Ptr< Qos::Action > QosClassActionSm::singleAction() const {
    return action;
 }
 
-void QosClassActionSm::deleteSm() {
-   if( classData()->key().cmapType() == Qos::mapControlPlane_ && classData()->cpuQId() != -1 ) {
-      qosAclSm()->qosHelper()->coppDeallocateCpuQ( *classData() );
-      classData()->cpuQIdIs( -1 );
+void QosClassActionSm::removeFrom( QosClassData& classData ) {
+   if( classData.key().cmapType() == Qos::mapControlPlane_ && classData.cpuQId() != -1 ) {
+      qosAclSm()->qosHelper()->coppDeallocateCpuQ( classData );
+      classData.cpuQIdIs( -1 );
    }
-   QosClassActionBaseSm::deleteSm();
+   QosClassActionBaseSm::removeFrom( classData );
 }
 
-void QosClassActionSm::handleVerify() {
+void QosClassActionSm::handleVerify( QosClassData const& classData ) {
    if( cmapType() != Qos::mapQos_ ) return;
    if( qosAclSm()->qosHelper()->multipleActionsSupported() ) {
-      verifyActions( policyClassAction()->action() );
+      verifyActions( policyClassAction()->action(), classData );
       return;
    }
    if( policyClassAction()->actionSize() == 0 ) return;
    Qos::ActionType const actionType = singleAction()->actionType();
    ZUB_ASSERT_TEXT( actionSmHas( actionType ), "actionSmHas( actionType )" );
-   actionSm( actionType )->handleVerify();
+   actionSm( actionType )->handleVerify( classData );
 }
 
 }  // namespace Nev

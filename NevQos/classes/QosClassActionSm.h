@@ -1,7 +1,8 @@
 // The class action of a class: the set of actions the configuration gives it, turned into one
 // action machine per action the chip takes. Built once from a class action; a change of the
 // configuration arrives as a new machine. The colour variants (QosColourClassActionSm.h) serve
-// the actions of a policer.
+// the actions of a policer. The machines are the class's and hold nothing of one copy of it:
+// each copy's class data is given to them, so that all the copies of a class share them.
 #pragma once
 
 #include "NevQos/classes/QosActionSm.h"
@@ -13,7 +14,6 @@ namespace Nev {
 class QosClassActionBaseSm : public Zub::PtrInterface {
  public:
    QosClassActionBaseSm( QosClassMapKey const& key, QosAclSm* qosAclSm, QosPolicyMapSm* pmapSm,
-                         Zub::Ptr< QosClassData > const& classData,
                          Zub::Ptr< Qos::ClassAction const > const& policyClassAction );
    ~QosClassActionBaseSm() override;
    Zub::FwkType fwkType() const override { return Zub::FwkType::stateMachine; }
@@ -23,31 +23,32 @@ class QosClassActionBaseSm : public Zub::PtrInterface {
    Qos::MapType cmapType() const { return key_.cmapType(); }
    QosAclSm* qosAclSm() const { return qosAclSm_; }
    QosPolicyMapSm* pmapSm() const { return pmapSm_; }
-   Zub::Ptr< QosClassData > const& classData() const { return classData_; }
    Zub::Ptr< Qos::ClassAction const > const& policyClassAction() const {
       return policyClassAction_;
    }
-   bool initialized() const { return initialized_; }
    ZUB_SM_CHILDREN( actionSm, Qos::ActionType, QosActionBaseSm )
 
-   // Virtual operations, in slot order.
-   virtual void deleteSm();
-   virtual void handleVerify() = 0;
+   // Virtual operations, in slot order. Each but the last takes the class data of one copy.
+   virtual void applyTo( QosClassData& classData ) = 0;
+   virtual void handleVerify( QosClassData const& classData ) = 0;
+   // The actions leave the copy's class data, by action type.
+   virtual void removeFrom( QosClassData& classData );
+   // The action machines go, with the class.
    virtual void doPrepareToDie();
 
  protected:
-   void initializedIs() { initialized_ = true; }
-   // Each action of `actions` has its machine, which checks itself.
+   // The machine of an action, made when the first copy takes it, and applied to `classData`.
+   template< class ActionSm >
+   void actionApplyTo( Zub::Ptr< Qos::Action const > const& action, QosClassData& classData );
+   // Each action of `actions` has its machine, which checks itself on `classData`.
    template< class Actions >
-   void verifyActions( Actions const& actions );
+   void verifyActions( Actions const& actions, QosClassData const& classData );
 
  private:
    QosClassMapKey key_;
    QosAclSm* qosAclSm_;
    QosPolicyMapSm* pmapSm_;
-   Zub::Ptr< QosClassData > classData_;
    Zub::Ptr< Qos::ClassAction const > policyClassAction_;
-   bool initialized_ = false;
 };
 
 // The actions of the class itself. A control-plane class takes no action here but, when the
@@ -55,27 +56,36 @@ class QosClassActionBaseSm : public Zub::PtrInterface {
 class QosClassActionSm final : public QosClassActionBaseSm {
  public:
    QosClassActionSm( QosClassMapKey const& key, QosAclSm* qosAclSm, QosPolicyMapSm* pmapSm,
-                     Zub::Ptr< QosClassData > const& classData,
                      Zub::Ptr< Qos::ClassAction const > const& policyClassAction );
 
-   void createSm();
-   void deleteSm() override;
-   void handleVerify() override;
+   void applyTo( QosClassData& classData ) override;
+   void handleVerify( QosClassData const& classData ) override;
+   void removeFrom( QosClassData& classData ) override;
 
  private:
-   void handleInitialized();
-   void allocateCpuQueue();
-   void selectActions();
+   void allocateCpuQueue( QosClassData& classData );
+   void selectActions( QosClassData& classData );
    // On a chip that takes one action per class: set DSCP, else set COS, else set traffic class,
    // else the first of the set (a drop, a drop precedence).
    Zub::Ptr< Qos::Action > singleAction() const;
 };
 
+template< class ActionSm >
+void QosClassActionBaseSm::actionApplyTo( Zub::Ptr< Qos::Action const > const& action,
+                                          QosClassData& classData ) {
+   auto sm = actionSm( action->actionType() );
+   if( !sm ) {
+      sm = actionSmIsOf< ActionSm >( action->actionType(), key(), qosAclSm(), pmapSm(), this,
+                                     action );
+   }
+   sm->applyTo( classData );
+}
+
 template< class Actions >
-void QosClassActionBaseSm::verifyActions( Actions const& actions ) {
+void QosClassActionBaseSm::verifyActions( Actions const& actions, QosClassData const& classData ) {
    for( auto it = actions.iter(); it; ++it ) {
       ZUB_ASSERT_TEXT( actionSmHas( it.key() ), "actionSmHas( action->actionType() )" );
-      actionSm( it.key() )->handleVerify();
+      actionSm( it.key() )->handleVerify( classData );
    }
 }
 

@@ -7,29 +7,28 @@ namespace Nev {
 
 QosColourActionSm::QosColourActionSm( PolicerColour colour, Qos::ActionType actionType,
                                       QosClassMapKey const& cmapKey, QosAclSm* qosAclSm,
-                                      QosPolicyMapSm* pmapSm,
-                                      Zub::Ptr< QosClassData > const& classData,
-                                      QosClassActionBaseSm* classActionSm,
+                                      QosPolicyMapSm* pmapSm, QosClassActionBaseSm* classActionSm,
                                       Zub::Ptr< Qos::Action const > const& policyAction )
-    : QosActionBaseSm( actionType, cmapKey, qosAclSm, pmapSm, classData, classActionSm,
-                       policyAction )
+    : QosActionBaseSm( actionType, cmapKey, qosAclSm, pmapSm, classActionSm, policyAction )
     , colour_( colour ) {}
 
-void QosColourActionSm::handleInitialized() {
+bool QosColourActionSm::takes() const {
+   return colour() != PolicerColour::green || classActionSm()->policyClassAction()->policer();
+}
+
+void QosColourActionSm::applyTo( QosClassData& classData ) {
+   if( !takes() ) return;
    if( colour() == PolicerColour::green ) {
-      // Conforming traffic has an action of its own only under a policer.
-      if( !classActionSm()->policyClassAction()->policer() ) return;
-      actionDataIs();
+      actionDataIs( classData );
       setCmapHwStatus();
-      findPolicerHwStatus();
-      actionStatusIs();
+      ZUB_ASSERT_TEXT( policerHwStatus( classData ), "policerHwStatus" );
+      actionStatusIs( classData );
    } else {
       setCmapHwStatus();
-      findPolicerHwStatus();
-      actionStatusIs();
-      actionDataIs();
+      ZUB_ASSERT_TEXT( policerHwStatus( classData ), "policerHwStatus" );
+      actionStatusIs( classData );
+      actionDataIs( classData );
    }
-   initializedIs();
 }
 
 namespace {
@@ -82,48 +81,49 @@ Colour const& colourOf( PolicerColour colour ) {
 
 }  // namespace
 
-void QosColourActionSm::findPolicerHwStatus() {
-   auto const policerData = classData()->policerData();
+Zub::Ptr< Qos::PolicerHwStatus > QosColourActionSm::policerHwStatus(
+      QosClassData const& classData ) const {
+   auto const policerData = classData.policerData();
    ZUB_ASSERT_TEXT( policerData, "policerData" );
-   policerHwStatus_ = cmapHwStatus()->policerHwStatus( policerData->name() );
-   ZUB_ASSERT_TEXT( policerHwStatus_, "policerHwStatus" );
+   return cmapHwStatus() ? cmapHwStatus()->policerHwStatus( policerData->name() ) : nullptr;
 }
 
-Zub::Ptr< QosClassActionData > QosColourActionSm::actionData() const {
+Zub::Ptr< QosClassActionData > QosColourActionSm::actionData(
+      QosClassData const& classData ) const {
    switch( colour() ) {
       case PolicerColour::green:
-         return classData()->actionData( actionType() );
+         return classData.actionData( actionType() );
       case PolicerColour::yellow:
-         return classData()->policerData()->yellowActionData( actionType() );
+         return classData.policerData()->yellowActionData( actionType() );
       case PolicerColour::red:
          break;
    }
-   return classData()->policerData()->redActionData( actionType() );
+   return classData.policerData()->redActionData( actionType() );
 }
 
-void QosColourActionSm::actionDataIs() {
+void QosColourActionSm::actionDataIs( QosClassData& classData ) {
    Zub::Ptr< QosClassActionData > data;
    switch( colour() ) {
       case PolicerColour::green:
-         data = classData()->actionDataIs( actionType() );
+         data = classData.actionDataIs( actionType() );
          break;
       case PolicerColour::yellow:
-         data = classData()->policerData()->yellowActionDataIs( actionType() );
+         data = classData.policerData()->yellowActionDataIs( actionType() );
          break;
       case PolicerColour::red:
-         data = classData()->policerData()->redActionDataIs( actionType() );
+         data = classData.policerData()->redActionDataIs( actionType() );
          break;
    }
    ZUB_ASSERT( data );
    data->valIs( policyAction()->value() );
 }
 
-void QosColourActionSm::actionDataDel() {
+void QosColourActionSm::actionDataDel( QosClassData& classData ) {
    if( colour() == PolicerColour::green ) {
-      classData()->actionDataDel( actionType() );
+      classData.actionDataDel( actionType() );
       return;
    }
-   auto const policerData = classData()->policerData();
+   auto const policerData = classData.policerData();
    if( !policerData ) return;
    if( colour() == PolicerColour::yellow ) {
       policerData->yellowActionDataDel( actionType() );
@@ -132,35 +132,37 @@ void QosColourActionSm::actionDataDel() {
    }
 }
 
-void QosColourActionSm::actionStatusIs() {
-   ( policerHwStatus().ptr()->*colourOf( colour() ).statusIs )( actionType(), true );
+void QosColourActionSm::actionStatusIs( QosClassData const& classData ) {
+   ( policerHwStatus( classData ).ptr()->*colourOf( colour() ).statusIs )( actionType(), true );
 }
 
-void QosColourActionSm::actionStatusDel() {
-   if( !policerHwStatus() ) return;
-   ( policerHwStatus().ptr()->*colourOf( colour() ).statusDel )( actionType() );
+void QosColourActionSm::actionStatusDel( QosClassData const& classData ) {
+   if( !classData.policerData() ) return;
+   auto const status = policerHwStatus( classData );
+   if( !status ) return;
+   ( status.ptr()->*colourOf( colour() ).statusDel )( actionType() );
 }
 
-bool QosColourActionSm::actionStatusHas() const {
-   return ( policerHwStatus().ptr()->*colourOf( colour() ).statusHas )( actionType() );
+bool QosColourActionSm::actionStatusHas( QosClassData const& classData ) const {
+   return ( policerHwStatus( classData ).ptr()->*colourOf( colour() ).statusHas )( actionType() );
 }
 
-void QosColourActionSm::doPrepareToDie() {
-   if( !initialized() ) return;
-   actionDataDel();
-   actionStatusDel();
+void QosColourActionSm::removeFrom( QosClassData& classData ) {
+   if( !takes() ) return;
+   actionDataDel( classData );
+   actionStatusDel( classData );
 }
 
-void QosColourActionSm::handleVerify() {
+void QosColourActionSm::handleVerify( QosClassData const& classData ) {
    Colour const& texts = colourOf( colour() );
-   auto const data = actionData();
+   auto const data = actionData( classData );
    ZUB_ASSERT_TEXT( data, texts.dataHasText );
    if( colour() == PolicerColour::green ) {
       // Conforming traffic's value is checked first: it lives in the class's own action data.
       ZUB_ASSERT_TEXT( data->val() == policyAction()->value(), texts.valText );
    }
-   ZUB_ASSERT_TEXT( policerHwStatus(), "policerHwStatus" );
-   ZUB_ASSERT_TEXT( actionStatusHas(), texts.statusHasText );
+   ZUB_ASSERT_TEXT( policerHwStatus( classData ), "policerHwStatus" );
+   ZUB_ASSERT_TEXT( actionStatusHas( classData ), texts.statusHasText );
    if( colour() != PolicerColour::green ) {
       ZUB_ASSERT_TEXT( data->val() == policyAction()->value(), texts.valText );
    }
@@ -168,32 +170,23 @@ void QosColourActionSm::handleVerify() {
 
 QosGreenActionSm::QosGreenActionSm( Qos::ActionType actionType, QosClassMapKey const& cmapKey,
                                     QosAclSm* qosAclSm, QosPolicyMapSm* pmapSm,
-                                    Zub::Ptr< QosClassData > const& classData,
                                     QosClassActionBaseSm* classActionSm,
                                     Zub::Ptr< Qos::Action const > const& policyAction )
-    : QosColourActionSm( PolicerColour::green, actionType, cmapKey, qosAclSm, pmapSm, classData,
-                         classActionSm, policyAction ) {
-   handleInitialized();
-}
+    : QosColourActionSm( PolicerColour::green, actionType, cmapKey, qosAclSm, pmapSm, classActionSm,
+                         policyAction ) {}
 
 QosYellowActionSm::QosYellowActionSm( Qos::ActionType actionType, QosClassMapKey const& cmapKey,
                                       QosAclSm* qosAclSm, QosPolicyMapSm* pmapSm,
-                                      Zub::Ptr< QosClassData > const& classData,
                                       QosClassActionBaseSm* classActionSm,
                                       Zub::Ptr< Qos::Action const > const& policyAction )
-    : QosColourActionSm( PolicerColour::yellow, actionType, cmapKey, qosAclSm, pmapSm, classData,
-                         classActionSm, policyAction ) {
-   handleInitialized();
-}
+    : QosColourActionSm( PolicerColour::yellow, actionType, cmapKey, qosAclSm, pmapSm,
+                         classActionSm, policyAction ) {}
 
 QosRedActionSm::QosRedActionSm( Qos::ActionType actionType, QosClassMapKey const& cmapKey,
                                 QosAclSm* qosAclSm, QosPolicyMapSm* pmapSm,
-                                Zub::Ptr< QosClassData > const& classData,
                                 QosClassActionBaseSm* classActionSm,
                                 Zub::Ptr< Qos::Action const > const& policyAction )
-    : QosColourActionSm( PolicerColour::red, actionType, cmapKey, qosAclSm, pmapSm, classData,
-                         classActionSm, policyAction ) {
-   handleInitialized();
-}
+    : QosColourActionSm( PolicerColour::red, actionType, cmapKey, qosAclSm, pmapSm, classActionSm,
+                         policyAction ) {}
 
 }  // namespace Nev

@@ -13,55 +13,49 @@ class QosColourActionSm : public QosActionBaseSm {
  public:
    QosColourActionSm( PolicerColour colour, Qos::ActionType actionType,
                       QosClassMapKey const& cmapKey, QosAclSm* qosAclSm, QosPolicyMapSm* pmapSm,
-                      Zub::Ptr< QosClassData > const& classData,
                       QosClassActionBaseSm* classActionSm,
                       Zub::Ptr< Qos::Action const > const& policyAction );
 
    PolicerColour colour() const { return colour_; }
-   // The policer's entry in the class-map status, null before the action took.
-   Zub::Ptr< Qos::PolicerHwStatus > const& policerHwStatus() const { return policerHwStatus_; }
+   // The entry of a copy's policer in the class-map status; null before the action took.
+   Zub::Ptr< Qos::PolicerHwStatus > policerHwStatus( QosClassData const& classData ) const;
 
-   void handleVerify() override;
-   void doPrepareToDie() override;
-
- protected:
-   void handleInitialized();
+   void applyTo( QosClassData& classData ) override;
+   void handleVerify( QosClassData const& classData ) override;
+   void removeFrom( QosClassData& classData ) override;
 
  private:
+   // Conforming traffic has an action of its own only under a policer.
+   bool takes() const;
    // Where the colour's action data lives: the class data for green, the policer data else.
-   Zub::Ptr< QosClassActionData > actionData() const;
-   void actionDataIs();
-   void actionDataDel();
-   void actionStatusIs();
-   void actionStatusDel();
-   bool actionStatusHas() const;
-   void findPolicerHwStatus();
+   Zub::Ptr< QosClassActionData > actionData( QosClassData const& classData ) const;
+   void actionDataIs( QosClassData& classData );
+   void actionDataDel( QosClassData& classData );
+   void actionStatusIs( QosClassData const& classData );
+   void actionStatusDel( QosClassData const& classData );
+   bool actionStatusHas( QosClassData const& classData ) const;
 
    PolicerColour colour_;
-   Zub::Ptr< Qos::PolicerHwStatus > policerHwStatus_;
 };
 
 class QosGreenActionSm final : public QosColourActionSm {
  public:
    QosGreenActionSm( Qos::ActionType actionType, QosClassMapKey const& cmapKey, QosAclSm* qosAclSm,
-                     QosPolicyMapSm* pmapSm, Zub::Ptr< QosClassData > const& classData,
-                     QosClassActionBaseSm* classActionSm,
+                     QosPolicyMapSm* pmapSm, QosClassActionBaseSm* classActionSm,
                      Zub::Ptr< Qos::Action const > const& policyAction );
 };
 
 class QosYellowActionSm final : public QosColourActionSm {
  public:
    QosYellowActionSm( Qos::ActionType actionType, QosClassMapKey const& cmapKey, QosAclSm* qosAclSm,
-                      QosPolicyMapSm* pmapSm, Zub::Ptr< QosClassData > const& classData,
-                      QosClassActionBaseSm* classActionSm,
+                      QosPolicyMapSm* pmapSm, QosClassActionBaseSm* classActionSm,
                       Zub::Ptr< Qos::Action const > const& policyAction );
 };
 
 class QosRedActionSm final : public QosColourActionSm {
  public:
    QosRedActionSm( Qos::ActionType actionType, QosClassMapKey const& cmapKey, QosAclSm* qosAclSm,
-                   QosPolicyMapSm* pmapSm, Zub::Ptr< QosClassData > const& classData,
-                   QosClassActionBaseSm* classActionSm,
+                   QosPolicyMapSm* pmapSm, QosClassActionBaseSm* classActionSm,
                    Zub::Ptr< Qos::Action const > const& policyAction );
 };
 

@@ -7,24 +7,16 @@ namespace Nev {
 
 QosColourClassActionSm::QosColourClassActionSm(
       PolicerColour colour, QosClassMapKey const& key, QosAclSm* qosAclSm, QosPolicyMapSm* pmapSm,
-      Zub::Ptr< QosClassData > const& classData,
       Zub::Ptr< Qos::ClassAction const > const& policyClassAction )
-    : QosClassActionBaseSm( key, qosAclSm, pmapSm, classData, policyClassAction )
-    , colour_( colour ) {}
+    : QosClassActionBaseSm( key, qosAclSm, pmapSm, policyClassAction ), colour_( colour ) {}
 
-void QosColourClassActionSm::handleInitialized() {
-   createSm();
-   initializedIs();
-}
-
-void QosColourClassActionSm::createSm() {
+void QosColourClassActionSm::applyTo( QosClassData& classData ) {
    if( colour() != PolicerColour::green ) {
-      createYellowOrRed();
+      applyYellowOrRed( classData );
       return;
    }
    for( auto it = policyClassAction()->action().iter(); it; ++it ) {
-      actionSmIsOf< QosGreenActionSm >( it.key(), key(), qosAclSm(), pmapSm(), classData(), this,
-                                        Zub::Ptr< Qos::Action const >( it.value() ) );
+      actionApplyTo< QosGreenActionSm >( Zub::Ptr< Qos::Action const >( it.value() ), classData );
    }
 }
 
@@ -37,14 +29,14 @@ void QosColourClassActionSm::assertPolicerMapType() const {
          "Qos::mapControlPlane_ && qosAclSm()->qosAclHwStatus()->intfCoppSupported() )" );
 }
 
-void QosColourClassActionSm::createYellowOrRed() {
+void QosColourClassActionSm::applyYellowOrRed( QosClassData& classData ) {
    auto const policerCfg = policyClassAction()->policer();
    if( !policerCfg ) return;
    assertPolicerMapType();
    if( colour() == PolicerColour::yellow ) {
       for( auto it = policerCfg->yellowAction().iter(); it; ++it ) {
-         actionSmIsOf< QosYellowActionSm >( it.key(), key(), qosAclSm(), pmapSm(), classData(),
-                                            this, Zub::Ptr< Qos::Action const >( it.value() ) );
+         actionApplyTo< QosYellowActionSm >( Zub::Ptr< Qos::Action const >( it.value() ),
+                                             classData );
       }
       return;
    }
@@ -52,24 +44,23 @@ void QosColourClassActionSm::createYellowOrRed() {
    ZUB_ASSERT_TEXT( policerCfg->named() || policerCfg->redActionSize() == 1,
                     "policerCfg->named() || policerCfg->redActionss() == 1" );
    for( auto it = policerCfg->redAction().iter(); it; ++it ) {
-      actionSmIsOf< QosRedActionSm >( it.key(), key(), qosAclSm(), pmapSm(), classData(), this,
-                                      Zub::Ptr< Qos::Action const >( it.value() ) );
+      actionApplyTo< QosRedActionSm >( Zub::Ptr< Qos::Action const >( it.value() ), classData );
    }
 }
 
-void QosColourClassActionSm::handleVerify() {
+void QosColourClassActionSm::handleVerify( QosClassData const& classData ) {
    switch( colour() ) {
       case PolicerColour::green:
-         verifyActions( policyClassAction()->action() );
+         verifyActions( policyClassAction()->action(), classData );
          break;
       case PolicerColour::yellow:
          if( auto const policerCfg = policyClassAction()->policer() ) {
-            verifyActions( policerCfg->yellowAction() );
+            verifyActions( policerCfg->yellowAction(), classData );
          }
          break;
       case PolicerColour::red:
          if( auto const policerCfg = policyClassAction()->policer() ) {
-            verifyActions( policerCfg->redAction() );
+            verifyActions( policerCfg->redAction(), classData );
          }
          break;
    }
@@ -77,29 +68,17 @@ void QosColourClassActionSm::handleVerify() {
 
 QosGreenClassActionSm::QosGreenClassActionSm(
       QosClassMapKey const& key, QosAclSm* qosAclSm, QosPolicyMapSm* pmapSm,
-      Zub::Ptr< QosClassData > const& classData,
       Zub::Ptr< Qos::ClassAction const > const& policyClassAction )
-    : QosColourClassActionSm( PolicerColour::green, key, qosAclSm, pmapSm, classData,
-                              policyClassAction ) {
-   handleInitialized();
-}
+    : QosColourClassActionSm( PolicerColour::green, key, qosAclSm, pmapSm, policyClassAction ) {}
 
 QosYellowClassActionSm::QosYellowClassActionSm(
       QosClassMapKey const& key, QosAclSm* qosAclSm, QosPolicyMapSm* pmapSm,
-      Zub::Ptr< QosClassData > const& classData,
       Zub::Ptr< Qos::ClassAction const > const& policyClassAction )
-    : QosColourClassActionSm( PolicerColour::yellow, key, qosAclSm, pmapSm, classData,
-                              policyClassAction ) {
-   handleInitialized();
-}
+    : QosColourClassActionSm( PolicerColour::yellow, key, qosAclSm, pmapSm, policyClassAction ) {}
 
 QosRedClassActionSm::QosRedClassActionSm(
       QosClassMapKey const& key, QosAclSm* qosAclSm, QosPolicyMapSm* pmapSm,
-      Zub::Ptr< QosClassData > const& classData,
       Zub::Ptr< Qos::ClassAction const > const& policyClassAction )
-    : QosColourClassActionSm( PolicerColour::red, key, qosAclSm, pmapSm, classData,
-                              policyClassAction ) {
-   handleInitialized();
-}
+    : QosColourClassActionSm( PolicerColour::red, key, qosAclSm, pmapSm, policyClassAction ) {}
 
 }  // namespace Nev

@@ -28,10 +28,12 @@ QosPolicerSm::QosPolicerSm( Zub::Name const& name, QosClassMapKey const& cmapKey
                             QosAclSm* qosAclSm, QosPolicyMapSm* pmapSm,
                             Zub::Ptr< Qos::ClassMapStatus const > const& cmap, unsigned cmapPrio,
                             Zub::Ptr< Qos::ClassAction const > const& caction, bool classDefault,
-                            Qos::IntfPairKey const& intfPair )
+                            Qos::IntfPairKey const& intfPair, QosPolicerActionSms const* actionSms )
     : QosPolicyClassBaseSm( cmapKey, qosAclSm, pmapSm, cmap, cmapPrio, caction, classDefault )
     , intfPair_( intfPair )
-    , name_( name ) {
+    , name_( name )
+    , actionSms_( actionSms ) {
+   ZUB_ASSERT( actionSms_ );
    handleInitialized();
 }
 
@@ -83,11 +85,7 @@ void QosPolicerSm::createSm() {
    policerData->namedIs( caction()->policer()->named() );
    policerData->namedPolicerStatusIs( namedPolicerStatus() );
    classDataPolicerNameIs( name() );
-   createClassActionSm();
-   yellowClassActionSm_ = Zub::make< QosYellowClassActionSm >( cmapKey(), qosAclSm(), pmapSm(),
-                                                               classData(), caction() );
-   redClassActionSm_ = Zub::make< QosRedClassActionSm >( cmapKey(), qosAclSm(), pmapSm(),
-                                                         classData(), caction() );
+   applyActions();
    createClassMatchSm();
    // A map that failed is rebuilt as a whole: its copies reach the chip then.
    if( pmapSm()->pmapState()->dirty() ) return;
@@ -126,15 +124,25 @@ void QosPolicerSm::handleIntf( Qos::IntfPairKey const& intfId, bool add ) {
       it.value()->intfUpdated( intfId, add );
 }
 
-void QosPolicerSm::destroyColourClassActions() {
-   if( redClassActionSm_ ) {
-      redClassActionSm_->doPrepareToDie();
-      redClassActionSm_ = nullptr;
-   }
-   if( yellowClassActionSm_ ) {
-      yellowClassActionSm_->doPrepareToDie();
-      yellowClassActionSm_ = nullptr;
-   }
+// The class action first, then yellow and red: as if each copy had machines of its own.
+void QosPolicerSm::applyActions() {
+   actionSms_->classActionSm->applyTo( *classData() );
+   actionSms_->yellowClassActionSm->applyTo( *classData() );
+   actionSms_->redClassActionSm->applyTo( *classData() );
+   actionsApplied_ = true;
+}
+
+// Red, yellow, then the class action.
+void QosPolicerSm::removeActions() {
+   if( !actionsApplied_ || !classData() ) return;
+   actionsApplied_ = false;
+   actionSms_->redClassActionSm->removeFrom( *classData() );
+   actionSms_->yellowClassActionSm->removeFrom( *classData() );
+   actionSms_->classActionSm->removeFrom( *classData() );
+}
+
+QosClassActionSm* QosPolicerSm::appliedClassActionSm() const {
+   return actionsApplied_ ? actionSms_->classActionSm.ptr() : nullptr;
 }
 
 void QosPolicerSm::deleteSm() {
@@ -145,8 +153,7 @@ void QosPolicerSm::deleteSm() {
       }
    }
    deleteClassMatchSm();
-   destroyColourClassActions();
-   deleteClassActionSm();
+   removeActions();
    if( classData() ) classData()->policerDataDel();
    if( pmapSliceHwStatus() ) {
       if( auto const status = pmapSliceHwStatus()->cmap( cmapName() ) ) {
@@ -223,8 +230,10 @@ void QosPolicerSm::handleVerify() {
    if( !classData() ) return;
    if( caction() && caction()->policer() ) verifyPolicerParameters();
    QosPolicyClassBaseSm::handleVerify();
-   if( yellowClassActionSm_ ) yellowClassActionSm_->handleVerify();
-   if( redClassActionSm_ ) redClassActionSm_->handleVerify();
+   if( actionsApplied_ ) {
+      actionSms_->yellowClassActionSm->handleVerify( *classData() );
+      actionSms_->redClassActionSm->handleVerify( *classData() );
+   }
    qosAclSm()->qosHelper()->verifyPolicer( *classData() );
    if( cmapType() == Qos::mapControlPlane_ && qosAclSm()->qosAclHwStatus()->intfCoppSupported() ) {
       verifyCpuQueue();

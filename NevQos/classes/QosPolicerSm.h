@@ -1,8 +1,8 @@
 // One hardware copy of a class with a policer, on a chip that keeps policers outside the class:
 // per interface, per LAG, per shared named policer or per shared policy map. It lives from the
 // first interface that names it to the last one that leaves it, builds its policer data with
-// the parameters clamped to the chip, the policer's yellow and red actions, and asks the chip
-// for the policer.
+// the parameters clamped to the chip, applies the class's action machines to its class data (the
+// class action, the policer's yellow and red actions), and asks the chip for the policer.
 #pragma once
 
 #include "NevQos/classes/QosColourClassActionSm.h"
@@ -10,19 +10,24 @@
 
 namespace Nev {
 
+// The machines of a class's actions, which each of its policer copies applies to its own class
+// data: the class action, and the yellow and red actions of the policer.
+struct QosPolicerActionSms {
+   Zub::Ptr< QosClassActionSm > classActionSm;
+   Zub::Ptr< QosYellowClassActionSm > yellowClassActionSm;
+   Zub::Ptr< QosRedClassActionSm > redClassActionSm;
+};
+
 class QosPolicerSm final : public QosPolicyClassBaseSm {
  public:
    QosPolicerSm( Zub::Name const& name, QosClassMapKey const& cmapKey, QosAclSm* qosAclSm,
                  QosPolicyMapSm* pmapSm, Zub::Ptr< Qos::ClassMapStatus const > const& cmap,
                  unsigned cmapPrio, Zub::Ptr< Qos::ClassAction const > const& caction,
-                 bool classDefault, Qos::IntfPairKey const& intfPair );
+                 bool classDefault, Qos::IntfPairKey const& intfPair,
+                 QosPolicerActionSms const* actionSms );
 
    Qos::IntfPairKey const& intfPair() const { return intfPair_; }
    Zub::Name const& name() const { return name_; }
-   Zub::Ptr< QosYellowClassActionSm > const& yellowClassActionSm() const {
-      return yellowClassActionSm_;
-   }
-   Zub::Ptr< QosRedClassActionSm > const& redClassActionSm() const { return redClassActionSm_; }
    // The status of the named policer the class uses, by map type; null for an unnamed one.
    Zub::Ptr< Qos::NamedPolicerStatus const > namedPolicerStatus() const;
    bool initialized() const { return initialized_; }
@@ -30,6 +35,7 @@ class QosPolicerSm final : public QosPolicyClassBaseSm {
    void deleteSm() override;
    void counterUpdateRequest() override;
    void handleVerify() override;
+   QosClassActionSm* appliedClassActionSm() const override;
 
    void createSm();
    void handleIntf( Qos::IntfPairKey const& intfId, bool add );
@@ -39,7 +45,8 @@ class QosPolicerSm final : public QosPolicyClassBaseSm {
    // Interfaces other than the first one reach the matches only for a copy that is shared.
    bool shared() const;
    void createAndAttachPolicer();
-   void destroyColourClassActions();
+   void applyActions();
+   void removeActions();
    void verifyPolicerParameters() const;
    void verifyCpuQueue() const;
    // The sum of the copy's counters: its matches, or the chip's CPU-queue policer.
@@ -47,8 +54,9 @@ class QosPolicerSm final : public QosPolicyClassBaseSm {
 
    Qos::IntfPairKey intfPair_;
    Zub::Name name_;
-   Zub::Ptr< QosYellowClassActionSm > yellowClassActionSm_;
-   Zub::Ptr< QosRedClassActionSm > redClassActionSm_;
+   // The class's, which outlives its copies.
+   QosPolicerActionSms const* actionSms_;
+   bool actionsApplied_ = false;
    bool initialized_ = false;
 };
 

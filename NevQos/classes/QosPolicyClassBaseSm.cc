@@ -53,7 +53,7 @@ void QosPolicyClassBaseSm::classDataPolicerNameIs( Zub::Name const& name ) {
 }
 
 void QosPolicyClassBaseSm::createClassActionSm() {
-   classActionSmIs( cmapKey(), qosAclSm(), pmapSm(), classData(), caction() );
+   classActionSmIs( cmapKey(), qosAclSm(), pmapSm(), caction() )->applyTo( *classData() );
 }
 
 void QosPolicyClassBaseSm::createClassMatchSm() {
@@ -67,6 +67,7 @@ void QosPolicyClassBaseSm::createClassMatchSm() {
 
 void QosPolicyClassBaseSm::deleteClassActionSm() {
    for( auto it = classActionSm().iter(); it; ++it ) {
+      if( classData() ) it.value()->removeFrom( *classData() );
       it.value()->doPrepareToDie();
       classActionSmDel( it.key() );
    }
@@ -151,16 +152,21 @@ void QosPolicyClassBaseSm::handleVerify() {
    if( !pmap ) return;
    auto const action =
          classDefault() ? pmap->classActionDefault() : pmap->classAction( cmapName() );
+   QosClassActionSm* const classAction = appliedClassActionSm();
    if( action ) {
-      ZUB_ASSERT_TEXT( classActionSmHas( cmapKey() ), "classActionSmHas( cmapKey() )" );
-      classActionSm( cmapKey() )->handleVerify();
+      ZUB_ASSERT_TEXT( classAction, "classActionSmHas( cmapKey() )" );
+      classAction->handleVerify( *classData() );
    } else {
-      ZUB_ASSERT_TEXT( !classActionSmHas( cmapKey() ), "!classActionSmHas( cmapKey() )" );
+      ZUB_ASSERT_TEXT( !classAction, "!classActionSmHas( cmapKey() )" );
    }
    for( auto it = cmap()->match().iter(); it; ++it ) {
       ZUB_ASSERT_TEXT( classMatchSmHas( it.key() ), "classMatchSmHas( cmapKey() )" );
       classMatchSm( it.key() )->handleVerify();
    }
+}
+
+QosClassActionSm* QosPolicyClassBaseSm::appliedClassActionSm() const {
+   return classActionSm( cmapKey() ).ptr();
 }
 
 void QosPolicyClassBaseSm::doPrepareToDie() {

@@ -1,7 +1,8 @@
 // What every hardware copy of a class has: the class data, the match machines and the class
 // action. A class without a per-interface policer or counter has one copy, the class machine
 // itself; otherwise each copy (per interface, LAG, shared policer or shared map) is a machine of
-// its own built on this base.
+// its own built on this base. The policer copies of a class share its action machines, which
+// hold nothing of a copy's own.
 #pragma once
 
 #include <cstdint>
@@ -52,6 +53,9 @@ class QosPolicyClassBaseSm : public Zub::PtrInterface {
    virtual void counterUpdateRequest();
    virtual void showAcl( std::uint32_t socket, std::uint32_t unit, bool detail );
    virtual void handleVerify();
+   // The class action machine applied to this copy's class data: its own, or for a policer copy
+   // the class's; null when none was applied.
+   virtual QosClassActionSm* appliedClassActionSm() const;
 
    void setPmapHwStatus();
    void createSmCommon();

@@ -33,6 +33,7 @@ void QosPolicyClassSm::createSm() {
    countActionSmNeeded_ =
          caction() && caction()->count() && cmapType() == Qos::mapPdp_ && !perClass;
    auto const pmapState = pmapSm()->pmapState();
+   if( policerSmNeeded_ ) createPolicerActionSms();
    if( copies() ) {
       if( pmapState->activeIntfSize() == 0 ) {
          // The copies come with the first interface.
@@ -63,6 +64,19 @@ void QosPolicyClassSm::createSm() {
    }
    // Last, so that the matches see class data, actions and interfaces complete.
    createClassMatchSm();
+}
+
+void QosPolicyClassSm::createPolicerActionSms() {
+   policerActionSms_.classActionSm =
+         Zub::make< QosClassActionSm >( cmapKey(), qosAclSm(), pmapSm(), caction() );
+   policerActionSms_.yellowClassActionSm =
+         Zub::make< QosYellowClassActionSm >( cmapKey(), qosAclSm(), pmapSm(), caction() );
+   policerActionSms_.redClassActionSm =
+         Zub::make< QosRedClassActionSm >( cmapKey(), qosAclSm(), pmapSm(), caction() );
+}
+
+void QosPolicyClassSm::deletePolicerActionSms() {
+   policerActionSms_ = QosPolicerActionSms();
 }
 
 Zub::Name QosPolicyClassSm::copyName( Qos::IntfPairKey const& intfPair, bool policer ) const {
@@ -105,7 +119,7 @@ void QosPolicyClassSm::handlePolicerIntf( Qos::IntfPairKey const& intfPair, bool
          intfPair, add, [ & ] { return policerSm( name ); },
          [ & ] {
             policerSmIs( name, cmapKey(), qosAclSm(), pmapSm(), cmap(), cmapPrio(), caction(),
-                         classDefault(), intfPair );
+                         classDefault(), intfPair, &policerActionSms_ );
          },
          [ & ] { policerSmDel( name ); } );
    if( !stands ) ZUB_TRACE( nevQosTrace, 5, " policerSm( " << name << " ) does not exist " );
@@ -141,6 +155,7 @@ void QosPolicyClassSm::deleteSm() {
       deleteClassMatchSm();
       deleteClassActionSm();
       QosPolicyClassBaseSm::deleteSm();
+      deletePolicerActionSms();
       return;
    }
    for( auto it = policerSm().iter(); it; ++it ) {
@@ -151,6 +166,7 @@ void QosPolicyClassSm::deleteSm() {
       it.value()->doPrepareToDie();
       countActionSmDel( it.key() );
    }
+   deletePolicerActionSms();
 }
 
 void QosPolicyClassSm::counterUpdateRequest() {

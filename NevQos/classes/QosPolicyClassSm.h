@@ -40,7 +40,11 @@ class QosPolicyClassSm final : public QosPolicyClassBaseSm {
    // The name of the copy that serves an interface.
    Zub::Name copyName( Qos::IntfPairKey const& intfPair, bool policer ) const;
    void verifyCpuQueue() const;
+   void createPolicerActionSms();
+   void deletePolicerActionSms();
 
+   // Made with the class when it has policer copies, which share them.
+   QosPolicerActionSms policerActionSms_;
    bool policerSmNeeded_ = false;
    bool countActionSmNeeded_ = false;
    bool initialized_ = false;

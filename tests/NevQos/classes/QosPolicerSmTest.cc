@@ -95,6 +95,35 @@ TEST_F( QosPolicerSmTest, ClampedParametersReachTheChipAndThePolicerData ) {
                        ->policerHwStatusHas( Zub::Name( "Ethernet1" ) ) );
 }
 
+// The copies apply the class's action machines to their own data: one leaving takes its own
+// actions with it and no other copy's.
+TEST_F( QosPolicerSmTest, EachCopyHoldsTheClassActionsAndLosesOnlyItsOwn ) {
+   start();
+   auto policer = policedClassIs( "p1" );
+   classIs( "gold", "c1" )->actionIs( Qos::actionSetDscp_ )->valueIs( 46 );
+   policer->yellowActionIs( Qos::actionSetDscp_ )->valueIs( 10 );
+   auto sp = applyIs( "gold", { intf( "Ethernet1" ), intf( "Ethernet2" ) } );
+   auto const second = copy( "Ethernet2" )->classData();
+   for( char const* name : { "Ethernet1", "Ethernet2" } ) {
+      auto const data = copy( name )->classData();
+      EXPECT_EQ( data->actionData( Qos::actionSetDscp_ )->val(), 46u ) << name;
+      EXPECT_EQ( data->policerData()->yellowActionData( Qos::actionSetDscp_ )->val(), 10u );
+      EXPECT_TRUE( policerStatus( name )->redActionStatus( Qos::actionDrop_ ) ) << name;
+   }
+
+   sp->intfIdsDel( intf( "Ethernet1" ) );
+   EXPECT_FALSE( copy( "Ethernet1" ) );
+   EXPECT_EQ( second->actionData( Qos::actionSetDscp_ )->val(), 46u );
+   EXPECT_TRUE( second->policerData()->yellowActionDataHas( Qos::actionSetDscp_ ) );
+   EXPECT_TRUE( second->policerData()->redActionDataHas( Qos::actionDrop_ ) );
+   EXPECT_TRUE( policerStatus( "Ethernet2" )->yellowActionStatus( Qos::actionSetDscp_ ) );
+   classSm()->handleVerify();
+
+   sp->intfIdsDel( intf( "Ethernet2" ) );
+   EXPECT_EQ( second->actionDataSize(), 0u );
+   EXPECT_FALSE( second->policerData() );
+}
+
 TEST_F( QosPolicerSmTest, ACopyMadeOnAFailedMapNeverReachesTheChip ) {
    start();
    policedClassIs( "p1" );
