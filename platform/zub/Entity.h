@@ -51,13 +51,13 @@ class Entity : public Notifier {
       static constexpr std::uint8_t zubDepth = 0;
    };
 
-   explicit Entity( String const& name ) : name_( name ), named_( true ) {}
+   explicit Entity( String const& name ) : name_( name ) { ownFlagIs( namedFlag, true ); }
    FwkType fwkType() const override { return FwkType::entity; }
 
    String const& name() const {
-      if( !named_ ) {
+      if( !ownFlag( namedFlag ) ) {
          name_ = nameFromKey();
-         named_ = true;
+         ownFlagIs( namedFlag, true );
       }
       return name_;
    }
@@ -79,10 +79,12 @@ class Entity : public Notifier {
    virtual String nameFromKey() const { return String(); }
 
  private:
+   // Set once name_ holds the name.
+   static constexpr std::uint32_t namedFlag = 1u;
+
    mutable String name_;
    Entity const* parent_ = nullptr;
    char const* parentAttrName_ = nullptr;
-   mutable bool named_ = false;
 };
 
 // The name of an entity created under a key.

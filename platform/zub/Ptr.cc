@@ -24,6 +24,13 @@ void PtrInterface::delRef() const {
    if( left == 0 ) handleZeroRef();
 }
 
+void PtrInterface::ownFlagIs( std::uint32_t bit, bool on ) const {
+   auto word = static_cast< std::uint32_t >( flags_ );
+   bit &= ownFlagBits;
+   word = on ? ( word | bit ) : ( word & ~bit );
+   flags_ = static_cast< std::int32_t >( word );
+}
+
 void PtrInterface::zombieIs( bool z ) {
    if( z ) {
       flags_ = static_cast< std::int32_t >( static_cast< std::uint32_t >( flags_ ) | 0x80000000u );

@@ -50,10 +50,17 @@ class PtrInterface {
  protected:
    // Destroys the object when its last reference goes. No exception may escape from here.
    virtual void handleZeroRef() const noexcept;
+   // The low bits of the flag word are the derived class's, which saves it a member of its own
+   // (and the padding after it).
+   static constexpr std::uint32_t ownFlagBits = 0xffu;
+   bool ownFlag( std::uint32_t bit ) const {
+      return ( static_cast< std::uint32_t >( flags_ ) & bit & ownFlagBits ) != 0;
+   }
+   void ownFlagIs( std::uint32_t bit, bool on ) const;
 
  private:
    mutable std::uint32_t refCount_ = 0;
-   std::int32_t flags_ = 0;
+   mutable std::int32_t flags_ = 0;
 };
 
 // The owning smart pointer. Null is a legal value.

@@ -130,7 +130,6 @@ Name::Name( std::string_view s ) {
       it = table.emplace( text.view(), text ).first;
    }
    text_ = it->second;
-   hash_ = text_.hash();
 }
 
 std::ostream& operator<<( std::ostream& os, Name const& n ) {

@@ -78,7 +78,7 @@ class Name {
    char const* charPtr() const noexcept { return text_.charPtr(); }
    std::string_view view() const noexcept { return text_.view(); }
    bool empty() const noexcept { return text_.empty(); }
-   std::uint32_t hash() const noexcept { return hash_; }
+   std::uint32_t hash() const noexcept { return text_.hash(); }
 
    bool operator==( Name const& o ) const noexcept { return text_.sameBuffer( o.text_ ); }
    bool operator==( char const* o ) const noexcept { return view() == std::string_view( o ); }
@@ -89,7 +89,6 @@ class Name {
 
  private:
    String text_;
-   std::uint32_t hash_ = 0;
 };
 
 std::ostream& operator<<( std::ostream& os, Name const& n );
