@@ -7,15 +7,10 @@
 
 namespace Nev {
 
-QosCountActionSm::QosCountActionSm( Zub::Name const& name, QosClassMapKey const& cmapKey,
-                                    QosAclSm* qosAclSm, QosPolicyMapSm* pmapSm,
-                                    Zub::Ptr< Qos::ClassMapStatus const > const& cmap,
-                                    unsigned cmapPrio,
-                                    Zub::Ptr< Qos::ClassAction const > const& caction,
-                                    bool classDefault, Qos::IntfPairKey const& intfPair )
-    : QosPolicyClassBaseSm( cmapKey, qosAclSm, pmapSm, cmap, cmapPrio, caction, classDefault )
-    , intfPair_( intfPair )
-    , name_( name ) {
+QosCountActionSm::QosCountActionSm( Zub::Name const& name,
+                                    Zub::Ptr< QosClassConfig const > const& config,
+                                    Qos::IntfPairKey const& intfPair )
+    : QosPolicyClassBaseSm( config ), intfPair_( intfPair ), name_( name ) {
    handleInitialized();
 }
 

@@ -8,10 +8,9 @@ namespace Nev {
 
 class QosCountActionSm final : public QosPolicyClassBaseSm {
  public:
-   QosCountActionSm( Zub::Name const& name, QosClassMapKey const& cmapKey, QosAclSm* qosAclSm,
-                     QosPolicyMapSm* pmapSm, Zub::Ptr< Qos::ClassMapStatus const > const& cmap,
-                     unsigned cmapPrio, Zub::Ptr< Qos::ClassAction const > const& caction,
-                     bool classDefault, Qos::IntfPairKey const& intfPair );
+   // `config` is the class's.
+   QosCountActionSm( Zub::Name const& name, Zub::Ptr< QosClassConfig const > const& config,
+                     Qos::IntfPairKey const& intfPair );
 
    Qos::IntfPairKey const& intfPair() const { return intfPair_; }
    Zub::Name const& name() const { return name_; }

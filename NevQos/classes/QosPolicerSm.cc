@@ -24,12 +24,9 @@ Zub::Name const& defaultPdpPolicyName() {
 
 }  // namespace
 
-QosPolicerSm::QosPolicerSm( Zub::Name const& name, QosClassMapKey const& cmapKey,
-                            QosAclSm* qosAclSm, QosPolicyMapSm* pmapSm,
-                            Zub::Ptr< Qos::ClassMapStatus const > const& cmap, unsigned cmapPrio,
-                            Zub::Ptr< Qos::ClassAction const > const& caction, bool classDefault,
+QosPolicerSm::QosPolicerSm( Zub::Name const& name, Zub::Ptr< QosClassConfig const > const& config,
                             Qos::IntfPairKey const& intfPair, QosPolicerActionSms const* actionSms )
-    : QosPolicyClassBaseSm( cmapKey, qosAclSm, pmapSm, cmap, cmapPrio, caction, classDefault )
+    : QosPolicyClassBaseSm( config )
     , intfPair_( intfPair )
     , name_( name )
     , actionSms_( actionSms ) {

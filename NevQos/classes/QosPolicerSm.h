@@ -20,11 +20,9 @@ struct QosPolicerActionSms {
 
 class QosPolicerSm final : public QosPolicyClassBaseSm {
  public:
-   QosPolicerSm( Zub::Name const& name, QosClassMapKey const& cmapKey, QosAclSm* qosAclSm,
-                 QosPolicyMapSm* pmapSm, Zub::Ptr< Qos::ClassMapStatus const > const& cmap,
-                 unsigned cmapPrio, Zub::Ptr< Qos::ClassAction const > const& caction,
-                 bool classDefault, Qos::IntfPairKey const& intfPair,
-                 QosPolicerActionSms const* actionSms );
+   // `config` and `actionSms` are the class's.
+   QosPolicerSm( Zub::Name const& name, Zub::Ptr< QosClassConfig const > const& config,
+                 Qos::IntfPairKey const& intfPair, QosPolicerActionSms const* actionSms );
 
    Qos::IntfPairKey const& intfPair() const { return intfPair_; }
    Zub::Name const& name() const { return name_; }

@@ -11,19 +11,10 @@
 
 namespace Nev {
 
-QosPolicyClassBaseSm::QosPolicyClassBaseSm( QosClassMapKey const& cmapKey, QosAclSm* qosAclSm,
-                                            QosPolicyMapSm* pmapSm,
-                                            Zub::Ptr< Qos::ClassMapStatus const > const& cmap,
-                                            unsigned cmapPrio,
-                                            Zub::Ptr< Qos::ClassAction const > const& caction,
-                                            bool classDefault )
-    : cmapKey_( cmapKey )
-    , qosAclSm_( qosAclSm )
-    , pmapSm_( pmapSm )
-    , cmap_( cmap )
-    , cmapPrio_( cmapPrio )
-    , caction_( caction )
-    , classDefault_( classDefault ) {}
+QosPolicyClassBaseSm::QosPolicyClassBaseSm( Zub::Ptr< QosClassConfig const > config )
+    : config_( std::move( config ) ) {
+   ZUB_ASSERT( config_ );
+}
 
 QosPolicyClassBaseSm::~QosPolicyClassBaseSm() = default;
 

@@ -8,6 +8,7 @@
 #include <cstdint>
 
 #include "NevQos/classes/QosClassActionSm.h"
+#include "NevQos/classes/QosClassConfig.h"
 #include "NevQos/match/QosClassMatchSm.h"
 #include "NevQos/types/QosClassData.h"
 #include "NevQos/types/QosClassMapKey.h"
@@ -23,21 +24,20 @@ class QosPolicyMapSm;
 
 class QosPolicyClassBaseSm : public Zub::PtrInterface {
  public:
-   QosPolicyClassBaseSm( QosClassMapKey const& cmapKey, QosAclSm* qosAclSm, QosPolicyMapSm* pmapSm,
-                         Zub::Ptr< Qos::ClassMapStatus const > const& cmap, unsigned cmapPrio,
-                         Zub::Ptr< Qos::ClassAction const > const& caction, bool classDefault );
+   explicit QosPolicyClassBaseSm( Zub::Ptr< QosClassConfig const > config );
    ~QosPolicyClassBaseSm() override;
    Zub::FwkType fwkType() const override { return Zub::FwkType::stateMachine; }
 
-   QosClassMapKey const& cmapKey() const { return cmapKey_; }
-   Zub::Name const& cmapName() const { return cmapKey_.cmapName(); }
-   Qos::MapType cmapType() const { return cmapKey_.cmapType(); }
-   QosAclSm* qosAclSm() const { return qosAclSm_; }
-   QosPolicyMapSm* pmapSm() const { return pmapSm_; }
-   Zub::Ptr< Qos::ClassMapStatus const > const& cmap() const { return cmap_; }
-   unsigned cmapPrio() const { return cmapPrio_; }
-   Zub::Ptr< Qos::ClassAction const > const& caction() const { return caction_; }
-   bool classDefault() const { return classDefault_; }
+   Zub::Ptr< QosClassConfig const > const& config() const { return config_; }
+   QosClassMapKey const& cmapKey() const { return config_->cmapKey(); }
+   Zub::Name const& cmapName() const { return cmapKey().cmapName(); }
+   Qos::MapType cmapType() const { return cmapKey().cmapType(); }
+   QosAclSm* qosAclSm() const { return config_->qosAclSm(); }
+   QosPolicyMapSm* pmapSm() const { return config_->pmapSm(); }
+   Zub::Ptr< Qos::ClassMapStatus const > const& cmap() const { return config_->cmap(); }
+   unsigned cmapPrio() const { return config_->cmapPrio(); }
+   Zub::Ptr< Qos::ClassAction const > const& caction() const { return config_->caction(); }
+   bool classDefault() const { return config_->classDefault(); }
    Zub::Ptr< Qos::PolicyMapHwStatus > const& pmapSliceHwStatus() const {
       return pmapSliceHwStatus_;
    }
@@ -74,13 +74,7 @@ class QosPolicyClassBaseSm : public Zub::PtrInterface {
    void classDataPolicerNameIs( Zub::Name const& name );
 
  private:
-   QosClassMapKey cmapKey_;
-   QosAclSm* qosAclSm_;
-   QosPolicyMapSm* pmapSm_;
-   Zub::Ptr< Qos::ClassMapStatus const > cmap_;
-   unsigned cmapPrio_;
-   Zub::Ptr< Qos::ClassAction const > caction_;
-   bool classDefault_;
+   Zub::Ptr< QosClassConfig const > config_;
    Zub::Ptr< Qos::PolicyMapHwStatus > pmapSliceHwStatus_;
    Zub::Ptr< QosClassData > classData_;
 };

@@ -14,7 +14,8 @@ QosPolicyClassSm::QosPolicyClassSm( QosClassMapKey const& cmapKey, QosAclSm* qos
                                     unsigned cmapPrio,
                                     Zub::Ptr< Qos::ClassAction const > const& caction,
                                     bool classDefault )
-    : QosPolicyClassBaseSm( cmapKey, qosAclSm, pmapSm, cmap, cmapPrio, caction, classDefault ) {
+    : QosPolicyClassBaseSm( Zub::make< QosClassConfig >( cmapKey, qosAclSm, pmapSm, cmap, cmapPrio,
+                                                         caction, classDefault ) ) {
    handleInitialized();
 }
 
@@ -117,10 +118,7 @@ void QosPolicyClassSm::handlePolicerIntf( Qos::IntfPairKey const& intfPair, bool
    Zub::Name const name = copyName( intfPair, true );
    bool const stands = updateCopy(
          intfPair, add, [ & ] { return policerSm( name ); },
-         [ & ] {
-            policerSmIs( name, cmapKey(), qosAclSm(), pmapSm(), cmap(), cmapPrio(), caction(),
-                         classDefault(), intfPair, &policerActionSms_ );
-         },
+         [ & ] { policerSmIs( name, config(), intfPair, &policerActionSms_ ); },
          [ & ] { policerSmDel( name ); } );
    if( !stands ) ZUB_TRACE( nevQosTrace, 5, " policerSm( " << name << " ) does not exist " );
 }
@@ -130,10 +128,7 @@ void QosPolicyClassSm::handleCountActionIntf( Qos::IntfPairKey const& intfPair, 
    Zub::Name const name = copyName( intfPair, false );
    bool const stands = updateCopy(
          intfPair, add, [ & ] { return countActionSm( name ); },
-         [ & ] {
-            countActionSmIs( name, cmapKey(), qosAclSm(), pmapSm(), cmap(), cmapPrio(), caction(),
-                             classDefault(), intfPair );
-         },
+         [ & ] { countActionSmIs( name, config(), intfPair ); },
          [ & ] { countActionSmDel( name ); } );
    if( !stands ) ZUB_TRACE( nevQosTrace, 5, " countActionSm( " << name << " ) does not exist " );
 }
