@@ -58,7 +58,7 @@ bool QosClassMatchAclSm::createAcl() {
 AclCreateError QosClassMatchAclSm::createIpAclRule( Acl::IpRuleConfig const& rule,
                                                     Acl::UniqueId const& aclId,
                                                     std::uint32_t ruleNum ) {
-   if( qosAclSm()->unsupportedRulePresent( classMatchSm()->policyData(), rule ) ) {
+   if( unsupportedIpRule( pmapState(), pmapSm()->pmapType(), rule.filter ) ) {
       return aclCreateErrorRuleIgnored;
    }
    IpRuleTarget const target{ helper(), pmapState(), *classData(), key(), aclId, ruleNum };
@@ -76,7 +76,7 @@ AclCreateError QosClassMatchAclSm::createIpAclRule( Acl::IpRuleConfig const& rul
 AclCreateError QosClassMatchAclSm::createIp6AclRule( Acl::Ip6RuleConfig const& rule,
                                                      Acl::UniqueId const& aclId,
                                                      std::uint32_t ruleNum ) {
-   if( qosAclSm()->unsupportedRulePresent( classMatchSm()->policyData(), rule ) ) {
+   if( unsupportedIpRule( pmapState(), pmapSm()->pmapType(), rule.filter ) ) {
       return aclCreateErrorRuleIgnored;
    }
    IpRuleTarget const target{ helper(), pmapState(), *classData(), key(), aclId, ruleNum };

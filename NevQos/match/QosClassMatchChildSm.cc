@@ -121,10 +121,7 @@ void QosClassMatchChildSm::commitAcl() {
 
 void QosClassMatchChildSm::enqueueRequest( QosPolicyUpdateReason reasonType,
                                            Qos::IntfPairKey const& intfPair, bool remove ) {
-   // A default child's data lives under its own option, not the parent's: the request is made
-   // for this child's option, whatever the shared slot held before.
-   classMatchSm()->policyData()->matchOptionIs( matchOption() );
-   classMatchSm()->enqueueRequest( key(), reasonType, intfPair, remove );
+   classMatchSm()->enqueueRequest( key(), matchOption(), reasonType, intfPair, remove );
 }
 
 void QosClassMatchChildSm::doPrepareToDie() {

@@ -31,10 +31,6 @@ void QosClassMatchSm::handleInitialized() {
 }
 
 void QosClassMatchSm::createSm() {
-   policyData_ = Zub::make< QosPolicyMapClassData >( Zub::Ptr< QosPolicyMapSm >( pmapSm() ),
-                                                     classData(), classMatch() );
-   policyData_->matchOptionIs( matchOption() );
-   policyData_->matchPrioIs( matchPrio() );
    if( classData()->classDefault() ) {
       createClassDefaultSm();
       return;
@@ -63,23 +59,38 @@ Zub::Ptr< QosClassMatchData > QosClassMatchSm::createMatchData( Qos::ClassMapMat
    return matchData;
 }
 
+Zub::Ptr< Acl::AclConfig const > QosClassMatchSm::configuredAcl() const {
+   if( classData()->classDefault() ) return nullptr;
+   if( matchOption() != Qos::matchOptionIpAcl && matchOption() != Qos::matchOptionIpv6Acl ) {
+      return nullptr;
+   }
+   Acl::AclType const type = matchOption() == Qos::matchOptionIpAcl ? Acl::ip() : Acl::ipv6();
+   auto const acls = qosAclSm()->mainAclConfig();
+   auto const typeConfig = acls ? acls->config( type ) : nullptr;
+   return typeConfig ? typeConfig->acl( Zub::Name( classMatch()->strValue() ) ) : nullptr;
+}
+
+void QosClassMatchSm::createPolicyData() {
+   policyData_ = Zub::make< QosPolicyMapClassData >( Zub::Ptr< QosPolicyMapSm >( pmapSm() ),
+                                                     classData(), classMatch() );
+   policyData_->matchOptionIs( matchOption() );
+   policyData_->matchPrioIs( matchPrio() );
+   policyData_->aclConfigIs( configuredAcl() );
+}
+
 void QosClassMatchSm::createClassAclSm() {
    createMatchData( matchOption() );
-   Zub::Ptr< Acl::AclConfig const > aclConfig;
    switch( matchOption() ) {
       case Qos::matchOptionNone:
          break;
       case Qos::matchOptionIpAcl:
       case Qos::matchOptionIpv6Acl: {
-         Acl::AclType const type = matchOption() == Qos::matchOptionIpAcl ? Acl::ip() : Acl::ipv6();
-         Zub::Name const aclName( classMatch()->strValue() );
-         auto const acls = qosAclSm()->mainAclConfig();
-         auto const typeConfig = acls ? acls->config( type ) : nullptr;
-         aclConfig = typeConfig ? typeConfig->acl( aclName ) : nullptr;
          // A list that is not configured yet has no hardware, and no child.
-         if( aclConfig ) {
-            aclSmIs( AclKey( aclName, type ), qosAclSm(), pmapSm(), classData(), this,
-                     matchOption(), aclConfig );
+         if( auto const aclConfig = configuredAcl() ) {
+            Acl::AclType const type =
+                  matchOption() == Qos::matchOptionIpAcl ? Acl::ip() : Acl::ipv6();
+            aclSmIs( AclKey( Zub::Name( classMatch()->strValue() ), type ), qosAclSm(), pmapSm(),
+                     classData(), this, matchOption(), aclConfig );
          }
          break;
       }
@@ -87,7 +98,6 @@ void QosClassMatchSm::createClassAclSm() {
          // The other options have children of their own kinds.
          ZUB_ASSERT( false );
    }
-   policyData_->aclConfigIs( aclConfig );
 }
 
 QosPMapAclTypes QosClassMatchSm::updatePmapAclTypes() {
@@ -147,8 +157,13 @@ void QosClassMatchSm::createClassDefaultSm() {
    }
 }
 
-void QosClassMatchSm::enqueueRequest( AclKey const& aclKey, QosPolicyUpdateReason reasonType,
+void QosClassMatchSm::enqueueRequest( AclKey const& aclKey, Qos::ClassMapMatchOption matchOption,
+                                      QosPolicyUpdateReason reasonType,
                                       Qos::IntfPairKey const& intfPair, bool remove ) {
+   if( !policyData_ ) createPolicyData();
+   // A default child's data lives under its own option, not the match's: the request is made
+   // for the child's option, whatever the shared slot held before.
+   policyData_->matchOptionIs( matchOption );
    policyData_->aclKeyIs( aclKey );
    QosPolicyUpdateRequest request( reasonType, aclKey.aclName().str(), remove );
    request.policyDataIs( policyData_ );

@@ -1,6 +1,8 @@
 // One match of one class: decides what kind of hardware ACL the match compiles to, creates the
 // child that owns each ACL (one per ACL family), and keeps in policyData what a deferred compile
-// needs. It reacts to nothing by itself; its parent class calls every operation.
+// needs: only a helper with asynchronous TCAM operations has deferred compiles, so the record is
+// made with the first request. It reacts to nothing by itself; its parent class calls every
+// operation.
 #pragma once
 
 #include <cstdint>
@@ -43,6 +45,7 @@ class QosClassMatchSm : public Zub::PtrInterface {
    Zub::Ptr< QosClassData > const& classData() const { return classData_; }
    Zub::Ptr< Qos::ClassMapMatch const > const& classMatch() const { return classMatch_; }
    std::uint32_t matchPrio() const { return matchPrio_; }
+   // Null until the first deferred request.
    Zub::Ptr< QosPolicyMapClassData > const& policyData() const { return policyData_; }
    bool initialized() const { return initialized_; }
 
@@ -56,9 +59,10 @@ class QosClassMatchSm : public Zub::PtrInterface {
    void showAcl( std::uint32_t socket, std::uint32_t unit, bool detail );
    void handleVerify();
    void doPrepareToDie();
-   // Called by the children on the deferred road.
-   void enqueueRequest( AclKey const& aclKey, QosPolicyUpdateReason reasonType,
-                        Qos::IntfPairKey const& intfPair, bool remove );
+   // Called by the children on the deferred road; `matchOption` is the child's.
+   void enqueueRequest( AclKey const& aclKey, Qos::ClassMapMatchOption matchOption,
+                        QosPolicyUpdateReason reasonType, Qos::IntfPairKey const& intfPair,
+                        bool remove );
    // The hardware counts the IPv4 and the IPv6 ACL of one match in one counter.
    bool sharedQosAclTypesCounterNeeded() const;
    // Whether every child of a family has started its teardown: the last one out cleans up.
@@ -76,6 +80,10 @@ class QosClassMatchSm : public Zub::PtrInterface {
    void createMplsTrafficClassSm( Acl::AclType aclType );
    void createClassDefaultSm();
    Zub::Ptr< QosClassMatchData > createMatchData( Qos::ClassMapMatchOption option );
+   // The configured list of an access-group match; null for other matches and while the list
+   // is not configured.
+   Zub::Ptr< Acl::AclConfig const > configuredAcl() const;
+   void createPolicyData();
    // The families the policy map's non-ACL matches must cover, written to its state.
    QosPMapAclTypes updatePmapAclTypes();
    // The child of an access group exists exactly when its list is configured.

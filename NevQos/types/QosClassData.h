@@ -27,13 +27,15 @@ using MacValuePtr = Zub::Ptr< Qos::ClassMapMatchMac >;
 using BuiltInClassMatch = Qos::ClassMapMatchBuiltIn;
 
 #define NEV_QOS_CLASS_DATA_ATTRS( X )                                                 \
+   /* The small values first, which pack together. */                                 \
    X( value, Priority, priority, std::uint32_t, 0u )                                  \
+   X( value, CpuQId, cpuQId, std::int32_t, -1 )                                       \
    X( value, ClassDefault, classDefault, bool, false )                                \
+   X( value, Count, count, bool, false )                                              \
    X( child, MatchData, matchData, Qos::ClassMapMatchOption, Nev::QosClassMatchData ) \
    X( child, ActionData, actionData, Qos::ActionType, Nev::QosClassActionData )       \
    X( value, PolicerData, policerData, Zub::Ptr< Nev::QosPolicerData >,               \
       Zub::Ptr< Nev::QosPolicerData >() )                                             \
-   X( value, Count, count, bool, false )                                              \
    X( keyed, IntfId, intfId, Qos::IntfPairKey, bool )                                 \
    X( value, L2ParamsValue, l2ParamsValue, L2ParamsValuePtr, L2ParamsValuePtr() )     \
    X( value, DscpEcnValue, dscpEcnValue, DscpEcnValuePtr, DscpEcnValuePtr() )         \
@@ -43,8 +45,7 @@ using BuiltInClassMatch = Qos::ClassMapMatchBuiltIn;
       MplsTrafficClassTuplePtr() )                                                    \
    X( value, BuiltInClassMatchValue, builtInClassMatchValue, BuiltInClassMatch,       \
       BuiltInClassMatch() )                                                           \
-   X( value, MacValue, macValue, MacValuePtr, MacValuePtr() )                         \
-   X( value, CpuQId, cpuQId, std::int32_t, -1 )
+   X( value, MacValue, macValue, MacValuePtr, MacValuePtr() )
 
 class QosClassData : public Zub::Entity {
  public:

@@ -17,14 +17,14 @@ namespace Nev {
 #define NEV_QOS_POLICER_DATA_ATTRS( X )                                                      \
    /* The configuration's policer is a named one; its status then stands below. */          \
    X( value, Named, named, bool, false )                                                     \
+   /* The chip accepted the policer; only then is it destroyed in the chip. */               \
+   X( value, CreatedInHw, createdInHw, bool, false )                                         \
    X( value, NamedPolicerStatus, namedPolicerStatus, Zub::Ptr< Qos::NamedPolicerStatus const >, \
       Zub::Ptr< Qos::NamedPolicerStatus const >() )                                          \
    X( value, CirUnit, cirUnit, Qos::RateUnit, Qos::rateUnitKbps_ )                           \
    X( value, PirUnit, pirUnit, Qos::RateUnit, Qos::rateUnitKbps_ )                           \
    X( value, BcUnit, bcUnit, Qos::BurstUnit, Qos::burstUnitBytes_ )                          \
    X( value, BeUnit, beUnit, Qos::BurstUnit, Qos::burstUnitBytes_ )                          \
-   /* The chip accepted the policer; only then is it destroyed in the chip. */               \
-   X( value, CreatedInHw, createdInHw, bool, false )                                         \
    X( child, RedActionData, redActionData, Qos::ActionType, Nev::QosClassActionData )        \
    X( child, YellowActionData, yellowActionData, Qos::ActionType, Nev::QosClassActionData )
 // clang-format on
@@ -38,8 +38,8 @@ class QosPolicerData : public Zub::Entity {
        : Zub::Entity( Zub::entityNameOf( name ) )
        , name_( std::move( name ) )
        , cir_( cir )
-       , bc_( bc )
        , pir_( pir )
+       , bc_( bc )
        , be_( be ) {}
    Zub::Name const& key() const { return name_; }
    Zub::Name const& name() const { return name_; }
@@ -52,8 +52,8 @@ class QosPolicerData : public Zub::Entity {
  private:
    Zub::Name name_;
    std::uint64_t cir_;
-   std::uint32_t bc_;
    std::uint64_t pir_;
+   std::uint32_t bc_;
    std::uint32_t be_;
 };
 
