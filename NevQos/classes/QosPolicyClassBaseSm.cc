@@ -50,7 +50,7 @@ void QosPolicyClassBaseSm::createClassActionSm() {
 void QosPolicyClassBaseSm::createClassMatchSm() {
    std::uint32_t matchPrio = 7;
    for( auto it = cmap()->match().iter(); it; ++it ) {
-      classMatchSmIs( it.key(), cmapKey(), qosAclSm(), pmapSm(), classData(),
+      classMatchSmIs( it.key(), config(), classData(),
                       Zub::Ptr< Qos::ClassMapMatch const >( it.value() ), matchPrio );
       --matchPrio;
    }

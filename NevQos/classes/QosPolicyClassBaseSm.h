@@ -8,8 +8,8 @@
 #include <cstdint>
 
 #include "NevQos/classes/QosClassActionSm.h"
-#include "NevQos/classes/QosClassConfig.h"
 #include "NevQos/match/QosClassMatchSm.h"
+#include "NevQos/types/QosClassConfig.h"
 #include "NevQos/types/QosClassData.h"
 #include "NevQos/types/QosClassMapKey.h"
 #include "entities/AclSliceHwStatus.h"

@@ -10,14 +10,10 @@
 
 namespace Nev {
 
-QosClassMatchAclSm::QosClassMatchAclSm( AclKey const& key, QosAclSm* qosAclSm,
-                                        QosPolicyMapSm* pmapSm,
-                                        Zub::Ptr< QosClassData > const& classData,
-                                        QosClassMatchSm* classMatchSm,
+QosClassMatchAclSm::QosClassMatchAclSm( AclKey const& key, QosClassMatchSm* classMatchSm,
                                         Qos::ClassMapMatchOption matchOption,
                                         Zub::Ptr< Acl::AclConfig const > const& aclConfig )
-    : QosClassMatchChildSm( key, qosAclSm, pmapSm, classData, classMatchSm, matchOption )
-    , aclConfig_( aclConfig ) {
+    : QosClassMatchChildSm( key, classMatchSm, matchOption ), aclConfig_( aclConfig ) {
    handleInitialized();
 }
 

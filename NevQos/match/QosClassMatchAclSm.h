@@ -18,8 +18,7 @@ namespace Nev {
 
 class QosClassMatchAclSm final : public QosClassMatchChildSm {
  public:
-   QosClassMatchAclSm( AclKey const& key, QosAclSm* qosAclSm, QosPolicyMapSm* pmapSm,
-                       Zub::Ptr< QosClassData > const& classData, QosClassMatchSm* classMatchSm,
+   QosClassMatchAclSm( AclKey const& key, QosClassMatchSm* classMatchSm,
                        Qos::ClassMapMatchOption matchOption,
                        Zub::Ptr< Acl::AclConfig const > const& aclConfig );
 

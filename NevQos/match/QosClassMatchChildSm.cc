@@ -10,19 +10,25 @@
 
 namespace Nev {
 
-QosClassMatchChildSm::QosClassMatchChildSm( AclKey const& key, QosAclSm* qosAclSm,
-                                            QosPolicyMapSm* pmapSm,
-                                            Zub::Ptr< QosClassData > const& classData,
-                                            QosClassMatchSm* classMatchSm,
+QosClassMatchChildSm::QosClassMatchChildSm( AclKey const& key, QosClassMatchSm* classMatchSm,
                                             Qos::ClassMapMatchOption matchOption )
-    : key_( key )
-    , qosAclSm_( qosAclSm )
-    , pmapSm_( pmapSm )
-    , classData_( classData )
-    , classMatchSm_( classMatchSm )
-    , matchOption_( matchOption ) {}
+    : key_( key ), classMatchSm_( classMatchSm ), matchOption_( matchOption ) {
+   ZUB_ASSERT( classMatchSm_ );
+}
 
 QosClassMatchChildSm::~QosClassMatchChildSm() = default;
+
+QosAclSm* QosClassMatchChildSm::qosAclSm() const {
+   return classMatchSm_->qosAclSm();
+}
+
+QosPolicyMapSm* QosClassMatchChildSm::pmapSm() const {
+   return classMatchSm_->pmapSm();
+}
+
+Zub::Ptr< QosClassData > const& QosClassMatchChildSm::classData() const {
+   return classMatchSm_->classData();
+}
 
 NevHelper::QosAclHelper& QosClassMatchChildSm::helper() const {
    return *qosAclSm()->qosHelper();

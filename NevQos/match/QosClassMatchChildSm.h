@@ -28,8 +28,8 @@ class QosPolicyMapState;
 
 class QosClassMatchChildSm : public Zub::PtrInterface {
  public:
-   QosClassMatchChildSm( AclKey const& key, QosAclSm* qosAclSm, QosPolicyMapSm* pmapSm,
-                         Zub::Ptr< QosClassData > const& classData, QosClassMatchSm* classMatchSm,
+   // The match machine outlives its children; they reach the class through it.
+   QosClassMatchChildSm( AclKey const& key, QosClassMatchSm* classMatchSm,
                          Qos::ClassMapMatchOption matchOption );
    ~QosClassMatchChildSm() override;
    Zub::FwkType fwkType() const override { return Zub::FwkType::stateMachine; }
@@ -37,9 +37,9 @@ class QosClassMatchChildSm : public Zub::PtrInterface {
    AclKey const& key() const { return key_; }
    Zub::Name const& aclName() const { return key_.aclName(); }
    Acl::AclType aclType() const { return key_.aclType(); }
-   QosAclSm* qosAclSm() const { return qosAclSm_; }
-   QosPolicyMapSm* pmapSm() const { return pmapSm_; }
-   Zub::Ptr< QosClassData > const& classData() const { return classData_; }
+   QosAclSm* qosAclSm() const;
+   QosPolicyMapSm* pmapSm() const;
+   Zub::Ptr< QosClassData > const& classData() const;
    QosClassMatchSm* classMatchSm() const { return classMatchSm_; }
    Qos::ClassMapMatchOption matchOption() const { return matchOption_; }
    bool destroying() const { return destroying_; }
@@ -91,9 +91,6 @@ class QosClassMatchChildSm : public Zub::PtrInterface {
 
  private:
    AclKey key_;
-   QosAclSm* qosAclSm_;
-   QosPolicyMapSm* pmapSm_;
-   Zub::Ptr< QosClassData > classData_;
    QosClassMatchSm* classMatchSm_;
    Qos::ClassMapMatchOption matchOption_;
    bool destroying_ = false;

@@ -15,13 +15,9 @@ Qos::ClassMapMatchOption defaultOptionOf( Acl::AclType aclType ) {
 
 }  // namespace
 
-QosClassMatchDefaultSm::QosClassMatchDefaultSm( AclKey const& key, QosAclSm* qosAclSm,
-                                                QosPolicyMapSm* pmapSm,
-                                                Zub::Ptr< QosClassData > const& classData,
-                                                QosClassMatchSm* classMatchSm,
+QosClassMatchDefaultSm::QosClassMatchDefaultSm( AclKey const& key, QosClassMatchSm* classMatchSm,
                                                 QosPMapAclTypes pmapAclTypes )
-    : QosClassMatchChildSm( key, qosAclSm, pmapSm, classData, classMatchSm,
-                            classMatchSm->matchOption() )
+    : QosClassMatchChildSm( key, classMatchSm, classMatchSm->matchOption() )
     , pmapAclTypes_( pmapAclTypes ) {
    handleInitialized();
 }

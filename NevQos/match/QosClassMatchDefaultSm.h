@@ -9,8 +9,7 @@ namespace Nev {
 
 class QosClassMatchDefaultSm final : public QosClassMatchChildSm {
  public:
-   QosClassMatchDefaultSm( AclKey const& key, QosAclSm* qosAclSm, QosPolicyMapSm* pmapSm,
-                           Zub::Ptr< QosClassData > const& classData, QosClassMatchSm* classMatchSm,
+   QosClassMatchDefaultSm( AclKey const& key, QosClassMatchSm* classMatchSm,
                            QosPMapAclTypes pmapAclTypes );
 
    QosPMapAclTypes pmapAclTypes() const { return pmapAclTypes_; }

@@ -8,12 +8,10 @@
 
 namespace Nev {
 
-QosClassMatchMplsTrafficClassSm::QosClassMatchMplsTrafficClassSm(
-      AclKey const& key, QosAclSm* qosAclSm, QosPolicyMapSm* pmapSm,
-      Zub::Ptr< QosClassData > const& classData, QosClassMatchSm* classMatchSm,
-      QosPMapAclTypes pmapAclTypes )
-    : QosClassMatchChildSm( key, qosAclSm, pmapSm, classData, classMatchSm,
-                            Qos::matchOptionMplsTrafficClass )
+QosClassMatchMplsTrafficClassSm::QosClassMatchMplsTrafficClassSm( AclKey const& key,
+                                                                  QosClassMatchSm* classMatchSm,
+                                                                  QosPMapAclTypes pmapAclTypes )
+    : QosClassMatchChildSm( key, classMatchSm, Qos::matchOptionMplsTrafficClass )
     , pmapAclTypes_( pmapAclTypes ) {
    handleInitialized();
 }

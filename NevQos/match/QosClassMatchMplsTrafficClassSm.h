@@ -11,9 +11,8 @@ namespace Nev {
 
 class QosClassMatchMplsTrafficClassSm final : public QosClassMatchChildSm {
  public:
-   QosClassMatchMplsTrafficClassSm( AclKey const& key, QosAclSm* qosAclSm, QosPolicyMapSm* pmapSm,
-                                    Zub::Ptr< QosClassData > const& classData,
-                                    QosClassMatchSm* classMatchSm, QosPMapAclTypes pmapAclTypes );
+   QosClassMatchMplsTrafficClassSm( AclKey const& key, QosClassMatchSm* classMatchSm,
+                                    QosPMapAclTypes pmapAclTypes );
 
    QosPMapAclTypes pmapAclTypes() const { return pmapAclTypes_; }
    static Zub::String createAclName( NevHelper::QosAclHelper const& helper, Acl::AclType aclType,

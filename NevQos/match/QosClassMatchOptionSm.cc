@@ -9,14 +9,10 @@
 
 namespace Nev {
 
-QosClassMatchOptionSm::QosClassMatchOptionSm( AclKey const& key, QosAclSm* qosAclSm,
-                                              QosPolicyMapSm* pmapSm,
-                                              Zub::Ptr< QosClassData > const& classData,
-                                              QosClassMatchSm* classMatchSm,
+QosClassMatchOptionSm::QosClassMatchOptionSm( AclKey const& key, QosClassMatchSm* classMatchSm,
                                               Qos::ClassMapMatchOption matchOption,
                                               QosPMapAclTypes pmapAclTypes )
-    : QosClassMatchChildSm( key, qosAclSm, pmapSm, classData, classMatchSm, matchOption )
-    , pmapAclTypes_( pmapAclTypes ) {
+    : QosClassMatchChildSm( key, classMatchSm, matchOption ), pmapAclTypes_( pmapAclTypes ) {
    handleInitialized();
 }
 

@@ -12,8 +12,7 @@ namespace Nev {
 
 class QosClassMatchOptionSm final : public QosClassMatchChildSm {
  public:
-   QosClassMatchOptionSm( AclKey const& key, QosAclSm* qosAclSm, QosPolicyMapSm* pmapSm,
-                          Zub::Ptr< QosClassData > const& classData, QosClassMatchSm* classMatchSm,
+   QosClassMatchOptionSm( AclKey const& key, QosClassMatchSm* classMatchSm,
                           Qos::ClassMapMatchOption matchOption, QosPMapAclTypes pmapAclTypes );
 
    QosPMapAclTypes pmapAclTypes() const { return pmapAclTypes_; }

@@ -8,17 +8,15 @@
 
 namespace Nev {
 
-QosClassMatchSm::QosClassMatchSm( Qos::ClassMapMatchOption matchOption, QosClassMapKey const& key,
-                                  QosAclSm* qosAclSm, QosPolicyMapSm* pmapSm,
+QosClassMatchSm::QosClassMatchSm( Qos::ClassMapMatchOption matchOption,
+                                  Zub::Ptr< QosClassConfig const > const& config,
                                   Zub::Ptr< QosClassData > const& classData,
                                   Zub::Ptr< Qos::ClassMapMatch const > const& classMatch,
                                   std::uint32_t matchPrio )
-    : key_( key )
-    , matchOption_( matchOption )
-    , qosAclSm_( qosAclSm )
-    , pmapSm_( pmapSm )
+    : config_( config )
     , classData_( classData )
     , classMatch_( classMatch )
+    , matchOption_( matchOption )
     , matchPrio_( matchPrio ) {
    handleInitialized();
 }
@@ -89,8 +87,8 @@ void QosClassMatchSm::createClassAclSm() {
          if( auto const aclConfig = configuredAcl() ) {
             Acl::AclType const type =
                   matchOption() == Qos::matchOptionIpAcl ? Acl::ip() : Acl::ipv6();
-            aclSmIs( AclKey( Zub::Name( classMatch()->strValue() ), type ), qosAclSm(), pmapSm(),
-                     classData(), this, matchOption(), aclConfig );
+            aclSmIs( AclKey( Zub::Name( classMatch()->strValue() ), type ), this, matchOption(),
+                     aclConfig );
          }
          break;
       }
@@ -119,7 +117,7 @@ void QosClassMatchSm::createMatchOptionSm( Acl::AclType aclType ) {
    auto& helper = *qosAclSm()->qosHelper();
    Zub::Name const name(
          QosClassMatchOptionSm::createAclName( helper, aclType, matchOption(), matchPrio() ) );
-   matchOptionSmIs( AclKey( name, aclType ), qosAclSm(), pmapSm(), classData(), this, matchOption(),
+   matchOptionSmIs( AclKey( name, aclType ), this, matchOption(),
                     pmapSm()->pmapState()->pmapAclTypes() );
 }
 
@@ -134,8 +132,7 @@ void QosClassMatchSm::createMplsTrafficClassSm( Acl::AclType aclType ) {
    auto& helper = *qosAclSm()->qosHelper();
    Zub::Name const name(
          QosClassMatchMplsTrafficClassSm::createAclName( helper, aclType, matchPrio() ) );
-   mplsTrafficClassSmIs( AclKey( name, aclType ), qosAclSm(), pmapSm(), classData(), this,
-                         pmapSm()->pmapState()->pmapAclTypes() );
+   mplsTrafficClassSmIs( AclKey( name, aclType ), this, pmapSm()->pmapState()->pmapAclTypes() );
 }
 
 void QosClassMatchSm::createClassDefaultSm() {
@@ -147,13 +144,11 @@ void QosClassMatchSm::createClassDefaultSm() {
    // Even without an access group of its own, the class keeps its data under options 1 and 2.
    if( types != ipv6Only ) {
       createMatchData( Qos::matchOptionIpAcl );
-      classDefaultSmIs( AclKey( helper.defaultAclName(), Acl::ip() ), qosAclSm(), pmapSm(),
-                        classData(), this, types );
+      classDefaultSmIs( AclKey( helper.defaultAclName(), Acl::ip() ), this, types );
    }
    if( types != ipv4Only ) {
       createMatchData( Qos::matchOptionIpv6Acl );
-      classDefaultSmIs( AclKey( helper.defaultIpv6AclName(), Acl::ipv6() ), qosAclSm(), pmapSm(),
-                        classData(), this, types );
+      classDefaultSmIs( AclKey( helper.defaultIpv6AclName(), Acl::ipv6() ), this, types );
    }
 }
 

@@ -13,6 +13,7 @@
 #include "NevQos/match/QosClassMatchOptionSm.h"
 #include "NevQos/policy/QosPolicyMapClassData.h"
 #include "NevQos/policy/QosPolicyUpdateRequest.h"
+#include "NevQos/types/QosClassConfig.h"
 #include "NevQos/types/QosClassCounterData.h"
 #include "NevQos/types/QosClassData.h"
 #include "NevQos/types/QosClassMapKey.h"
@@ -28,20 +29,21 @@ class QosPolicyMapSm;
 
 class QosClassMatchSm : public Zub::PtrInterface {
  public:
-   QosClassMatchSm( Qos::ClassMapMatchOption matchOption, QosClassMapKey const& key,
-                    QosAclSm* qosAclSm, QosPolicyMapSm* pmapSm,
+   // `config` is the class's.
+   QosClassMatchSm( Qos::ClassMapMatchOption matchOption,
+                    Zub::Ptr< QosClassConfig const > const& config,
                     Zub::Ptr< QosClassData > const& classData,
                     Zub::Ptr< Qos::ClassMapMatch const > const& classMatch,
                     std::uint32_t matchPrio );
    ~QosClassMatchSm() override;
    Zub::FwkType fwkType() const override { return Zub::FwkType::stateMachine; }
 
-   QosClassMapKey const& key() const { return key_; }
-   Zub::Name const& cmapName() const { return key_.cmapName(); }
-   Qos::MapType cmapType() const { return key_.cmapType(); }
+   QosClassMapKey const& key() const { return config_->cmapKey(); }
+   Zub::Name const& cmapName() const { return key().cmapName(); }
+   Qos::MapType cmapType() const { return key().cmapType(); }
    Qos::ClassMapMatchOption matchOption() const { return matchOption_; }
-   QosAclSm* qosAclSm() const { return qosAclSm_; }
-   QosPolicyMapSm* pmapSm() const { return pmapSm_; }
+   QosAclSm* qosAclSm() const { return config_->qosAclSm(); }
+   QosPolicyMapSm* pmapSm() const { return config_->pmapSm(); }
    Zub::Ptr< QosClassData > const& classData() const { return classData_; }
    Zub::Ptr< Qos::ClassMapMatch const > const& classMatch() const { return classMatch_; }
    std::uint32_t matchPrio() const { return matchPrio_; }
@@ -90,14 +92,12 @@ class QosClassMatchSm : public Zub::PtrInterface {
    void verifyAccessGroup();
    void deleteSm();
 
-   QosClassMapKey key_;
-   Qos::ClassMapMatchOption matchOption_;
-   QosAclSm* qosAclSm_;
-   QosPolicyMapSm* pmapSm_;
+   Zub::Ptr< QosClassConfig const > config_;
    Zub::Ptr< QosClassData > classData_;
    Zub::Ptr< Qos::ClassMapMatch const > classMatch_;
-   std::uint32_t matchPrio_;
    Zub::Ptr< QosPolicyMapClassData > policyData_;
+   Qos::ClassMapMatchOption matchOption_;
+   std::uint32_t matchPrio_;
    bool initialized_ = false;
 };
 
