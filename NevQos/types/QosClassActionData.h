@@ -15,11 +15,14 @@ namespace Nev {
 class QosClassActionData : public Zub::Entity {
  public:
    using Key = Qos::ActionType;
-   explicit QosClassActionData( Qos::ActionType actionType )
-       : Zub::Entity( Zub::entityNameOf( actionType ) ), actionType_( actionType ) {}
+   explicit QosClassActionData( Qos::ActionType actionType ) : actionType_( actionType ) {}
    Qos::ActionType const& key() const { return actionType_; }
    Qos::ActionType actionType() const { return actionType_; }
    ZUB_ENTITY_BODY( QosClassActionData, Zub::Entity, NEV_QOS_CLASS_ACTION_DATA_ATTRS )
+
+ protected:
+   // Built when first asked for: every class copy has a few of these, and few are ever named.
+   Zub::String nameFromKey() const override { return Zub::entityNameOf( actionType_ ); }
 
  private:
    Qos::ActionType actionType_;
