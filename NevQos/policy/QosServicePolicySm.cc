@@ -64,6 +64,20 @@ void QosServicePolicySm::reportApplied() {
    if( auto hwStatus = pmapSliceHwStatus() ) hwStatus->versionIs( pmap->version() );
 }
 
+namespace {
+
+// The VXLAN interfaces sort together, from the first VXLAN number on: a change of one member
+// looks at those alone, not at every member of a policy on a thousand ports.
+bool vxlanMemberPresent( auto const& members ) {
+   Qos::IntfPairKey const first( Mirel::IntfId::vxlan( 1 ), Mirel::IntfId() );
+   for( auto it = members.iterFrom( first ); it && it.key().intfId().isVxlan(); ++it ) {
+      if( it.value() ) return true;
+   }
+   return false;
+}
+
+}  // namespace
+
 bool QosServicePolicySm::parkSvi( Qos::IntfPairKey const& intfPair ) const {
    return qosAclSm()->qosHelper()->delaySviPmapSmCreation() && intfPair.intfId().isVlan() &&
           !qosAclSm()->ncsd()->intfsReady();
@@ -215,10 +229,8 @@ void QosServicePolicySm::intfUpdated( Qos::IntfPairKey const& intfPair, bool add
    }
    auto pmapState = helper->pmapState( pmapKey );
    if( !pmapState ) return;
-   bool isVxlanIntfPresent = intfPair.intfId().isVxlan();
-   for( auto it = servicePolicyStatus()->intfIds().iter(); it; ++it ) {
-      if( it.value() && it.key().intfId().isVxlan() ) isVxlanIntfPresent = true;
-   }
+   bool const isVxlanIntfPresent =
+         intfPair.intfId().isVxlan() || vxlanMemberPresent( servicePolicyStatus()->intfIds() );
    // A change of the interface set that the helper has flagged, or any change with VXLAN
    // members, recompiles the child rather than only changing its ports.
    if( isVxlanIntfPresent ||
