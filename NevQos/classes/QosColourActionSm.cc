@@ -16,21 +16,6 @@ bool QosColourActionSm::takes() const {
    return colour() != PolicerColour::green || classActionSm()->policyClassAction()->policer();
 }
 
-void QosColourActionSm::applyTo( QosClassData& classData ) {
-   if( !takes() ) return;
-   if( colour() == PolicerColour::green ) {
-      actionDataIs( classData );
-      setCmapHwStatus();
-      ZUB_ASSERT_TEXT( policerHwStatus( classData ), "policerHwStatus" );
-      actionStatusIs( classData );
-   } else {
-      setCmapHwStatus();
-      ZUB_ASSERT_TEXT( policerHwStatus( classData ), "policerHwStatus" );
-      actionStatusIs( classData );
-      actionDataIs( classData );
-   }
-}
-
 namespace {
 
 // What sets the colours apart in the policer's status entry, and the texts of their checks.
@@ -81,6 +66,17 @@ Colour const& colourOf( PolicerColour colour ) {
 
 }  // namespace
 
+void QosColourActionSm::applyTo( QosClassData& classData ) {
+   if( !takes() ) return;
+   bool const green = colour() == PolicerColour::green;
+   if( green ) actionDataIs( classData );
+   setCmapHwStatus();
+   auto const status = policerHwStatus( classData );
+   ZUB_ASSERT_TEXT( status, "policerHwStatus" );
+   ( status.ptr()->*colourOf( colour() ).statusIs )( actionType(), true );
+   if( !green ) actionDataIs( classData );
+}
+
 Zub::Ptr< Qos::PolicerHwStatus > QosColourActionSm::policerHwStatus(
       QosClassData const& classData ) const {
    auto const policerData = classData.policerData();
@@ -130,10 +126,6 @@ void QosColourActionSm::actionDataDel( QosClassData& classData ) {
    } else {
       policerData->redActionDataDel( actionType() );
    }
-}
-
-void QosColourActionSm::actionStatusIs( QosClassData const& classData ) {
-   ( policerHwStatus( classData ).ptr()->*colourOf( colour() ).statusIs )( actionType(), true );
 }
 
 void QosColourActionSm::actionStatusDel( QosClassData const& classData ) {

@@ -31,7 +31,6 @@ class QosColourActionSm : public QosActionBaseSm {
    Zub::Ptr< QosClassActionData > actionData( QosClassData const& classData ) const;
    void actionDataIs( QosClassData& classData );
    void actionDataDel( QosClassData& classData );
-   void actionStatusIs( QosClassData const& classData );
    void actionStatusDel( QosClassData const& classData );
    bool actionStatusHas( QosClassData const& classData ) const;
 
