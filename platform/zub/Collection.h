@@ -39,11 +39,16 @@ class Collection {
    static constexpr std::uint32_t arrayLimit = 32;
    static constexpr std::uint32_t treeMode = 0;
 
+   // One word: most blocks hold one or two members, so the header is a good part of them. The
+   // stamp keeps its low 48 bits, which an iterator compares whole; an iterator would have to
+   // wait out 2^48 insertions and removals to be fooled.
    struct Header {
-      std::uint64_t stamp;
-      std::uint32_t size;      // of the array; a tree counts its own
-      std::uint32_t capacity;  // of the array; treeMode for a tree
+      std::uint64_t stamp : 48;
+      std::uint64_t size : 8;      // of the array; a tree counts its own
+      std::uint64_t capacity : 8;  // of the array; treeMode for a tree
    };
+   static constexpr std::uint64_t stampMask = ( std::uint64_t{ 1 } << 48 ) - 1;
+   static_assert( sizeof( Header ) == 8 && arrayLimit < 256 );
    static_assert( alignof( Entry ) <= sizeof( Header ) && alignof( Map ) <= sizeof( Header ) );
 
  public:
@@ -258,8 +263,8 @@ class Collection {
 
  private:
    bool isTree() const { return h_->capacity == treeMode; }
-   std::uint64_t stamp() const { return h_ ? h_->stamp : 0; }
-   void touch() { h_->stamp = CollectionDetail::nextStamp(); }
+   std::uint64_t stamp() const { return h_ ? std::uint64_t{ h_->stamp } : 0; }
+   void touch() { h_->stamp = CollectionDetail::nextStamp() & stampMask; }
    Entry* entries() const {
       return reinterpret_cast< Entry* >( reinterpret_cast< char* >( h_ ) + sizeof( Header ) );
    }

@@ -65,12 +65,18 @@ class Entity : public Notifier {
    String fullName() const;
    // A back pointer, valid while the parent lives; null for a root.
    Entity const* parent() const { return parent_; }
-   Name parentAttrName() const { return Name( parentAttrName_ ? parentAttrName_ : "" ); }
+   Name parentAttrName() const;
    // `attrName` is the text of the attribute's name, which lives as long as the program.
    void parentIs( Entity const* parent, char const* attrName ) {
-      parent_ = parent;
-      parentAttrName_ = attrName;
+      parentIs( parent, attrNumberOf( attrName ) );
    }
+   void parentIs( Entity const* parent, std::uint32_t attrNumber ) {
+      parent_ = parent;
+      ownFieldIs( attrNumber );
+   }
+   // The number under which the text of an attribute's name is kept: the entity keeps that
+   // number in its flag word rather than a pointer of its own. 0 for none.
+   static std::uint32_t attrNumberOf( char const* attrName );
 
  protected:
    // An entity named after its key: the name is built when first asked for, since most
@@ -84,7 +90,6 @@ class Entity : public Notifier {
 
    mutable String name_;
    Entity const* parent_ = nullptr;
-   char const* parentAttrName_ = nullptr;
 };
 
 // The name of an entity created under a key.
@@ -195,23 +200,24 @@ String entityNameOf( K const& key ) {
    static void zubForget##Cap( Value const& ) {}          \
    ZUB_ATTR_COLLECTION_COMMON( Cap, name, Key, Value )
 
-#define ZUB_ATTR_ACCESSORS_child( Cap, name, Key, Type )                         \
-   ::Zub::Ptr< Type > name( Key const& k ) const {                               \
-      ::Zub::Ptr< Type > const* v = zub_##name##_.find( k );                     \
-      return v ? *v : ::Zub::Ptr< Type >();                                      \
-   }                                                                             \
-   template< class... ZubArgs >                                                  \
-   ::Zub::Ptr< Type > name##Is( Key const& k, ZubArgs&&... args ) {              \
-      if( ::Zub::Ptr< Type > const* v = zub_##name##_.find( k ) ) return *v;     \
-      auto child = ::Zub::make< Type >( k, std::forward< ZubArgs >( args )... ); \
-      child->parentIs( this, #name );                                            \
-      zub_##name##_.set( k, child );                                             \
-      zubNotify##Cap( k );                                                       \
-      return child;                                                              \
-   }                                                                             \
-   static void zubForget##Cap( ::Zub::Ptr< Type > const& c ) {                   \
-      if( c ) c->parentIs( nullptr, nullptr );                                   \
-   }                                                                             \
+#define ZUB_ATTR_ACCESSORS_child( Cap, name, Key, Type )                               \
+   ::Zub::Ptr< Type > name( Key const& k ) const {                                     \
+      ::Zub::Ptr< Type > const* v = zub_##name##_.find( k );                           \
+      return v ? *v : ::Zub::Ptr< Type >();                                            \
+   }                                                                                   \
+   template< class... ZubArgs >                                                        \
+   ::Zub::Ptr< Type > name##Is( Key const& k, ZubArgs&&... args ) {                    \
+      if( ::Zub::Ptr< Type > const* v = zub_##name##_.find( k ) ) return *v;           \
+      static std::uint32_t const zubAttrNumber = ::Zub::Entity::attrNumberOf( #name ); \
+      auto child = ::Zub::make< Type >( k, std::forward< ZubArgs >( args )... );       \
+      child->parentIs( this, zubAttrNumber );                                          \
+      zub_##name##_.set( k, child );                                                   \
+      zubNotify##Cap( k );                                                             \
+      return child;                                                                    \
+   }                                                                                   \
+   static void zubForget##Cap( ::Zub::Ptr< Type > const& c ) {                         \
+      if( c ) c->parentIs( nullptr, 0u );                                              \
+   }                                                                                   \
    ZUB_ATTR_COLLECTION_COMMON( Cap, name, Key, ::Zub::Ptr< Type > )
 
 #define ZUB_X_CALLBACKS( kind, ... ) ZUB_ATTR_CALLBACKS_##kind( __VA_ARGS__ )

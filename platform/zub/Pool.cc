@@ -27,7 +27,8 @@ constexpr bool pooling = true;
 // little holds at most one chunk idle.
 constexpr std::size_t chunkBytes = 65536;
 
-static_assert( alignof( std::max_align_t ) <= granule );
+// Chunks come aligned for any object; a block of a size class sits at a multiple of its size.
+static_assert( alignof( std::max_align_t ) <= 2 * granule );
 static_assert( largestPooled % granule == 0 && chunkBytes >= largestPooled );
 
 constexpr std::size_t classes = largestPooled / granule;

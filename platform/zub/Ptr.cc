@@ -31,6 +31,13 @@ void PtrInterface::ownFlagIs( std::uint32_t bit, bool on ) const {
    flags_ = static_cast< std::int32_t >( word );
 }
 
+void PtrInterface::ownFieldIs( std::uint32_t value ) const {
+   std::uint32_t const mask = ownFieldLimit << ownFieldShift;
+   auto const word = static_cast< std::uint32_t >( flags_ );
+   flags_ = static_cast< std::int32_t >( ( word & ~mask ) |
+                                         ( ( value & ownFieldLimit ) << ownFieldShift ) );
+}
+
 void PtrInterface::zombieIs( bool z ) {
    if( z ) {
       flags_ = static_cast< std::int32_t >( static_cast< std::uint32_t >( flags_ ) | 0x80000000u );

@@ -57,8 +57,16 @@ class PtrInterface {
       return ( static_cast< std::uint32_t >( flags_ ) & bit & ownFlagBits ) != 0;
    }
    void ownFlagIs( std::uint32_t bit, bool on ) const;
+   // Bits 8 to 23 of the flag word hold a small number of the derived class's.
+   static constexpr std::uint32_t ownFieldLimit = 0xffffu;
+   std::uint32_t ownField() const {
+      return ( static_cast< std::uint32_t >( flags_ ) >> ownFieldShift ) & ownFieldLimit;
+   }
+   void ownFieldIs( std::uint32_t value ) const;
 
  private:
+   static constexpr std::uint32_t ownFieldShift = 8;
+
    mutable std::uint32_t refCount_ = 0;
    mutable std::int32_t flags_ = 0;
 };
