@@ -15,7 +15,8 @@ QosActionBaseSm::QosActionBaseSm( Qos::ActionType actionType, QosClassMapKey con
     , qosAclSm_( qosAclSm )
     , pmapSm_( pmapSm )
     , classActionSm_( classActionSm )
-    , policyAction_( policyAction ) {}
+    , policyAction_( policyAction )
+    , data_( Zub::make< QosClassActionData >( actionType ) ) {}
 
 QosActionBaseSm::~QosActionBaseSm() = default;
 
@@ -31,36 +32,46 @@ QosActionSm::QosActionSm( Qos::ActionType actionType, QosClassMapKey const& cmap
                           QosAclSm* qosAclSm, QosPolicyMapSm* pmapSm,
                           QosClassActionBaseSm* classActionSm,
                           Zub::Ptr< Qos::Action const > const& policyAction )
-    : QosActionBaseSm( actionType, cmapKey, qosAclSm, pmapSm, classActionSm, policyAction ) {}
-
-void QosActionSm::applyTo( QosClassData& classData ) {
-   auto const data = classData.actionDataIs( actionType() );
-   setCmapHwStatus();
-   ZUB_ASSERT_TEXT( cmapHwStatus(), "cmapHwStatus()" );
-   recordAction( *data );
+    : QosActionBaseSm( actionType, cmapKey, qosAclSm, pmapSm, classActionSm, policyAction ) {
+   data()->valIs( valueOf( *policyAction ) );
 }
 
-void QosActionSm::recordAction( QosClassActionData& data ) {
+unsigned int QosActionSm::valueOf( Qos::Action const& action ) {
+   switch( action.actionType() ) {
+      case Qos::actionSetCos_:
+      case Qos::actionSetDscp_:
+      case Qos::actionSetTc_:
+      case Qos::actionSetDropPrecedence_:
+         return action.value();
+      default:
+         return 0u;
+   }
+}
+
+void QosActionSm::applyTo( QosClassData& classData ) {
+   classData.actionDataIs( actionType(), data() );
+   setCmapHwStatus();
+   ZUB_ASSERT_TEXT( cmapHwStatus(), "cmapHwStatus()" );
+   recordAction();
+}
+
+void QosActionSm::recordAction() {
    Qos::ClassMapHwStatus& status = *cmapHwStatus();
    bool const input = pmapSm()->direction() == Qos::directionInput_;
    switch( actionType() ) {
       case Qos::actionSetCos_:
-         data.valIs( policyAction()->value() );
          status.cosPrgmdIs( true );
          break;
       case Qos::actionSetDscp_:
-         data.valIs( policyAction()->value() );
          status.dscpPrgmdIs( true );
          break;
       case Qos::actionSetTc_:
-         data.valIs( policyAction()->value() );
          if( input ) status.tcPrgmdIs( true );
          break;
       case Qos::actionDrop_:
          if( input ) status.dropPrgmdIs( true );
          break;
       case Qos::actionSetDropPrecedence_:
-         data.valIs( policyAction()->value() );
          if( input ) status.dropPrecedencePrgmdIs( true );
          break;
       default:

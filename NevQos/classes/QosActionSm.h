@@ -2,7 +2,8 @@
 // programming reads it, and marks in the class-map status what was taken. The colour variants
 // (QosColourActionSm.h) do the same for a policer's conforming, exceeding and violating traffic.
 // The machine is the class's: it holds nothing of one copy of the class, and applies itself to
-// the class data of each copy in turn, so that the copies of a class share it.
+// the class data of each copy in turn, so that the copies of a class share it, and share the
+// action's record (QosClassActionData), whose value is fixed with the machine.
 #pragma once
 
 #include "NevQos/types/QosClassData.h"
@@ -34,6 +35,8 @@ class QosActionBaseSm : public Zub::PtrInterface {
    QosClassActionBaseSm* classActionSm() const { return classActionSm_; }
    Zub::Ptr< Qos::Action const > const& policyAction() const { return policyAction_; }
    Zub::Ptr< Qos::ClassMapHwStatus > const& cmapHwStatus() const { return cmapHwStatus_; }
+   // The record each copy's class data points at.
+   Zub::Ptr< QosClassActionData > const& data() const { return data_; }
 
    // Virtual operations, in slot order. Each takes the class data of one copy of the class.
    virtual void applyTo( QosClassData& classData ) = 0;
@@ -51,6 +54,7 @@ class QosActionBaseSm : public Zub::PtrInterface {
    QosClassActionBaseSm* classActionSm_;
    Zub::Ptr< Qos::Action const > policyAction_;
    Zub::Ptr< Qos::ClassMapHwStatus > cmapHwStatus_;
+   Zub::Ptr< QosClassActionData > data_;
 };
 
 // An action of the class itself: set COS, DSCP, traffic class or drop precedence, or drop.
@@ -66,9 +70,11 @@ class QosActionSm final : public QosActionBaseSm {
    void removeFrom( QosClassData& classData ) override;
 
  private:
-   // Value and status flag by action type; an output policy takes the value of some actions
-   // without claiming them in the status.
-   void recordAction( QosClassActionData& data );
+   // The status flag by action type; an output policy takes the value of some actions without
+   // claiming them in the status.
+   void recordAction();
+   // The value the rule programming reads: the configured one, but none for a drop.
+   static unsigned int valueOf( Qos::Action const& action );
 };
 
 }  // namespace Nev

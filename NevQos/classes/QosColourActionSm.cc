@@ -10,7 +10,9 @@ QosColourActionSm::QosColourActionSm( PolicerColour colour, Qos::ActionType acti
                                       QosPolicyMapSm* pmapSm, QosClassActionBaseSm* classActionSm,
                                       Zub::Ptr< Qos::Action const > const& policyAction )
     : QosActionBaseSm( actionType, cmapKey, qosAclSm, pmapSm, classActionSm, policyAction )
-    , colour_( colour ) {}
+    , colour_( colour ) {
+   data()->valIs( policyAction->value() );
+}
 
 bool QosColourActionSm::takes() const {
    return colour() != PolicerColour::green || classActionSm()->policyClassAction()->policer();
@@ -98,20 +100,17 @@ Zub::Ptr< QosClassActionData > QosColourActionSm::actionData(
 }
 
 void QosColourActionSm::actionDataIs( QosClassData& classData ) {
-   Zub::Ptr< QosClassActionData > data;
    switch( colour() ) {
       case PolicerColour::green:
-         data = classData.actionDataIs( actionType() );
+         classData.actionDataIs( actionType(), data() );
          break;
       case PolicerColour::yellow:
-         data = classData.policerData()->yellowActionDataIs( actionType() );
+         classData.policerData()->yellowActionDataIs( actionType(), data() );
          break;
       case PolicerColour::red:
-         data = classData.policerData()->redActionDataIs( actionType() );
+         classData.policerData()->redActionDataIs( actionType(), data() );
          break;
    }
-   ZUB_ASSERT( data );
-   data->valIs( policyAction()->value() );
 }
 
 void QosColourActionSm::actionDataDel( QosClassData& classData ) {

@@ -25,6 +25,8 @@ using MplsTrafficClassValPtr = Zub::Ptr< Qos::ClassMapMatchMplsTrafficClass >;
 using MplsTrafficClassTuplePtr = Zub::Ptr< Qos::MplsTrafficClassTuple >;
 using MacValuePtr = Zub::Ptr< Qos::ClassMapMatchMac >;
 using BuiltInClassMatch = Qos::ClassMapMatchBuiltIn;
+// An action's record belongs to the action's machine, and every copy of the class points at it.
+using QosClassActionDataPtr = Zub::Ptr< QosClassActionData >;
 
 #define NEV_QOS_CLASS_DATA_ATTRS( X )                                                 \
    /* The small values first, which pack together. */                                 \
@@ -33,7 +35,7 @@ using BuiltInClassMatch = Qos::ClassMapMatchBuiltIn;
    X( value, ClassDefault, classDefault, bool, false )                                \
    X( value, Count, count, bool, false )                                              \
    X( child, MatchData, matchData, Qos::ClassMapMatchOption, Nev::QosClassMatchData ) \
-   X( child, ActionData, actionData, Qos::ActionType, Nev::QosClassActionData )       \
+   X( keyed, ActionData, actionData, Qos::ActionType, QosClassActionDataPtr )         \
    X( value, PolicerData, policerData, Zub::Ptr< Nev::QosPolicerData >,               \
       Zub::Ptr< Nev::QosPolicerData >() )                                             \
    X( keyed, IntfId, intfId, Qos::IntfPairKey, bool )                                 \

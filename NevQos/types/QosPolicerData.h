@@ -25,8 +25,10 @@ namespace Nev {
    X( value, PirUnit, pirUnit, Qos::RateUnit, Qos::rateUnitKbps_ )                           \
    X( value, BcUnit, bcUnit, Qos::BurstUnit, Qos::burstUnitBytes_ )                          \
    X( value, BeUnit, beUnit, Qos::BurstUnit, Qos::burstUnitBytes_ )                          \
-   X( child, RedActionData, redActionData, Qos::ActionType, Nev::QosClassActionData )        \
-   X( child, YellowActionData, yellowActionData, Qos::ActionType, Nev::QosClassActionData )
+   /* The records of the actions, which the class's action machines own. */                \
+   X( keyed, RedActionData, redActionData, Qos::ActionType, Zub::Ptr< Nev::QosClassActionData > ) \
+   X( keyed, YellowActionData, yellowActionData, Qos::ActionType,                           \
+      Zub::Ptr< Nev::QosClassActionData > )
 // clang-format on
 
 class QosPolicerData : public Zub::Entity {
