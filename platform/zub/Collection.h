@@ -303,9 +303,13 @@ class Collection {
       it.index_ = i;
    }
 
-   // Room for one more member in the array: the first block, or one twice the size.
+   // Room for one more member in the array: the first block, or one half as large again (a
+   // collection of one member per interface of a class would leave a third of a doubled block
+   // empty on average).
    void grow() {
-      std::uint32_t const capacity = h_ ? h_->capacity * 2 : 1;
+      std::uint32_t const held = h_ ? static_cast< std::uint32_t >( h_->capacity ) : 0;
+      std::uint32_t const capacity =
+            held == 0 ? 1 : std::min( arrayLimit, held + std::max( held / 2, 1u ) );
       auto* const block = static_cast< Header* >( Pool::allocate( arrayBytes( capacity ) ) );
       block->stamp = 0;
       block->size = 0;
