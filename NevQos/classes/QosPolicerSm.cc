@@ -36,7 +36,7 @@ QosPolicerSm::QosPolicerSm( Zub::Name const& name, Zub::Ptr< QosClassConfig cons
 
 void QosPolicerSm::handleInitialized() {
    createSm();
-   initialized_ = true;
+   ownFlagIs( initializedFlag, true );
 }
 
 Zub::Ptr< Qos::NamedPolicerStatus const > QosPolicerSm::namedPolicerStatus() const {
@@ -126,20 +126,20 @@ void QosPolicerSm::applyActions() {
    actionSms_->classActionSm->applyTo( *classData() );
    actionSms_->yellowClassActionSm->applyTo( *classData() );
    actionSms_->redClassActionSm->applyTo( *classData() );
-   actionsApplied_ = true;
+   ownFlagIs( actionsAppliedFlag, true );
 }
 
 // Red, yellow, then the class action.
 void QosPolicerSm::removeActions() {
-   if( !actionsApplied_ || !classData() ) return;
-   actionsApplied_ = false;
+   if( !actionsApplied() || !classData() ) return;
+   ownFlagIs( actionsAppliedFlag, false );
    actionSms_->redClassActionSm->removeFrom( *classData() );
    actionSms_->yellowClassActionSm->removeFrom( *classData() );
    actionSms_->classActionSm->removeFrom( *classData() );
 }
 
 QosClassActionSm* QosPolicerSm::appliedClassActionSm() const {
-   return actionsApplied_ ? actionSms_->classActionSm.ptr() : nullptr;
+   return actionsApplied() ? actionSms_->classActionSm.ptr() : nullptr;
 }
 
 void QosPolicerSm::deleteSm() {
@@ -227,7 +227,7 @@ void QosPolicerSm::handleVerify() {
    if( !classData() ) return;
    if( caction() && caction()->policer() ) verifyPolicerParameters();
    QosPolicyClassBaseSm::handleVerify();
-   if( actionsApplied_ ) {
+   if( actionsApplied() ) {
       actionSms_->yellowClassActionSm->handleVerify( *classData() );
       actionSms_->redClassActionSm->handleVerify( *classData() );
    }

@@ -28,7 +28,7 @@ class QosPolicerSm final : public QosPolicyClassBaseSm {
    Zub::Name const& name() const { return name_; }
    // The status of the named policer the class uses, by map type; null for an unnamed one.
    Zub::Ptr< Qos::NamedPolicerStatus const > namedPolicerStatus() const;
-   bool initialized() const { return initialized_; }
+   bool initialized() const { return ownFlag( initializedFlag ); }
 
    void deleteSm() override;
    void counterUpdateRequest() override;
@@ -54,8 +54,10 @@ class QosPolicerSm final : public QosPolicyClassBaseSm {
    Zub::Name name_;
    // The class's, which outlives its copies.
    QosPolicerActionSms const* actionSms_;
-   bool actionsApplied_ = false;
-   bool initialized_ = false;
+   // The copy's two marks sit in the object's flag word: there is a copy per class and interface.
+   static constexpr std::uint32_t initializedFlag = 1u;
+   static constexpr std::uint32_t actionsAppliedFlag = 2u;
+   bool actionsApplied() const { return ownFlag( actionsAppliedFlag ); }
 };
 
 }  // namespace Nev

@@ -25,7 +25,7 @@ QosClassMatchSm::~QosClassMatchSm() = default;
 
 void QosClassMatchSm::handleInitialized() {
    createSm();
-   initialized_ = true;
+   ownFlagIs( initializedFlag, true );
 }
 
 void QosClassMatchSm::createSm() {

@@ -49,7 +49,7 @@ class QosClassMatchSm : public Zub::PtrInterface {
    std::uint32_t matchPrio() const { return matchPrio_; }
    // Null until the first deferred request.
    Zub::Ptr< QosPolicyMapClassData > const& policyData() const { return policyData_; }
-   bool initialized() const { return initialized_; }
+   bool initialized() const { return ownFlag( initializedFlag ); }
 
    ZUB_SM_CHILDREN( aclSm, AclKey, QosClassMatchAclSm )
    ZUB_SM_CHILDREN( mplsTrafficClassSm, AclKey, QosClassMatchMplsTrafficClassSm )
@@ -98,7 +98,8 @@ class QosClassMatchSm : public Zub::PtrInterface {
    Zub::Ptr< QosPolicyMapClassData > policyData_;
    Qos::ClassMapMatchOption matchOption_;
    std::uint32_t matchPrio_;
-   bool initialized_ = false;
+   // In the object's flag word: a match machine is made per class copy.
+   static constexpr std::uint32_t initializedFlag = 1u;
 };
 
 }  // namespace Nev

@@ -15,16 +15,9 @@ namespace Nev {
 
 // clang-format off
 #define NEV_QOS_POLICER_DATA_ATTRS( X )                                                      \
-   /* The configuration's policer is a named one; its status then stands below. */          \
-   X( value, Named, named, bool, false )                                                     \
-   /* The chip accepted the policer; only then is it destroyed in the chip. */               \
-   X( value, CreatedInHw, createdInHw, bool, false )                                         \
+   /* The status of a named policer, which the configuration's policer then is. */          \
    X( value, NamedPolicerStatus, namedPolicerStatus, Zub::Ptr< Qos::NamedPolicerStatus const >, \
       Zub::Ptr< Qos::NamedPolicerStatus const >() )                                          \
-   X( value, CirUnit, cirUnit, Qos::RateUnit, Qos::rateUnitKbps_ )                           \
-   X( value, PirUnit, pirUnit, Qos::RateUnit, Qos::rateUnitKbps_ )                           \
-   X( value, BcUnit, bcUnit, Qos::BurstUnit, Qos::burstUnitBytes_ )                          \
-   X( value, BeUnit, beUnit, Qos::BurstUnit, Qos::burstUnitBytes_ )                          \
    /* The records of the actions, which the class's action machines own. */                \
    X( keyed, RedActionData, redActionData, Qos::ActionType, Zub::Ptr< Nev::QosClassActionData > ) \
    X( keyed, YellowActionData, yellowActionData, Qos::ActionType,                           \
@@ -49,6 +42,20 @@ class QosPolicerData : public Zub::Entity {
    std::uint32_t bc() const { return bc_; }
    std::uint64_t pir() const { return pir_; }
    std::uint32_t be() const { return be_; }
+   Qos::RateUnit cirUnit() const { return static_cast< Qos::RateUnit >( cirUnit_ ); }
+   Qos::RateUnit pirUnit() const { return static_cast< Qos::RateUnit >( pirUnit_ ); }
+   Qos::BurstUnit bcUnit() const { return static_cast< Qos::BurstUnit >( bcUnit_ ); }
+   Qos::BurstUnit beUnit() const { return static_cast< Qos::BurstUnit >( beUnit_ ); }
+   void cirUnitIs( Qos::RateUnit unit ) { cirUnit_ = static_cast< std::uint8_t >( unit ); }
+   void pirUnitIs( Qos::RateUnit unit ) { pirUnit_ = static_cast< std::uint8_t >( unit ); }
+   void bcUnitIs( Qos::BurstUnit unit ) { bcUnit_ = static_cast< std::uint8_t >( unit ); }
+   void beUnitIs( Qos::BurstUnit unit ) { beUnit_ = static_cast< std::uint8_t >( unit ); }
+   // The configuration's policer is a named one; its status then stands above.
+   bool named() const { return named_; }
+   void namedIs( bool named ) { named_ = named; }
+   // The chip accepted the policer; only then is it destroyed in the chip.
+   bool createdInHw() const { return createdInHw_; }
+   void createdInHwIs( bool created ) { createdInHw_ = created; }
    ZUB_ENTITY_BODY( QosPolicerData, Zub::Entity, NEV_QOS_POLICER_DATA_ATTRS )
 
  private:
@@ -57,6 +64,14 @@ class QosPolicerData : public Zub::Entity {
    std::uint64_t pir_;
    std::uint32_t bc_;
    std::uint32_t be_;
+   // The units and marks share one word: there is a policer record per class copy. Nothing
+   // watches them, so they are plain members rather than attributes.
+   std::uint8_t cirUnit_ = Qos::rateUnitKbps_;
+   std::uint8_t pirUnit_ = Qos::rateUnitKbps_;
+   std::uint8_t bcUnit_ = Qos::burstUnitBytes_;
+   std::uint8_t beUnit_ = Qos::burstUnitBytes_;
+   bool named_ = false;
+   bool createdInHw_ = false;
 };
 
 }  // namespace Nev
