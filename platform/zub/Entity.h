@@ -85,7 +85,7 @@ class Entity : public Notifier {
    virtual String nameFromKey() const { return String(); }
 
  private:
-   // Set once name_ holds the name.
+   // Set once name_ holds the name. The other bits of the flag word are the derived entity's.
    static constexpr std::uint32_t namedFlag = 1u;
 
    mutable String name_;
