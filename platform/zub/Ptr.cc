@@ -4,14 +4,6 @@ namespace Zub {
 
 bool threadSafePointers = false;
 
-void PtrInterface::newRef() const {
-   if( threadSafePointers ) {
-      std::atomic_ref< std::uint32_t >( refCount_ ).fetch_add( 1, std::memory_order_relaxed );
-   } else {
-      ++refCount_;
-   }
-}
-
 void PtrInterface::delRef() const {
    std::uint32_t left;
    if( threadSafePointers ) {

@@ -39,7 +39,14 @@ class PtrInterface {
    static void operator delete( void* p, std::size_t size ) noexcept { Pool::release( p, size ); }
 
    std::uint32_t references() const { return refCount_; }
-   void newRef() const;
+   // Inline: every copy of a pointer takes a reference.
+   void newRef() const {
+      if( threadSafePointers ) {
+         std::atomic_ref< std::uint32_t >( refCount_ ).fetch_add( 1, std::memory_order_relaxed );
+      } else {
+         ++refCount_;
+      }
+   }
    void delRef() const;
 
    // The zombie mark is the sign bit of the flag word: a dying object whose reactors must

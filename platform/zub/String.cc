@@ -7,23 +7,16 @@
 
 namespace Zub {
 
-struct String::Rep {
-   std::uint32_t refs;
-   std::uint32_t hash;
-   std::size_t size;
-   char text[ 1 ];  // size + 1 bytes, NUL-terminated
-
-   static Rep* make( char const* s, std::size_t len ) {
-      void* mem = ::operator new( offsetof( Rep, text ) + len + 1 );
-      Rep* r = static_cast< Rep* >( mem );
-      r->refs = 1;
-      r->size = len;
-      std::memcpy( r->text, s, len );
-      r->text[ len ] = '\0';
-      r->hash = stringHash( { r->text, len } );
-      return r;
-   }
-};
+String::Rep* String::Rep::make( char const* s, std::size_t len ) {
+   void* mem = ::operator new( offsetof( Rep, text ) + len + 1 );
+   Rep* r = static_cast< Rep* >( mem );
+   r->refs = 1;
+   r->size = len;
+   std::memcpy( r->text, s, len );
+   r->text[ len ] = '\0';
+   r->hash = stringHash( { r->text, len } );
+   return r;
+}
 
 std::uint32_t stringHash( std::string_view s ) noexcept {
    if( s.empty() ) return 0;
@@ -54,14 +47,6 @@ String& String::operator=( String o ) noexcept {
 
 String::~String() {
    if( rep_ && --rep_->refs == 0 ) ::operator delete( rep_ );
-}
-
-char const* String::charPtr() const noexcept {
-   return rep_ ? rep_->text : "";
-}
-
-std::size_t String::size() const noexcept {
-   return rep_ ? rep_->size : 0;
 }
 
 String String::operator+( String const& o ) const {

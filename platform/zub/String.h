@@ -24,8 +24,8 @@ class String {
    String& operator=( String o ) noexcept;
    ~String();
 
-   char const* charPtr() const noexcept;
-   std::size_t size() const noexcept;
+   char const* charPtr() const noexcept { return rep_ ? rep_->text : ""; }
+   std::size_t size() const noexcept { return rep_ ? rep_->size : 0; }
    bool empty() const noexcept { return size() == 0; }
    std::string_view view() const noexcept { return { charPtr(), size() }; }
    std::string stdString() const { return std::string( view() ); }
@@ -56,7 +56,15 @@ class String {
    bool sameBuffer( String const& o ) const noexcept { return rep_ == o.rep_; }
 
  private:
-   struct Rep;
+   // In the header, so that reading a text (every comparison of names) is inline.
+   struct Rep {
+      std::uint32_t refs;
+      std::uint32_t hash;
+      std::size_t size;
+      char text[ 1 ];  // size + 1 bytes, NUL-terminated
+
+      static Rep* make( char const* s, std::size_t len );
+   };
    explicit String( Rep* rep ) noexcept : rep_( rep ) {}
    Rep* rep_ = nullptr;
 };
