@@ -80,10 +80,26 @@ void QosPolicyClassSm::deletePolicerActionSms() {
    policerActionSms_ = QosPolicerActionSms();
 }
 
+namespace {
+
+// An interface joining or leaving a map reaches every class of it in turn: its name is made once
+// for all of them.
+Zub::Name intfName( Mirel::IntfId intfId ) {
+   static thread_local Mirel::IntfId lastId;
+   static thread_local Zub::Name lastName;
+   if( lastName.empty() || lastId != intfId ) {
+      lastName = Zub::Name( intfId.stringValue() );
+      lastId = intfId;
+   }
+   return lastName;
+}
+
+}  // namespace
+
 Zub::Name QosPolicyClassSm::copyName( Qos::IntfPairKey const& intfPair, bool policer ) const {
    // Later rules override earlier ones.
-   Zub::Name name( intfPair.intfId().stringValue() );
-   if( policer && !!intfPair.lagIntfId() ) name = Zub::Name( intfPair.lagIntfId().stringValue() );
+   Zub::Name name = intfName( intfPair.intfId() );
+   if( policer && !!intfPair.lagIntfId() ) name = intfName( intfPair.lagIntfId() );
    if( policer && namedSharedPolicer() ) name = caction()->policer()->key();
    if( pmapSm()->sharedPolicyMap() ) name = caction()->key();
    return name;
@@ -102,14 +118,14 @@ bool updateCopy( Qos::IntfPairKey const& intfPair, bool add, Find find, Create c
       } else {
          create();
       }
-   } else if( copy ) {
-      copy->handleIntf( intfPair, false );
-      if( !copy->classData() || copy->classData()->intfIdSize() == 0 ) {
-         copy->doPrepareToDie();
-         del();
-      }
+      return true;
    }
-   return !!find();
+   if( !copy ) return false;
+   copy->handleIntf( intfPair, false );
+   if( copy->classData() && copy->classData()->intfIdSize() != 0 ) return true;
+   copy->doPrepareToDie();
+   del();
+   return false;
 }
 
 }  // namespace

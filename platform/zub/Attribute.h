@@ -62,7 +62,8 @@ class ChildCollection {
    }
    template< class... A >
    Ptr< T > is( K const& k, A const&... args ) {
-      if( Ptr< T > const* v = children_.find( k ) ) {
+      auto const spot = children_.spot( k );
+      if( Ptr< T > const* v = spot.found() ) {
          if constexpr( detail::DescribesCtorParams< T > ) {
             auto params = ( *v )->zubCtorParams();
             constexpr std::size_t n =
@@ -73,15 +74,16 @@ class ChildCollection {
          return *v;
       }
       Ptr< T > child = make< T >( k, args... );
-      children_.set( k, child );
+      children_.insertAt( spot, k, child );
       return child;
    }
    // A child of a class derived from T, for collections whose members differ in kind.
    template< class D, class... A >
    Ptr< T > isOf( K const& k, A const&... args ) {
-      if( Ptr< T > const* v = children_.find( k ) ) return *v;
+      auto const spot = children_.spot( k );
+      if( Ptr< T > const* v = spot.found() ) return *v;
       Ptr< T > child = make< D >( k, args... );
-      children_.set( k, child );
+      children_.insertAt( spot, k, child );
       return child;
    }
    // The child is released after it left the collection.

@@ -215,6 +215,45 @@ class Collection {
       if( !h_ || h_->size == h_->capacity ) grow();
       return { &insertAt( i, std::move( made ) ), true };
    }
+   // Where `k` is, or where it would go: a search that finds nothing lets the insertion that
+   // follows it skip its own, so that making a member for a missing key (a child made on first
+   // use) searches a big collection once. A spot outlives changes to the collection; an
+   // insertion through a spot the collection has changed since searches again.
+   class Spot {
+    public:
+      V* found() const { return found_; }
+
+    private:
+      friend class Collection;
+      V* found_ = nullptr;
+      std::uint64_t stamp_ = 0;
+      bool inTree_ = false;
+      typename Map::iterator at_{};
+   };
+   Spot spot( K const& k ) {
+      Spot s;
+      s.stamp_ = stamp();
+      if( !h_ ) return s;
+      if( !isTree() ) {
+         s.found_ = find( k );
+         return s;
+      }
+      auto& map = tree();
+      s.inTree_ = true;
+      s.at_ = map.lower_bound( k );
+      if( s.at_ != map.end() && !( k < s.at_->first ) ) s.found_ = &s.at_->second;
+      return s;
+   }
+   // Sets `k` to `v` where a spot of `k` with nothing found says it goes.
+   V& insertAt( Spot const& s, K const& k, V const& v ) {
+      if( s.inTree_ && h_ && s.stamp_ == stamp() && !s.found_ ) {
+         touch();
+         return tree().emplace_hint( s.at_, k, v )->second;
+      }
+      auto [ held, inserted ] = insert( k, v );
+      if( !inserted ) *held = v;
+      return *held;
+   }
    // Removes `k`; false when it was absent. The removed value is moved into `out`, if given,
    // so that its destruction can wait until the caller is done notifying.
    bool erase( K const& k, V* out = nullptr ) {

@@ -207,11 +207,12 @@ String entityNameOf( K const& key ) {
    }                                                                                   \
    template< class... ZubArgs >                                                        \
    ::Zub::Ptr< Type > name##Is( Key const& k, ZubArgs&&... args ) {                    \
-      if( ::Zub::Ptr< Type > const* v = zub_##name##_.find( k ) ) return *v;           \
+      auto const zubSpot = zub_##name##_.spot( k );                                    \
+      if( zubSpot.found() ) return *zubSpot.found();                                   \
       static std::uint32_t const zubAttrNumber = ::Zub::Entity::attrNumberOf( #name ); \
       auto child = ::Zub::make< Type >( k, std::forward< ZubArgs >( args )... );       \
       child->parentIs( this, zubAttrNumber );                                          \
-      zub_##name##_.set( k, child );                                                   \
+      zub_##name##_.insertAt( zubSpot, k, child );                                     \
       zubNotify##Cap( k );                                                             \
       return child;                                                                    \
    }                                                                                   \

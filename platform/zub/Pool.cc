@@ -48,6 +48,9 @@ class Lists {
       if( !head ) carve( sizeClass );
       FreeBlock* const block = head;
       head = block->next;
+      // Blocks given back in a big configuration's churn lie far apart and out of the caches:
+      // the next take of the class finds its block on the way in.
+      if( head ) __builtin_prefetch( head, 1 );
       ++usage_.blocks;
       usage_.blockBytes += ( sizeClass + 1 ) * granule;
       return block;
