@@ -88,6 +88,42 @@ TEST( CollectionTest, InsertAddsOnlyWhenAbsentAndGivesTheMember ) {
    EXPECT_EQ( *c.find( 4 ), 41 );
 }
 
+
+// A spot taken before other members came or went (its own neighbour too) still puts its key in
+// order, in an array and in a tree, and overwrites a member made under the same key meanwhile.
+TEST( CollectionTest, InsertAtASpotKeepsOrderWhateverChangedSinceTheSearch ) {
+   for( int const size : { 4, 100 } ) {
+      Coll c;
+      std::map< int, int > model;
+      auto const set = [ & ]( int k, int v ) {
+         c.set( k, v );
+         model[ k ] = v;
+      };
+      for( int k = 0; k <= size; ++k )
+         set( 2 * k, 0 );
+      ASSERT_NE( c.spot( 2 ).found(), nullptr );
+      auto const untouched = c.spot( 5 );
+      EXPECT_EQ( untouched.found(), nullptr );
+      EXPECT_EQ( c.insertAt( untouched, 5, 50 ), 50 );
+      model[ 5 ] = 50;
+      auto const stale = c.spot( 7 );
+      c.erase( 8 );  // the member the spot stands before
+      model.erase( 8 );
+      set( 9, 0 );
+      c.insertAt( stale, 7, 70 );
+      model[ 7 ] = 70;
+      auto const taken = c.spot( 11 );
+      set( 11, 1 );
+      c.insertAt( taken, 11, 110 );
+      model[ 11 ] = 110;
+      std::vector< std::pair< int, int > > held;
+      for( auto it = c.iter(); it; ++it )
+         held.emplace_back( it.key(), it.value() );
+      EXPECT_EQ( held, ( std::vector< std::pair< int, int > >( model.begin(), model.end() ) ) )
+            << size;
+   }
+}
+
 // A walk that removes what it settles, also when the member or another one went meanwhile.
 TEST( CollectionTest, EraseAtGoesOnAfterTheRemovedMember ) {
    Coll c;
