@@ -88,7 +88,6 @@ TEST( CollectionTest, InsertAddsOnlyWhenAbsentAndGivesTheMember ) {
    EXPECT_EQ( *c.find( 4 ), 41 );
 }
 
-
 // A spot taken before other members came or went (its own neighbour too) still puts its key in
 // order, in an array and in a tree, and overwrites a member made under the same key meanwhile.
 TEST( CollectionTest, InsertAtASpotKeepsOrderWhateverChangedSinceTheSearch ) {
