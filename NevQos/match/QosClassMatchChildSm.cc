@@ -12,7 +12,8 @@ namespace Nev {
 
 QosClassMatchChildSm::QosClassMatchChildSm( AclKey const& key, QosClassMatchSm* classMatchSm,
                                             Qos::ClassMapMatchOption matchOption )
-    : key_( key ), classMatchSm_( classMatchSm ), matchOption_( matchOption ) {
+    : key_( key ), classMatchSm_( classMatchSm ) {
+   matchOptionIs( matchOption );
    ZUB_ASSERT( classMatchSm_ );
 }
 
@@ -71,7 +72,7 @@ void QosClassMatchChildSm::handleInitialized() {
    } else {
       enqueueRequest( updateReasonAclChange, Qos::IntfPairKey(), false );
    }
-   initialized_ = true;
+   ownFlagIs( initializedFlag, true );
 }
 
 void QosClassMatchChildSm::intfUpdated( Qos::IntfPairKey const& intfPair, bool add ) {
@@ -103,7 +104,7 @@ void QosClassMatchChildSm::reportIfDestroying() const {
 void QosClassMatchChildSm::destroyAcl() {
    auto const data = aclData();
    if( !data || data->aclNumber() == -1 ) return;  // never reached the helper
-   destroying_ = true;
+   ownFlagIs( destroyingFlag, true );
    helper().destroyAcl( pmapState(), *classData(), matchOption(), key() );
    if( cleanupAfterDestroy() ) {
       helper().cleanupAcl( pmapState(), *classData(), matchOption(), key() );

@@ -41,12 +41,14 @@ class QosClassMatchChildSm : public Zub::PtrInterface {
    QosPolicyMapSm* pmapSm() const;
    Zub::Ptr< QosClassData > const& classData() const;
    QosClassMatchSm* classMatchSm() const { return classMatchSm_; }
-   Qos::ClassMapMatchOption matchOption() const { return matchOption_; }
-   bool destroying() const { return destroying_; }
-   bool initialized() const { return initialized_; }
+   Qos::ClassMapMatchOption matchOption() const {
+      return static_cast< Qos::ClassMapMatchOption >( ownField() );
+   }
+   bool destroying() const { return ownFlag( destroyingFlag ); }
+   bool initialized() const { return ownFlag( initializedFlag ); }
    // The last compile programmed no rule because the list's family may not sit beside the other
    // family's in this map on this chip (logged): there is nothing in hardware to compare.
-   bool rulesIgnoredBesideOtherFamily() const { return rulesIgnored_; }
+   bool rulesIgnoredBesideOtherFamily() const { return ownFlag( rulesIgnoredFlag ); }
 
    // The ACL's record in the class data: its number and flags; null once the match data went.
    Zub::Ptr< AclData > aclData() const;
@@ -66,7 +68,7 @@ class QosClassMatchChildSm : public Zub::PtrInterface {
  protected:
    // Called by the constructor of each concrete child, once its own members stand.
    void handleInitialized();
-   void matchOptionIs( Qos::ClassMapMatchOption o ) { matchOption_ = o; }
+   void matchOptionIs( Qos::ClassMapMatchOption o ) { ownFieldIs( o ); }
    NevHelper::QosAclHelper& helper() const;
    QosPolicyMapState& pmapState() const;
    Zub::Ptr< QosClassMatchData > matchData() const;
@@ -78,7 +80,7 @@ class QosClassMatchChildSm : public Zub::PtrInterface {
    VerifyData* verifyReport() const;
    // A child found in the walk after its teardown began is itself a mismatch.
    void reportIfDestroying() const;
-   void rulesIgnoredBesideOtherFamilyIs( bool ignored ) { rulesIgnored_ = ignored; }
+   void rulesIgnoredBesideOtherFamilyIs( bool ignored ) { ownFlagIs( rulesIgnoredFlag, ignored ); }
    // A hook for the road-specific start of a child, before the ACL data is made.
    virtual void prepareInitialized() {}
    // Deferred mode: queues this child's ACL with the parent.
@@ -90,12 +92,14 @@ class QosClassMatchChildSm : public Zub::PtrInterface {
    virtual void aclNumberAfterDestroy( AclData& aclData ) const;
 
  private:
+   // The marks and the match option sit in the object's flag word: a child is made per class
+   // copy.
+   static constexpr std::uint32_t destroyingFlag = 1u;
+   static constexpr std::uint32_t initializedFlag = 2u;
+   static constexpr std::uint32_t rulesIgnoredFlag = 4u;
+
    AclKey key_;
    QosClassMatchSm* classMatchSm_;
-   Qos::ClassMapMatchOption matchOption_;
-   bool destroying_ = false;
-   bool initialized_ = false;
-   bool rulesIgnored_ = false;
 };
 
 }  // namespace Nev

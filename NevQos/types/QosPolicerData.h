@@ -30,8 +30,7 @@ class QosPolicerData : public Zub::Entity {
    // A pir of 0 makes a single-rate policer.
    QosPolicerData( Zub::Name name, std::uint64_t cir, std::uint32_t bc, std::uint64_t pir,
                    std::uint32_t be )
-       : Zub::Entity( Zub::entityNameOf( name ) )
-       , name_( std::move( name ) )
+       : name_( std::move( name ) )
        , cir_( cir )
        , pir_( pir )
        , bc_( bc )
@@ -57,6 +56,9 @@ class QosPolicerData : public Zub::Entity {
    bool createdInHw() const { return createdInHw_; }
    void createdInHwIs( bool created ) { createdInHw_ = created; }
    ZUB_ENTITY_BODY( QosPolicerData, Zub::Entity, NEV_QOS_POLICER_DATA_ATTRS )
+
+ protected:
+   Zub::String nameFromKey() const override { return Zub::entityNameOf( name_ ); }
 
  private:
    Zub::Name name_;

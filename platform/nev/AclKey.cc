@@ -3,6 +3,7 @@
 #include <ostream>
 #include <utility>
 
+#include "zub/Assert.h"
 #include "zub/Format.h"
 
 namespace Nev {
@@ -21,11 +22,13 @@ AclKey::AclKey( Zub::Name aclName, Acl::AclType aclType, Zub::Name aclGroup )
 AclKey::AclKey( Zub::Name aclName, Acl::AclType aclType, std::uint32_t index, std::uint8_t chip,
                 std::uint8_t stage, Zub::Name aclGroup )
     : aclName_( std::move( aclName ) )
-    , aclType_( aclType )
+    , aclGroup_( std::move( aclGroup ) )
     , index_( index )
+    , aclType_( static_cast< std::uint8_t >( aclType ) )
     , chip_( chip )
-    , stage_( stage )
-    , aclGroup_( std::move( aclGroup ) ) {}
+    , stage_( stage ) {
+   ZUB_ASSERT( aclType_ == aclType );
+}
 
 AclKey::AclKey( char const* begin, char const* end ) : AclKey() {
    Zub::StrepIter it = begin;
@@ -46,7 +49,7 @@ std::uint32_t AclKey::hash() const noexcept {
 
 std::strong_ordering AclKey::operator<=>( AclKey const& o ) const noexcept {
    if( auto c = aclName_ <=> o.aclName_; c != 0 ) return c;
-   if( auto c = ValueText::compareEnum( aclType_, o.aclType_ ); c != 0 ) return c;
+   if( auto c = ValueText::compareEnum( aclType(), o.aclType() ); c != 0 ) return c;
    if( auto c = index_ <=> o.index_; c != 0 ) return c;
    if( auto c = chip_ <=> o.chip_; c != 0 ) return c;
    if( auto c = stage_ <=> o.stage_; c != 0 ) return c;

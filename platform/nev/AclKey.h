@@ -29,7 +29,7 @@ class AclKey {
    static Zub::Name const& defaultAclGroup();
 
    Zub::Name const& aclName() const noexcept { return aclName_; }
-   Acl::AclType aclType() const noexcept { return aclType_; }
+   Acl::AclType aclType() const noexcept { return static_cast< Acl::AclType >( aclType_ ); }
    std::uint32_t index() const noexcept { return index_; }
    std::uint8_t chip() const noexcept { return chip_; }
    std::uint8_t stage() const noexcept { return stage_; }
@@ -44,12 +44,14 @@ class AclKey {
    bool operator!() const { return *this == AclKey(); }
 
  private:
+   // Three words: a class copy holds its ACL's key four times. The type is one of the three
+   // kinds of list, which a byte holds.
    Zub::Name aclName_;
-   Acl::AclType aclType_;
+   Zub::Name aclGroup_;
    std::uint32_t index_ = 0;
+   std::uint8_t aclType_;
    std::uint8_t chip_ = 0;
    std::uint8_t stage_ = 0;
-   Zub::Name aclGroup_;
 };
 
 Zub::String valueToStrep( AclKey const& k );

@@ -2,6 +2,7 @@
 
 #include <cstring>
 #include <mutex>
+#include <unordered_map>
 #include <vector>
 
 #include "zub/Assert.h"
@@ -22,7 +23,43 @@ AttrNames& attrNames() {
    return *names;
 }
 
+// The names of the entities that were given one or asked for theirs.
+struct KeptNames {
+   std::mutex lock;
+   std::unordered_map< Entity const*, String > byEntity;
+};
+
+KeptNames& keptNames() {
+   static auto* const names = new KeptNames();
+   return *names;
+}
+
 }  // namespace
+
+Entity::~Entity() {
+   if( !ownFlag( namedFlag ) ) return;
+   KeptNames& names = keptNames();
+   std::lock_guard const hold( names.lock );
+   names.byEntity.erase( this );
+}
+
+String const& Entity::keptName() const {
+   KeptNames& names = keptNames();
+   std::lock_guard const hold( names.lock );
+   return names.byEntity.find( this )->second;
+}
+
+String const& Entity::nameFromKeyKept() const {
+   nameIs( nameFromKey() );
+   return keptName();
+}
+
+void Entity::nameIs( String const& name ) const {
+   KeptNames& names = keptNames();
+   std::lock_guard const hold( names.lock );
+   names.byEntity.insert_or_assign( this, name );
+   ownFlagIs( namedFlag, true );
+}
 
 std::uint32_t Entity::attrNumberOf( char const* attrName ) {
    if( !attrName ) return 0;

@@ -51,16 +51,11 @@ class Entity : public Notifier {
       static constexpr std::uint8_t zubDepth = 0;
    };
 
-   explicit Entity( String const& name ) : name_( name ) { ownFlagIs( namedFlag, true ); }
+   explicit Entity( String const& name ) { nameIs( name ); }
+   ~Entity() override;
    FwkType fwkType() const override { return FwkType::entity; }
 
-   String const& name() const {
-      if( !ownFlag( namedFlag ) ) {
-         name_ = nameFromKey();
-         ownFlagIs( namedFlag, true );
-      }
-      return name_;
-   }
+   String const& name() const { return ownFlag( namedFlag ) ? keptName() : nameFromKeyKept(); }
    // The path from the root: the parent's full name, "/", this name.
    String fullName() const;
    // A back pointer, valid while the parent lives; null for a root.
@@ -85,10 +80,16 @@ class Entity : public Notifier {
    virtual String nameFromKey() const { return String(); }
 
  private:
-   // Set once name_ holds the name. The other bits of the flag word are the derived entity's.
+   // Set once the entity's name is kept. The other bits of the flag word are the derived
+   // entity's.
    static constexpr std::uint32_t namedFlag = 1u;
 
-   mutable String name_;
+   // Names are kept beside the entities rather than in them: most entities are never asked for
+   // theirs, and a big configuration has hundreds of thousands of them.
+   String const& keptName() const;
+   String const& nameFromKeyKept() const;
+   void nameIs( String const& name ) const;
+
    Entity const* parent_ = nullptr;
 };
 
