@@ -30,11 +30,7 @@ class QosPolicerData : public Zub::Entity {
    // A pir of 0 makes a single-rate policer.
    QosPolicerData( Zub::Name name, std::uint64_t cir, std::uint32_t bc, std::uint64_t pir,
                    std::uint32_t be )
-       : name_( std::move( name ) )
-       , cir_( cir )
-       , pir_( pir )
-       , bc_( bc )
-       , be_( be ) {}
+       : name_( std::move( name ) ), cir_( cir ), pir_( pir ), bc_( bc ), be_( be ) {}
    Zub::Name const& key() const { return name_; }
    Zub::Name const& name() const { return name_; }
    std::uint64_t cir() const { return cir_; }
