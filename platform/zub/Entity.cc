@@ -49,16 +49,12 @@ String const& Entity::keptName() const {
    return names.byEntity.find( this )->second;
 }
 
-String const& Entity::nameFromKeyKept() const {
-   nameIs( nameFromKey() );
-   return keptName();
-}
-
-void Entity::nameIs( String const& name ) const {
+String const& Entity::nameIs( String const& name ) const {
    KeptNames& names = keptNames();
    std::lock_guard const hold( names.lock );
-   names.byEntity.insert_or_assign( this, name );
+   String const& kept = names.byEntity.insert_or_assign( this, name ).first->second;
    ownFlagIs( namedFlag, true );
+   return kept;
 }
 
 std::uint32_t Entity::attrNumberOf( char const* attrName ) {

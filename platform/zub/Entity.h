@@ -87,8 +87,9 @@ class Entity : public Notifier {
    // Names are kept beside the entities rather than in them: most entities are never asked for
    // theirs, and a big configuration has hundreds of thousands of them.
    String const& keptName() const;
-   String const& nameFromKeyKept() const;
-   void nameIs( String const& name ) const;
+   String const& nameFromKeyKept() const { return nameIs( nameFromKey() ); }
+   // Keeps `name` as the entity's and gives the kept text.
+   String const& nameIs( String const& name ) const;
 
    Entity const* parent_ = nullptr;
 };
