@@ -3,30 +3,18 @@
 
 #include <cstdint>
 
+#include "NevQos/types/OverrideKeySet.h"
 #include "entities/FecOverride.h"
 #include "zub/Entity.h"
-#include "zub/FlatSet.h"
 
 namespace Nev {
 
 // The override keys that use one FEC, as the FEC overridden or as the one that takes over. The
-// FEC's hardware id is wanted exactly while the set has members. A flat hash set: a walk of the
-// configuration in key order meets the FECs in turn, and adding to thousands of small trees or
-// node-based sets by turns cost more than everything else the walk did. The order of the members
-// matters to no one.
+// FEC's hardware id is wanted exactly while the set has members. The order of the members
+// matters to no one: they go onto the ordered review queue.
 class FecIdToOverrideKey : public Zub::PtrInterface {
  public:
-   struct KeyHash {
-      std::size_t operator()( Qos::Glarn::OverrideKey const& key ) const noexcept {
-         // Every input bit reaches the low bits that pick a slot.
-         std::uint64_t x = key.fecId ^ ( std::uint64_t( key.dscp.value() ) << 56 ) ^
-                           ( std::uint64_t( key.af ) << 48 );
-         x = ( x ^ ( x >> 33 ) ) * 0xff51afd7ed558ccdULL;
-         x = ( x ^ ( x >> 33 ) ) * 0xc4ceb9fe1a85ec53ULL;
-         return static_cast< std::size_t >( x ^ ( x >> 33 ) );
-      }
-   };
-   using Keys = Zub::FlatSet< Qos::Glarn::OverrideKey, KeyHash >;
+   using Keys = OverrideKeySet;
 
    explicit FecIdToOverrideKey( Glarn::Fib::FecId fecId ) : fecId_( fecId ) {}
    Glarn::Fib::FecId fecId() const { return fecId_; }

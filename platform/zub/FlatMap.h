@@ -1,51 +1,40 @@
-// A set of small keys held in one array (open addressing with linear probing). Adding, finding
-// or removing a key reads one or two cache lines of the array, where a node-based set reads a
-// bucket and several scattered nodes: for many small sets touched by turns (the keys of each of
-// thousands of FECs, filled as a walk meets them) that difference is most of the cost. Members
-// come out in slot order, which is the same on every run for the same operations. The array
-// does not shrink: an owner drops a set that empties.
+// A map of small keys to small values held in one array (open addressing with linear probing).
+// Adding, finding or removing a key reads one or two cache lines of the array, where a
+// node-based map reads a bucket and several scattered nodes: for many small maps touched by
+// turns (the keys of each of thousands of FECs, filled as a walk meets them) that difference is
+// most of the cost. Members come out in slot order, which is the same on every run for the same
+// operations. The array does not shrink: an owner drops a map that empties.
 #pragma once
 
 #include <cstddef>
-#include <iterator>
 #include <utility>
 #include <vector>
 
 namespace Zub {
 
-template< class Key, class Hash >
-class FlatSet {
+template< class Key, class Value, class Hash >
+class FlatMap {
    struct Slot {
       Key key{};
+      Value value{};
       bool used = false;
    };
 
  public:
    class Iterator {
     public:
-      using iterator_category = std::forward_iterator_tag;
-      using value_type = Key;
-      using difference_type = std::ptrdiff_t;
-      using pointer = Key const*;
-      using reference = Key const&;
-
       Iterator() = default;
-      Key const& operator*() const { return slot_->key; }
-      Key const* operator->() const { return &slot_->key; }
+      Key const& key() const { return slot_->key; }
+      Value const& value() const { return slot_->value; }
       Iterator& operator++() {
          ++slot_;
          skipFree();
          return *this;
       }
-      Iterator operator++( int ) {
-         Iterator const before = *this;
-         ++*this;
-         return before;
-      }
       bool operator==( Iterator const& o ) const { return slot_ == o.slot_; }
 
     private:
-      friend class FlatSet;
+      friend class FlatMap;
       Iterator( Slot const* slot, Slot const* end ) : slot_( slot ), end_( end ) { skipFree(); }
       void skipFree() {
          while( slot_ != end_ && !slot_->used )
@@ -62,18 +51,24 @@ class FlatSet {
       return Iterator( slots_.data() + slots_.size(), slots_.data() + slots_.size() );
    }
 
-   bool contains( Key const& key ) const { return !slots_.empty() && slots_[ slotOf( key ) ].used; }
+   // The key's value, or null. Good until the next insertion or removal.
+   Value* find( Key const& key ) {
+      if( slots_.empty() ) return nullptr;
+      Slot& slot = slots_[ slotOf( key ) ];
+      return slot.used ? &slot.value : nullptr;
+   }
+   Value const* find( Key const& key ) const { return const_cast< FlatMap* >( this )->find( key ); }
 
-   // True when the key was not a member.
-   bool insert( Key const& key ) {
+   // The key's value, made with Value{} when missing, and whether it was made.
+   std::pair< Value*, bool > insert( Key const& key ) {
       // At most seven slots in ten used, so that probes stay short.
       if( ( size_ + 1 ) * 10 > slots_.size() * 7 ) grow();
       Slot& slot = slots_[ slotOf( key ) ];
-      if( slot.used ) return false;
+      if( slot.used ) return { &slot.value, false };
       slot.key = key;
       slot.used = true;
       ++size_;
-      return true;
+      return { &slot.value, true };
    }
 
    // True when the key was a member.
@@ -112,7 +107,7 @@ class FlatSet {
    }
    void grow() {
       std::vector< Slot > old =
-            std::exchange( slots_, std::vector< Slot >( slots_.empty() ? 8 : slots_.size() * 2 ) );
+            std::exchange( slots_, std::vector< Slot >( slots_.empty() ? 4 : slots_.size() * 2 ) );
       for( Slot& slot : old ) {
          if( slot.used ) slots_[ slotOf( slot.key ) ] = std::move( slot );
       }
