@@ -7,7 +7,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <ostream>
-#include <tuple>
 
 #include "entities/QosTypes.h"
 #include "glarn/FecId.h"
@@ -34,9 +33,12 @@ struct OverrideKey {
    bool operator==( OverrideKey const& o ) const {
       return af == o.af && dscp.value() == o.dscp.value() && fecId == o.fecId;
    }
+   // By address family, DSCP, then FEC. The first two as one number: a search of a big table
+   // decides each step on one comparison of numbers instead of three branches.
    bool operator<( OverrideKey const& o ) const {
-      return std::tuple( unsigned( af ), dscp.value(), fecId ) <
-             std::tuple( unsigned( o.af ), o.dscp.value(), o.fecId );
+      std::uint64_t const kind = ( std::uint64_t( af ) << 8 ) | dscp.value();
+      std::uint64_t const otherKind = ( std::uint64_t( o.af ) << 8 ) | o.dscp.value();
+      return kind != otherKind ? kind < otherKind : fecId < o.fecId;
    }
 };
 static_assert( sizeof( OverrideKey ) == 16 && offsetof( OverrideKey, dscp ) == 4 &&
