@@ -6,8 +6,8 @@ namespace Nev {
 
 std::size_t OverrideKeySet::GroupHash::operator()( Group const& group ) const noexcept {
    // Every input bit reaches the low bits that pick a slot.
-   std::uint64_t x = group.fecId ^ ( std::uint64_t( group.block ) << 56 ) ^
-                     ( std::uint64_t( group.af ) << 48 );
+   std::uint64_t x =
+         group.fecId ^ ( std::uint64_t( group.block ) << 56 ) ^ ( std::uint64_t( group.af ) << 48 );
    x = ( x ^ ( x >> 33 ) ) * 0xff51afd7ed558ccdULL;
    x = ( x ^ ( x >> 33 ) ) * 0xc4ceb9fe1a85ec53ULL;
    return static_cast< std::size_t >( x ^ ( x >> 33 ) );

@@ -61,6 +61,12 @@ class GlarnStore : public Zub::PtrInterface {
       if( r && torn_.has( key ) ) throw corruption();
       return r;
    }
+   // read( key ), starting from where the last read through `hint` ended.
+   Record const* read( Key const& key, typename Zub::Collection< Key, Record >::Hint& hint ) const {
+      Record const* r = records_.find( key, hint );
+      if( r && torn_.has( key ) ) throw corruption();
+      return r;
+   }
    Zub::Collection< Key, Record > const& records() const { return records_; }
    bool torn( Key const& key ) const { return torn_.has( key ); }
    Pelto::CorruptionDetectedException corruption() const {
@@ -238,7 +244,7 @@ class GlarnMap : public Zub::Notifier {
       out = Record();
       if( !store_ ) return false;
       try {
-         if( Record const* r = store_->read( key ) ) {
+         if( Record const* r = store_->read( key, lookupHint_ ) ) {
             out = *r;
             found = true;
          }
@@ -325,6 +331,9 @@ class GlarnMap : public Zub::Notifier {
    }
 
    Zub::Ptr< GlarnStore< Record > > store_;
+   // Readers often look keys up in ascending order (a review of a queue of keys): each lookup
+   // starts where the last one ended.
+   mutable typename Zub::Collection< Key, Record >::Hint lookupHint_;
    std::unique_ptr< GlarnBase< Record > > base_;
    Zub::String path_;
    bool collectionReady_ = true;

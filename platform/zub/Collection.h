@@ -6,14 +6,20 @@
 // Most collections of the runtime hold none or a few members (the children of one entity, the
 // actions of one class), and there are hundreds of thousands of them. So a collection is one
 // pointer, null while it is empty; up to `arrayLimit` members sit in one sorted array, and past
-// that in a balanced tree. Both live in one block from the runtime's free lists.
+// that in a balanced tree. Both live in one block from the runtime's free lists. A few are big
+// (the shared tables of a hundred thousand FEC overrides): past `chunkFrom` members they are
+// sorted chunks of members, found through a small tree with a key per chunk. A tree's nodes lie
+// where the free lists had blocks when each key came, so a walk in key order misses the caches
+// on every member; a chunk's members lie side by side, and a walk reads memory in order.
 #pragma once
 
 #include <algorithm>
 #include <atomic>
 #include <cstdint>
+#include <iterator>
 #include <map>
 #include <new>
+#include <tuple>
 #include <utility>
 
 #include "zub/Pool.h"
@@ -38,6 +44,27 @@ class Collection {
    using Entry = std::pair< K, V >;
    static constexpr std::uint32_t arrayLimit = 32;
    static constexpr std::uint32_t treeMode = 0;
+   static constexpr std::uint32_t chunkMode = 255;
+   static constexpr std::size_t chunkFrom = 4096;
+   // About a kilobyte of members a chunk: a few cache lines read in order per step of a walk.
+   static constexpr std::uint32_t chunkCapacity =
+         std::max< std::uint32_t >( 8, std::uint32_t( 1024 / sizeof( Entry ) ) );
+   // The members are the slots from `start` on: a queue worked off from its front loses its
+   // first member without moving the others.
+   struct Chunk {
+      std::uint32_t start = 0;
+      std::uint32_t size = 0;
+      alignas( Entry ) unsigned char bytes[ chunkCapacity * sizeof( Entry ) ];
+      Entry* slots() { return reinterpret_cast< Entry* >( bytes ); }
+      Entry* entries() { return slots() + start; }
+      Entry& at( std::uint32_t i ) { return entries()[ i ]; }
+   };
+   using Index =
+         std::map< K, Chunk*, std::less< K >, Pool::Allocator< std::pair< K const, Chunk* > > >;
+   struct Chunks {
+      Index index;  // by a key at or below each chunk's first member; see chunkOf()
+      std::size_t count = 0;
+   };
 
    // One word: most blocks hold one or two members, so the header is a good part of them. The
    // stamp keeps its low 48 bits, which an iterator compares whole; an iterator would have to
@@ -49,7 +76,8 @@ class Collection {
    };
    static constexpr std::uint64_t stampMask = ( std::uint64_t{ 1 } << 48 ) - 1;
    static_assert( sizeof( Header ) == 8 && arrayLimit < 256 );
-   static_assert( alignof( Entry ) <= sizeof( Header ) && alignof( Map ) <= sizeof( Header ) );
+   static_assert( alignof( Entry ) <= sizeof( Header ) && alignof( Map ) <= sizeof( Header ) &&
+                  alignof( Chunks ) <= sizeof( Header ) );
 
  public:
    class Iterator {
@@ -86,7 +114,20 @@ class Collection {
             c_ = nullptr;
             return;
          }
-         if( c_->isTree() ) {
+         if( c_->isChunked() ) {
+            auto const end = c_->chunks().index.end();
+            while( chunkAt_ != end && index_ >= chunkAt_->second->size ) {
+               ++chunkAt_;
+               index_ = 0;
+            }
+            if( chunkAt_ == end ) {
+               c_ = nullptr;
+               return;
+            }
+            Entry const& e = chunkAt_->second->at( index_ );
+            key_ = e.first;
+            value_ = e.second;
+         } else if( c_->isTree() ) {
             if( at_ == c_->tree().end() ) {
                c_ = nullptr;
                return;
@@ -105,8 +146,9 @@ class Collection {
          stamp_ = c_->stamp();
       }
       Collection const* c_ = nullptr;
-      std::uint32_t index_ = 0;
+      std::uint32_t index_ = 0;  // in the array, or in the chunk
       typename Map::const_iterator at_;
+      typename Index::iterator chunkAt_;
       K key_{};
       V value_{};
       std::uint64_t stamp_ = 0;
@@ -141,7 +183,11 @@ class Collection {
    Iterator iter() const {
       Iterator it( this );
       if( h_ ) {
-         if( isTree() ) it.at_ = tree().begin();
+         if( isChunked() ) {
+            it.chunkAt_ = chunks().index.begin();
+         } else if( isTree() ) {
+            it.at_ = tree().begin();
+         }
       }
       it.load();
       return it;
@@ -150,7 +196,10 @@ class Collection {
    Iterator iterFrom( K const& k ) const {
       Iterator it( this );
       if( h_ ) {
-         if( isTree() ) {
+         if( isChunked() ) {
+            it.chunkAt_ = chunkOf( k );
+            it.index_ = lowerIn( *it.chunkAt_->second, k );
+         } else if( isTree() ) {
             it.at_ = tree().lower_bound( k );
          } else {
             it.index_ = lowerIndex( k );
@@ -164,6 +213,7 @@ class Collection {
 
    std::size_t size() const {
       if( !h_ ) return 0;
+      if( isChunked() ) return chunks().count;
       return isTree() ? tree().size() : h_->size;
    }
    bool empty() const { return !h_; }
@@ -172,12 +222,48 @@ class Collection {
    V const* find( K const& k ) const { return const_cast< Collection* >( this )->find( k ); }
    V* find( K const& k ) {
       if( !h_ ) return nullptr;
+      if( isChunked() ) {
+         Chunk& c = *chunkOf( k )->second;
+         std::uint32_t const i = lowerIn( c, k );
+         return i < c.size && !( k < c.at( i ).first ) ? &c.at( i ).second : nullptr;
+      }
       if( isTree() ) {
          auto it = tree().find( k );
          return it == tree().end() ? nullptr : &it->second;
       }
       std::uint32_t const i = lowerIndex( k );
       return i < h_->size && !( k < entries()[ i ].first ) ? &entries()[ i ].second : nullptr;
+   }
+   // Where a lookup in chunks ended, so that the next one through the same hint can start
+   // from there: the chunk, and the place in it of the first member not below the key looked
+   // up. Good while the collection's stamp stays.
+   class Hint {
+      friend class Collection;
+      Collection const* c_ = nullptr;
+      std::uint64_t stamp_ = 0;
+      K key_{};
+      typename Index::iterator chunkAt_{};
+      std::uint32_t index_ = 0;  // of the first member not below key_
+   };
+   // find( k ), for a reader that looks keys up in ascending order in a big collection (a review
+   // of a queue against a table): a key in the chunk of the last one, or in the next, is found
+   // there without a search of the chunks.
+   V const* find( K const& k, Hint& hint ) const {
+      if( !h_ || !isChunked() ) return find( k );
+      if( hint.c_ == this && hint.stamp_ == stamp() && !( k < hint.key_ ) ) {
+         // The members before the hint's are all below its key, so below `k` too.
+         auto at = hint.chunkAt_;
+         std::uint32_t from = hint.index_;
+         if( from >= at->second->size || at->second->at( at->second->size - 1 ).first < k ) {
+            ++at;
+            from = 0;
+         }
+         if( at != chunks().index.end() && !( at->second->at( at->second->size - 1 ).first < k ) ) {
+            return foundIn( at, lowerIn( *at->second, k, from ), k, hint );
+         }
+      }
+      auto const at = chunkOf( k );
+      return foundIn( at, lowerIn( *at->second, k ), k, hint );
    }
    // Inserts or overwrites; false when the value held was equal already.
    bool set( K const& k, V const& v ) {
@@ -191,6 +277,15 @@ class Collection {
    // search where find() and set() would take two. The pointer is valid until the next
    // insertion or removal.
    std::pair< V*, bool > insert( K const& k, V const& v ) {
+      if( h_ && isTree() && tree().size() >= chunkFrom ) toChunks();
+      if( h_ && isChunked() ) {
+         auto const at = chunkOf( k );
+         std::uint32_t const i = lowerIn( *at->second, k );
+         if( i < at->second->size && !( k < at->second->at( i ).first ) ) {
+            return { &at->second->at( i ).second, false };
+         }
+         return { &chunkInsert( at, i, Entry( k, v ) ), true };
+      }
       if( h_ && isTree() ) {
          auto& map = tree();
          if( map.rbegin()->first < k ) {
@@ -258,6 +353,14 @@ class Collection {
    // so that its destruction can wait until the caller is done notifying.
    bool erase( K const& k, V* out = nullptr ) {
       if( !h_ ) return false;
+      if( isChunked() ) {
+         auto const at = chunkOf( k );
+         std::uint32_t const i = lowerIn( *at->second, k );
+         if( i >= at->second->size || k < at->second->at( i ).first ) return false;
+         if( out ) *out = std::move( at->second->at( i ).second );
+         chunkErase( at, i );
+         return true;
+      }
       if( isTree() ) {
          auto& map = tree();
          auto it = map.find( k );
@@ -284,7 +387,10 @@ class Collection {
          return iterAbove( key );
       }
       Iterator next( this );
-      if( isTree() ) {
+      if( isChunked() ) {
+         std::tie( next.chunkAt_, next.index_ ) = chunkErase( it.chunkAt_, it.index_ );
+         if( !h_ ) return Iterator();
+      } else if( isTree() ) {
          auto& map = tree();
          next.at_ = map.erase( it.at_ );
          afterTreeErase();
@@ -297,11 +403,13 @@ class Collection {
    }
    K const* firstKey() const {
       if( !h_ ) return nullptr;
+      if( isChunked() ) return &chunks().index.begin()->second->at( 0 ).first;
       return isTree() ? &tree().begin()->first : &entries()[ 0 ].first;
    }
 
  private:
    bool isTree() const { return h_->capacity == treeMode; }
+   bool isChunked() const { return h_->capacity == chunkMode; }
    std::uint64_t stamp() const { return h_ ? std::uint64_t{ h_->stamp } : 0; }
    void touch() { h_->stamp = CollectionDetail::nextStamp() & stampMask; }
    Entry* entries() const {
@@ -314,6 +422,10 @@ class Collection {
       return sizeof( Header ) + capacity * sizeof( Entry );
    }
    static constexpr std::size_t treeBytes = sizeof( Header ) + sizeof( Map );
+   static constexpr std::size_t chunksBytes = sizeof( Header ) + sizeof( Chunks );
+   Chunks& chunks() const {
+      return *reinterpret_cast< Chunks* >( reinterpret_cast< char* >( h_ ) + sizeof( Header ) );
+   }
 
    std::uint32_t lowerIndex( K const& k ) const {
       Entry const* const first = entries();
@@ -333,6 +445,14 @@ class Collection {
    // Places `it` on the first member with a key above `k`.
    void seekAbove( K const& k, Iterator& it ) const {
       if( !h_ ) return;
+      if( isChunked() ) {
+         it.chunkAt_ = chunkOf( k );
+         Chunk& c = *it.chunkAt_->second;
+         std::uint32_t i = lowerIn( c, k );
+         if( i < c.size && !( k < c.at( i ).first ) ) ++i;
+         it.index_ = i;
+         return;
+      }
       if( isTree() ) {
          it.at_ = tree().upper_bound( k );
          return;
@@ -409,9 +529,168 @@ class Collection {
       h_ = block;
       touch();
    }
+   // ---- chunks ----
+   // The chunk that holds `k` or would take it: the last whose index key is not above `k`, or
+   // the first. A chunk's index key lies above every member of the chunks before it and at or
+   // below its own members (the first chunk's may be anything): it need not change when the
+   // chunk's first member goes or a smaller one comes. Keys in ascending order mostly go to the
+   // last chunk: its search is skipped.
+   typename Index::iterator chunkOf( K const& k ) const {
+      Index& index = chunks().index;
+      auto last = std::prev( index.end() );
+      if( !( k < last->first ) ) return last;
+      auto at = index.upper_bound( k );
+      return at == index.begin() ? at : std::prev( at );
+   }
+   // The first member of `c` from `from` on that is not below `k`.
+   static std::uint32_t lowerIn( Chunk& c, K const& k, std::uint32_t from = 0 ) {
+      Entry* const first = c.entries();
+      Entry* const last = first + c.size;
+      if( first != last && last[ -1 ].first < k ) return c.size;
+      // A lookup through a hint mostly wants the member where the last one ended, or the next.
+      for( std::uint32_t i = from; i < from + 2 && i < c.size; ++i ) {
+         if( !( first[ i ].first < k ) ) return i;
+      }
+      auto const at = std::lower_bound(
+            first + from, last, k, []( Entry const& e, K const& key ) { return e.first < key; } );
+      return static_cast< std::uint32_t >( at - first );
+   }
+   V* foundIn( typename Index::iterator at, std::uint32_t i, K const& k, Hint& hint ) const {
+      hint.c_ = this;
+      hint.stamp_ = stamp();
+      hint.key_ = k;
+      hint.chunkAt_ = at;
+      hint.index_ = i;
+      Chunk& c = *at->second;
+      return i < c.size && !( k < c.at( i ).first ) ? &c.at( i ).second : nullptr;
+   }
+   static Chunk* newChunk() { return new( Pool::allocate( sizeof( Chunk ) ) ) Chunk; }
+   static void freeChunk( Chunk* c ) noexcept {
+      for( std::uint32_t i = 0; i < c->size; ++i )
+         c->at( i ).~Entry();
+      c->~Chunk();
+      Pool::release( c, sizeof( Chunk ) );
+   }
+   // Moves the members to the first slots.
+   static void compact( Chunk& c ) {
+      if( c.start == 0 ) return;
+      for( std::uint32_t j = 0; j < c.size; ++j ) {
+         new( c.slots() + j ) Entry( std::move( c.at( j ) ) );
+         c.at( j ).~Entry();
+      }
+      c.start = 0;
+   }
+   // Moves the members of `from` from `i` on to the end of `to`.
+   static void moveTail( Chunk& from, std::uint32_t i, Chunk& to ) {
+      if( to.start + to.size + ( from.size - i ) > chunkCapacity ) compact( to );
+      for( std::uint32_t j = i; j < from.size; ++j ) {
+         new( to.entries() + to.size++ ) Entry( std::move( from.at( j ) ) );
+         from.at( j ).~Entry();
+      }
+      from.size = i;
+   }
+   V& chunkInsert( typename Index::iterator at, std::uint32_t i, Entry&& made ) {
+      Chunk* c = at->second;
+      if( c->size == chunkCapacity ) {
+         // A member past the end of the last chunk starts a new one, so that a table filled in
+         // key order leaves its chunks full; elsewhere the chunk splits in halves.
+         bool const appending = i == c->size && std::next( at ) == chunks().index.end();
+         std::uint32_t const keep = appending ? c->size : c->size / 2;
+         Chunk* const fresh = newChunk();
+         moveTail( *c, keep, *fresh );
+         if( i >= keep ) {
+            i -= keep;
+            c = fresh;
+         }
+         V& added = insertIn( *c, i, std::move( made ) );
+         chunks().index.emplace_hint( std::next( at ), fresh->at( 0 ).first, fresh );
+         ++chunks().count;
+         touch();
+         return added;
+      }
+      V& added = insertIn( *c, i, std::move( made ) );
+      ++chunks().count;
+      touch();
+      return added;
+   }
+   static V& insertIn( Chunk& c, std::uint32_t i, Entry&& made ) {
+      if( c.start + c.size == chunkCapacity ) compact( c );
+      Entry* const e = c.entries();
+      std::uint32_t const n = c.size;
+      if( i == n ) {
+         new( e + n ) Entry( std::move( made ) );
+      } else {
+         new( e + n ) Entry( std::move( e[ n - 1 ] ) );
+         std::move_backward( e + i, e + n - 1, e + n );
+         e[ i ] = std::move( made );
+      }
+      ++c.size;
+      return e[ i ].second;
+   }
+   // Removes member `i` of the chunk at `at`; where the next member now is.
+   std::pair< typename Index::iterator, std::uint32_t > chunkErase( typename Index::iterator at,
+                                                                    std::uint32_t i ) {
+      Chunk* const c = at->second;
+      Entry* const e = c->entries();
+      // The shorter side moves.
+      if( i < c->size / 2 ) {
+         std::move_backward( e, e + i, e + i + 1 );
+         e[ 0 ].~Entry();
+         ++c->start;
+      } else {
+         std::move( e + i + 1, e + c->size, e + i );
+         e[ c->size - 1 ].~Entry();
+      }
+      --c->size;
+      if( --chunks().count == 0 ) {
+         release();
+         return { {}, 0 };
+      }
+      touch();
+      Index& index = chunks().index;
+      if( c->size == 0 ) {
+         freeChunk( c );
+         return { index.erase( at ), 0 };
+      }
+      // A chunk a quarter full takes in the next one when both fit in three quarters of one, so
+      // that removals do not leave memory behind in nearly empty chunks.
+      auto const next = std::next( at );
+      if( c->size < chunkCapacity / 4 && next != index.end() &&
+          c->size + next->second->size <= chunkCapacity * 3 / 4 ) {
+         moveTail( *next->second, 0, *c );
+         freeChunk( next->second );
+         index.erase( next );
+      }
+      return { at, i };
+   }
+   // The big tree becomes chunks, each filled.
+   void toChunks() {
+      auto* const block = static_cast< Header* >( Pool::allocate( chunksBytes ) );
+      block->size = 0;
+      block->capacity = chunkMode;
+      Chunks* const made = new( block + 1 ) Chunks();
+      Chunk* c = nullptr;
+      for( auto& [ k, v ] : tree() ) {
+         if( !c || c->size == chunkCapacity ) {
+            c = newChunk();
+            made->index.emplace_hint( made->index.end(), k, c );
+         }
+         new( c->entries() + c->size++ ) Entry( k, std::move( v ) );
+         ++made->count;
+      }
+      release();
+      h_ = block;
+      touch();
+   }
+
    void release() noexcept {
       if( !h_ ) return;
-      if( isTree() ) {
+      if( isChunked() ) {
+         for( auto& [ first, chunk ] : chunks().index )
+            freeChunk( chunk );
+         chunks().~Chunks();
+         Pool::release( h_, chunksBytes );
+      } else if( isTree() ) {
          tree().~Map();
          Pool::release( h_, treeBytes );
       } else {

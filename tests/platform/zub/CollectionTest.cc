@@ -157,9 +157,10 @@ TEST( CollectionTest, IteratorValueOutlivesRemovalOfItsMember ) {
 // Against an ordered map, through sizes where the members sit in an array and where in a tree,
 // with walks that add and remove at random as they go: a walk visits keys in ascending order,
 // each at most once, each present when visited, and every key that stood throughout.
-TEST( CollectionTest, BehavesAsAnOrderedMapInArrayAndTree ) {
+// Sizes for an array, a tree and chunks; the last grows past the chunks' threshold.
+TEST( CollectionTest, BehavesAsAnOrderedMapInArrayTreeAndChunks ) {
    std::mt19937 random( 7 );
-   for( int const range : { 6, 40, 300 } ) {
+   for( int const range : { 6, 40, 300, 12000 } ) {
       Coll c;
       std::map< int, int > model;
       auto const anyKey = [ & ] { return static_cast< int >( random() % range ); };
@@ -175,7 +176,7 @@ TEST( CollectionTest, BehavesAsAnOrderedMapInArrayAndTree ) {
             EXPECT_EQ( c.set( k, v ), changed );
          }
       };
-      for( int round = 0; round < 200; ++round ) {
+      for( int round = 0; round < ( range > 1000 ? 30 : 200 ); ++round ) {
          std::set< int > touched;
          for( int i = 0; i < range / 2; ++i )
             mutate( touched );
@@ -191,6 +192,15 @@ TEST( CollectionTest, BehavesAsAnOrderedMapInArrayAndTree ) {
          ASSERT_EQ( !!from, expected != model.end() );
          if( from ) {
             EXPECT_EQ( from.key(), expected->first );
+         }
+         // Lookups in ascending order through a hint, by short and long steps.
+         Coll::Hint hint;
+         for( int k = anyKey() % 8; k < range; k += 1 + static_cast< int >( random() % 3 ) * 5 ) {
+            int const* found = c.find( k, hint );
+            ASSERT_EQ( found != nullptr, model.count( k ) == 1 ) << k;
+            if( found ) {
+               ASSERT_EQ( *found, model[ k ] );
+            }
          }
 
          std::map< int, int > const before = model;
@@ -214,6 +224,12 @@ TEST( CollectionTest, BehavesAsAnOrderedMapInArrayAndTree ) {
             EXPECT_TRUE( std::binary_search( visited.begin(), visited.end(), k ) ) << k;
          }
       }
+      // Emptied by a walk that removes every member.
+      std::size_t removed = 0;
+      for( auto it = c.iter(); it; ++removed )
+         it = c.eraseAt( it );
+      EXPECT_EQ( removed, model.size() );
+      EXPECT_TRUE( c.empty() );
    }
 }
 
