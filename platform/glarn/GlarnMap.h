@@ -244,7 +244,7 @@ class GlarnMap : public Zub::Notifier {
       out = Record();
       if( !store_ ) return false;
       try {
-         if( Record const* r = store_->read( key, lookupHint_ ) ) {
+         if( Record const* r = store_->read( key, hintFor( key ) ) ) {
             out = *r;
             found = true;
          }
@@ -331,9 +331,21 @@ class GlarnMap : public Zub::Notifier {
    }
 
    Zub::Ptr< GlarnStore< Record > > store_;
-   // Readers often look keys up in ascending order (a review of a queue of keys): each lookup
-   // starts where the last one ended.
-   mutable typename Zub::Collection< Key, Record >::Hint lookupHint_;
+   using Hint = typename Zub::Collection< Key, Record >::Hint;
+   // Readers often look keys up in ascending order, or in two such sequences by turns (a review
+   // of a queue of override keys, and the FECs of each key): a lookup starts where the nearest
+   // lookup below it ended, or takes the place of the older one.
+   Hint& hintFor( Key const& key ) const {
+      Hint* nearest = nullptr;
+      for( Hint& hint : lookupHints_ ) {
+         if( hint.precedes( key ) && ( !nearest || nearest->key() < hint.key() ) ) nearest = &hint;
+      }
+      if( !nearest ) nearest = &lookupHints_[ olderHint_ ];
+      olderHint_ = nearest == &lookupHints_[ 0 ] ? 1 : 0;
+      return *nearest;
+   }
+   mutable Hint lookupHints_[ 2 ];
+   mutable std::uint8_t olderHint_ = 0;
    std::unique_ptr< GlarnBase< Record > > base_;
    Zub::String path_;
    bool collectionReady_ = true;

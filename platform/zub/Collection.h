@@ -234,36 +234,34 @@ class Collection {
       std::uint32_t const i = lowerIndex( k );
       return i < h_->size && !( k < entries()[ i ].first ) ? &entries()[ i ].second : nullptr;
    }
-   // Where a lookup in chunks ended, so that the next one through the same hint can start
-   // from there: the chunk, and the place in it of the first member not below the key looked
-   // up. Good while the collection's stamp stays.
+   // Where a lookup ended, so that the next one through the same hint can start from there:
+   // the first member not below the key looked up (in a tree, its node; in chunks, its chunk
+   // and place). Good while the collection's stamp stays.
    class Hint {
+    public:
+      // Whether a lookup of `k` may start from here: the hint was set, and `k` is not below it.
+      bool precedes( K const& k ) const { return c_ && !( k < key_ ); }
+      K const& key() const { return key_; }
+
+    private:
       friend class Collection;
       Collection const* c_ = nullptr;
       std::uint64_t stamp_ = 0;
       K key_{};
+      typename Map::iterator at_{};
       typename Index::iterator chunkAt_{};
-      std::uint32_t index_ = 0;  // of the first member not below key_
+      std::uint32_t index_ = 0;
    };
-   // find( k ), for a reader that looks keys up in ascending order in a big collection (a review
-   // of a queue against a table): a key in the chunk of the last one, or in the next, is found
-   // there without a search of the chunks.
+   // find( k ), for a reader that looks keys up in ascending order (a review of a queue against
+   // a table): a key at most two members past the last one, or in the chunk of the last one or
+   // the next, is found from there without a search.
    V const* find( K const& k, Hint& hint ) const {
-      if( !h_ || !isChunked() ) return find( k );
-      if( hint.c_ == this && hint.stamp_ == stamp() && !( k < hint.key_ ) ) {
-         // The members before the hint's are all below its key, so below `k` too.
-         auto at = hint.chunkAt_;
-         std::uint32_t from = hint.index_;
-         if( from >= at->second->size || at->second->at( at->second->size - 1 ).first < k ) {
-            ++at;
-            from = 0;
-         }
-         if( at != chunks().index.end() && !( at->second->at( at->second->size - 1 ).first < k ) ) {
-            return foundIn( at, lowerIn( *at->second, k, from ), k, hint );
-         }
-      }
-      auto const at = chunkOf( k );
-      return foundIn( at, lowerIn( *at->second, k ), k, hint );
+      if( !h_ || !( isTree() || isChunked() ) ) return find( k );
+      bool const usable = hint.c_ == this && hint.stamp_ == stamp() && !( k < hint.key_ );
+      hint.c_ = this;
+      hint.stamp_ = stamp();
+      hint.key_ = k;
+      return isTree() ? findInTree( k, hint, usable ) : findInChunks( k, hint, usable );
    }
    // Inserts or overwrites; false when the value held was equal already.
    bool set( K const& k, V const& v ) {
@@ -529,6 +527,35 @@ class Collection {
       h_ = block;
       touch();
    }
+   // The members before the hint's are all below its key, so below `k` too.
+   V* findInTree( K const& k, Hint& hint, bool usable ) const {
+      Map& map = tree();
+      if( usable ) {
+         auto at = hint.at_;
+         for( int step = 0; step < 3 && at != map.end(); ++step, ++at ) {
+            if( at->first < k ) continue;
+            hint.at_ = at;
+            return k < at->first ? nullptr : &at->second;
+         }
+      }
+      hint.at_ = map.lower_bound( k );
+      return hint.at_ != map.end() && !( k < hint.at_->first ) ? &hint.at_->second : nullptr;
+   }
+   V* findInChunks( K const& k, Hint& hint, bool usable ) const {
+      if( usable ) {
+         auto at = hint.chunkAt_;
+         std::uint32_t from = hint.index_;
+         if( from >= at->second->size || at->second->at( at->second->size - 1 ).first < k ) {
+            ++at;
+            from = 0;
+         }
+         if( at != chunks().index.end() && !( at->second->at( at->second->size - 1 ).first < k ) ) {
+            return foundIn( at, lowerIn( *at->second, k, from ), k, hint );
+         }
+      }
+      auto const at = chunkOf( k );
+      return foundIn( at, lowerIn( *at->second, k ), k, hint );
+   }
    // ---- chunks ----
    // The chunk that holds `k` or would take it: the last whose index key is not above `k`, or
    // the first. A chunk's index key lies above every member of the chunks before it and at or
@@ -555,10 +582,7 @@ class Collection {
             first + from, last, k, []( Entry const& e, K const& key ) { return e.first < key; } );
       return static_cast< std::uint32_t >( at - first );
    }
-   V* foundIn( typename Index::iterator at, std::uint32_t i, K const& k, Hint& hint ) const {
-      hint.c_ = this;
-      hint.stamp_ = stamp();
-      hint.key_ = k;
+   static V* foundIn( typename Index::iterator at, std::uint32_t i, K const& k, Hint& hint ) {
       hint.chunkAt_ = at;
       hint.index_ = i;
       Chunk& c = *at->second;

@@ -193,10 +193,17 @@ TEST( CollectionTest, BehavesAsAnOrderedMapInArrayTreeAndChunks ) {
          if( from ) {
             EXPECT_EQ( from.key(), expected->first );
          }
-         // Lookups in ascending order through a hint, by short and long steps.
+         // Lookups in ascending order through a hint, by short and long steps, and now and
+         // then one anywhere.
          Coll::Hint hint;
          for( int k = anyKey() % 8; k < range; k += 1 + static_cast< int >( random() % 3 ) * 5 ) {
-            int const* found = c.find( k, hint );
+            int const anywhere = anyKey();
+            bool const jump = random() % 7 == 0;
+            int const* found = c.find( jump ? anywhere : k, hint );
+            if( jump ) {
+               ASSERT_EQ( found != nullptr, model.count( anywhere ) == 1 ) << anywhere;
+               continue;
+            }
             ASSERT_EQ( found != nullptr, model.count( k ) == 1 ) << k;
             if( found ) {
                ASSERT_EQ( *found, model[ k ] );
