@@ -483,9 +483,8 @@ class Collection {
       }
       h_ = block;
    }
-   V& insertAt( std::uint32_t i, Entry&& made ) {
-      Entry* const e = entries();
-      std::uint32_t const n = h_->size;
+   // Puts `made` at `i` of the `n` sorted members from `e`, moving the later ones up a slot.
+   static V& insertSorted( Entry* e, std::uint32_t n, std::uint32_t i, Entry&& made ) {
       if( i == n ) {
          new( e + n ) Entry( std::move( made ) );
       } else {
@@ -493,9 +492,13 @@ class Collection {
          std::move_backward( e + i, e + n - 1, e + n );
          e[ i ] = std::move( made );
       }
+      return e[ i ].second;
+   }
+   V& insertAt( std::uint32_t i, Entry&& made ) {
+      V& added = insertSorted( entries(), h_->size, i, std::move( made ) );
       ++h_->size;
       touch();
-      return e[ i ].second;
+      return added;
    }
    void eraseIndex( std::uint32_t i ) {
       Entry* const e = entries();
@@ -615,41 +618,30 @@ class Collection {
    }
    V& chunkInsert( typename Index::iterator at, std::uint32_t i, Entry&& made ) {
       Chunk* c = at->second;
+      Chunk* fresh = nullptr;
       if( c->size == chunkCapacity ) {
          // A member past the end of the last chunk starts a new one, so that a table filled in
          // key order leaves its chunks full; elsewhere the chunk splits in halves.
          bool const appending = i == c->size && std::next( at ) == chunks().index.end();
          std::uint32_t const keep = appending ? c->size : c->size / 2;
-         Chunk* const fresh = newChunk();
+         fresh = newChunk();
          moveTail( *c, keep, *fresh );
          if( i >= keep ) {
             i -= keep;
             c = fresh;
          }
-         V& added = insertIn( *c, i, std::move( made ) );
-         chunks().index.emplace_hint( std::next( at ), fresh->at( 0 ).first, fresh );
-         ++chunks().count;
-         touch();
-         return added;
       }
       V& added = insertIn( *c, i, std::move( made ) );
+      if( fresh ) chunks().index.emplace_hint( std::next( at ), fresh->at( 0 ).first, fresh );
       ++chunks().count;
       touch();
       return added;
    }
    static V& insertIn( Chunk& c, std::uint32_t i, Entry&& made ) {
       if( c.start + c.size == chunkCapacity ) compact( c );
-      Entry* const e = c.entries();
-      std::uint32_t const n = c.size;
-      if( i == n ) {
-         new( e + n ) Entry( std::move( made ) );
-      } else {
-         new( e + n ) Entry( std::move( e[ n - 1 ] ) );
-         std::move_backward( e + i, e + n - 1, e + n );
-         e[ i ] = std::move( made );
-      }
+      V& added = insertSorted( c.entries(), c.size, i, std::move( made ) );
       ++c.size;
-      return e[ i ].second;
+      return added;
    }
    // Removes member `i` of the chunk at `at`; where the next member now is.
    std::pair< typename Index::iterator, std::uint32_t > chunkErase( typename Index::iterator at,
