@@ -114,6 +114,11 @@ Mirel::IpAddrWithMask LineReader::prefix( std::string_view text, std::string con
    }
    unsigned const len = number( text.substr( slash + 1 ), 10, Mirel::IpAddrWithMask::maxLen,
                                 what + " prefix length" );
+   // As the scenario reader: the rule would match what the address without them says.
+   std::uint32_t const hostBits = len == 32 ? 0 : 0xffffffffu >> len;
+   if( ( addr & hostBits ) != 0 ) {
+      fail( what + " prefix '" + std::string( text ) + "' has bits set past its length" );
+   }
    return Mirel::IpAddrWithMask( addr, len );
 }
 

@@ -136,11 +136,12 @@ RandomChip::RandomChip( std::mt19937_64& random, TcamMode mode ) : mode_( mode )
    };
 
    set( "tcamMode", asynchronous() ? "asynchronous" : "synchronous" );
-   double const delays[] = { 0.0, 0.001, 0.05, 0.3 };
-   double const delay = delays[ pick( 4 ) ];
-   double const timeouts[] = { delay + 0.01, delay + 0.5, 10.0 };
-   set( "asyncDelay", secondsText( delay ) );
-   set( "asyncTimeout", secondsText( timeouts[ pick( 3 ) ] ) );
+   // In milliseconds, so that each time's text is as short as it reads.
+   unsigned const delays[] = { 0, 1, 50, 300 };
+   unsigned const delay = delays[ pick( 4 ) ];
+   unsigned const timeouts[] = { delay + 10, delay + 500, 10000 };
+   set( "asyncDelay", secondsText( delay / 1000.0 ) );
+   set( "asyncTimeout", secondsText( timeouts[ pick( 3 ) ] / 1000.0 ) );
 
    bool const roomyChip = chance( 35 );
    for( Pool const& p : pools )

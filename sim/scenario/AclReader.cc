@@ -3,7 +3,6 @@
 #include <arpa/inet.h>
 
 #include <cctype>
-#include <cstdlib>
 #include <utility>
 
 #include "sim/classbench/ClassBench.h"
@@ -65,20 +64,35 @@ Acl::PortCondition portConditionOf( Acl::PortCondition::Oper oper,
    return makers[ v.size() - 1 ]( oper, v );
 }
 
-// "address/length", or a bare address for the whole length; the address as inet_pton reads it.
+// "address/length", or a bare address for the whole length: the address as inet_pton reads it,
+// the length in plain decimal digits, and no bit of the address set past the length, since the
+// list would match what the address with those bits clear says. The problem, or empty.
 template< class Bytes >
-bool parsePrefix( std::string const& text, int af, unsigned maxLen, Bytes& addr, unsigned& len ) {
+std::string prefixProblem( std::string const& text, int af, unsigned maxLen, Bytes& addr,
+                           unsigned& len ) {
    std::size_t const slash = text.find( '/' );
    std::string const addrText = text.substr( 0, slash );
-   if( inet_pton( af, addrText.c_str(), &addr ) != 1 ) return false;
+   if( inet_pton( af, addrText.c_str(), &addr ) != 1 ) return "is not an address or prefix";
    len = maxLen;
-   if( slash == std::string::npos ) return true;
+   if( slash == std::string::npos ) return {};
    std::string const lenText = text.substr( slash + 1 );
-   char* end = nullptr;
-   unsigned long const v = std::strtoul( lenText.c_str(), &end, 10 );
-   if( lenText.empty() || *end != '\0' || v > maxLen ) return false;
-   len = unsigned( v );
-   return true;
+   bool const digits = !lenText.empty() && lenText.size() <= 3 &&
+                       lenText.find_first_not_of( "0123456789" ) == std::string::npos;
+   if( !digits || std::stoul( lenText ) > maxLen ) {
+      return "has no prefix length 0.." + std::to_string( maxLen ) + " after the '/'";
+   }
+   len = unsigned( std::stoul( lenText ) );
+   auto* const bytes = reinterpret_cast< unsigned char* >( &addr );
+   bool hostBits = false;
+   for( unsigned bit = len; bit < maxLen; ++bit ) {
+      unsigned char const mask = static_cast< unsigned char >( 0x80u >> ( bit % 8 ) );
+      hostBits = hostBits || ( bytes[ bit / 8 ] & mask ) != 0;
+      bytes[ bit / 8 ] = static_cast< unsigned char >( bytes[ bit / 8 ] & ~mask );
+   }
+   if( !hostBits ) return {};
+   char network[ INET6_ADDRSTRLEN ];
+   inet_ntop( af, &addr, network, sizeof network );
+   return "has bits set past its length: the prefix is " + std::string( network ) + "/" + lenText;
 }
 
 }  // namespace
@@ -333,9 +347,9 @@ Mirel::IpAddrWithMask AclReader::ipv4Prefix( YAML::Node const& node,
    if( text == "any" ) return {};
    in_addr addr{};
    unsigned len = 0;
-   if( !parsePrefix( text, AF_INET, Mirel::IpAddrWithMask::maxLen, addr, len ) ) {
-      yaml_.fail( node, what + ": '" + text + "' is not an IPv4 address or prefix" );
-   }
+   std::string const problem =
+         prefixProblem( text, AF_INET, Mirel::IpAddrWithMask::maxLen, addr, len );
+   if( !problem.empty() ) yaml_.fail( node, what + ": IPv4 '" + text + "' " + problem );
    return Mirel::IpAddrWithMask( ntohl( addr.s_addr ), len );
 }
 
@@ -345,9 +359,9 @@ Mirel::Ip6AddrWithMask AclReader::ipv6Prefix( YAML::Node const& node,
    if( text == "any" ) return {};
    Mirel::Ip6AddrWithMask::Bytes addr{};
    unsigned len = 0;
-   if( !parsePrefix( text, AF_INET6, Mirel::Ip6AddrWithMask::maxLen, addr, len ) ) {
-      yaml_.fail( node, what + ": '" + text + "' is not an IPv6 address or prefix" );
-   }
+   std::string const problem =
+         prefixProblem( text, AF_INET6, Mirel::Ip6AddrWithMask::maxLen, addr, len );
+   if( !problem.empty() ) yaml_.fail( node, what + ": IPv6 '" + text + "' " + problem );
    return Mirel::Ip6AddrWithMask( addr, len );
 }
 

@@ -8,12 +8,14 @@
 #include <set>
 #include <sstream>
 
+#include <yaml-cpp/depthguard.h>
 #include <yaml-cpp/eventhandler.h>
 
 #include "sim/scenario/ChipReader.h"
 #include "sim/scenario/ConfigModel.h"
 #include "sim/scenario/ExpectReader.h"
 #include "sim/scenario/StepReader.h"
+#include "sim/scenario/TextRules.h"
 #include "zub/Trace.h"
 
 namespace Sim {
@@ -87,27 +89,6 @@ void checkDocumentsEnd( std::string const& text, YamlReader const& yaml ) {
    }
 }
 
-// The one document of the text.
-// Length of the well-formed UTF-8 sequence that starts at `i`, or 0: no overlong form, no
-// surrogate, nothing past U+10FFFF.
-std::size_t utf8SequenceAt( std::string const& text, std::size_t i ) {
-   auto const byte = [ & ]( std::size_t at ) { return static_cast< unsigned char >( text[ at ] ); };
-   unsigned char const lead = byte( i );
-   if( lead < 0x80 ) return 1;
-   std::size_t const more = lead >= 0xc2 && lead < 0xe0   ? 1
-                            : lead >= 0xe0 && lead < 0xf0 ? 2
-                            : lead >= 0xf0 && lead < 0xf5 ? 3
-                                                          : 0;
-   if( more == 0 || i + more >= text.size() ) return 0;
-   unsigned char const low = lead == 0xe0 ? 0xa0 : lead == 0xf0 ? 0x90 : 0x80;
-   unsigned char const high = lead == 0xed ? 0x9f : lead == 0xf4 ? 0x8f : 0xbf;
-   if( byte( i + 1 ) < low || byte( i + 1 ) > high ) return 0;
-   for( std::size_t k = 2; k <= more; ++k ) {
-      if( ( byte( i + k ) & 0xc0 ) != 0x80 ) return 0;
-   }
-   return more + 1;
-}
-
 // Every string of the scenario reaches the JSON report, which holds UTF-8 only: refuse other
 // text where it stands rather than fail after the run.
 void checkUtf8( std::string const& text, YamlReader const& yaml ) {
@@ -130,17 +111,49 @@ void checkUtf8( std::string const& text, YamlReader const& yaml ) {
    }
 }
 
+// Every scalar, keys too, after the parser has turned escapes ("\x01", "\ud800") into text: a
+// name or a text must be one printable piece in every report. A collection an alias repeats is
+// walked once.
+void checkTexts( YAML::Node const& node, YamlReader const& yaml, std::set< int >& walked ) {
+   if( node.IsScalar() ) {
+      if( auto const problem = textProblem( node.Scalar() ) ) {
+         yaml.fail( node, "a name or text " + *problem +
+                                "; names and texts are printable UTF-8 on one line" );
+      }
+      return;
+   }
+   if( !node.IsMap() && !node.IsSequence() ) return;
+   if( !walked.insert( node.Mark().pos ).second ) return;
+   if( node.IsSequence() ) {
+      for( YAML::Node const& item : node )
+         checkTexts( item, yaml, walked );
+      return;
+   }
+   for( auto const& entry : node ) {
+      checkTexts( entry.first, yaml, walked );
+      checkTexts( entry.second, yaml, walked );
+   }
+}
+
+// The one document of the text.
 YAML::Node documentOf( std::string const& text, YamlReader const& yaml ) {
    checkUtf8( text, yaml );
    std::vector< YAML::Node > docs;
    try {
       checkDocumentsEnd( text, yaml );
       docs = YAML::LoadAll( text );
+   } catch( YAML::DeepRecursion const& e ) {
+      // The parser's own message is "bad file", and its place the start.
+      yaml.fail( Where{}, "collections are nested " + std::to_string( e.depth() ) +
+                                " deep or more; the YAML reader follows " +
+                                std::to_string( e.depth() - 1 ) + " levels at most" );
    } catch( YAML::Exception const& e ) {
       yaml.fail( Where{ e.mark.line + 1, e.mark.column + 1 }, e.msg );
    }
    if( docs.size() > 1 ) yaml.fail( docs[ 1 ], "one YAML document per scenario" );
    if( docs.empty() || docs[ 0 ].IsNull() ) yaml.fail( Where{ 1, 1 }, "the scenario is empty" );
+   std::set< int > walked;
+   checkTexts( docs[ 0 ], yaml, walked );
    return docs[ 0 ];
 }
 
@@ -331,6 +344,10 @@ Scenario scenarioOf( YAML::Node const& doc, YamlReader const& yaml,
 }  // namespace
 
 Scenario loadScenario( std::string const& path ) {
+   // The reports name the file.
+   if( auto const problem = textProblem( path ) ) {
+      throw ScenarioError( path, Where{}, "the file's name " + *problem );
+   }
    std::ifstream in( path, std::ios::binary );
    std::ostringstream text;
    if( in ) text << in.rdbuf();

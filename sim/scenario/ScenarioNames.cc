@@ -1,6 +1,6 @@
 #include "sim/scenario/ScenarioNames.h"
 
-#include <sstream>
+#include <charconv>
 
 namespace Sim {
 
@@ -104,9 +104,9 @@ std::string servicePolicyText( Qos::ServicePolicyKey const& key ) {
 }
 
 std::string secondsText( Zub::Seconds seconds ) {
-   std::ostringstream os;
-   os << seconds;
-   return os.str();
+   // The shortest text that reads back as the same time, never rounded.
+   char buf[ 32 ];
+   return std::string( buf, std::to_chars( buf, buf + sizeof buf, seconds ).ptr );
 }
 
 }  // namespace Sim

@@ -2,11 +2,11 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cmath>
 #include <optional>
 #include <set>
 
 #include "sim/scenario/ScenarioError.h"
+#include "sim/scenario/TextRules.h"
 
 namespace Sim {
 
@@ -122,6 +122,10 @@ std::int64_t YamlReader::integer( YAML::Node const& node, std::string const& wha
    if( negative ) text.remove_prefix( 1 );
    auto const magnitude = magnitudeOf( text );
    if( !magnitude ) fail( node, what + ": '" + node.Scalar() + "' is not a whole number" );
+   // -0x10 would read; a sign belongs to decimal numbers alone, so none is taken for a mask.
+   if( negative && ( text.starts_with( "0x" ) || text.starts_with( "0X" ) ) ) {
+      fail( node, what + ": '" + node.Scalar() + "': a hexadecimal number takes no sign" );
+   }
    bool const tooBig = *magnitude > std::uint64_t( INT64_MAX );
    std::int64_t const value =
          tooBig ? 0 : ( negative ? -std::int64_t( *magnitude ) : std::int64_t( *magnitude ) );
@@ -145,14 +149,10 @@ std::uint64_t YamlReader::unsignedInteger( YAML::Node const& node, std::string c
 
 double YamlReader::seconds( YAML::Node const& node, std::string const& what, double min ) const {
    std::string const text = scalar( node, what, "a number of seconds" );
-   double value = 0.0;
-   auto const [ end, ec ] = std::from_chars( text.data(), text.data() + text.size(), value );
-   if( text.empty() || ec != std::errc() || end != text.data() + text.size() ||
-       !std::isfinite( value ) ) {
-      fail( node, what + ": '" + text + "' is not a number of seconds" );
-   }
-   if( value < min ) fail( node, what + ": " + text + " is below " + secondsText( min ) );
-   return value;
+   SecondsText const seconds = secondsOf( text );
+   if( !seconds.problem.empty() ) fail( node, what + ": '" + text + "' " + seconds.problem );
+   if( seconds.value < min ) fail( node, what + ": " + text + " is below " + secondsText( min ) );
+   return seconds.value;
 }
 
 bool YamlReader::flag( YAML::Node const& node, std::string const& what ) const {

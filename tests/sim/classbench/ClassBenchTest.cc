@@ -107,6 +107,8 @@ TEST( ClassBenchTest, BadInputNamesFileLineAndProblem ) {
    } const cases[] = {
       { "@1.2.3.4/32\t5.6.7.8/40\t0 : 65535\t80 : 80\t0x06/0xFF\t0x0000/0x0000",
         "acl1_1k:17: destination prefix length 40 above 32" },
+      { "@1.2.3.4/24\t5.6.7.8/32\t0 : 65535\t80 : 80\t0x06/0xFF\t0x0000/0x0000",
+        "acl1_1k:17: source prefix '1.2.3.4/24' has bits set past its length" },
       { "@1.2.3.4/32\t5.6.7.8/32\t0 : 65535\t80 : 80\t0x06/0xFF",
         "acl1_1k:17: wrong field count: 5 instead of 6" },
       { "", "acl1_1k:17: wrong field count: 0 instead of 6" },

@@ -79,6 +79,28 @@ Case const refusals[] = {
    { "description: x\xc3", "bad.yaml:1:15: the text is not UTF-8 (byte 0xc3)" },
    { "description: \xc0\xaf\n", "bad.yaml:1:14: the text is not UTF-8 (byte 0xc0)" },
    { "description: \xed\xa0\x80\n", "bad.yaml:1:14: the text is not UTF-8 (byte 0xed)" },
+   // Escapes give what the file does not hold: a surrogate, control characters (C0, DEL, C1),
+   // which would break a line of the text report, in values and in keys.
+   { "description: \"\\ud800\"\n", "bad.yaml:1:21: invalid unicode: 55296" },
+   { "description: \"a\\x01b\"\n",
+     "bad.yaml:1:14: a name or text holds a control character (U+0001 at byte 2); names and "
+     "texts are printable UTF-8 on one line" },
+   { "acls: [ { name: \"A\\nB\" } ]\n",
+     "bad.yaml:1:17: a name or text holds a control character (U+000A at byte 2); names and "
+     "texts are printable UTF-8 on one line" },
+   { "description: \"\\x7f\"\n",
+     "bad.yaml:1:14: a name or text holds a control character (U+007F at byte 1); names and "
+     "texts are printable UTF-8 on one line" },
+   { "description: \"\\u0085\"\n",
+     "bad.yaml:1:14: a name or text holds a control character (U+0085 at byte 1); names and "
+     "texts are printable UTF-8 on one line" },
+   { "{ \"chip\\t\": {} }\n",
+     "bad.yaml:1:3: a name or text holds a control character (U+0009 at byte 5); names and "
+     "texts are printable UTF-8 on one line" },
+   // yaml-cpp's own word for it is "bad file".
+   { std::string( 3000, '[' ),
+     "bad.yaml: collections are nested 500 deep or more; the YAML reader follows 499 levels at "
+     "most" },
 
    // Unknown and repeated keys.
    { "chips: {}\n", ( "bad.yaml:1:1: scenario: unknown key 'chips' (known: " + topKeys + ")" ) },
@@ -205,7 +227,19 @@ Case const refusals[] = {
    { "steps: [ { at: 1 }, { at: 1 } ]\n",
      "bad.yaml:1:27: at: steps come in increasing time after the start at 0.001 s; this "
      "one is not after 1" },
-   { "steps: [ { at: -1 } ]\n", "bad.yaml:1:16: at: -1 is below 0" },
+   { "steps: [ { at: -1 } ]\n", "bad.yaml:1:16: at: '-1' takes no sign: a time is never below 0" },
+   // Times the virtual clock holds exactly as written, up to where it tells microseconds apart.
+   { "steps: [ { at: -0 } ]\n", "bad.yaml:1:16: at: '-0' takes no sign: a time is never below 0" },
+   { "steps: [ { at: nan } ]\n", "bad.yaml:1:16: at: 'nan' is not a number of seconds" },
+   { "steps: [ { at: 1.5s } ]\n", "bad.yaml:1:16: at: '1.5s' is not a number of seconds" },
+   { "steps: [ { at: 1e10 } ]\n",
+     "bad.yaml:1:16: at: '1e10' is above 1e9 s, beyond which the virtual clock no longer tells "
+     "microseconds apart" },
+   { "steps: [ { at: 0.10000000000000001 } ]\n",
+     "bad.yaml:1:16: at: '0.10000000000000001' has more digits than the virtual clock holds (it "
+     "holds 0.1)" },
+   { "chip: { asyncDelay: 1e-400 }\n",
+     "bad.yaml:1:21: asyncDelay: '1e-400' is not a number of seconds" },
    { "fecOverrides: [ { af: mpls, dscp: ef, fec: 1, overridingFec: 2 } ]\n",
      "bad.yaml:1:23: af: 'mpls' is not one of ipv4, ipv6" },
    { "fecService: [ { fec: 1 } ]\n", "bad.yaml:1:15: missing key 'hwFecId'" },
@@ -228,9 +262,25 @@ Case const refusals[] = {
 
    // Rules that can't match.
    { "acls: [ { name: A, rules: [ { src: 10.0.0.0/33 } ] } ]\n",
-     "bad.yaml:1:36: src: '10.0.0.0/33' is not an IPv4 address or prefix" },
+     "bad.yaml:1:36: src: IPv4 '10.0.0.0/33' has no prefix length 0..32 after the '/'" },
    { "acls: [ { name: A, type: ipv6, rules: [ { dst: 10.0.0.0/8 } ] } ]\n",
-     "bad.yaml:1:48: dst: '10.0.0.0/8' is not an IPv6 address or prefix" },
+     "bad.yaml:1:48: dst: IPv6 '10.0.0.0/8' is not an address or prefix" },
+   // A prefix length is plain decimal digits; an address has no bit set past it.
+   { "acls: [ { name: A, rules: [ { src: 10.0.0.0/+8 } ] } ]\n",
+     "bad.yaml:1:36: src: IPv4 '10.0.0.0/+8' has no prefix length 0..32 after the '/'" },
+   { "acls: [ { name: A, rules: [ { src: 10.0.0.0/ 8 } ] } ]\n",
+     "bad.yaml:1:36: src: IPv4 '10.0.0.0/ 8' has no prefix length 0..32 after the '/'" },
+   { "acls: [ { name: A, rules: [ { src: 0.0.0.0/-0 } ] } ]\n",
+     "bad.yaml:1:36: src: IPv4 '0.0.0.0/-0' has no prefix length 0..32 after the '/'" },
+   { "acls: [ { name: A, rules: [ { src: 10.1.2.3/16 } ] } ]\n",
+     "bad.yaml:1:36: src: IPv4 '10.1.2.3/16' has bits set past its length: the prefix is "
+     "10.1.0.0/16" },
+   { "acls: [ { name: A, type: ipv6, rules: [ { dst: 2001:db8::1/32 } ] } ]\n",
+     "bad.yaml:1:48: dst: IPv6 '2001:db8::1/32' has bits set past its length: the prefix is "
+     "2001:db8::/32" },
+   // A sign belongs to decimal numbers.
+   { "globalMaps: { cosToTc: { 1: -0x0 } }\n",
+     "bad.yaml:1:29: cosToTc: '-0x0': a hexadecimal number takes no sign" },
    { "acls: [ { name: A, rules: [ { dstPort: { eq: 80 } } ] } ]\n",
      "bad.yaml:1:29: rule: port conditions need proto tcp, udp or sctp" },
    { "acls: [ { name: A, rules: [ { proto: tcp, dstPort: { range: [ 90, 80 ] } } ] } ]\n",
