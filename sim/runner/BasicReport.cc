@@ -5,6 +5,7 @@
 
 #include "sim/chip/ChipText.h"
 #include "sim/runner/Report.h"
+#include "sim/runner/TextFormat.h"
 
 namespace Sim {
 
@@ -130,19 +131,19 @@ Json basicOf( SimQosBasicHelper const& chip ) {
 }
 
 void printFeatures( std::ostream& os, Json const& status ) {
-   os << "\nBasic QoS features, slice status " << status[ "basicStatus" ].get< std::string >()
+   os << "\nBasic QoS features, slice status " << printable( status[ "basicStatus" ] )
       << ", configuration " << status[ "basicConfigVersionUpdateTime" ] << " applied:\n";
    for( Json const& f : status[ "features" ] ) {
-      os << "  " << f[ "feature" ] << " " << f[ "name" ].get< std::string >() << ": "
-         << f[ "status" ].get< std::string >() << ", version " << f[ "version" ];
-      if( !f[ "errMessage" ].get< std::string >().empty() ) {
-         os << ", last error \"" << f[ "errMessage" ].get< std::string >() << "\"";
+      os << "  " << f[ "feature" ] << " " << printable( f[ "name" ] ) << ": "
+         << printable( f[ "status" ] ) << ", version " << f[ "version" ];
+      if( !printable( f[ "errMessage" ] ).empty() ) {
+         os << ", last error \"" << printable( f[ "errMessage" ] ) << "\"";
       }
       os << "\n";
    }
    for( auto const& [ intf, profile ] : status[ "intfToCosToTcProfile" ].items() ) {
-      os << "  COS-to-TC profile " << profile.get< std::string >() << " programmed on " << intf
-         << "\n";
+      os << "  COS-to-TC profile " << printable( profile ) << " programmed on "
+         << printableText( intf ) << "\n";
    }
 }
 
@@ -156,22 +157,19 @@ void printBasic( std::ostream& os, Json const& basic ) {
    os << "  global maps: " << slots << " slots programmed; COS rewrite "
       << ( g[ "cosRewrite" ].get< bool >() ? "on" : "off" ) << ", DSCP rewrite "
       << ( g[ "dscpRewrite" ].get< bool >() ? "on" : "off" ) << ", global ECN "
-      << g[ "globalEcn" ].get< std::string >() << "\n";
+      << printable( g[ "globalEcn" ] ) << "\n";
    for( Json const& p : basic[ "ports" ] ) {
-      os << "  port " << p[ "interface" ].get< std::string >() << ": trust "
-         << p[ "trustMode" ].get< std::string >() << ", default COS "
-         << p[ "defaultCos" ].get< std::string >() << ", default DSCP "
-         << p[ "defaultDscp" ].get< std::string >() << ", shape "
-         << p[ "shapeRate" ].get< std::string >() << "\n";
+      os << "  port " << printable( p[ "interface" ] ) << ": trust "
+         << printable( p[ "trustMode" ] ) << ", default COS " << printable( p[ "defaultCos" ] )
+         << ", default DSCP " << printable( p[ "defaultDscp" ] ) << ", shape "
+         << printable( p[ "shapeRate" ] ) << "\n";
    }
    for( Json const& q : basic[ "queues" ] ) {
-      os << "  queue " << q[ "queue" ].get< std::string >() << ": "
-         << q[ "priority" ].get< std::string >() << ", shape "
-         << q[ "shapeRate" ].get< std::string >() << ", guaranteed "
-         << q[ "guaranteedBw" ].get< std::string >()
+      os << "  queue " << printable( q[ "queue" ] ) << ": " << printable( q[ "priority" ] )
+         << ", shape " << printable( q[ "shapeRate" ] ) << ", guaranteed "
+         << printable( q[ "guaranteedBw" ] )
          << ( q[ "unitMismatch" ].get< bool >() ? " (held back: units differ)" : "" ) << ", ECN "
-         << q[ "ecn" ].get< std::string >() << ", WRED " << q[ "wred" ].get< std::string >()
-         << "\n";
+         << printable( q[ "ecn" ] ) << ", WRED " << printable( q[ "wred" ] ) << "\n";
    }
    for( auto const& [ name, pool ] : basic[ "profiles" ].items() ) {
       os << "  " << name << " profiles: " << poolText( pool ) << "\n";

@@ -5,6 +5,7 @@
 
 #include "sim/chip/ChipText.h"
 #include "sim/runner/Report.h"
+#include "sim/runner/TextFormat.h"
 
 namespace Sim {
 
@@ -73,14 +74,14 @@ Json cbfOf( SimSwitch const& sw ) {
 void printCbf( std::ostream& os, Json const& cbf ) {
    os << "\nClass-based forwarding rules: " << poolText( cbf[ "ruleTable" ] ) << "\n";
    for( Json const& r : cbf[ "ruleTable" ][ "rules" ] ) {
-      os << "  #" << r[ "id" ] << " " << r[ "key" ].get< std::string >() << ": hardware FEC "
+      os << "  #" << r[ "id" ] << " " << printable( r[ "key" ] ) << ": hardware FEC "
          << r[ "hwFecId" ] << " -> " << r[ "overridingHwFecId" ] << "\n";
    }
    os << "  override status:";
    if( cbf[ "status" ].empty() ) os << " none";
    os << "\n";
    for( Json const& s : cbf[ "status" ] ) {
-      os << "    " << s[ "key" ].get< std::string >() << " " << s[ "status" ].get< std::string >();
+      os << "    " << printable( s[ "key" ] ) << " " << printable( s[ "status" ] );
       if( !s[ "hwRuleId" ].is_null() ) os << " (rule " << s[ "hwRuleId" ] << ")";
       os << "\n";
    }
@@ -93,8 +94,7 @@ void printCbf( std::ostream& os, Json const& cbf ) {
    os << "  review runs: " << cbf[ "reviewRuns" ] << ", " << cbf[ "reviewQuantum" ]
       << " keys a run\n";
    for( Json const& r : cbf[ "corruptionRestarts" ] ) {
-      os << "  agent restarted at " << r[ "t" ] << " s: " << r[ "text" ].get< std::string >()
-         << "\n";
+      os << "  agent restarted at " << r[ "t" ] << " s: " << printable( r[ "text" ] ) << "\n";
    }
 }
 

@@ -1,7 +1,6 @@
 #include "sim/runner/ControlPlaneReport.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <iterator>
 #include <map>
 #include <ostream>
@@ -12,6 +11,7 @@
 
 #include "sim/chip/ChipText.h"
 #include "sim/runner/Report.h"
+#include "sim/runner/TextFormat.h"
 
 namespace Sim {
 
@@ -83,8 +83,8 @@ Json kernelOf( SimSwitch const& sw ) {
 
 std::string queueText( Json const& q ) {
    std::ostringstream os;
-   os << q[ "interface" ].get< std::string >() << " class " << q[ "class" ].get< std::string >()
-      << " (" << q[ "queue" ].get< std::string >() << ")";
+   os << printable( q[ "interface" ] ) << " class " << printable( q[ "class" ] ) << " ("
+      << printable( q[ "queue" ] ) << ")";
    return os.str();
 }
 
@@ -126,7 +126,7 @@ void printDriverCalls( std::ostream& os, Json const& calls ) {
       std::vector< std::pair< std::string, Json > > ops;
       std::map< std::string, std::size_t > counts;
       for( ; i < calls.size() && calls[ i ][ "t" ] == t; ++i ) {
-         std::string const op = calls[ i ][ "op" ].get< std::string >();
+         std::string const op = printable( calls[ i ][ "op" ] );
          auto at = std::find_if( ops.begin(), ops.end(),
                                  [ & ]( auto const& o ) { return o.first == op; } );
          if( at == ops.end() ) at = ops.insert( ops.end(), { op, Json::object() } );
@@ -137,8 +137,7 @@ void printDriverCalls( std::ostream& os, Json const& calls ) {
          at->second[ slot.value().get< std::string >() ] =
                std::stoi( std::next( slot ).value().get< std::string >() );
       }
-      char when[ 32 ];
-      std::snprintf( when, sizeof when, "%9.3f", t.get< double >() );
+      std::string const when = timeColumn( t.get< double >() );
       for( auto const& [ op, slots ] : ops ) {
          os << "  " << when << "  " << op << " (" << counts[ op ] << "): " << slotsText( slots )
             << "\n";

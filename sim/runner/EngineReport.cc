@@ -14,6 +14,7 @@
 #include "NevQos/policy/QosServicePolicySm.h"
 #include "sim/chip/ChipText.h"
 #include "sim/chip/SimQosAclHelper.h"
+#include "sim/runner/TextFormat.h"
 
 namespace Sim {
 
@@ -107,31 +108,31 @@ Json engineOf( Nev::QosAclSm const& engine ) {
 }
 
 void printEngine( std::ostream& os, Json const& engine ) {
-   os << "\nThe policy engine: asyncState " << engine[ "asyncState" ].get< std::string >();
-   if( !engine[ "error" ].get< std::string >().empty() )
-      os << ", error \"" << engine[ "error" ].get< std::string >() << "\"";
+   os << "\nThe policy engine: asyncState " << printable( engine[ "asyncState" ] );
+   if( !printable( engine[ "error" ] ).empty() )
+      os << ", error \"" << printable( engine[ "error" ] ) << "\"";
    if( !engine[ "counterClients" ].empty() ) {
       os << ", counter clients";
       for( Json const& c : engine[ "counterClients" ] )
-         os << " " << c.get< std::string >();
+         os << " " << printable( c );
    }
    os << "\n";
    for( Json const& pmap : engine[ "policyMaps" ] ) {
       Json const& lat = pmap[ "latency" ];
-      os << "  " << pmap[ "id" ].get< std::string >() << ": latency last " << lat[ "last" ]
-         << " s, max " << lat[ "max" ] << " s, startup " << lat[ "startup" ] << " s\n";
+      os << "  " << printable( pmap[ "id" ] ) << ": latency last " << lat[ "last" ] << " s, max "
+         << lat[ "max" ] << " s, startup " << lat[ "startup" ] << " s\n";
       for( Json const& cls : pmap[ "classes" ] ) {
-         os << "    " << cls[ "id" ].get< std::string >() << " priority " << cls[ "priority" ];
+         os << "    " << printable( cls[ "id" ] ) << " priority " << cls[ "priority" ];
          if( Json const& p = cls[ "policer" ]; !p.is_null() ) {
-            os << "; policer " << p[ "name" ].get< std::string >() << " cir " << p[ "cir" ] << " "
-               << p[ "cirUnit" ].get< std::string >() << " bc " << p[ "bc" ] << " "
-               << p[ "bcUnit" ].get< std::string >() << " pir " << p[ "pir" ] << " "
-               << p[ "pirUnit" ].get< std::string >() << " be " << p[ "be" ] << " "
-               << p[ "beUnit" ].get< std::string >();
+            os << "; policer " << printable( p[ "name" ] ) << " cir " << p[ "cir" ] << " "
+               << printable( p[ "cirUnit" ] ) << " bc " << p[ "bc" ] << " "
+               << printable( p[ "bcUnit" ] ) << " pir " << p[ "pir" ] << " "
+               << printable( p[ "pirUnit" ] ) << " be " << p[ "be" ] << " "
+               << printable( p[ "beUnit" ] );
          }
          os << "\n";
          for( Json const& acl : cls[ "acls" ] ) {
-            os << "      " << acl[ "key" ].get< std::string >();
+            os << "      " << printable( acl[ "key" ] );
             if( acl.contains( "aclNumber" ) ) {
                os << " number " << acl[ "aclNumber" ] << ( acl[ "installed" ] ? " installed" : "" )
                   << ( acl[ "dirty" ] ? " dirty" : "" );

@@ -1,9 +1,9 @@
 #include "sim/runner/Expectations.h"
+#include "sim/runner/TextFormat.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <iomanip>
 #include <optional>
 #include <sstream>
 #include <string>
@@ -90,14 +90,8 @@ std::string itemText( ExpectItem const& item ) {
    return out;
 }
 
-std::string secondsText( Zub::Seconds t ) {
-   std::ostringstream os;
-   os << std::fixed << std::setprecision( 3 ) << t;
-   return os.str();
-}
-
 std::string eventText( Event const& e, Zub::Seconds t ) {
-   std::string const at = secondsText( t ) + " s: ";
+   std::string const at = timeText( t ) + " s: ";
    if( e.run ) return at + callText( e.run->call );
    return at + e.log->handle + " " + e.log->text;
 }
@@ -113,14 +107,14 @@ struct Search {
 std::string gapText( CallGap const& gap ) {
    return "the calls it needs were left out of the record: a gap of " +
           std::to_string( gap.calls ) + " calls in " + std::to_string( gap.runs ) + " runs from " +
-          secondsText( gap.from ) + " to " + secondsText( gap.until ) +
+          timeText( gap.from ) + " to " + timeText( gap.until ) +
           " s (a larger --keep-calls keeps them)";
 }
 
 std::string timesText( CallRun const& run ) {
    return "the times of the run of " + std::to_string( run.count ) + " calls \"" +
-          callText( run.call ) + "\" from " + secondsText( run.call.t ) + " to " +
-          secondsText( run.until ) + " s were not kept";
+          callText( run.call ) + "\" from " + timeText( run.call.t ) + " to " +
+          timeText( run.until ) + " s were not kept";
 }
 
 // The first call k in [lo, hi) of `run` at the item's time, or why that cannot be told.
@@ -260,7 +254,7 @@ void printExpectations( std::ostream& os, nlohmann::ordered_json const& expectat
    bool const met = expectations[ "met" ].get< bool >();
    os << "\nExpectations (" << expectations[ "items" ].size()
       << "): " << ( met ? "met" : "NOT met" ) << "\n";
-   if( !met ) os << "  " << expectations[ "failure" ].get< std::string >() << "\n";
+   if( !met ) os << "  " << printable( expectations[ "failure" ] ) << "\n";
 }
 
 }  // namespace Sim

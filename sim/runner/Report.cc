@@ -1,6 +1,6 @@
 #include "sim/runner/Report.h"
 
-#include <cstdio>
+#include <algorithm>
 #include <functional>
 #include <map>
 #include <ostream>
@@ -12,6 +12,8 @@
 #include "sim/runner/CbfReport.h"
 #include "sim/runner/ControlPlaneReport.h"
 #include "sim/runner/EngineReport.h"
+#include "sim/runner/TextFormat.h"
+#include "sim/runner/Version.h"
 
 namespace Sim {
 
@@ -230,7 +232,9 @@ Json entryOf( TcamEntry const& e ) {
    return entry;
 }
 
-// The TCAM's slices and its range-checker pool: the members of "tcam" before its lists.
+}  // namespace
+
+// The members of "tcam" before its lists.
 Json tcamPoolsOf( Tcam const& tcam ) {
    Json slices = Json::array();
    for( auto const& [ name, s ] : tcam.slices() ) {
@@ -243,6 +247,8 @@ Json tcamPoolsOf( Tcam const& tcam ) {
    out[ "rangeCheckers" ] = poolOf( tcam.rangeCheckers(), tcam.rangeCheckersUsed() );
    return out;
 }
+
+namespace {
 
 // A list of the TCAM without its entries, which come last.
 Json aclHeadOf( SimQosAclHelper const& chip, std::string const& id, Tcam::Acl const& acl ) {
@@ -290,16 +296,12 @@ Json resourcesOf( SimQosAclHelper const& chip ) {
 // ---- The text rendering
 
 std::string seconds( Json const& t ) {
-   char buf[ 32 ];
-   std::snprintf( buf, sizeof buf, "%9.3f", t.get< double >() );
-   return buf;
+   return timeColumn( t.get< double >() );
 }
 
 // Without the column's padding.
 std::string plainSeconds( Json const& t ) {
-   char buf[ 32 ];
-   std::snprintf( buf, sizeof buf, "%.3f", t.get< double >() );
-   return buf;
+   return timeText( t.get< double >() );
 }
 
 void printCalls( std::ostream& os, Json const& calls, std::size_t limit ) {
@@ -315,7 +317,7 @@ void printCalls( std::ostream& os, Json const& calls, std::size_t limit ) {
       }
       std::uint64_t const n = c.value( "count", std::uint64_t{ 1 } );
       total += n;
-      counts[ c[ "op" ].get< std::string >() ] += n;
+      counts[ printable( c[ "op" ] ) ] += n;
    }
    os << "\nHelper calls (" << total << "):\n";
    if( limit != 0 && calls.size() > limit ) {
@@ -333,10 +335,10 @@ void printCalls( std::ostream& os, Json const& calls, std::size_t limit ) {
          continue;
       }
       os << seconds( c[ "t" ] ) << "  ";
-      if( c[ "helper" ] != "acl" ) os << c[ "helper" ].get< std::string >() << " ";
-      os << c[ "op" ].get< std::string >();
+      if( c[ "helper" ] != "acl" ) os << printable( c[ "helper" ] ) << " ";
+      os << printable( c[ "op" ] );
       for( auto const& [ name, value ] : c[ "args" ].items() )
-         os << " " << name << "=" << value.get< std::string >();
+         os << " " << name << "=" << printable( value );
       if( c.contains( "count" ) ) {
          os << "  x" << c[ "count" ].get< std::uint64_t >() << " until "
             << plainSeconds( c[ "until" ] );
@@ -348,9 +350,9 @@ void printCalls( std::ostream& os, Json const& calls, std::size_t limit ) {
 void printLogs( std::ostream& os, Json const& logs ) {
    os << "\nSystem log (" << logs.size() << "):\n";
    for( Json const& l : logs ) {
-      os << seconds( l[ "t" ] ) << "  " << l[ "severity" ].get< std::string >() << "("
-         << l[ "severityLevel" ].get< int >() << ") " << l[ "handle" ].get< std::string >() << ": "
-         << l[ "text" ].get< std::string >() << "\n";
+      os << seconds( l[ "t" ] ) << "  " << printable( l[ "severity" ] ) << "("
+         << l[ "severityLevel" ].get< int >() << ") " << printable( l[ "handle" ] ) << ": "
+         << printable( l[ "text" ] ) << "\n";
    }
 }
 
@@ -366,9 +368,9 @@ void printTraces( std::ostream& os, Json const& traces ) {
             << plainSeconds( gap[ "from" ] ) << " to " << plainSeconds( gap[ "until" ] ) << " s\n";
          continue;
       }
-      os << seconds( l[ "t" ] ) << "  " << l[ "handle" ].get< std::string >() << "/"
-         << l[ "level" ].get< int >() << " " << l[ "function" ].get< std::string >() << ": "
-         << l[ "text" ].get< std::string >() << "\n";
+      os << seconds( l[ "t" ] ) << "  " << printable( l[ "handle" ] ) << "/"
+         << l[ "level" ].get< int >() << " " << printable( l[ "function" ] ) << ": "
+         << printable( l[ "text" ] ) << "\n";
    }
 }
 
@@ -393,27 +395,26 @@ constexpr std::pair< char const*, char const* > actionFlags[] = {
 
 void printStatus( std::ostream& os, Json const& status ) {
    os << "\nPolicy maps (" << status[ "policyMaps" ].size() << "), slice status "
-      << status[ "status" ].get< std::string >() << ":\n";
+      << printable( status[ "status" ] ) << ":\n";
    for( Json const& p : status[ "policyMaps" ] ) {
-      os << "  " << p[ "type" ].get< std::string >() << " " << p[ "direction" ].get< std::string >()
-         << " " << p[ "name" ].get< std::string >() << "  version " << p[ "version" ] << "  "
-         << p[ "prgmStatus" ].get< std::string >();
+      os << "  " << printable( p[ "type" ] ) << " " << printable( p[ "direction" ] ) << " "
+         << printable( p[ "name" ] ) << "  version " << p[ "version" ] << "  "
+         << printable( p[ "prgmStatus" ] );
       // The message of the last failure stays after a success.
-      if( !p[ "errMessage" ].get< std::string >().empty() ) {
-         bool const failed = p[ "prgmStatus" ].get< std::string >() != "hwPrgmStatusSuccess";
-         os << ( failed ? " \"" : ", last error \"" ) << p[ "errMessage" ].get< std::string >()
-            << "\"";
+      if( !printable( p[ "errMessage" ] ).empty() ) {
+         bool const failed = printable( p[ "prgmStatus" ] ) != "hwPrgmStatusSuccess";
+         os << ( failed ? " \"" : ", last error \"" ) << printable( p[ "errMessage" ] ) << "\"";
       }
       os << "\n";
       for( Json const& c : p[ "classMaps" ] ) {
-         os << "    class " << c[ "name" ].get< std::string >() << ": programmed";
+         os << "    class " << printable( c[ "name" ] ) << ": programmed";
          for( auto const& [ flag, label ] : actionFlags ) {
             if( c[ flag ].get< bool >() ) os << " " << label;
          }
          os << "; out " << c[ "outCount" ] << " pkts " << c[ "outBytes" ] << " bytes, dropped "
             << c[ "dropCount" ] << " pkts " << c[ "dropBytes" ] << " bytes\n";
          for( Json const& pol : c[ "policers" ] ) {
-            os << "      policer " << pol[ "name" ].get< std::string >() << ": "
+            os << "      policer " << printable( pol[ "name" ] ) << ": "
                << ( pol[ "policerPrgmd" ].get< bool >() ? "programmed" : "not programmed" )
                << "; yellow " << actionsText( pol[ "yellowActionStatus" ] ) << ", red "
                << actionsText( pol[ "redActionStatus" ] ) << "; in " << pol[ "pktInCount" ]
@@ -424,25 +425,25 @@ void printStatus( std::ostream& os, Json const& status ) {
       }
    }
    for( Json const& n : status[ "namedPolicers" ] ) {
-      os << "  named policer " << n[ "name" ].get< std::string >()
+      os << "  named policer " << printable( n[ "name" ] )
          << ( n[ "shared" ].get< bool >() ? " (shared)" : "" ) << ": cir " << n[ "cir" ] << " "
-         << n[ "cirUnit" ].get< std::string >() << ", bc " << n[ "bc" ] << " "
-         << n[ "bcUnit" ].get< std::string >() << "\n";
+         << printable( n[ "cirUnit" ] ) << ", bc " << n[ "bc" ] << " " << printable( n[ "bcUnit" ] )
+         << "\n";
    }
 }
 
 void printTcam( std::ostream& os, Json const& tcam, Json const& resources, std::size_t limit ) {
    os << "\nTCAM:\n";
    for( Json const& s : tcam[ "slices" ] ) {
-      os << "  slice " << s[ "name" ].get< std::string >() << ": " << poolText( s ) << "\n";
+      os << "  slice " << printable( s[ "name" ] ) << ": " << poolText( s ) << "\n";
    }
    os << "  range checkers: " << poolText( tcam[ "rangeCheckers" ] ) << "\n";
    for( Json const& a : tcam[ "acls" ] ) {
-      os << "  ACL " << a[ "id" ].get< std::string >() << " (" << a[ "slice" ].get< std::string >()
+      os << "  ACL " << printable( a[ "id" ] ) << " (" << printable( a[ "slice" ] )
          << ( a[ "committed" ].get< bool >() ? ", committed" : ", not committed" ) << ") on";
       if( a[ "interfaces" ].empty() ) os << " no interface";
       for( Json const& i : a[ "interfaces" ] )
-         os << " " << i.get< std::string >();
+         os << " " << printable( i );
       os << ": " << a[ "entries" ].size() << " entries\n";
       std::size_t shown = 0;
       for( Json const& e : a[ "entries" ] ) {
@@ -451,9 +452,9 @@ void printTcam( std::ostream& os, Json const& tcam, Json const& resources, std::
             break;
          }
          os << "      " << e[ "ruleNum" ] << "." << e[ "subruleNum" ] << " "
-            << e[ "kind" ].get< std::string >();
+            << printable( e[ "kind" ] );
          for( auto const& [ name, value ] : e[ "fields" ].items() )
-            os << " " << name << "=" << value.get< std::string >();
+            os << " " << name << "=" << printable( value );
          os << "\n";
       }
    }
@@ -578,6 +579,8 @@ struct Part {
 
 std::vector< Part > partsOf( Scenario const& scenario, SimSwitch const& sw ) {
    return {
+      { "version", [] { return Json( projectVersion() ); } },
+      { "formatVersion", [] { return Json( reportFormatVersion ); } },
       { "scenario",
         [ & ] {
            return Json{ { "file", scenario.file }, { "description", scenario.description } };
@@ -603,6 +606,17 @@ std::vector< Part > partsOf( Scenario const& scenario, SimSwitch const& sw ) {
 }
 
 }  // namespace
+
+Json reportPartsOf( Scenario const& scenario, SimSwitch const& sw,
+                    std::vector< std::string > const& keys ) {
+   Json out = objectWithRoom( keys.size() );
+   for( Part const& part : partsOf( scenario, sw ) ) {
+      if( std::find( keys.begin(), keys.end(), part.key ) != keys.end() ) {
+         out[ part.key ] = part.make();
+      }
+   }
+   return out;
+}
 
 // The parts are moved in: an ordered object copies its members when it grows.
 Json reportOf( Scenario const& scenario, SimSwitch const& sw ) {
@@ -643,16 +657,16 @@ void printVerify( std::ostream& os, Json const& verify ) {
    }
    os << findings.size() << " mismatches\n";
    for( Json const& f : findings )
-      os << "  " << seconds( f[ "t" ] ) << " s  " << f[ "text" ].get< std::string >() << "\n";
+      os << "  " << seconds( f[ "t" ] ) << " s  " << printable( f[ "text" ] ) << "\n";
 }
 
 }  // namespace
 
 void printTextReport( std::ostream& os, Json const& report, std::size_t limit ) {
    Json const& s = report[ "scenario" ];
-   os << "Scenario " << s[ "file" ].get< std::string >();
-   if( !s[ "description" ].get< std::string >().empty() ) {
-      os << ": " << s[ "description" ].get< std::string >();
+   os << "Scenario " << printable( s[ "file" ] );
+   if( !printable( s[ "description" ] ).empty() ) {
+      os << ": " << printable( s[ "description" ] );
    }
    os << "\nRan to " << seconds( report[ "time" ] ) << " s of virtual time.\n";
    printCalls( os, report[ "calls" ], limit );

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <iosfwd>
 #include <string>
+#include <vector>
 
 #include <nlohmann/json.hpp>
 
@@ -23,6 +24,13 @@ void writeJsonReport( std::ostream& os, Scenario const& scenario, SimSwitch cons
                       nlohmann::ordered_json const& more );
 // The "trace" key: the trace lines kept, in order, and a gap entry counting those left out.
 nlohmann::ordered_json tracesOf( TraceLog const& traces );
+
+// The named parts of the report alone, in the report's order: what a summary needs of a run
+// whose report may be large.
+nlohmann::ordered_json reportPartsOf( Scenario const& scenario, SimSwitch const& sw,
+                                      std::vector< std::string > const& keys );
+// The "tcam" part without its lists: the slices and the range-checker pool.
+nlohmann::ordered_json tcamPoolsOf( Tcam const& tcam );
 
 // A finite pool of the chip: { size, used, free }, and its text "U used, F free of S".
 nlohmann::ordered_json poolOf( std::uint64_t size, std::uint64_t used );

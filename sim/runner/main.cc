@@ -5,10 +5,15 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
+#include <csignal>
 #include <cstdio>
+#include <cstring>
 #include <exception>
+#include <fstream>
 #include <iostream>
 #include <map>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -16,16 +21,21 @@
 #include "sim/runner/Progress.h"
 #include "sim/runner/Report.h"
 #include "sim/runner/SimSwitch.h"
+#include "sim/runner/Summary.h"
+#include "sim/runner/Version.h"
 #include "sim/scenario/ScenarioError.h"
 #include "sim/scenario/ScenarioLoader.h"
+#include "sim/scenario/TextRules.h"
 #include "zub/Trace.h"
 
 namespace {
 
+using Json = nlohmann::ordered_json;
+
 // Exit codes.
 constexpr int mismatch = 1;
 constexpr int badInput = 2;
-constexpr int failed = 3;  // a run cut short too: it has no report to give
+constexpr int failed = 3;  // a run cut short, or a report that could not be written
 
 // The map types --show takes, by the names scenarios use.
 std::map< std::string, Qos::MapType > const showTypes{ { "qos", Qos::mapQos_ },
@@ -38,7 +48,7 @@ std::map< std::string, Qos::MapType > const showTypes{ { "qos", Qos::mapQos_ },
 struct Verification {
    std::string mode;  // empty: off; "requested" or "always"
    std::size_t runs = 0;
-   nlohmann::ordered_json findings = nlohmann::ordered_json::array();
+   Json findings = Json::array();
 
    bool on() const { return !mode.empty(); }
    void run( Sim::SimSwitch& sw ) {
@@ -49,7 +59,7 @@ struct Verification {
       for( std::string const& text : always ? sw.verify() : sw.requestedVerify() )
          findings.push_back( { { "t", sw.now() }, { "text", text } } );
    }
-   nlohmann::ordered_json json( Sim::SimSwitch const& sw ) const {
+   Json json( Sim::SimSwitch const& sw ) const {
       return { { "mode", mode },
                { "runs", runs },
                { "subruleQueries", sw.chip().subruleQueries() },
@@ -57,14 +67,223 @@ struct Verification {
    }
 };
 
-// Prints the show output of `type`, or of every type the engine has when it is empty, after
-// what is already on standard output.
-void show( Sim::SimSwitch& sw, std::string const& type, bool detail ) {
-   std::cout.flush();
+struct Options {
+   std::string path;
+   bool json = false;
+   std::string settleText = "60";
+   double settle = 60.0;
+   std::size_t limit = 200;
+   std::string tcamMode;
+   Verification verification;
+   bool show = false;
+   std::string showType;
+   bool brief = false;
+   std::size_t maxTurns = Sim::SimSwitch::defaultRunawayTurns;
+   std::vector< std::string > traces;
+   std::size_t keepCalls = Sim::CallLog::defaultKeep;
+   std::string output;  // -o: empty for standard output
+   bool summary = false;
+};
+
+// Where the report goes: standard output, or the file of -o, opened once the scenario has loaded
+// so that a scenario refused leaves the file as it was. A failed write (a full disk, a closed
+// pipe) shows when the stream is flushed.
+class ReportOutput {
+ public:
+   explicit ReportOutput( std::string path ) : path_( std::move( path ) ) {}
+   std::string open() {
+      if( path_.empty() ) return {};
+      file_.open( path_, std::ios::binary | std::ios::trunc );
+      return file_ ? std::string() : problem( "cannot open " + path_ );
+   }
+   std::ostream& stream() { return path_.empty() ? std::cout : file_; }
+   // The problem of the writes so far, or empty.
+   std::string finish() {
+      std::string const failure =
+            "cannot write the report to " + ( path_.empty() ? "standard output" : path_ );
+      if( path_.empty() ) return std::cout.flush() ? std::string() : problem( failure );
+      file_.close();
+      return file_ ? std::string() : problem( failure );
+   }
+
+ private:
+   static std::string problem( std::string what ) {
+      if( errno != 0 ) what += std::string( ": " ) + std::strerror( errno );
+      return what;
+   }
+   std::string path_;
+   std::ofstream file_;
+};
+
+// Prints the show output of `type`, or of every type the engine has when it is empty, after the
+// report. It goes through a scratch file into the report's stream, so that it lands where the
+// report does and a failed write is found as the report's is.
+void show( Sim::SimSwitch& sw, std::string const& type, bool detail, std::ostream& os ) {
+   std::FILE* const scratch = std::tmpfile();
+   if( !scratch ) {
+      throw std::runtime_error( std::string( "--show: no scratch file: " ) +
+                                std::strerror( errno ) );
+   }
    for( Qos::MapType const t : sw.mapTypes() ) {
       if( !type.empty() && showTypes.at( type ) != t ) continue;
-      sw.show( STDOUT_FILENO, t, detail );
+      sw.show( fileno( scratch ), t, detail );
    }
+   std::rewind( scratch );
+   char buf[ 1 << 16 ];
+   for( std::size_t n; ( n = std::fread( buf, 1, sizeof buf, scratch ) ) > 0; )
+      os.write( buf, std::streamsize( n ) );
+   std::fclose( scratch );
+}
+
+// The flags of `o`; the --verify and --show options, whose value may be left out.
+std::pair< CLI::Option*, CLI::Option* > addOptions( CLI::App& app, Options& o ) {
+   app.set_version_flag( "--version", std::string( "nevqos-sim " ) + Sim::projectVersion(),
+                         "Print the version and exit" );
+   app.add_option( "scenario", o.path, "The scenario file (YAML)" )->required();
+   auto* const jsonFlag = app.add_flag( "--json", o.json, "Print the report as JSON" );
+   app.add_option( "-o,--output", o.output, "Write the report to FILE instead of standard output" )
+         ->type_name( "FILE" );
+   app.add_flag( "--summary", o.summary,
+                 "Print a one-screen overview on standard output (policy maps and their status, "
+                 "TCAM use per slice, log lines by handle, verification) instead of the report, "
+                 "which goes to -o FILE if one is given" );
+   app.add_option( "--settle", o.settleText,
+                   "Virtual seconds to run after the last step, so that asynchronous operations "
+                   "and time-outs finish" )
+         ->capture_default_str();
+   app.add_option( "--limit", o.limit,
+                   "Text report: list at most this many helper calls (else a count per "
+                   "operation) and entries per ACL; 0 lists all" )
+         ->capture_default_str();
+   app.add_option( "--tcam-mode", o.tcamMode,
+                   "Run on a chip of this TCAM mode, whatever the scenario says" )
+         ->check( CLI::IsMember( { "synchronous", "asynchronous" } ) );
+   auto* const verify =
+         app.add_option(
+                  "--verify", o.verification.mode,
+                  "Compare the engine's view with the chip at the start, after each step and at "
+                  "the end: where an engine asked for it (requested, the default), or every "
+                  "time over everything (always); exit with 1 if anything differs" )
+               ->expected( 0, 1 )
+               ->check( CLI::IsMember( { "requested", "always" } ) );
+   auto* const show =
+         app.add_option( "--show", o.showType,
+                         "After the report, print what the chip holds for the policy maps of "
+                         "TYPE (qos, control-plane, pdp), or of every type without one" )
+               ->expected( 0, 1 )
+               ->check( CLI::IsMember( showTypes ) )
+               ->excludes( jsonFlag );  // its lines would break the JSON document
+   app.add_flag( "--brief", o.brief, "With --show: the headers only, no rules" );
+   app.add_option( "--max-turns", o.maxTurns,
+                   "Cut the run (exit 4) once the event loop takes this many turns within one "
+                   "second of virtual time: a timer or task that never lets it settle" )
+         ->capture_default_str()
+         ->check( CLI::PositiveNumber );
+   app.add_option( "--trace", o.traces,
+                   "Keep the engines' trace lines of HANDLE at LEVELS in the report, in order "
+                   "(NevQos/0-3, NevCbfFecMappingSm/*, */0); may be given again" )
+         ->type_name( "HANDLE/LEVELS" )
+         ->multi_option_policy( CLI::MultiOptionPolicy::TakeAll );
+   app.add_option( "--keep-calls", o.keepCalls,
+                   "Keep the first and the last this many runs of identical helper calls in the "
+                   "record; the runs between them are only counted" )
+         ->capture_default_str()
+         ->check( CLI::PositiveNumber );
+   return { verify, show };
+}
+
+// The problem with flags that parse but do not go together or cannot be used, or empty.
+std::string problemOf( Options& o ) {
+   // Read as a scenario's times are, so that a run's end is a time the clock holds as written.
+   Sim::SecondsText const settle = Sim::secondsOf( o.settleText );
+   if( !settle.problem.empty() ) return "--settle " + o.settleText + ": " + settle.problem;
+   o.settle = settle.value;
+   for( std::string const& list : o.traces ) {
+      if( !Zub::traceEnable( list ) ) {
+         return "--trace " + list + ": not a trace list (HANDLE/LEVELS, such as NevQos/0-3 or */0)";
+      }
+   }
+   // The summary takes standard output: the report needs a file of its own.
+   if( o.summary && o.output.empty() && ( o.json || o.show ) ) {
+      return std::string( o.json ? "--json" : "--show" ) +
+             " with --summary needs -o FILE: the summary takes standard output";
+   }
+   return {};
+}
+
+// Runs the scenario's steps and the settle time, verifying at each check point.
+void runSteps( Sim::Scenario const& scenario, Sim::SimSwitch& sw, Options& o ) {
+   Sim::Progress progress( std::cerr, isatty( STDERR_FILENO ) != 0, scenario.steps.size() );
+   o.verification.run( sw );
+   std::size_t stepsDone = 0;
+   for( Sim::Step const& step : scenario.steps ) {
+      sw.stepIs( step );
+      o.verification.run( sw );
+      progress.update( sw.now(), ++stepsDone, sw.calls().size() );
+   }
+   sw.runFor( o.settle, [ & ] { progress.update( sw.now(), stepsDone, sw.calls().size() ); } );
+   o.verification.run( sw );
+   progress.finish();
+}
+
+// The report, as JSON or as text, then the show output.
+void writeReport( std::ostream& os, Sim::Scenario const& scenario, Sim::SimSwitch& sw,
+                  Json const& more, Options const& o ) {
+   if( o.json ) {
+      // Written part by part: a large run's report need not be held whole.
+      Sim::writeJsonReport( os, scenario, sw, more );
+      os << "\n";
+   } else {
+      Json report = Sim::reportOf( scenario, sw );
+      report.update( more );
+      Sim::printTextReport( os, report, o.limit );
+      if( more.contains( "expect" ) ) Sim::printExpectations( os, report[ "expect" ] );
+   }
+   if( o.show ) show( sw, o.showType, !o.brief, os );
+}
+
+int run( Options& o ) {
+   Sim::Scenario scenario = Sim::loadScenario( o.path );
+   if( o.tcamMode == "synchronous" ) scenario.chip.tcamMode = Sim::TcamMode::synchronous;
+   if( o.tcamMode == "asynchronous" ) scenario.chip.tcamMode = Sim::TcamMode::asynchronous;
+   // With --summary and no -o the overview is all there is to print.
+   bool const reportWanted = !o.summary || !o.output.empty();
+   ReportOutput output( o.output );
+   if( std::string const problem = output.open(); !problem.empty() ) {
+      std::cerr << "nevqos-sim: " << problem << "\n";
+      return failed;
+   }
+   Sim::SimSwitch sw( scenario, Sim::SwitchOptions{ .runawayTurns = o.maxTurns,
+                                                    .verifyOnRequest = o.verification.on(),
+                                                    .keepTraces = !o.traces.empty(),
+                                                    .keepCalls = o.keepCalls } );
+   runSteps( scenario, sw, o );
+   // What the runner adds to the switch's report.
+   Json more = Json::object();
+   if( o.verification.on() ) more[ "verify" ] = o.verification.json( sw );
+   if( !o.traces.empty() || !scenario.traces.empty() )
+      more[ "trace" ] = Sim::tracesOf( sw.traces() );
+   bool const expects = !scenario.expect.empty();
+   if( expects ) more[ "expect" ] = Sim::expectationsMet( scenario, sw );
+   // A failed write leaves its reason in errno; the run before may have left another.
+   errno = 0;
+   if( reportWanted ) writeReport( output.stream(), scenario, sw, more, o );
+   std::string problem = reportWanted ? output.finish() : std::string();
+   if( o.summary && problem.empty() ) {
+      errno = 0;
+      Sim::printSummary( std::cout, Sim::summaryOf( scenario, sw, more ), o.output );
+      if( !std::cout.flush() ) {
+         problem = "cannot write the summary to standard output";
+         if( errno != 0 ) problem += std::string( ": " ) + std::strerror( errno );
+      }
+   }
+   if( !problem.empty() ) {
+      std::cerr << "nevqos-sim: " << problem << "\n";
+      return failed;
+   }
+   if( !o.verification.findings.empty() ) return mismatch;
+   if( expects && !more[ "expect" ][ "met" ].get< bool >() ) return mismatch;
+   return 0;
 }
 
 }  // namespace
@@ -74,123 +293,30 @@ int main( int argc, char** argv ) {
       "Runs a QoS scenario on the reference chip and reports what reached the "
       "hardware, what the switch logged and the status it wrote."
    };
-   std::string path;
-   bool json = false;
-   double settle = 60.0;
-   std::size_t limit = 200;
-   std::string tcamMode;
-   Verification verification;
-   std::string showType;
-   bool brief = false;
-   std::size_t maxTurns = Sim::SimSwitch::defaultRunawayTurns;
-   std::vector< std::string > traces;
-   std::size_t keepCalls = Sim::CallLog::defaultKeep;
-   app.add_option( "scenario", path, "The scenario file (YAML)" )->required();
-   auto* const jsonFlag = app.add_flag( "--json", json, "Print the report as JSON" );
-   app.add_option( "--settle", settle,
-                   "Virtual seconds to run after the last step, so that asynchronous operations "
-                   "and time-outs finish" )
-         ->capture_default_str()
-         ->check( CLI::NonNegativeNumber );
-   app.add_option( "--limit", limit,
-                   "Text report: list at most this many helper calls (else a count per "
-                   "operation) and entries per ACL; 0 lists all" )
-         ->capture_default_str();
-   app.add_option( "--tcam-mode", tcamMode,
-                   "Run on a chip of this TCAM mode, whatever the scenario says" )
-         ->check( CLI::IsMember( { "synchronous", "asynchronous" } ) );
-   auto* const verifyOption =
-         app.add_option(
-                  "--verify", verification.mode,
-                  "Compare the engine's view with the chip at the start, after each step and at "
-                  "the end: where an engine asked for it (requested, the default), or every "
-                  "time over everything (always); exit with 1 if anything differs" )
-               ->expected( 0, 1 )
-               ->check( CLI::IsMember( { "requested", "always" } ) );
-   auto* const showOption =
-         app.add_option( "--show", showType,
-                         "After the report, print what the chip holds for the policy maps of "
-                         "TYPE (qos, control-plane, pdp), or of every type without one" )
-               ->expected( 0, 1 )
-               ->check( CLI::IsMember( showTypes ) )
-               ->excludes( jsonFlag );  // its lines would break the JSON document
-   app.add_flag( "--brief", brief, "With --show: the headers only, no rules" );
-   app.add_option( "--max-turns", maxTurns,
-                   "Cut the run (exit 4) once the event loop takes this many turns within one "
-                   "second of virtual time: a timer or task that never lets it settle" )
-         ->capture_default_str()
-         ->check( CLI::PositiveNumber );
-   app.add_option( "--trace", traces,
-                   "Keep the engines' trace lines of HANDLE at LEVELS in the report, in order "
-                   "(NevQos/0-3, NevCbfFecMappingSm/*, */0); may be given again" )
-         ->type_name( "HANDLE/LEVELS" )
-         ->multi_option_policy( CLI::MultiOptionPolicy::TakeAll );
-   app.add_option( "--keep-calls", keepCalls,
-                   "Keep the first and the last this many runs of identical helper calls in the "
-                   "record; the runs between them are only counted" )
-         ->capture_default_str()
-         ->check( CLI::PositiveNumber );
+   Options o;
+   auto const [ verifyOption, showOption ] = addOptions( app, o );
    try {
       app.parse( argc, argv );
    } catch( CLI::ParseError const& e ) {
       // --help is a parse "error" that exits 0.
       return app.exit( e ) == 0 ? 0 : badInput;
    }
-   if( verifyOption->count() != 0 && verification.mode.empty() ) verification.mode = "requested";
-   for( std::string const& list : traces ) {
-      if( !Zub::traceEnable( list ) ) {
-         std::cerr << "nevqos-sim: --trace " << list
-                   << ": not a trace list (HANDLE/LEVELS, such as NevQos/0-3 or */0)\n";
-         return badInput;
-      }
+   if( verifyOption->count() != 0 && o.verification.mode.empty() )
+      o.verification.mode = "requested";
+   o.show = showOption->count() != 0;
+   if( std::string const problem = problemOf( o ); !problem.empty() ) {
+      std::cerr << "nevqos-sim: " << problem << "\n";
+      return badInput;
    }
-
+   // A closed pipe is a failed write to report, not a signal that ends the process unheard.
+   std::signal( SIGPIPE, SIG_IGN );
    try {
-      Sim::Scenario scenario = Sim::loadScenario( path );
-      if( tcamMode == "synchronous" ) scenario.chip.tcamMode = Sim::TcamMode::synchronous;
-      if( tcamMode == "asynchronous" ) scenario.chip.tcamMode = Sim::TcamMode::asynchronous;
-      Sim::SimSwitch sw( scenario, Sim::SwitchOptions{ .runawayTurns = maxTurns,
-                                                       .verifyOnRequest = verification.on(),
-                                                       .keepTraces = !traces.empty(),
-                                                       .keepCalls = keepCalls } );
-      Sim::Progress progress( std::cerr, isatty( STDERR_FILENO ) != 0, scenario.steps.size() );
-      verification.run( sw );
-      std::size_t stepsDone = 0;
-      for( Sim::Step const& step : scenario.steps ) {
-         sw.stepIs( step );
-         verification.run( sw );
-         progress.update( sw.now(), ++stepsDone, sw.calls().size() );
-      }
-      sw.runFor( settle, [ & ] { progress.update( sw.now(), stepsDone, sw.calls().size() ); } );
-      verification.run( sw );
-      progress.finish();
-      // What the runner adds to the switch's report.
-      nlohmann::ordered_json more = nlohmann::ordered_json::object();
-      if( verification.on() ) more[ "verify" ] = verification.json( sw );
-      if( !traces.empty() || !scenario.traces.empty() ) {
-         more[ "trace" ] = Sim::tracesOf( sw.traces() );
-      }
-      bool const expects = !scenario.expect.empty();
-      if( expects ) more[ "expect" ] = Sim::expectationsMet( scenario, sw );
-      if( json ) {
-         // Written part by part: a large run's report need not be held whole.
-         Sim::writeJsonReport( std::cout, scenario, sw, more );
-         std::cout << "\n";
-      } else {
-         auto report = Sim::reportOf( scenario, sw );
-         report.update( more );
-         Sim::printTextReport( std::cout, report, limit );
-         if( expects ) Sim::printExpectations( std::cout, report[ "expect" ] );
-      }
-      if( showOption->count() != 0 ) show( sw, showType, !brief );
-      if( !verification.findings.empty() ) return mismatch;
-      if( expects && !more[ "expect" ][ "met" ].get< bool >() ) return mismatch;
+      return run( o );
    } catch( Sim::ScenarioError const& e ) {
       std::cerr << "nevqos-sim: " << e.what() << "\n";
       return badInput;
    } catch( std::exception const& e ) {
-      std::cerr << "nevqos-sim: " << path << ": " << e.what() << "\n";
+      std::cerr << "nevqos-sim: " << o.path << ": " << e.what() << "\n";
       return failed;
    }
-   return 0;
 }

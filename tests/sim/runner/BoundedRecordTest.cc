@@ -105,7 +105,8 @@ TEST( BoundedRecordTest, ARunIsOneEntryAndTheGapCountsWhatItLeavesOut ) {
    EXPECT_NE( text.out.find( "\nHelper calls (" + std::to_string( all.calls ) + "):\n" ),
               std::string::npos )
          << text.out;
-   EXPECT_NE( text.out.find( "    0.001  " + retryCall + "  x201 until 2.001\n" ),
+   // Times in full: the run's last call came after 200 retries of 0.01 s added up.
+   EXPECT_NE( text.out.find( "    0.001  " + retryCall + "  x201 until 2.0010000000000012\n" ),
               std::string::npos )
          << text.out;
    EXPECT_NE( text.out.find( "  ... " + gap[ "calls" ].dump() + " calls in " +
@@ -143,7 +144,8 @@ TEST( BoundedRecordTest, ExpectationsAreDecidedInsideARunAndNotAcrossAGap ) {
   - not: { call: createOrUpdateMapping, at: 0.601 }
   - { call: createOrUpdateMapping, at: 0.701 }
 )",
-        "line 15: not call createOrUpdateMapping at 0.601, but 0.601 s: " + retryCall },
+        "line 15: not call createOrUpdateMapping at 0.601, but 0.6010000000000003 s: " +
+              retryCall },
       { "a call left out", "3", R"(
   - { call: programDscpToTcMap, args: { dscp: "5" } }
 )",
@@ -192,7 +194,7 @@ TEST( BoundedRecordTest, ARunWhoseTimesWereGivenUpDecidesOnlyAtItsEnds ) {
       return out.value( "failure", std::string( "met" ) );
    };
    std::string const lost = "the times of the run of 201 calls \"" + retryCall +
-                            "\" from 0.001 to 2.001 s were not kept";
+                            "\" from 0.001 to 2.0010000000000012 s were not kept";
    EXPECT_EQ( decided( "  - { call: createOrUpdateMapping, at: 0.001 }\n"
                        "  - { call: createOrUpdateMapping, at: 2.001 }\n" ),
               "met" );

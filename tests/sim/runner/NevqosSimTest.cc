@@ -1,7 +1,11 @@
 // nevqos-sim run as a user runs it: the same outcome on both TCAM modes,
 // verification and --show, the engine's records, and bad scenarios and flags refused with their
 // place and exit code 2. (Chip faults have stories under tests/stories.)
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -9,9 +13,11 @@
 #include <iterator>
 #include <map>
 #include <nlohmann/json.hpp>
+#include <regex>
 #include <string>
 #include <vector>
 
+#include "sim/runner/Version.h"
 #include "support/SimProgram.h"
 
 namespace NevQosTest {
@@ -71,6 +77,21 @@ INSTANTIATE_TEST_SUITE_P( Examples, BothTcamModesTest,
                                              "counters.yaml", "async-timeout.yaml",
                                              "restart-reconciliation.yaml" ) );
 
+TEST( NevqosSimTest, GivesTheProjectsVersionEverywhere ) {
+   std::string const version = Sim::projectVersion();
+   EXPECT_TRUE( std::regex_match( version, std::regex( R"(\d+\.\d+\.\d+)" ) ) ) << version;
+   SimRun const run = runSim( { "--version" } );
+   EXPECT_EQ( run.exitCode, 0 );
+   EXPECT_EQ( run.out, "nevqos-sim " + version + "\n" );
+   Json const report = reportOf( "edge-policy.yaml" );
+   EXPECT_EQ( report[ "version" ], version );
+   EXPECT_EQ( report[ "formatVersion" ], Sim::reportFormatVersion );
+   // A new version says in the changelog what it brought.
+   std::ifstream in( std::string( NEVQOS_SOURCE_DIR ) + "/CHANGELOG.md" );
+   std::string const changelog( ( std::istreambuf_iterator< char >( in ) ), {} );
+   EXPECT_NE( changelog.find( "\n## [" + version + "]" ), std::string::npos );
+}
+
 TEST( NevqosSimTest, TheTextReportIsTheDefault ) {
    SimRun const run = runSim( { example( "tcam-exhaustion.yaml" ), "--limit", "3" } );
    EXPECT_EQ( run.exitCode, 0 );
@@ -111,6 +132,105 @@ TEST( NevqosSimTest, BadScenariosAreRefusedWithTheirPlace ) {
    EXPECT_EQ( bad.exitCode, 2 );
    EXPECT_EQ( bad.out, "" );
    EXPECT_NE( bad.err.find( "--trace NevQos/x: not a trace list" ), std::string::npos ) << bad.err;
+   // The settle time is read as a scenario's times are.
+   for( auto const& [ settle, problem ] : std::vector< std::pair< char const*, char const* > >{
+              { "nan", "--settle nan: is not a number of seconds" },
+              { "-1", "--settle -1: takes no sign" },
+              { "1e12", "--settle 1e12: is above 1e9 s" },
+              { "60.000000000000000001", "has more digits than the virtual clock holds" } } ) {
+      SimRun const run = runSim( { example( "counters.yaml" ), "--settle", settle } );
+      EXPECT_EQ( run.exitCode, 2 ) << settle;
+      EXPECT_EQ( run.out, "" );
+      EXPECT_NE( run.err.find( problem ), std::string::npos ) << run.err;
+   }
+}
+
+// ---- Where the report goes
+
+// Runs nevqos-sim with its standard output on a pipe whose reading end is already closed; the
+// exit code, and standard error in `err`.
+int runIntoClosedPipe( std::vector< std::string > args, std::string& err ) {
+   int ends[ 2 ];
+   if( pipe( ends ) != 0 ) return -1;
+   close( ends[ 0 ] );
+   std::string const errFile = ::testing::TempDir() + "closed-pipe.err";
+   posix_spawn_file_actions_t actions;
+   posix_spawn_file_actions_init( &actions );
+   posix_spawn_file_actions_adddup2( &actions, ends[ 1 ], STDOUT_FILENO );
+   posix_spawn_file_actions_addopen( &actions, STDERR_FILENO, errFile.c_str(),
+                                     O_WRONLY | O_CREAT | O_TRUNC, 0644 );
+   args.insert( args.begin(), NEVQOS_SIM_PROGRAM );
+   std::vector< char* > argv;
+   for( std::string& a : args )
+      argv.push_back( a.data() );
+   argv.push_back( nullptr );
+   pid_t pid = 0;
+   int const spawned = posix_spawn( &pid, argv[ 0 ], &actions, nullptr, argv.data(), environ );
+   posix_spawn_file_actions_destroy( &actions );
+   close( ends[ 1 ] );
+   if( spawned != 0 ) return -1;
+   int status = 0;
+   waitpid( pid, &status, 0 );
+   std::ifstream in( errFile );
+   err.assign( std::istreambuf_iterator< char >( in ), {} );
+   return WIFEXITED( status ) ? WEXITSTATUS( status ) : -1;
+}
+
+TEST( NevqosSimTest, WritesTheReportToAFileAndTheSummaryOnTheScreen ) {
+   std::string const file = ::testing::TempDir() + "report.json";
+   SimRun const toFile = runSim(
+         { example( "tcam-exhaustion.yaml" ), "--json", "-o", file, "--summary", "--verify" } );
+   EXPECT_EQ( toFile.exitCode, 0 ) << toFile.err;
+   std::ifstream in( file );
+   Json const report = Json::parse( in );
+   EXPECT_EQ( report[ "tcam" ][ "slices" ][ 0 ][ "used" ], 40 );
+   // One screen, from the report's own figures.
+   std::size_t const lines =
+         std::size_t( std::count( toFile.out.begin(), toFile.out.end(), '\n' ) );
+   EXPECT_LE( lines, 24u ) << toFile.out;
+   for( std::string const& part : std::vector< std::string >{
+              "tcam-exhaustion.yaml", "; the report is in " + file, "Policy maps (",
+              "mapQos input core-in  version 3  hwPrgmStatusSuccess",
+              "TCAM: ipv4 40/" + report[ "tcam" ][ "slices" ][ 0 ][ "size" ].dump(),
+              "Log lines by handle (2):",
+              "Verification: " + report[ "verify" ][ "runs" ].dump() +
+                    " runs, the chip holds what the engine programmed" } ) {
+      EXPECT_NE( toFile.out.find( part ), std::string::npos ) << part << " in " << toFile.out;
+   }
+   // Without -o the summary is all; the JSON report would have nowhere to go.
+   SimRun const alone = runSim( { example( "tcam-exhaustion.yaml" ), "--summary" } );
+   EXPECT_EQ( alone.exitCode, 0 );
+   EXPECT_EQ( alone.out.find( "Helper calls (" ), std::string::npos );
+   EXPECT_NE( alone.out.find( "Verification: not run" ), std::string::npos );
+   SimRun const clash = runSim( { example( "tcam-exhaustion.yaml" ), "--summary", "--json" } );
+   EXPECT_EQ( clash.exitCode, 2 );
+   EXPECT_NE( clash.err.find( "--json with --summary needs -o FILE" ), std::string::npos );
+}
+
+TEST( NevqosSimTest, AReportThatCannotBeWrittenEndsWithExitCode3 ) {
+   SimRun const full = runSim( { example( "counters.yaml" ), "--json", "-o", "/dev/full" } );
+   EXPECT_EQ( full.exitCode, 3 );
+   EXPECT_NE( full.err.find( "cannot write the report to /dev/full: No space left on device" ),
+              std::string::npos )
+         << full.err;
+   SimRun const nowhere = runSim( { example( "counters.yaml" ), "-o", "/no/such/dir/r.txt" } );
+   EXPECT_EQ( nowhere.exitCode, 3 );
+   EXPECT_NE( nowhere.err.find( "cannot open /no/such/dir/r.txt: No such file or directory" ),
+              std::string::npos )
+         << nowhere.err;
+   // A refused scenario leaves the file alone.
+   std::string const kept = scenarioFile( "kept.txt", "kept" );
+   EXPECT_EQ( runSim( { scenarioFile( "bad.yaml", "chips: {}\n" ), "-o", kept } ).exitCode, 2 );
+   std::ifstream in( kept );
+   EXPECT_EQ( std::string( std::istreambuf_iterator< char >( in ), {} ), "kept" );
+   for( std::vector< std::string > const& flags :
+        std::vector< std::vector< std::string > >{ { "--json" }, { "--summary" }, { "--show" } } ) {
+      std::vector< std::string > args{ example( "counters.yaml" ) };
+      args.insert( args.end(), flags.begin(), flags.end() );
+      std::string err;
+      EXPECT_EQ( runIntoClosedPipe( args, err ), 3 ) << flags[ 0 ];
+      EXPECT_NE( err.find( "standard output: Broken pipe" ), std::string::npos ) << err;
+   }
 }
 
 // ---- Verification and show
