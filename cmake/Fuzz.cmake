@@ -8,3 +8,5 @@ endif()
 add_compile_options( -fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=all
                      -fno-omit-frame-pointer )
 add_link_options( -fsanitize=address,undefined )
+# Line tables alone, as in the sanitizer build: a finding's stack names functions and lines.
+add_compile_options( -g1 )

@@ -8,7 +8,7 @@
 // pointer, null while it is empty; up to `arrayLimit` members sit in one sorted array, and past
 // that in a balanced tree. Both live in one block from the runtime's free lists. A few are big
 // (the shared tables of a hundred thousand FEC overrides): past `chunkFrom` members they are
-// sorted chunks of members, found through a small tree with a key per chunk. A tree's nodes lie
+// sorted chunks of members, found through a sorted array with a key per chunk. A tree's nodes lie
 // where the free lists had blocks when each key came, so a walk in key order misses the caches
 // on every member; a chunk's members lie side by side, and a walk reads memory in order.
 #pragma once
@@ -21,6 +21,7 @@
 #include <new>
 #include <tuple>
 #include <utility>
+#include <vector>
 
 #include "zub/Pool.h"
 
@@ -50,8 +51,9 @@ class Collection {
    static constexpr std::uint32_t chunkCapacity =
          std::max< std::uint32_t >( 8, std::uint32_t( 1024 / sizeof( Entry ) ) );
    // The members are the slots from `start` on: a queue worked off from its front loses its
-   // first member without moving the others.
+   // first member without moving the others. `low` is the chunk's key in the index.
    struct Chunk {
+      K low{};
       std::uint32_t start = 0;
       std::uint32_t size = 0;
       alignas( Entry ) unsigned char bytes[ chunkCapacity * sizeof( Entry ) ];
@@ -59,11 +61,16 @@ class Collection {
       Entry* entries() { return slots() + start; }
       Entry& at( std::uint32_t i ) { return entries()[ i ]; }
    };
-   using Index =
-         std::map< K, Chunk*, std::less< K >, Pool::Allocator< std::pair< K const, Chunk* > > >;
+   // The chunks in key order, by a key at or below each chunk's first member (see chunkOf()).
+   // Untyped, so that one vector serves every kind of collection: each instantiates the chunk
+   // code of its own, and a second tree type each would double the compile time of their users.
+   using Index = std::vector< void* >;
+   using ChunkAt = std::uint32_t;  // a place in the index
    struct Chunks {
-      Index index;  // by a key at or below each chunk's first member; see chunkOf()
+      Index index;
       std::size_t count = 0;
+      Chunk& operator[]( ChunkAt at ) const { return *static_cast< Chunk* >( index[ at ] ); }
+      ChunkAt end() const { return ChunkAt( index.size() ); }
    };
 
    // One word: most blocks hold one or two members, so the header is a good part of them. The
@@ -115,16 +122,16 @@ class Collection {
             return;
          }
          if( c_->isChunked() ) {
-            auto const end = c_->chunks().index.end();
-            while( chunkAt_ != end && index_ >= chunkAt_->second->size ) {
+            Chunks const& chunks = c_->chunks();
+            while( chunkAt_ != chunks.end() && index_ >= chunks[ chunkAt_ ].size ) {
                ++chunkAt_;
                index_ = 0;
             }
-            if( chunkAt_ == end ) {
+            if( chunkAt_ == chunks.end() ) {
                c_ = nullptr;
                return;
             }
-            Entry const& e = chunkAt_->second->at( index_ );
+            Entry const& e = chunks[ chunkAt_ ].at( index_ );
             key_ = e.first;
             value_ = e.second;
          } else if( c_->isTree() ) {
@@ -148,7 +155,7 @@ class Collection {
       Collection const* c_ = nullptr;
       std::uint32_t index_ = 0;  // in the array, or in the chunk
       typename Map::const_iterator at_;
-      typename Index::iterator chunkAt_;
+      ChunkAt chunkAt_ = 0;
       K key_{};
       V value_{};
       std::uint64_t stamp_ = 0;
@@ -183,9 +190,7 @@ class Collection {
    Iterator iter() const {
       Iterator it( this );
       if( h_ ) {
-         if( isChunked() ) {
-            it.chunkAt_ = chunks().index.begin();
-         } else if( isTree() ) {
+         if( isTree() ) {
             it.at_ = tree().begin();
          }
       }
@@ -198,7 +203,7 @@ class Collection {
       if( h_ ) {
          if( isChunked() ) {
             it.chunkAt_ = chunkOf( k );
-            it.index_ = lowerIn( *it.chunkAt_->second, k );
+            it.index_ = lowerIn( chunks()[ it.chunkAt_ ], k );
          } else if( isTree() ) {
             it.at_ = tree().lower_bound( k );
          } else {
@@ -223,7 +228,7 @@ class Collection {
    V* find( K const& k ) {
       if( !h_ ) return nullptr;
       if( isChunked() ) {
-         Chunk& c = *chunkOf( k )->second;
+         Chunk& c = chunks()[ chunkOf( k ) ];
          std::uint32_t const i = lowerIn( c, k );
          return i < c.size && !( k < c.at( i ).first ) ? &c.at( i ).second : nullptr;
       }
@@ -249,7 +254,7 @@ class Collection {
       std::uint64_t stamp_ = 0;
       K key_{};
       typename Map::iterator at_{};
-      typename Index::iterator chunkAt_{};
+      ChunkAt chunkAt_ = 0;
       std::uint32_t index_ = 0;
    };
    // find( k ), for a reader that looks keys up in ascending order (a review of a queue against
@@ -277,11 +282,10 @@ class Collection {
    std::pair< V*, bool > insert( K const& k, V const& v ) {
       if( h_ && isTree() && tree().size() >= chunkFrom ) toChunks();
       if( h_ && isChunked() ) {
-         auto const at = chunkOf( k );
-         std::uint32_t const i = lowerIn( *at->second, k );
-         if( i < at->second->size && !( k < at->second->at( i ).first ) ) {
-            return { &at->second->at( i ).second, false };
-         }
+         ChunkAt const at = chunkOf( k );
+         Chunk& c = chunks()[ at ];
+         std::uint32_t const i = lowerIn( c, k );
+         if( i < c.size && !( k < c.at( i ).first ) ) return { &c.at( i ).second, false };
          return { &chunkInsert( at, i, Entry( k, v ) ), true };
       }
       if( h_ && isTree() ) {
@@ -352,10 +356,11 @@ class Collection {
    bool erase( K const& k, V* out = nullptr ) {
       if( !h_ ) return false;
       if( isChunked() ) {
-         auto const at = chunkOf( k );
-         std::uint32_t const i = lowerIn( *at->second, k );
-         if( i >= at->second->size || k < at->second->at( i ).first ) return false;
-         if( out ) *out = std::move( at->second->at( i ).second );
+         ChunkAt const at = chunkOf( k );
+         Chunk& c = chunks()[ at ];
+         std::uint32_t const i = lowerIn( c, k );
+         if( i >= c.size || k < c.at( i ).first ) return false;
+         if( out ) *out = std::move( c.at( i ).second );
          chunkErase( at, i );
          return true;
       }
@@ -401,7 +406,7 @@ class Collection {
    }
    K const* firstKey() const {
       if( !h_ ) return nullptr;
-      if( isChunked() ) return &chunks().index.begin()->second->at( 0 ).first;
+      if( isChunked() ) return &chunks()[ 0 ].at( 0 ).first;
       return isTree() ? &tree().begin()->first : &entries()[ 0 ].first;
    }
 
@@ -445,7 +450,7 @@ class Collection {
       if( !h_ ) return;
       if( isChunked() ) {
          it.chunkAt_ = chunkOf( k );
-         Chunk& c = *it.chunkAt_->second;
+         Chunk& c = chunks()[ it.chunkAt_ ];
          std::uint32_t i = lowerIn( c, k );
          if( i < c.size && !( k < c.at( i ).first ) ) ++i;
          it.index_ = i;
@@ -545,19 +550,20 @@ class Collection {
       return hint.at_ != map.end() && !( k < hint.at_->first ) ? &hint.at_->second : nullptr;
    }
    V* findInChunks( K const& k, Hint& hint, bool usable ) const {
+      Chunks const& all = chunks();
       if( usable ) {
-         auto at = hint.chunkAt_;
+         ChunkAt at = hint.chunkAt_;
          std::uint32_t from = hint.index_;
-         if( from >= at->second->size || at->second->at( at->second->size - 1 ).first < k ) {
+         if( from >= all[ at ].size || all[ at ].at( all[ at ].size - 1 ).first < k ) {
             ++at;
             from = 0;
          }
-         if( at != chunks().index.end() && !( at->second->at( at->second->size - 1 ).first < k ) ) {
-            return foundIn( at, lowerIn( *at->second, k, from ), k, hint );
+         if( at != all.end() && !( all[ at ].at( all[ at ].size - 1 ).first < k ) ) {
+            return foundIn( at, lowerIn( all[ at ], k, from ), k, hint );
          }
       }
-      auto const at = chunkOf( k );
-      return foundIn( at, lowerIn( *at->second, k ), k, hint );
+      ChunkAt const at = chunkOf( k );
+      return foundIn( at, lowerIn( all[ at ], k ), k, hint );
    }
    // ---- chunks ----
    // The chunk that holds `k` or would take it: the last whose index key is not above `k`, or
@@ -565,12 +571,14 @@ class Collection {
    // below its own members (the first chunk's may be anything): it need not change when the
    // chunk's first member goes or a smaller one comes. Keys in ascending order mostly go to the
    // last chunk: its search is skipped.
-   typename Index::iterator chunkOf( K const& k ) const {
-      Index& index = chunks().index;
-      auto last = std::prev( index.end() );
-      if( !( k < last->first ) ) return last;
-      auto at = index.upper_bound( k );
-      return at == index.begin() ? at : std::prev( at );
+   ChunkAt chunkOf( K const& k ) const {
+      Chunks const& all = chunks();
+      ChunkAt const last = all.end() - 1;
+      if( !( k < all[ last ].low ) ) return last;
+      auto const above = std::upper_bound(
+            all.index.begin(), all.index.begin() + last, k,
+            []( K const& key, void* c ) { return key < static_cast< Chunk* >( c )->low; } );
+      return above == all.index.begin() ? 0 : ChunkAt( above - all.index.begin() - 1 );
    }
    // The first member of `c` from `from` on that is not below `k`.
    static std::uint32_t lowerIn( Chunk& c, K const& k, std::uint32_t from = 0 ) {
@@ -585,10 +593,10 @@ class Collection {
             first + from, last, k, []( Entry const& e, K const& key ) { return e.first < key; } );
       return static_cast< std::uint32_t >( at - first );
    }
-   static V* foundIn( typename Index::iterator at, std::uint32_t i, K const& k, Hint& hint ) {
+   V* foundIn( ChunkAt at, std::uint32_t i, K const& k, Hint& hint ) const {
       hint.chunkAt_ = at;
       hint.index_ = i;
-      Chunk& c = *at->second;
+      Chunk& c = chunks()[ at ];
       return i < c.size && !( k < c.at( i ).first ) ? &c.at( i ).second : nullptr;
    }
    static Chunk* newChunk() { return new( Pool::allocate( sizeof( Chunk ) ) ) Chunk; }
@@ -616,13 +624,13 @@ class Collection {
       }
       from.size = i;
    }
-   V& chunkInsert( typename Index::iterator at, std::uint32_t i, Entry&& made ) {
-      Chunk* c = at->second;
+   V& chunkInsert( ChunkAt at, std::uint32_t i, Entry&& made ) {
+      Chunk* c = &chunks()[ at ];
       Chunk* fresh = nullptr;
       if( c->size == chunkCapacity ) {
          // A member past the end of the last chunk starts a new one, so that a table filled in
          // key order leaves its chunks full; elsewhere the chunk splits in halves.
-         bool const appending = i == c->size && std::next( at ) == chunks().index.end();
+         bool const appending = i == c->size && at + 1 == chunks().end();
          std::uint32_t const keep = appending ? c->size : c->size / 2;
          fresh = newChunk();
          moveTail( *c, keep, *fresh );
@@ -632,7 +640,10 @@ class Collection {
          }
       }
       V& added = insertIn( *c, i, std::move( made ) );
-      if( fresh ) chunks().index.emplace_hint( std::next( at ), fresh->at( 0 ).first, fresh );
+      if( fresh ) {
+         fresh->low = fresh->at( 0 ).first;
+         chunks().index.insert( chunks().index.begin() + at + 1, fresh );
+      }
       ++chunks().count;
       touch();
       return added;
@@ -644,9 +655,8 @@ class Collection {
       return added;
    }
    // Removes member `i` of the chunk at `at`; where the next member now is.
-   std::pair< typename Index::iterator, std::uint32_t > chunkErase( typename Index::iterator at,
-                                                                    std::uint32_t i ) {
-      Chunk* const c = at->second;
+   std::pair< ChunkAt, std::uint32_t > chunkErase( ChunkAt at, std::uint32_t i ) {
+      Chunk* const c = &chunks()[ at ];
       Entry* const e = c->entries();
       // The shorter side moves.
       if( i < c->size / 2 ) {
@@ -660,22 +670,23 @@ class Collection {
       --c->size;
       if( --chunks().count == 0 ) {
          release();
-         return { {}, 0 };
+         return { 0, 0 };
       }
       touch();
-      Index& index = chunks().index;
+      Chunks& all = chunks();
       if( c->size == 0 ) {
          freeChunk( c );
-         return { index.erase( at ), 0 };
+         all.index.erase( all.index.begin() + at );
+         return { at, 0 };
       }
       // A chunk a quarter full takes in the next one when both fit in three quarters of one, so
       // that removals do not leave memory behind in nearly empty chunks.
-      auto const next = std::next( at );
-      if( c->size < chunkCapacity / 4 && next != index.end() &&
-          c->size + next->second->size <= chunkCapacity * 3 / 4 ) {
-         moveTail( *next->second, 0, *c );
-         freeChunk( next->second );
-         index.erase( next );
+      ChunkAt const next = at + 1;
+      if( c->size < chunkCapacity / 4 && next != all.end() &&
+          c->size + all[ next ].size <= chunkCapacity * 3 / 4 ) {
+         moveTail( all[ next ], 0, *c );
+         freeChunk( &all[ next ] );
+         all.index.erase( all.index.begin() + next );
       }
       return { at, i };
    }
@@ -689,7 +700,8 @@ class Collection {
       for( auto& [ k, v ] : tree() ) {
          if( !c || c->size == chunkCapacity ) {
             c = newChunk();
-            made->index.emplace_hint( made->index.end(), k, c );
+            c->low = k;
+            made->index.push_back( c );
          }
          new( c->entries() + c->size++ ) Entry( k, std::move( v ) );
          ++made->count;
@@ -702,8 +714,8 @@ class Collection {
    void release() noexcept {
       if( !h_ ) return;
       if( isChunked() ) {
-         for( auto& [ first, chunk ] : chunks().index )
-            freeChunk( chunk );
+         for( void* chunk : chunks().index )
+            freeChunk( static_cast< Chunk* >( chunk ) );
          chunks().~Chunks();
          Pool::release( h_, chunksBytes );
       } else if( isTree() ) {
