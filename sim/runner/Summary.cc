@@ -120,8 +120,8 @@ void printChecks( std::ostream& os, Json const& s ) {
 }  // namespace
 
 Json summaryOf( Scenario const& scenario, SimSwitch const& sw, Json const& more ) {
-   Json out = reportPartsOf( scenario, sw, { "version", "scenario", "time", "logs", "status",
-                                             "resources" } );
+   Json out = reportPartsOf( scenario, sw,
+                             { "version", "scenario", "time", "logs", "status", "resources" } );
    out[ "calls" ] = sw.calls().size();
    out[ "tcam" ] = tcamPoolsOf( sw.chip().tcam() );
    for( char const* key : { "verify", "expect" } ) {

@@ -14,7 +14,8 @@ std::string printableText( std::string_view text ) {
    for( std::size_t i = 0; i < text.size(); ) {
       auto const lead = static_cast< unsigned char >( text[ i ] );
       std::size_t const n = utf8SequenceAt( text, i );
-      unsigned const c1 = lead == 0xc2 && n == 2 ? static_cast< unsigned char >( text[ i + 1 ] ) : 0;
+      unsigned const c1 =
+            lead == 0xc2 && n == 2 ? static_cast< unsigned char >( text[ i + 1 ] ) : 0;
       char buf[ 8 ];
       if( lead == '\n' ) {
          out += "\\n";

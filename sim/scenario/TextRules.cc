@@ -107,8 +107,9 @@ SecondsText secondsOf( std::string_view text ) {
       return out;
    }
    if( out.value > maxSeconds ) {
-      out.problem = "is above 1e9 s, beyond which the virtual clock no longer tells microseconds "
-                    "apart";
+      out.problem =
+            "is above 1e9 s, beyond which the virtual clock no longer tells microseconds "
+            "apart";
       return out;
    }
    // The shortest text that reads back as the same double: the clock holds the time as written

@@ -11,10 +11,10 @@ TEST( TextRulesTest, TimesAreReadAsWrittenInAnyDecimalForm ) {
       char const* text;
       double value;
    };
-   for( Case const& c : { Case{ "60", 60 }, Case{ "0.25", 0.25 }, Case{ "1.50", 1.5 },
-                          Case{ ".5", 0.5 }, Case{ "1e5", 1e5 }, Case{ "1E+2", 100 },
-                          Case{ "2.5e-3", 0.0025 }, Case{ "0.1", 0.1 }, Case{ "1e9", 1e9 },
-                          Case{ "0", 0 }, Case{ "0.000", 0 } } ) {
+   for( Case const& c :
+        { Case{ "60", 60 }, Case{ "0.25", 0.25 }, Case{ "1.50", 1.5 }, Case{ ".5", 0.5 },
+          Case{ "1e5", 1e5 }, Case{ "1E+2", 100 }, Case{ "2.5e-3", 0.0025 }, Case{ "0.1", 0.1 },
+          Case{ "1e9", 1e9 }, Case{ "0", 0 }, Case{ "0.000", 0 } } ) {
       Sim::SecondsText const s = Sim::secondsOf( c.text );
       EXPECT_EQ( s.problem, "" ) << c.text;
       EXPECT_EQ( s.value, c.value ) << c.text;
