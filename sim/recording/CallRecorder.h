@@ -24,7 +24,7 @@ namespace Sim {
 
 class CallRecorder {
  public:
-   using Args = std::vector< std::pair< std::string, std::string > >;
+   using Args = std::vector< std::pair< std::string, TypedText > >;
    // The operations of a helper, each with the type of its answer (void: it answers nothing).
    using Operations = std::map< std::string, std::type_index, std::less<> >;
 

@@ -1,5 +1,6 @@
 // The one record of a helper call, shared by the recording decorators, the scenario runner's
-// report and the tests: the operation, its arguments as name=value texts in argument order, the
+// report and the tests: the operation, its arguments as name=value texts in argument order (each
+// with the kind the JSON report writes it as), the
 // helper that took it and the virtual time. Its line of text is what the runner prints for it,
 // less the time.
 #pragma once
@@ -8,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "sim/chip/ChipText.h"
 #include "zub/Entity.h"
 
 namespace Sim {
@@ -15,7 +17,7 @@ namespace Sim {
 struct ChipCall {
    Zub::Seconds t = 0.0;
    std::string op;
-   std::vector< std::pair< std::string, std::string > > args;
+   std::vector< std::pair< std::string, TypedText > > args;
    // Which helper took the call: "acl", "basic" or "cbf".
    std::string helper = "acl";
 };

@@ -35,9 +35,9 @@ NevHelper::CbfFecMappingUpdateStatus RecordingCbfFecMappingHelper::createOrUpdat
       Nev::CbfFecMapRule const& rule ) {
    if( taking( "createOrUpdateMapping" ) ) {
       record( "createOrUpdateMapping",
-              { { "key", textOf( rule.key() ) },
-                { "hwFecId", textOf( rule.hwFecId() ) },
-                { "overridingHwFecId", textOf( rule.overridingHwFecId() ) } } );
+              { { "key", argOf( rule.key() ) },
+                { "hwFecId", argOf( rule.hwFecId() ) },
+                { "overridingHwFecId", argOf( rule.overridingHwFecId() ) } } );
    }
    if( auto const answer =
              scripted< NevHelper::CbfFecMappingUpdateStatus >( "createOrUpdateMapping" ) ) {
@@ -50,7 +50,7 @@ NevHelper::CbfFecMappingUpdateStatus RecordingCbfFecMappingHelper::syncMapping(
       Nev::CbfFecMapRule const& rule, Qos::Hardware::FecOverrideRuleId hwRuleId ) {
    if( taking( "syncMapping" ) ) {
       record( "syncMapping",
-              { { "key", textOf( rule.key() ) }, { "hwRuleId", textOf( hwRuleId ) } } );
+              { { "key", argOf( rule.key() ) }, { "hwRuleId", argOf( hwRuleId ) } } );
    }
    if( auto const answer = scripted< NevHelper::CbfFecMappingUpdateStatus >( "syncMapping" ) ) {
       return *answer;
@@ -59,7 +59,7 @@ NevHelper::CbfFecMappingUpdateStatus RecordingCbfFecMappingHelper::syncMapping(
 }
 
 void RecordingCbfFecMappingHelper::deleteMapping( Qos::Glarn::OverrideKey const& ruleKey ) {
-   if( taking( "deleteMapping" ) ) record( "deleteMapping", { { "key", textOf( ruleKey ) } } );
+   if( taking( "deleteMapping" ) ) record( "deleteMapping", { { "key", argOf( ruleKey ) } } );
    if( acted( "deleteMapping" ) ) return;
    inner_->deleteMapping( ruleKey );
 }

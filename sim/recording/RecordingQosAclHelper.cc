@@ -111,8 +111,8 @@ std::string classText( Nev::QosClassData const& classData ) {
 CallRecorder::Args policerArgs( Nev::QosClassData const& classData ) {
    CallRecorder::Args args{ { "classData", classText( classData ) } };
    if( auto const p = classData.policerData() ) {
-      args.emplace_back( "cir", textOf( p->cir() ) + textOf( p->cirUnit() ) );
-      args.emplace_back( "bc", textOf( p->bc() ) + textOf( p->bcUnit() ) );
+      args.emplace_back( "cir", rateArg( p->cir(), p->cirUnit() ) );
+      args.emplace_back( "bc", rateArg( p->bc(), p->bcUnit() ) );
    }
    return args;
 }
@@ -124,8 +124,8 @@ void RecordingQosAclHelper::recordSubrule( char const* op, Nev::QosClassData con
                                            std::uint32_t subruleNum ) {
    record( op, { { "classData", classText( classData ) },
                  { "aclKey", aclKeyText( aclKey ) },
-                 { "ruleNum", textOf( ruleNum ) },
-                 { "subruleNum", textOf( subruleNum ) } } );
+                 { "ruleNum", argOf( ruleNum ) },
+                 { "subruleNum", argOf( subruleNum ) } } );
 }
 
 #define SIM_RECORDING_COPY_value( Cap, name, ... ) name##Is( inner_->name() );
@@ -171,25 +171,25 @@ Nev::AclCreateError RecordingQosAclHelper::createIpAclSubrule(
    if( taking( "createIpAclSubrule" ) ) {
       record( "createIpAclSubrule", { { "classData", classText( classData ) },
                                       { "aclKey", aclKeyText( aclKey ) },
-                                      { "aclType", textOf( aclType ) },
-                                      { "ruleNum", textOf( ruleNum ) },
-                                      { "subruleNum", textOf( subruleNum ) },
-                                      { "srcL4Port", textOf( srcL4Port ) },
-                                      { "srcL4PortMask", hexText( srcL4PortMask ) },
-                                      { "dstL4Port", textOf( dstL4Port ) },
-                                      { "dstL4PortMask", hexText( dstL4PortMask ) },
-                                      { "srcPortLow", textOf( srcPortLow ) },
-                                      { "srcPortHigh", textOf( srcPortHigh ) },
-                                      { "dstPortLow", textOf( dstPortLow ) },
-                                      { "dstPortHigh", textOf( dstPortHigh ) },
-                                      { "ipLen", textOf( ipLen ) },
-                                      { "ipLenMask", hexText( ipLenMask ) },
-                                      { "ipLenLow", textOf( ipLenLow ) },
-                                      { "ipLenHigh", textOf( ipLenHigh ) },
-                                      { "tcpFlags", hexText( tcpFlags ) },
-                                      { "l4Rule", boolText( l4Rule ) },
-                                      { "ecnData", textOf( unsigned( ecnData ) ) },
-                                      { "ecnMask", hexText( ecnMask ) } } );
+                                      { "aclType", argOf( aclType ) },
+                                      { "ruleNum", argOf( ruleNum ) },
+                                      { "subruleNum", argOf( subruleNum ) },
+                                      { "srcL4Port", argOf( srcL4Port ) },
+                                      { "srcL4PortMask", hexArg( srcL4PortMask ) },
+                                      { "dstL4Port", argOf( dstL4Port ) },
+                                      { "dstL4PortMask", hexArg( dstL4PortMask ) },
+                                      { "srcPortLow", argOf( srcPortLow ) },
+                                      { "srcPortHigh", argOf( srcPortHigh ) },
+                                      { "dstPortLow", argOf( dstPortLow ) },
+                                      { "dstPortHigh", argOf( dstPortHigh ) },
+                                      { "ipLen", argOf( ipLen ) },
+                                      { "ipLenMask", hexArg( ipLenMask ) },
+                                      { "ipLenLow", argOf( ipLenLow ) },
+                                      { "ipLenHigh", argOf( ipLenHigh ) },
+                                      { "tcpFlags", hexArg( tcpFlags ) },
+                                      { "l4Rule", argOf( l4Rule ) },
+                                      { "ecnData", argOf( unsigned( ecnData ) ) },
+                                      { "ecnMask", hexArg( ecnMask ) } } );
    }
    if( auto const answer = scripted< Nev::AclCreateError >( "createIpAclSubrule" ) ) return *answer;
    return inner_->createIpAclSubrule(
@@ -229,7 +229,7 @@ Nev::AclCreateError RecordingQosAclHelper::createL2ParamsRule(
    if( taking( "createL2ParamsRule" ) ) {
       record( "createL2ParamsRule", { { "classData", classText( classData ) },
                                       { "aclKey", aclKeyText( aclKey ) },
-                                      { "ruleNum", textOf( ruleNum ) } } );
+                                      { "ruleNum", argOf( ruleNum ) } } );
    }
    if( auto const answer = scripted< Nev::AclCreateError >( "createL2ParamsRule" ) ) return *answer;
    return inner_->createL2ParamsRule( pmapState, classData, matchOption, aclKey, ruleNum );
@@ -241,7 +241,7 @@ Nev::AclCreateError RecordingQosAclHelper::createMplsTrafficClassRule(
    if( taking( "createMplsTrafficClassRule" ) ) {
       record( "createMplsTrafficClassRule", { { "classData", classText( classData ) },
                                               { "aclKey", aclKeyText( aclKey ) },
-                                              { "ruleNum", textOf( ruleNum ) } } );
+                                              { "ruleNum", argOf( ruleNum ) } } );
    }
    if( auto const answer = scripted< Nev::AclCreateError >( "createMplsTrafficClassRule" ) ) {
       return *answer;
@@ -255,7 +255,7 @@ Nev::AclCreateError RecordingQosAclHelper::createDscpEcnRule(
    if( taking( "createDscpEcnRule" ) ) {
       record( "createDscpEcnRule", { { "classData", classText( classData ) },
                                      { "aclKey", aclKeyText( aclKey ) },
-                                     { "ruleNum", textOf( ruleNum ) } } );
+                                     { "ruleNum", argOf( ruleNum ) } } );
    }
    if( auto const answer = scripted< Nev::AclCreateError >( "createDscpEcnRule" ) ) return *answer;
    return inner_->createDscpEcnRule( pmapState, classData, matchOption, aclKey, ruleNum );
@@ -279,7 +279,7 @@ Nev::AclCreateError RecordingQosAclHelper::createMacAclRule(
    if( taking( "createMacAclRule" ) ) {
       record( "createMacAclRule", { { "classData", classText( classData ) },
                                     { "aclKey", aclKeyText( aclKey ) },
-                                    { "ruleNum", textOf( ruleNum ) } } );
+                                    { "ruleNum", argOf( ruleNum ) } } );
    }
    if( auto const answer = scripted< Nev::AclCreateError >( "createMacAclRule" ) ) return *answer;
    return inner_->createMacAclRule( pmapState, classData, matchOption, aclKey, ruleNum );
@@ -306,7 +306,7 @@ void RecordingQosAclHelper::updatePortForAcl( Nev::QosPolicyMapState const& pmap
       record( "updatePortForAcl", { { "classData", classText( classData ) },
                                     { "aclKey", aclKeyText( aclKey ) },
                                     { "intfPair", intfText( intfPair ) },
-                                    { "add", boolText( add ) } } );
+                                    { "add", argOf( add ) } } );
    }
    if( acted( "updatePortForAcl" ) ) return;
    inner_->updatePortForAcl( pmapState, classData, matchOption, aclKey, intfPair, add );
@@ -314,7 +314,7 @@ void RecordingQosAclHelper::updatePortForAcl( Nev::QosPolicyMapState const& pmap
 
 void RecordingQosAclHelper::updatePolicer( Zub::Name const& policerName ) {
    if( taking( "updatePolicer" ) ) {
-      record( "updatePolicer", { { "policerName", textOf( policerName ) } } );
+      record( "updatePolicer", { { "policerName", argOf( policerName ) } } );
    }
    if( acted( "updatePolicer" ) ) return;
    inner_->updatePolicer( policerName );
@@ -327,7 +327,7 @@ Nev::AclCreateError RecordingQosAclHelper::precreateAcl( Nev::QosPolicyMapState 
    if( taking( "precreateAcl" ) ) {
       record( "precreateAcl", { { "classData", classText( classData ) },
                                 { "aclKey", aclKeyText( aclKey ) },
-                                { "matchOption", textOf( matchOption ) } } );
+                                { "matchOption", argOf( matchOption ) } } );
    }
    if( auto const answer = scripted< Nev::AclCreateError >( "precreateAcl" ) ) return *answer;
    return inner_->precreateAcl( pmapState, classData, matchOption, aclKey );
@@ -387,7 +387,7 @@ void RecordingQosAclHelper::batchCommitAclsIntf( Nev::QosPolicyMapState const& p
    if( taking( "batchCommitAclsIntf" ) ) {
       record( "batchCommitAclsIntf", { { "pmapState", pmapText( pmapState.key() ) },
                                        { "intfPair", intfText( intfPair ) },
-                                       { "add", boolText( add ) } } );
+                                       { "add", argOf( add ) } } );
    }
    if( acted( "batchCommitAclsIntf" ) ) return;
    inner_->batchCommitAclsIntf( pmapState, intfPair, add );
@@ -1060,7 +1060,7 @@ void RecordingQosAclHelper::handleSubIntfDeletion( Mirel::IntfId const& intfId )
 
 Zub::String RecordingQosAclHelper::cpuQIdToClassMapName( std::uint32_t cpuQId ) {
    if( taking( "cpuQIdToClassMapName" ) && detailRecorded_ ) {
-      record( "cpuQIdToClassMapName", { { "cpuQId", textOf( cpuQId ) } } );
+      record( "cpuQIdToClassMapName", { { "cpuQId", argOf( cpuQId ) } } );
    }
    if( auto const answer = scripted< Zub::String >( "cpuQIdToClassMapName" ) ) return *answer;
    return inner_->cpuQIdToClassMapName( cpuQId );
@@ -1068,7 +1068,7 @@ Zub::String RecordingQosAclHelper::cpuQIdToClassMapName( std::uint32_t cpuQId ) 
 
 Zub::String RecordingQosAclHelper::portToIntfName( std::uint32_t modId, std::uint32_t port ) {
    if( taking( "portToIntfName" ) && detailRecorded_ ) {
-      record( "portToIntfName", { { "modId", textOf( modId ) }, { "port", textOf( port ) } } );
+      record( "portToIntfName", { { "modId", argOf( modId ) }, { "port", argOf( port ) } } );
    }
    if( auto const answer = scripted< Zub::String >( "portToIntfName" ) ) return *answer;
    return inner_->portToIntfName( modId, port );

@@ -110,14 +110,14 @@ void RecordingQosBasicHelper::hwInit() {
 }
 
 void RecordingQosBasicHelper::programCosToTcMap( Qos::Cos cos ) {
-   if( taking( "programCosToTcMap" ) ) record( "programCosToTcMap", { { "cos", textOf( cos ) } } );
+   if( taking( "programCosToTcMap" ) ) record( "programCosToTcMap", { { "cos", argOf( cos ) } } );
    if( acted( "programCosToTcMap" ) ) return;
    inner_->programCosToTcMap( cos );
 }
 
 void RecordingQosBasicHelper::programDscpToTcMap( Qos::Dscp dscp ) {
    if( taking( "programDscpToTcMap" ) ) {
-      record( "programDscpToTcMap", { { "dscp", textOf( dscp ) } } );
+      record( "programDscpToTcMap", { { "dscp", argOf( dscp ) } } );
    }
    if( acted( "programDscpToTcMap" ) ) return;
    inner_->programDscpToTcMap( dscp );
@@ -125,32 +125,32 @@ void RecordingQosBasicHelper::programDscpToTcMap( Qos::Dscp dscp ) {
 
 void RecordingQosBasicHelper::programDscpToDpMap( Qos::Dscp dscp ) {
    if( taking( "programDscpToDpMap" ) ) {
-      record( "programDscpToDpMap", { { "dscp", textOf( dscp ) } } );
+      record( "programDscpToDpMap", { { "dscp", argOf( dscp ) } } );
    }
    if( acted( "programDscpToDpMap" ) ) return;
    inner_->programDscpToDpMap( dscp );
 }
 
 void RecordingQosBasicHelper::programExpToTcMap( Qos::Exp exp ) {
-   if( taking( "programExpToTcMap" ) ) record( "programExpToTcMap", { { "exp", textOf( exp ) } } );
+   if( taking( "programExpToTcMap" ) ) record( "programExpToTcMap", { { "exp", argOf( exp ) } } );
    if( acted( "programExpToTcMap" ) ) return;
    inner_->programExpToTcMap( exp );
 }
 
 void RecordingQosBasicHelper::programTcToCosMap( Qos::TrafficClass tc ) {
-   if( taking( "programTcToCosMap" ) ) record( "programTcToCosMap", { { "tc", textOf( tc ) } } );
+   if( taking( "programTcToCosMap" ) ) record( "programTcToCosMap", { { "tc", argOf( tc ) } } );
    if( acted( "programTcToCosMap" ) ) return;
    inner_->programTcToCosMap( tc );
 }
 
 void RecordingQosBasicHelper::programTcToDscpMap( Qos::TrafficClass tc ) {
-   if( taking( "programTcToDscpMap" ) ) record( "programTcToDscpMap", { { "tc", textOf( tc ) } } );
+   if( taking( "programTcToDscpMap" ) ) record( "programTcToDscpMap", { { "tc", argOf( tc ) } } );
    if( acted( "programTcToDscpMap" ) ) return;
    inner_->programTcToDscpMap( tc );
 }
 
 void RecordingQosBasicHelper::programTcToExpMap( Qos::TrafficClass tc ) {
-   if( taking( "programTcToExpMap" ) ) record( "programTcToExpMap", { { "tc", textOf( tc ) } } );
+   if( taking( "programTcToExpMap" ) ) record( "programTcToExpMap", { { "tc", argOf( tc ) } } );
    if( acted( "programTcToExpMap" ) ) return;
    inner_->programTcToExpMap( tc );
 }
@@ -169,7 +169,7 @@ void RecordingQosBasicHelper::programDscpRewriteEnabled() {
 
 void RecordingQosBasicHelper::programTcToUcTxQueueMap( Qos::TrafficClass tc ) {
    if( taking( "programTcToUcTxQueueMap" ) ) {
-      record( "programTcToUcTxQueueMap", { { "tc", textOf( tc ) } } );
+      record( "programTcToUcTxQueueMap", { { "tc", argOf( tc ) } } );
    }
    if( acted( "programTcToUcTxQueueMap" ) ) return;
    inner_->programTcToUcTxQueueMap( tc );
@@ -177,7 +177,7 @@ void RecordingQosBasicHelper::programTcToUcTxQueueMap( Qos::TrafficClass tc ) {
 
 void RecordingQosBasicHelper::programTcToMcTxQueueMap( Qos::TrafficClass tc ) {
    if( taking( "programTcToMcTxQueueMap" ) ) {
-      record( "programTcToMcTxQueueMap", { { "tc", textOf( tc ) } } );
+      record( "programTcToMcTxQueueMap", { { "tc", argOf( tc ) } } );
    }
    if( acted( "programTcToMcTxQueueMap" ) ) return;
    inner_->programTcToMcTxQueueMap( tc );
@@ -312,8 +312,8 @@ void RecordingQosBasicHelper::programIntfTxQueueEcnDelayThreshold(
       record( "programIntfTxQueueEcnDelayThreshold",
               { { "intfStatus", intfName( intfStatus.key() ) },
                 { "txQueueId", queueText( txQueueId ) },
-                { "delayEcnEnabled", boolText( delayEcnEnabled ) },
-                { "ecnDelayThreshold", textOf( ecnDelayThreshold ) } } );
+                { "delayEcnEnabled", argOf( delayEcnEnabled ) },
+                { "ecnDelayThreshold", argOf( ecnDelayThreshold ) } } );
    }
    if( acted( "programIntfTxQueueEcnDelayThreshold" ) ) return;
    inner_->programIntfTxQueueEcnDelayThreshold( intfStatus, txQueueId, delayEcnEnabled,
@@ -324,8 +324,8 @@ bool RecordingQosBasicHelper::programIntfTxQueueEcnCount( Mirel::IntfId const& i
                                                           Qos::TxQueueId txQueueId, bool enable ) {
    if( taking( "programIntfTxQueueEcnCount" ) ) {
       record( "programIntfTxQueueEcnCount", { { "intfId", intfName( intfId ) },
-                                              { "txQueueId", textOf( txQueueId ) },
-                                              { "enable", boolText( enable ) } } );
+                                              { "txQueueId", argOf( txQueueId ) },
+                                              { "enable", argOf( enable ) } } );
    }
    if( auto const answer = scripted< bool >( "programIntfTxQueueEcnCount" ) ) return *answer;
    return inner_->programIntfTxQueueEcnCount( intfId, txQueueId, enable );
@@ -348,7 +348,7 @@ void RecordingQosBasicHelper::programIntfTxQueueDropThresholdForDp(
       record( "programIntfTxQueueDropThresholdForDp",
               { { "intfStatus", intfName( intfStatus.key() ) },
                 { "txQueueStatus", queueText( txQueueStatus.key() ) },
-                { "dp", textOf( dp ) } } );
+                { "dp", argOf( dp ) } } );
    }
    if( acted( "programIntfTxQueueDropThresholdForDp" ) ) return;
    inner_->programIntfTxQueueDropThresholdForDp( intfStatus, txQueueStatus, dp );
@@ -378,14 +378,14 @@ void RecordingQosBasicHelper::programIntfTxQueueDefaults(
 
 void RecordingQosBasicHelper::programDscpMap( Zub::Name const& mapName ) {
    if( taking( "programDscpMap" ) ) {
-      record( "programDscpMap", { { "mapName", textOf( mapName ) } } );
+      record( "programDscpMap", { { "mapName", argOf( mapName ) } } );
    }
    if( acted( "programDscpMap" ) ) return;
    inner_->programDscpMap( mapName );
 }
 
 void RecordingQosBasicHelper::deleteDscpMap( Zub::Name const& mapName ) {
-   if( taking( "deleteDscpMap" ) ) record( "deleteDscpMap", { { "mapName", textOf( mapName ) } } );
+   if( taking( "deleteDscpMap" ) ) record( "deleteDscpMap", { { "mapName", argOf( mapName ) } } );
    if( acted( "deleteDscpMap" ) ) return;
    inner_->deleteDscpMap( mapName );
 }
@@ -401,8 +401,7 @@ void RecordingQosBasicHelper::programIntfToDscpRewriteMap( Qos::IntfStatus const
 void RecordingQosBasicHelper::updateTcToDscpMapping( Zub::Name const& mapName,
                                                      Qos::TrafficClass tc ) {
    if( taking( "updateTcToDscpMapping" ) ) {
-      record( "updateTcToDscpMapping",
-              { { "mapName", textOf( mapName ) }, { "tc", textOf( tc ) } } );
+      record( "updateTcToDscpMapping", { { "mapName", argOf( mapName ) }, { "tc", argOf( tc ) } } );
    }
    if( acted( "updateTcToDscpMapping" ) ) return;
    inner_->updateTcToDscpMapping( mapName, tc );
@@ -416,7 +415,7 @@ void RecordingQosBasicHelper::handleServicePolicyDP1Status() {
 
 void RecordingQosBasicHelper::addCosToTcProfile( Zub::Name const& profileName ) {
    if( taking( "addCosToTcProfile" ) ) {
-      record( "addCosToTcProfile", { { "profileName", textOf( profileName ) } } );
+      record( "addCosToTcProfile", { { "profileName", argOf( profileName ) } } );
    }
    if( acted( "addCosToTcProfile" ) ) return;
    inner_->addCosToTcProfile( profileName );
@@ -424,7 +423,7 @@ void RecordingQosBasicHelper::addCosToTcProfile( Zub::Name const& profileName ) 
 
 void RecordingQosBasicHelper::removeCosToTcProfile( Zub::Name const& profileName ) {
    if( taking( "removeCosToTcProfile" ) ) {
-      record( "removeCosToTcProfile", { { "profileName", textOf( profileName ) } } );
+      record( "removeCosToTcProfile", { { "profileName", argOf( profileName ) } } );
    }
    if( acted( "removeCosToTcProfile" ) ) return;
    inner_->removeCosToTcProfile( profileName );
@@ -434,7 +433,7 @@ void RecordingQosBasicHelper::handleIntfToCosToTcProfile( Mirel::IntfId const& i
                                                           bool restoration ) {
    if( taking( "handleIntfToCosToTcProfile" ) ) {
       record( "handleIntfToCosToTcProfile",
-              { { "intfId", intfName( intfId ) }, { "restoration", boolText( restoration ) } } );
+              { { "intfId", intfName( intfId ) }, { "restoration", argOf( restoration ) } } );
    }
    if( acted( "handleIntfToCosToTcProfile" ) ) return;
    inner_->handleIntfToCosToTcProfile( intfId, restoration );
@@ -444,7 +443,7 @@ void RecordingQosBasicHelper::updateCosToTcProfileMapping( Zub::Name const& prof
                                                            Qos::Cos cos ) {
    if( taking( "updateCosToTcProfileMapping" ) ) {
       record( "updateCosToTcProfileMapping",
-              { { "profileName", textOf( profileName ) }, { "cos", textOf( cos ) } } );
+              { { "profileName", argOf( profileName ) }, { "cos", argOf( cos ) } } );
    }
    if( acted( "updateCosToTcProfileMapping" ) ) return;
    inner_->updateCosToTcProfileMapping( profileName, cos );

@@ -64,7 +64,7 @@ Json driverCallsOf( SimPktDrv const& drv ) {
    for( SimPktDrv::Call const& call : drv.calls() ) {
       Json args = Json::object();
       for( auto const& [ name, value ] : call.args )
-         args[ name ] = std::to_string( value );
+         args[ name ] = value;
       calls.push_back( Json{ { "t", call.t }, { "op", call.op }, { "args", std::move( args ) } } );
    }
    return calls;
@@ -134,8 +134,7 @@ void printDriverCalls( std::ostream& os, Json const& calls ) {
          // The arguments are the slot and what it maps to, in that order.
          auto const& args = calls[ i ][ "args" ];
          auto const slot = args.begin();
-         at->second[ slot.value().get< std::string >() ] =
-               std::stoi( std::next( slot ).value().get< std::string >() );
+         at->second[ slot.value().dump() ] = std::next( slot ).value();
       }
       std::string const when = timeColumn( t.get< double >() );
       for( auto const& [ op, slots ] : ops ) {

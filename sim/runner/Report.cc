@@ -1,8 +1,10 @@
 #include "sim/runner/Report.h"
 
 #include <algorithm>
+#include <charconv>
 #include <functional>
 #include <map>
+#include <optional>
 #include <ostream>
 #include <string>
 #include <utility>
@@ -36,11 +38,81 @@ std::string name( Zub::Name const& n ) {
 
 // ---- The JSON document
 
-// Name and text pairs, such as a call's arguments or an entry's fields, as an object.
-Json textsOf( std::vector< std::pair< std::string, std::string > > const& pairs ) {
-   Json out = objectWithRoom( pairs.size() );
-   for( auto const& [ name, text ] : pairs )
-      out[ name ] = text;
+// A whole number in decimal, or 0x and hexadecimal digits.
+std::optional< std::uint64_t > wholeOf( std::string_view text ) {
+   bool const hex = text.starts_with( "0x" );
+   std::string_view const digits = hex ? text.substr( 2 ) : text;
+   std::uint64_t value = 0;
+   auto const [ end, ec ] =
+         std::from_chars( digits.data(), digits.data() + digits.size(), value, hex ? 16 : 10 );
+   if( digits.empty() || ec != std::errc() || end != digits.data() + digits.size() ) return {};
+   return value;
+}
+
+// An entry's field as what its text reads as: a number ("6", "0x800"), a value and a mask
+// ("80/0xffff"), a range that takes a checker ("range 1000-2000"), a flag, or else the text (an
+// address, a name, or what a damaged entry holds).
+Json fieldOf( std::string const& text ) {
+   std::string_view const t = text;
+   if( t == "true" || t == "false" ) return t == "true";
+   if( auto const v = wholeOf( t ) ) return *v;
+   if( t.starts_with( "range " ) ) {
+      std::size_t const dash = t.find( '-', 6 );
+      auto const low = wholeOf( t.substr( 6, dash - 6 ) );
+      auto const high =
+            dash == std::string_view::npos ? std::nullopt : wholeOf( t.substr( dash + 1 ) );
+      if( low && high ) return Json{ { "low", *low }, { "high", *high } };
+   }
+   if( std::size_t const slash = t.find( "/0x" ); slash != std::string_view::npos ) {
+      auto const value = wholeOf( t.substr( 0, slash ) );
+      auto const mask = wholeOf( t.substr( slash + 1 ) );
+      if( value && mask ) return Json{ { "value", *value }, { "mask", *mask } };
+   }
+   return text;
+}
+
+Json fieldsOf( std::vector< TcamField > const& fields ) {
+   Json out = objectWithRoom( fields.size() );
+   for( auto const& [ name, text ] : fields )
+      out[ name ] = fieldOf( text );
+   return out;
+}
+
+// A whole number, negative or not; the text itself if it is none (a recorder that marked a text
+// wrongly shows it rather than losing it).
+Json numberOf( std::string_view text ) {
+   if( !text.starts_with( '-' ) ) {
+      if( auto const v = wholeOf( text ) ) return *v;
+   } else if( auto const v = wholeOf( text.substr( 1 ) ); v && *v <= std::uint64_t( INT64_MAX ) ) {
+      return -std::int64_t( *v );
+   }
+   return std::string( text );
+}
+
+// A call's arguments, each as its kind says: a rate as its number, with its unit in a member
+// "<name>Unit" beside it.
+Json argsOf( std::vector< std::pair< std::string, TypedText > > const& args ) {
+   Json out = objectWithRoom( args.size() + 2 );
+   for( auto const& [ name, text ] : args ) {
+      switch( text.kind ) {
+         case JsonKind::text:
+            out[ name ] = static_cast< std::string const& >( text );
+            break;
+         case JsonKind::number:
+            out[ name ] = numberOf( text );
+            break;
+         case JsonKind::flag:
+            out[ name ] = text == "true";
+            break;
+         case JsonKind::rate: {
+            std::size_t const digits =
+                  std::min( text.find_first_not_of( "0123456789" ), text.size() );
+            out[ name ] = numberOf( std::string_view( text ).substr( 0, digits ) );
+            out[ name + "Unit" ] = text.substr( digits );
+            break;
+         }
+      }
+   }
    return out;
 }
 
@@ -50,7 +122,7 @@ Json runOf( CallRun const& run ) {
    c[ "t" ] = run.call.t;
    c[ "helper" ] = run.call.helper;
    c[ "op" ] = run.call.op;
-   c[ "args" ] = textsOf( run.call.args );
+   c[ "args" ] = argsOf( run.call.args );
    if( run.count > 1 ) {
       c[ "count" ] = run.count;
       c[ "until" ] = run.until;
@@ -228,7 +300,7 @@ Json entryOf( TcamEntry const& e ) {
    entry[ "kind" ] = e.kind;
    entry[ "ruleNum" ] = e.ruleNum;
    entry[ "subruleNum" ] = e.subruleNum;
-   entry[ "fields" ] = textsOf( e.fields );
+   entry[ "fields" ] = fieldsOf( e.fields );
    return entry;
 }
 
@@ -304,6 +376,41 @@ std::string plainSeconds( Json const& t ) {
    return timeText( t.get< double >() );
 }
 
+std::string hexOf( Json const& n ) {
+   return hexText( unsigned( n.get< std::uint64_t >() ) );
+}
+
+// A field of an entry as the chip writes it: ether types and TCP flags in hexadecimal.
+std::string fieldText( std::string const& name, Json const& value ) {
+   if( value.is_string() ) return printable( value );
+   if( value.is_object() && value.contains( "mask" ) ) {
+      return value[ "value" ].dump() + "/" + hexOf( value[ "mask" ] );
+   }
+   if( value.is_object() ) return "range " + value[ "low" ].dump() + "-" + value[ "high" ].dump();
+   if( value.is_number() && ( name == "etherType" || name == "tcpFlags" ) ) return hexOf( value );
+   return value.dump();
+}
+
+// A call's arguments as name=value, as the recorders write them: masks in hexadecimal, a rate
+// with its unit after the number.
+void printArgs( std::ostream& os, Json const& args ) {
+   for( auto const& [ name, value ] : args.items() ) {
+      bool const unit =
+            name.ends_with( "Unit" ) && args.contains( name.substr( 0, name.size() - 4 ) );
+      if( unit ) continue;
+      os << " " << name << "=";
+      if( value.is_string() ) {
+         os << printable( value );
+      } else if( value.is_number_unsigned() &&
+                 ( name.ends_with( "Mask" ) || name == "tcpFlags" ) ) {
+         os << hexOf( value );
+      } else {
+         os << value.dump();
+      }
+      if( args.contains( name + "Unit" ) ) os << printable( args[ name + "Unit" ] );
+   }
+}
+
 void printCalls( std::ostream& os, Json const& calls, std::size_t limit ) {
    // Counted from the entries: a run stands for `count` calls, the gap for those left out.
    std::uint64_t total = 0;
@@ -337,8 +444,7 @@ void printCalls( std::ostream& os, Json const& calls, std::size_t limit ) {
       os << seconds( c[ "t" ] ) << "  ";
       if( c[ "helper" ] != "acl" ) os << printable( c[ "helper" ] ) << " ";
       os << printable( c[ "op" ] );
-      for( auto const& [ name, value ] : c[ "args" ].items() )
-         os << " " << name << "=" << printable( value );
+      printArgs( os, c[ "args" ] );
       if( c.contains( "count" ) ) {
          os << "  x" << c[ "count" ].get< std::uint64_t >() << " until "
             << plainSeconds( c[ "until" ] );
@@ -454,7 +560,7 @@ void printTcam( std::ostream& os, Json const& tcam, Json const& resources, std::
          os << "      " << e[ "ruleNum" ] << "." << e[ "subruleNum" ] << " "
             << printable( e[ "kind" ] );
          for( auto const& [ name, value ] : e[ "fields" ].items() )
-            os << " " << name << "=" << printable( value );
+            os << " " << name << "=" << fieldText( name, value );
          os << "\n";
       }
    }

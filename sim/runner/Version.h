@@ -9,6 +9,6 @@ char const* projectVersion();
 
 // Raised when a key of the report changes its meaning or its type or goes away; new keys alone
 // leave it as it is.
-constexpr int reportFormatVersion = 1;
+constexpr int reportFormatVersion = 2;
 
 }  // namespace Sim

@@ -175,7 +175,7 @@ std::pair< CLI::Option*, CLI::Option* > addOptions( CLI::App& app, Options& o ) 
                ->excludes( jsonFlag );  // its lines would break the JSON document
    app.add_flag( "--brief", o.brief, "With --show: the headers only, no rules" );
    app.add_option( "--max-turns", o.maxTurns,
-                   "Cut the run (exit 4) once the event loop takes this many turns within one "
+                   "Cut the run (exit 3) once the event loop takes this many turns within one "
                    "second of virtual time: a timer or task that never lets it settle" )
          ->capture_default_str()
          ->check( CLI::PositiveNumber );

@@ -30,14 +30,14 @@ steps:
    for( std::size_t i = 0; i + 1 < calls.size(); ++i ) {
       EXPECT_LE( calls[ i ][ "t" ].get< double >(), calls[ i + 1 ][ "t" ].get< double >() );
       cosFiveToFour |= calls[ i ][ "op" ] == "cosToTcIs" &&
-                       calls[ i ][ "args" ] == Json{ { "cos", "5" }, { "tc", "4" } };
+                       calls[ i ][ "args" ] == Json{ { "cos", 5 }, { "tc", 4 } };
    }
    EXPECT_TRUE( cosFiveToFour );
    // The step at 3 tells one slot, and last.
    Json const& last = calls.back();
    EXPECT_EQ( last[ "t" ], 3.0 );
    EXPECT_EQ( last[ "op" ], "dscpToTcIs" );
-   EXPECT_EQ( last[ "args" ], ( Json{ { "dscp", "46" }, { "tc", "5" } } ) );
+   EXPECT_EQ( last[ "args" ], ( Json{ { "dscp", 46 }, { "tc", 5 } } ) );
    EXPECT_EQ( calls[ calls.size() - 2 ][ "t" ], 2.0 );
 }
 

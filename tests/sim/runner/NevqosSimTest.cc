@@ -14,10 +14,13 @@
 #include <map>
 #include <nlohmann/json.hpp>
 #include <regex>
+#include <sstream>
 #include <string>
 #include <vector>
 
+#include "sim/runner/SimSwitch.h"
 #include "sim/runner/Version.h"
+#include "sim/scenario/ScenarioLoader.h"
 #include "support/SimProgram.h"
 
 namespace NevQosTest {
@@ -83,6 +86,10 @@ TEST( NevqosSimTest, GivesTheProjectsVersionEverywhere ) {
    SimRun const run = runSim( { "--version" } );
    EXPECT_EQ( run.exitCode, 0 );
    EXPECT_EQ( run.out, "nevqos-sim " + version + "\n" );
+   SimRun const help = runSim( { "--help" } );
+   EXPECT_EQ( help.exitCode, 0 );
+   for( char const* flag : { "--version", "-o,--output FILE", "--summary" } )
+      EXPECT_NE( help.out.find( flag ), std::string::npos ) << flag << " in " << help.out;
    Json const report = reportOf( "edge-policy.yaml" );
    EXPECT_EQ( report[ "version" ], version );
    EXPECT_EQ( report[ "formatVersion" ], Sim::reportFormatVersion );
@@ -143,6 +150,44 @@ TEST( NevqosSimTest, BadScenariosAreRefusedWithTheirPlace ) {
       EXPECT_EQ( run.out, "" );
       EXPECT_NE( run.err.find( problem ), std::string::npos ) << run.err;
    }
+}
+
+// The JSON report types a call's arguments, and the text report, made from it, writes each call
+// back as the recorders wrote it: masks in hexadecimal, rates with their units.
+TEST( NevqosSimTest, CallArgumentsAreTypedAndReadBackAsRecorded ) {
+   Json const report = reportOf( "edge-policy.yaml" );
+   Json const subrule = callsOf( report, "createIpAclSubrule" ).at( 0 )[ "args" ];
+   EXPECT_TRUE( subrule[ "ruleNum" ].is_number_unsigned() );
+   EXPECT_TRUE( subrule[ "dstL4PortMask" ].is_number_unsigned() );
+   EXPECT_TRUE( subrule[ "l4Rule" ].is_boolean() );
+   EXPECT_TRUE( subrule[ "classData" ].is_string() );
+   Json const policer = callsOf( report, "createAndAttachPolicer" ).at( 0 )[ "args" ];
+   EXPECT_TRUE( policer[ "cir" ].is_number_unsigned() );
+   EXPECT_EQ( policer[ "cirUnit" ], "kbps" );
+   EXPECT_EQ( callsOf( report, "programCosToTcMap" ).at( 0 )[ "args" ][ "cos" ], 0 );
+
+   Sim::Scenario const scenario = Sim::loadScenario( example( "edge-policy.yaml" ) );
+   Sim::SimSwitch sw( scenario );
+   for( Sim::Step const& step : scenario.steps )
+      sw.stepIs( step );
+   sw.runFor( 60.0, [] {} );
+   ASSERT_FALSE( sw.calls().gap() );
+   Lines recorded;
+   for( Sim::CallRun const& run : sw.calls().first() )
+      recorded.push_back( Sim::callText( run.call ) );
+   for( Sim::CallRun const& run : sw.calls().last() )
+      recorded.push_back( Sim::callText( run.call ) );
+   SimRun const text = runSim( { example( "edge-policy.yaml" ), "--limit", "0" } );
+   std::string const calls = text.out.substr( text.out.find( "Helper calls (" ) );
+   Lines printed;
+   std::regex const line( R"(^ *[0-9.]+  (.*?)(  x[0-9]+ until [0-9.]+)?$)" );
+   std::istringstream in( calls.substr( 0, calls.find( "\n\n" ) ) );
+   std::string l;
+   std::getline( in, l );  // the heading
+   for( std::smatch m; std::getline( in, l ); ) {
+      if( std::regex_match( l, m, line ) ) printed.push_back( m[ 1 ] );
+   }
+   EXPECT_EQ( printed, recorded );
 }
 
 // ---- Where the report goes
