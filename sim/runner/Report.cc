@@ -380,15 +380,21 @@ std::string hexOf( Json const& n ) {
    return hexText( unsigned( n.get< std::uint64_t >() ) );
 }
 
-// A field of an entry as the chip writes it: ether types and TCP flags in hexadecimal.
+// A number as the recorders and the chip write it: masks, TCP flags and ether types in
+// hexadecimal, the rest in decimal.
+std::string numberText( std::string const& name, Json const& value ) {
+   bool const hex = name.ends_with( "Mask" ) || name == "tcpFlags" || name == "etherType";
+   return hex && value.is_number_unsigned() ? hexOf( value ) : value.dump();
+}
+
+// A field of an entry as the chip writes it.
 std::string fieldText( std::string const& name, Json const& value ) {
    if( value.is_string() ) return printable( value );
    if( value.is_object() && value.contains( "mask" ) ) {
       return value[ "value" ].dump() + "/" + hexOf( value[ "mask" ] );
    }
    if( value.is_object() ) return "range " + value[ "low" ].dump() + "-" + value[ "high" ].dump();
-   if( value.is_number() && ( name == "etherType" || name == "tcpFlags" ) ) return hexOf( value );
-   return value.dump();
+   return numberText( name, value );
 }
 
 // A call's arguments as name=value, as the recorders write them: masks in hexadecimal, a rate
@@ -398,15 +404,8 @@ void printArgs( std::ostream& os, Json const& args ) {
       bool const unit =
             name.ends_with( "Unit" ) && args.contains( name.substr( 0, name.size() - 4 ) );
       if( unit ) continue;
-      os << " " << name << "=";
-      if( value.is_string() ) {
-         os << printable( value );
-      } else if( value.is_number_unsigned() &&
-                 ( name.ends_with( "Mask" ) || name == "tcpFlags" ) ) {
-         os << hexOf( value );
-      } else {
-         os << value.dump();
-      }
+      os << " " << name << "="
+         << ( value.is_string() ? printable( value ) : numberText( name, value ) );
       if( args.contains( name + "Unit" ) ) os << printable( args[ name + "Unit" ] );
    }
 }

@@ -3,6 +3,7 @@
 #include <charconv>
 #include <cstdio>
 #include <cstdlib>
+#include <optional>
 
 #include "sim/scenario/TextRules.h"
 
@@ -12,26 +13,22 @@ std::string printableText( std::string_view text ) {
    std::string out;
    out.reserve( text.size() );
    for( std::size_t i = 0; i < text.size(); ) {
-      auto const lead = static_cast< unsigned char >( text[ i ] );
       std::size_t const n = utf8SequenceAt( text, i );
-      unsigned const c1 =
-            lead == 0xc2 && n == 2 ? static_cast< unsigned char >( text[ i + 1 ] ) : 0;
+      // A byte that is not UTF-8 cannot come from a scenario; shown as a byte all the same.
+      auto const control =
+            n == 0 ? std::optional< unsigned >( static_cast< unsigned char >( text[ i ] ) )
+                   : controlCharAt( text, i, n );
       char buf[ 8 ];
-      if( lead == '\n' ) {
-         out += "\\n";
-      } else if( lead == '\t' ) {
-         out += "\\t";
-      } else if( lead == '\r' ) {
-         out += "\\r";
-      } else if( lead < 0x20 || lead == 0x7f || n == 0 ) {
-         // A byte that is not UTF-8 cannot come from a scenario; shown as a byte all the same.
-         std::snprintf( buf, sizeof buf, "\\x%02x", unsigned( lead ) );
-         out += buf;
-      } else if( c1 >= 0x80 && c1 <= 0x9f ) {
-         std::snprintf( buf, sizeof buf, "\\u%04x", c1 );
+      if( !control ) {
+         out.append( text.substr( i, n ) );
+      } else if( *control == '\n' || *control == '\t' || *control == '\r' ) {
+         out += *control == '\n' ? "\\n" : *control == '\t' ? "\\t" : "\\r";
+      } else if( n == 2 ) {
+         std::snprintf( buf, sizeof buf, "\\u%04x", *control );
          out += buf;
       } else {
-         out.append( text.substr( i, n ) );
+         std::snprintf( buf, sizeof buf, "\\x%02x", *control );
+         out += buf;
       }
       i += n == 0 ? 1 : n;
    }

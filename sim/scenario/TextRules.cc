@@ -25,6 +25,15 @@ std::size_t utf8SequenceAt( std::string_view text, std::size_t i ) {
    return more + 1;
 }
 
+std::optional< unsigned > controlCharAt( std::string_view text, std::size_t i, std::size_t n ) {
+   auto const lead = static_cast< unsigned char >( text[ i ] );
+   if( n == 1 && ( lead < 0x20 || lead == 0x7f ) ) return lead;
+   // C1 controls are U+0080 to U+009F: 0xc2 then 0x80 to 0x9f.
+   auto const next = n == 2 ? static_cast< unsigned char >( text[ i + 1 ] ) : 0u;
+   if( lead == 0xc2 && next >= 0x80 && next <= 0x9f ) return next;
+   return std::nullopt;
+}
+
 std::optional< std::string > textProblem( std::string_view text ) {
    char buf[ 64 ];
    for( std::size_t i = 0; i < text.size(); ) {
@@ -35,11 +44,9 @@ std::optional< std::string > textProblem( std::string_view text ) {
                         i + 1 );
          return buf;
       }
-      // C1 controls are U+0080 to U+009F: 0xc2 then 0x80 to 0x9f.
-      unsigned const c1 = lead == 0xc2 ? static_cast< unsigned char >( text[ i + 1 ] ) : 0;
-      if( lead < 0x20 || lead == 0x7f || ( c1 >= 0x80 && c1 <= 0x9f ) ) {
-         std::snprintf( buf, sizeof buf, "holds a control character (U+%04X at byte %zu)",
-                        c1 != 0 ? c1 : unsigned( lead ), i + 1 );
+      if( auto const control = controlCharAt( text, i, n ) ) {
+         std::snprintf( buf, sizeof buf, "holds a control character (U+%04X at byte %zu)", *control,
+                        i + 1 );
          return buf;
       }
       i += n;

@@ -13,6 +13,10 @@ namespace Sim {
 // surrogate, nothing past U+10FFFF.
 std::size_t utf8SequenceAt( std::string_view text, std::size_t i );
 
+// The code point of the control character (C0, DEL or C1) that the well-formed UTF-8 sequence of
+// `n` bytes at `i` is, or nothing.
+std::optional< unsigned > controlCharAt( std::string_view text, std::size_t i, std::size_t n );
+
 // What keeps `text` from being a name or a text of a scenario, or nothing: it must be UTF-8
 // without control characters (C0, DEL and C1), so that each report writes it back as one piece.
 std::optional< std::string > textProblem( std::string_view text );
