@@ -21,11 +21,11 @@
 #include <utility>
 #include <vector>
 
+#include "NevQos/platform/nev/AclFragMap.h"
+#include "NevQos/platform/nev/AclIpRuleCreateData.h"
+#include "NevQos/sim/classbench/ClassBench.h"
 #include "NevQos/types/QosClassData.h"
 #include "bench/support/BenchAgent.h"
-#include "nev/AclFragMap.h"
-#include "nev/AclIpRuleCreateData.h"
-#include "sim/classbench/ClassBench.h"
 
 namespace {
 

@@ -15,8 +15,8 @@
 #include <string>
 #include <vector>
 
+#include "NevQos/sim/classbench/ClassBench.h"
 #include "bench/support/BenchAgent.h"
-#include "sim/classbench/ClassBench.h"
 
 namespace {
 

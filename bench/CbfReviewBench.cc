@@ -12,9 +12,9 @@
 #include <vector>
 
 #include "NevQos/cbf/CbfFecMappingSm.h"
-#include "zub/ActivityManager.h"
-#include "zub/Log.h"
-#include "zub/Pool.h"
+#include "NevQos/platform/zub/ActivityManager.h"
+#include "NevQos/platform/zub/Log.h"
+#include "NevQos/platform/zub/Pool.h"
 
 namespace {
 

@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
+#include "NevQos/sim/classbench/ClassBench.h"
 #include "NevQos/types/QosClassData.h"
 #include "bench/support/BenchAgent.h"
-#include "sim/classbench/ClassBench.h"
 
 namespace {
 

@@ -15,11 +15,11 @@
 #include <new>
 #include <string>
 
+#include "NevQos/platform/zub/PoolUsage.h"
+#include "NevQos/sim/runner/SimSwitch.h"
+#include "NevQos/sim/scenario/ScenarioLoader.h"
 #include "bench/support/BenchAgent.h"
 #include "bench/support/ProcessMemory.h"
-#include "sim/runner/SimSwitch.h"
-#include "sim/scenario/ScenarioLoader.h"
-#include "zub/PoolUsage.h"
 
 namespace {
 

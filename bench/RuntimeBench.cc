@@ -6,8 +6,8 @@
 #include <map>
 #include <vector>
 
-#include "zub/ActivityManager.h"
-#include "zub/Entity.h"
+#include "NevQos/platform/zub/ActivityManager.h"
+#include "NevQos/platform/zub/Entity.h"
 
 namespace {
 

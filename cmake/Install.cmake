@@ -1,22 +1,57 @@
 # Install the library with a CMake package config so that a driver project can use
 #    find_package( NevQos ) and target_link_libraries( agent NevQos::nevqos ),
-# or NevQos::contract for a driver's own library, which needs the helper contract alone.
+# NevQos::contract for a driver's own library, which needs the helper contract alone, and
+# NevQos::chip, the reference chip, to stand in for its own in tests. The scenario runner's
+# libraries read YAML and write JSON, so they come with the component `runner`:
+#    find_package( NevQos 0.2 REQUIRED COMPONENTS runner ) and NevQos::runner.
+# Every header is installed under include/NevQos/, the one folder a consumer's include path gains:
+# the library's own folders as they are, the platform's under NevQos/platform/ and the
+# simulator's under NevQos/sim/, the names the sources include them by.
 include( GNUInstallDirs )
 include( CMakePackageConfigHelpers )
 
-install( TARGETS nevqos_platform nevqos_contract nevqos EXPORT NevQosTargets
+set( NEVQOS_PACKAGE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/NevQos )
+
+# The simulator's libraries: their names in the package and as files.
+foreach( part chip recording scenario runner classbench )
+   set_target_properties( nevqos_${part} PROPERTIES EXPORT_NAME ${part} )
+endforeach()
+set_target_properties( nevqos_chip PROPERTIES OUTPUT_NAME NevQosChip )
+set_target_properties( nevqos_recording PROPERTIES OUTPUT_NAME NevQosRecording )
+set_target_properties( nevqos_scenario PROPERTIES OUTPUT_NAME NevQosScenario )
+set_target_properties( nevqos_runner PROPERTIES OUTPUT_NAME NevQosRunner )
+set_target_properties( nevqos_classbench PROPERTIES OUTPUT_NAME NevQosClassBench )
+set_target_properties( nevqos_platform PROPERTIES EXPORT_NAME platform )
+set_target_properties( nevqos_contract PROPERTIES EXPORT_NAME contract )
+set_target_properties( nevqos PROPERTIES EXPORT_NAME nevqos )
+foreach( part chip recording scenario runner classbench )
+   target_include_directories( nevqos_${part} PUBLIC $<INSTALL_INTERFACE:include> )
+endforeach()
+
+install( TARGETS nevqos_platform nevqos_contract nevqos nevqos_chip EXPORT NevQosTargets
          ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
          LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} )
+install( TARGETS nevqos_classbench nevqos_recording nevqos_scenario nevqos_runner
+         EXPORT NevQosRunnerTargets
+         ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} )
+install( TARGETS nevqos-sim RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} )
+
 install( DIRECTORY ${PROJECT_SOURCE_DIR}/NevQos/ DESTINATION include/NevQos
          FILES_MATCHING PATTERN "*.h" )
 install( DIRECTORY ${PROJECT_SOURCE_DIR}/platform/ DESTINATION include/NevQos/platform
          FILES_MATCHING PATTERN "*.h" )
-install( EXPORT NevQosTargets NAMESPACE NevQos:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/NevQos )
+install( DIRECTORY ${PROJECT_SOURCE_DIR}/sim/chip ${PROJECT_SOURCE_DIR}/sim/classbench
+                   ${PROJECT_SOURCE_DIR}/sim/recording ${PROJECT_SOURCE_DIR}/sim/scenario
+                   ${PROJECT_SOURCE_DIR}/sim/runner
+         DESTINATION include/NevQos/sim FILES_MATCHING PATTERN "*.h" )
+
+install( EXPORT NevQosTargets NAMESPACE NevQos:: DESTINATION ${NEVQOS_PACKAGE_DIR} )
+install( EXPORT NevQosRunnerTargets NAMESPACE NevQos:: DESTINATION ${NEVQOS_PACKAGE_DIR} )
 
 configure_package_config_file( ${PROJECT_SOURCE_DIR}/cmake/NevQosConfig.cmake.in
    ${PROJECT_BINARY_DIR}/NevQosConfig.cmake
-   INSTALL_DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/NevQos )
+   INSTALL_DESTINATION ${NEVQOS_PACKAGE_DIR} )
 write_basic_package_version_file( ${PROJECT_BINARY_DIR}/NevQosConfigVersion.cmake
    VERSION ${PROJECT_VERSION} COMPATIBILITY SameMinorVersion )
 install( FILES ${PROJECT_BINARY_DIR}/NevQosConfig.cmake ${PROJECT_BINARY_DIR}/NevQosConfigVersion.cmake
-         DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/NevQos )
+         DESTINATION ${NEVQOS_PACKAGE_DIR} )

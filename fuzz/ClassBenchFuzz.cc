@@ -9,9 +9,9 @@
 #include <string>
 #include <vector>
 
-#include "mirel/RangeMaskGen.h"
-#include "sim/classbench/ClassBench.h"
-#include "zub/Exception.h"
+#include "NevQos/platform/mirel/RangeMaskGen.h"
+#include "NevQos/platform/zub/Exception.h"
+#include "NevQos/sim/classbench/ClassBench.h"
 
 namespace {
 

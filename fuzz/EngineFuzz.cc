@@ -16,9 +16,9 @@
 #include <string_view>
 #include <variant>
 
-#include "sim/checks/CheckedRun.h"
-#include "sim/scenario/ScenarioError.h"
-#include "sim/scenario/ScenarioLoader.h"
+#include "NevQos/sim/checks/CheckedRun.h"
+#include "NevQos/sim/scenario/ScenarioError.h"
+#include "NevQos/sim/scenario/ScenarioLoader.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "sim/scenario/ScenarioLoader.h"
+#include "NevQos/sim/scenario/ScenarioLoader.h"
 
 extern "C" int LLVMFuzzerTestOneInput( std::uint8_t const* data, std::size_t size ) {
    std::string const text( reinterpret_cast< char const* >( data ), size );

@@ -15,6 +15,11 @@
 #include <string_view>
 #include <type_traits>
 
+#include "NevQos/platform/entities/QosTypes.h"
+#include "NevQos/platform/mirel/IntfId.h"
+#include "NevQos/platform/nev/AclKey.h"
+#include "NevQos/platform/zub/Exception.h"
+#include "NevQos/platform/zub/Strep.h"
 #include "NevQos/policy/QosPolicyUpdateRequest.h"
 #include "NevQos/types/IntfUpdateCallbackData.h"
 #include "NevQos/types/L2ParamsInfo.h"
@@ -22,11 +27,6 @@
 #include "NevQos/types/QosClassMapKey.h"
 #include "NevQos/types/QosPolicyMapKey.h"
 #include "NevQos/types/TcpFlag.h"
-#include "entities/QosTypes.h"
-#include "mirel/IntfId.h"
-#include "nev/AclKey.h"
-#include "zub/Exception.h"
-#include "zub/Strep.h"
 
 namespace {
 

@@ -3,10 +3,10 @@
 #include <cstdint>
 
 #include "NevQos/log/TraceHandles.h"
-#include "mirel/IntfId.h"
-#include "zub/Assert.h"
-#include "zub/Exception.h"
-#include "zub/Fleelog.h"
+#include "NevQos/platform/mirel/IntfId.h"
+#include "NevQos/platform/zub/Assert.h"
+#include "NevQos/platform/zub/Exception.h"
+#include "NevQos/platform/zub/Fleelog.h"
 
 namespace Nev {
 

@@ -8,10 +8,10 @@
 
 #include <tuple>
 
-#include "entities/CounterConfig.h"
-#include "entities/EthPhyIntfStatus.h"
-#include "entities/SliceHwStatus.h"
-#include "zub/Attribute.h"
+#include "NevQos/platform/entities/CounterConfig.h"
+#include "NevQos/platform/entities/EthPhyIntfStatus.h"
+#include "NevQos/platform/entities/SliceHwStatus.h"
+#include "NevQos/platform/zub/Attribute.h"
 
 namespace Nev {
 

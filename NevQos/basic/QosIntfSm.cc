@@ -2,8 +2,8 @@
 
 #include "NevQos/basic/QosBasicSm.h"
 #include "NevQos/log/TraceHandles.h"
-#include "zub/Assert.h"
-#include "zub/Fleelog.h"
+#include "NevQos/platform/zub/Assert.h"
+#include "NevQos/platform/zub/Fleelog.h"
 
 namespace Nev {
 

@@ -9,9 +9,9 @@
 #include <tuple>
 
 #include "NevQos/basic/QosIntfTxQueueSm.h"
-#include "entities/EthPhyIntfStatus.h"
-#include "entities/IntfStatus.h"
-#include "zub/Attribute.h"
+#include "NevQos/platform/entities/EthPhyIntfStatus.h"
+#include "NevQos/platform/entities/IntfStatus.h"
+#include "NevQos/platform/zub/Attribute.h"
 
 namespace Nev {
 

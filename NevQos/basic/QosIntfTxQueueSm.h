@@ -10,10 +10,10 @@
 
 #include <tuple>
 
-#include "entities/HwStatus.h"
-#include "entities/IntfStatus.h"
-#include "entities/QosTypes.h"
-#include "zub/Attribute.h"
+#include "NevQos/platform/entities/HwStatus.h"
+#include "NevQos/platform/entities/IntfStatus.h"
+#include "NevQos/platform/entities/QosTypes.h"
+#include "NevQos/platform/zub/Attribute.h"
 
 namespace Nev {
 

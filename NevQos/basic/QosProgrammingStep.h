@@ -12,9 +12,9 @@
 #include <type_traits>
 #include <utility>
 
-#include "entities/QosStatus.h"
-#include "entities/QosTypes.h"
-#include "entities/SliceHwStatus.h"
+#include "NevQos/platform/entities/QosStatus.h"
+#include "NevQos/platform/entities/QosTypes.h"
+#include "NevQos/platform/entities/SliceHwStatus.h"
 
 namespace Nev {
 

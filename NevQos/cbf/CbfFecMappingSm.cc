@@ -6,9 +6,9 @@
 
 #include "NevQos/log/QosLogHandles.h"
 #include "NevQos/log/TraceHandles.h"
-#include "zub/Assert.h"
-#include "zub/Fleelog.h"
-#include "zub/Log.h"
+#include "NevQos/platform/zub/Assert.h"
+#include "NevQos/platform/zub/Fleelog.h"
+#include "NevQos/platform/zub/Log.h"
 
 namespace Nev {
 

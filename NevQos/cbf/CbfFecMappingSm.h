@@ -21,14 +21,14 @@
 #include <unordered_map>
 
 #include "NevQos/helpers/CbfFecMappingHelper.h"
+#include "NevQos/platform/entities/FecOverride.h"
+#include "NevQos/platform/kesh/TimerTask.h"
+#include "NevQos/platform/nev/FecIdToHwFecId.h"
+#include "NevQos/platform/nev/VerifyData.h"
+#include "NevQos/platform/zub/Attribute.h"
+#include "NevQos/platform/zub/Collection.h"
+#include "NevQos/platform/zub/Pool.h"
 #include "NevQos/types/CbfFecMap.h"
-#include "entities/FecOverride.h"
-#include "kesh/TimerTask.h"
-#include "nev/FecIdToHwFecId.h"
-#include "nev/VerifyData.h"
-#include "zub/Attribute.h"
-#include "zub/Collection.h"
-#include "zub/Pool.h"
 
 namespace Nev {
 

@@ -1,8 +1,8 @@
 #include "NevQos/classes/QosActionSm.h"
 
+#include "NevQos/platform/zub/Assert.h"
 #include "NevQos/policy/QosAclSm.h"
 #include "NevQos/policy/QosPolicyMapSm.h"
-#include "zub/Assert.h"
 
 namespace Nev {
 

@@ -6,11 +6,11 @@
 // action's record (QosClassActionData), whose value is fixed with the machine.
 #pragma once
 
+#include "NevQos/platform/entities/AclSliceHwStatus.h"
+#include "NevQos/platform/entities/PolicyMapStatus.h"
+#include "NevQos/platform/zub/Ptr.h"
 #include "NevQos/types/QosClassData.h"
 #include "NevQos/types/QosClassMapKey.h"
-#include "entities/AclSliceHwStatus.h"
-#include "entities/PolicyMapStatus.h"
-#include "zub/Ptr.h"
 
 namespace Nev {
 

@@ -3,10 +3,10 @@
 #include "NevQos/helpers/QosAclHelper.h"
 #include "NevQos/log/QosLogHandles.h"
 #include "NevQos/log/TraceHandles.h"
+#include "NevQos/platform/zub/Assert.h"
+#include "NevQos/platform/zub/Log.h"
 #include "NevQos/policy/QosAclSm.h"
 #include "NevQos/policy/QosPolicyMapSm.h"
-#include "zub/Assert.h"
-#include "zub/Log.h"
 
 namespace Nev {
 

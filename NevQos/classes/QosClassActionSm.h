@@ -6,8 +6,8 @@
 #pragma once
 
 #include "NevQos/classes/QosActionSm.h"
-#include "zub/Assert.h"
-#include "zub/Attribute.h"
+#include "NevQos/platform/zub/Assert.h"
+#include "NevQos/platform/zub/Attribute.h"
 
 namespace Nev {
 

@@ -1,7 +1,7 @@
 #include "NevQos/classes/QosColourActionSm.h"
 
 #include "NevQos/classes/QosClassActionSm.h"
-#include "zub/Assert.h"
+#include "NevQos/platform/zub/Assert.h"
 
 namespace Nev {
 

@@ -1,7 +1,7 @@
 #include "NevQos/classes/QosColourClassActionSm.h"
 
+#include "NevQos/platform/zub/Assert.h"
 #include "NevQos/policy/QosAclSm.h"
-#include "zub/Assert.h"
 
 namespace Nev {
 

@@ -1,9 +1,9 @@
 #include "NevQos/classes/QosCountActionSm.h"
 
 #include "NevQos/helpers/QosAclHelper.h"
+#include "NevQos/platform/zub/Assert.h"
 #include "NevQos/policy/QosAclSm.h"
 #include "NevQos/policy/QosPolicyMapSm.h"
-#include "zub/Assert.h"
 
 namespace Nev {
 

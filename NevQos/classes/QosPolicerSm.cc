@@ -5,12 +5,12 @@
 #include "NevQos/helpers/QosAclHelper.h"
 #include "NevQos/log/QosLogHandles.h"
 #include "NevQos/log/TraceHandles.h"
+#include "NevQos/platform/nev/AclData.h"
+#include "NevQos/platform/zub/Assert.h"
+#include "NevQos/platform/zub/Log.h"
 #include "NevQos/policy/QosAclSm.h"
 #include "NevQos/policy/QosPolicyMapSm.h"
 #include "NevQos/types/Rates.h"
-#include "nev/AclData.h"
-#include "zub/Assert.h"
-#include "zub/Log.h"
 
 namespace Nev {
 

@@ -9,13 +9,13 @@
 
 #include "NevQos/classes/QosClassActionSm.h"
 #include "NevQos/match/QosClassMatchSm.h"
+#include "NevQos/platform/entities/AclSliceHwStatus.h"
+#include "NevQos/platform/entities/ClassMapStatus.h"
+#include "NevQos/platform/entities/PolicyMapStatus.h"
+#include "NevQos/platform/zub/Attribute.h"
 #include "NevQos/types/QosClassConfig.h"
 #include "NevQos/types/QosClassData.h"
 #include "NevQos/types/QosClassMapKey.h"
-#include "entities/AclSliceHwStatus.h"
-#include "entities/ClassMapStatus.h"
-#include "entities/PolicyMapStatus.h"
-#include "zub/Attribute.h"
 
 namespace Nev {
 

@@ -2,9 +2,9 @@
 
 #include "NevQos/log/QosLogHandles.h"
 #include "NevQos/log/TraceHandles.h"
-#include "nev/NevCommonSmData.h"
-#include "zub/Assert.h"
-#include "zub/Format.h"
+#include "NevQos/platform/nev/NevCommonSmData.h"
+#include "NevQos/platform/zub/Assert.h"
+#include "NevQos/platform/zub/Format.h"
 
 namespace Nev {
 

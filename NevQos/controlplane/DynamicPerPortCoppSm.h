@@ -7,12 +7,12 @@
 #include <cstdint>
 
 #include "NevQos/helpers/QosAclHelper.h"
-#include "kesh/TimerWheel.h"
-#include "nev/KernelCoPPStatus.h"
-#include "nev/ModIdPortQueueKey.h"
-#include "nev/NevBaseSm.h"
-#include "zub/Attribute.h"
-#include "zub/LinkQueue.h"
+#include "NevQos/platform/kesh/TimerWheel.h"
+#include "NevQos/platform/nev/KernelCoPPStatus.h"
+#include "NevQos/platform/nev/ModIdPortQueueKey.h"
+#include "NevQos/platform/nev/NevBaseSm.h"
+#include "NevQos/platform/zub/Attribute.h"
+#include "NevQos/platform/zub/LinkQueue.h"
 
 namespace Nev {
 

@@ -1,7 +1,7 @@
 #include "NevQos/controlplane/QosKernelStatusSm.h"
 
 #include "NevQos/log/TraceHandles.h"
-#include "nev/NevCommonSmData.h"
+#include "NevQos/platform/nev/NevCommonSmData.h"
 
 namespace Nev {
 

@@ -5,12 +5,12 @@
 // made before it.
 #pragma once
 
-#include "entities/HwStatus.h"
-#include "entities/QosStatus.h"
-#include "entities/QosTypes.h"
-#include "nev/NevBaseSm.h"
-#include "nev/PktDrvInterface.h"
-#include "zub/Attribute.h"
+#include "NevQos/platform/entities/HwStatus.h"
+#include "NevQos/platform/entities/QosStatus.h"
+#include "NevQos/platform/entities/QosTypes.h"
+#include "NevQos/platform/nev/NevBaseSm.h"
+#include "NevQos/platform/nev/PktDrvInterface.h"
+#include "NevQos/platform/zub/Attribute.h"
 
 namespace Nev {
 

@@ -1,6 +1,6 @@
 #include "NevQos/helpers/CbfFecMappingHelper.h"
 
-#include "nev/NevAssert.h"
+#include "NevQos/platform/nev/NevAssert.h"
 
 namespace NevHelper {
 

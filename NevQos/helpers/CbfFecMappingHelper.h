@@ -16,10 +16,10 @@
 #include <cstdint>
 #include <vector>
 
+#include "NevQos/platform/entities/FecOverride.h"
+#include "NevQos/platform/nev/NevBaseHelper.h"
 #include "NevQos/types/CbfFecMap.h"
 #include "NevQos/types/CbfFecMappingUpdateStatus.h"
-#include "entities/FecOverride.h"
-#include "nev/NevBaseHelper.h"
 
 namespace NevHelper {
 

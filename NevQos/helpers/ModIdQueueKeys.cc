@@ -2,7 +2,7 @@
 
 #include <ostream>
 
-#include "zub/Strep.h"
+#include "NevQos/platform/zub/Strep.h"
 
 namespace Nev {
 

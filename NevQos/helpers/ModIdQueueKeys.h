@@ -6,9 +6,9 @@
 #include <cstdint>
 #include <iosfwd>
 
-#include "nev/ModIdPortQueueKey.h"
-#include "zub/Format.h"
-#include "zub/String.h"
+#include "NevQos/platform/nev/ModIdPortQueueKey.h"
+#include "NevQos/platform/zub/Format.h"
+#include "NevQos/platform/zub/String.h"
 
 namespace Nev {
 

@@ -2,10 +2,10 @@
 
 #include <utility>
 
+#include "NevQos/platform/nev/NevAssert.h"
+#include "NevQos/platform/zub/Assert.h"
+#include "NevQos/platform/zub/Format.h"
 #include "NevQos/types/Rates.h"
-#include "nev/NevAssert.h"
-#include "zub/Assert.h"
-#include "zub/Format.h"
 
 namespace NevHelper {
 

@@ -2,8 +2,8 @@
 
 #include <utility>
 
-#include "nev/NevAssert.h"
-#include "zub/Assert.h"
+#include "NevQos/platform/nev/NevAssert.h"
+#include "NevQos/platform/zub/Assert.h"
 
 namespace NevHelper {
 

@@ -15,16 +15,16 @@
 
 #include <cstdint>
 
-#include "entities/HwStatus.h"
-#include "entities/IntfStatus.h"
-#include "entities/QosStatus.h"
-#include "entities/QosTypes.h"
-#include "entities/QueueSettings.h"
-#include "entities/SliceHwStatus.h"
-#include "mirel/IntfId.h"
-#include "nev/NevBaseHelper.h"
-#include "zub/Entity.h"
-#include "zub/String.h"
+#include "NevQos/platform/entities/HwStatus.h"
+#include "NevQos/platform/entities/IntfStatus.h"
+#include "NevQos/platform/entities/QosStatus.h"
+#include "NevQos/platform/entities/QosTypes.h"
+#include "NevQos/platform/entities/QueueSettings.h"
+#include "NevQos/platform/entities/SliceHwStatus.h"
+#include "NevQos/platform/mirel/IntfId.h"
+#include "NevQos/platform/nev/NevBaseHelper.h"
+#include "NevQos/platform/zub/Entity.h"
+#include "NevQos/platform/zub/String.h"
 
 namespace NevHelper {
 

@@ -7,7 +7,7 @@
 // resources is later programmed whole.
 #pragma once
 
-#include "zub/Log.h"
+#include "NevQos/platform/zub/Log.h"
 
 namespace Nev {
 

@@ -1,7 +1,7 @@
 // The trace sources of the library. Each is a global object built at load, off until enabled.
 #pragma once
 
-#include "zub/Trace.h"
+#include "NevQos/platform/zub/Trace.h"
 
 namespace Nev {
 

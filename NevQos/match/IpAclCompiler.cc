@@ -3,8 +3,8 @@
 #include "NevQos/helpers/QosAclHelper.h"
 #include "NevQos/log/QosLogHandles.h"
 #include "NevQos/log/TraceHandles.h"
-#include "zub/Assert.h"
-#include "zub/Log.h"
+#include "NevQos/platform/zub/Assert.h"
+#include "NevQos/platform/zub/Log.h"
 
 namespace Nev {
 

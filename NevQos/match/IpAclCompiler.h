@@ -5,15 +5,15 @@
 
 #include <cstdint>
 
+#include "NevQos/platform/entities/AclConfig.h"
+#include "NevQos/platform/entities/AclRuleConfig.h"
+#include "NevQos/platform/nev/AclData.h"
+#include "NevQos/platform/nev/AclIpRuleCreateData.h"
+#include "NevQos/platform/nev/AclKey.h"
+#include "NevQos/platform/zub/String.h"
 #include "NevQos/types/AclCreateError.h"
 #include "NevQos/types/QosClassData.h"
 #include "NevQos/types/QosPolicyMapState.h"
-#include "entities/AclConfig.h"
-#include "entities/AclRuleConfig.h"
-#include "nev/AclData.h"
-#include "nev/AclIpRuleCreateData.h"
-#include "nev/AclKey.h"
-#include "zub/String.h"
 
 namespace NevHelper {
 class QosAclHelper;

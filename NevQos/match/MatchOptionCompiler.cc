@@ -3,11 +3,11 @@
 #include "NevQos/helpers/QosAclHelper.h"
 #include "NevQos/log/QosLogHandles.h"
 #include "NevQos/log/TraceHandles.h"
+#include "NevQos/platform/mirel/RangeMaskGen.h"
+#include "NevQos/platform/zub/Assert.h"
+#include "NevQos/platform/zub/Log.h"
 #include "NevQos/policy/QosAclSm.h"
 #include "NevQos/policy/QosPolicyMapSm.h"
-#include "mirel/RangeMaskGen.h"
-#include "zub/Assert.h"
-#include "zub/Log.h"
 
 namespace Nev {
 

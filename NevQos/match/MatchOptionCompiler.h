@@ -14,15 +14,15 @@
 #include <utility>
 #include <vector>
 
+#include "NevQos/platform/entities/AclRuleConfig.h"
+#include "NevQos/platform/entities/ClassMapMatchValues.h"
+#include "NevQos/platform/entities/ClassMapStatus.h"
+#include "NevQos/platform/nev/AclData.h"
+#include "NevQos/platform/nev/AclKey.h"
+#include "NevQos/platform/zub/Ptr.h"
 #include "NevQos/types/AclCreateError.h"
 #include "NevQos/types/L2ParamsInfo.h"
 #include "NevQos/types/QosClassData.h"
-#include "entities/AclRuleConfig.h"
-#include "entities/ClassMapMatchValues.h"
-#include "entities/ClassMapStatus.h"
-#include "nev/AclData.h"
-#include "nev/AclKey.h"
-#include "zub/Ptr.h"
 
 namespace Nev {
 

@@ -4,9 +4,9 @@
 #include "NevQos/log/QosLogHandles.h"
 #include "NevQos/match/IpAclCompiler.h"
 #include "NevQos/match/QosClassMatchSm.h"
+#include "NevQos/platform/zub/Log.h"
 #include "NevQos/policy/QosAclSm.h"
 #include "NevQos/policy/QosPolicyMapSm.h"
-#include "zub/Log.h"
 
 namespace Nev {
 

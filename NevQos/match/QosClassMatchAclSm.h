@@ -10,9 +10,9 @@
 #include <vector>
 
 #include "NevQos/match/QosClassMatchChildSm.h"
+#include "NevQos/platform/entities/AclConfig.h"
+#include "NevQos/platform/mirel/RangeMaskGen.h"
 #include "NevQos/types/AclCreateError.h"
-#include "entities/AclConfig.h"
-#include "mirel/RangeMaskGen.h"
 
 namespace Nev {
 

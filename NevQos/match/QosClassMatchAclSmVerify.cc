@@ -9,13 +9,13 @@
 #include "NevQos/match/IpAclCompiler.h"
 #include "NevQos/match/QosClassMatchAclSm.h"
 #include "NevQos/match/QosClassMatchSm.h"
+#include "NevQos/platform/nev/AclFragMap.h"
+#include "NevQos/platform/nev/AclIpRuleCreateData.h"
+#include "NevQos/platform/zub/Assert.h"
+#include "NevQos/platform/zub/Exception.h"
+#include "NevQos/platform/zub/Format.h"
 #include "NevQos/policy/QosAclSm.h"
 #include "NevQos/policy/QosPolicyMapSm.h"
-#include "nev/AclFragMap.h"
-#include "nev/AclIpRuleCreateData.h"
-#include "zub/Assert.h"
-#include "zub/Exception.h"
-#include "zub/Format.h"
 
 namespace Nev {
 

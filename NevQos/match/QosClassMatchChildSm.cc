@@ -3,10 +3,10 @@
 #include "NevQos/helpers/QosAclHelper.h"
 #include "NevQos/log/TraceHandles.h"
 #include "NevQos/match/QosClassMatchSm.h"
+#include "NevQos/platform/zub/Assert.h"
+#include "NevQos/platform/zub/Format.h"
 #include "NevQos/policy/QosAclSm.h"
 #include "NevQos/policy/QosPolicyMapSm.h"
-#include "zub/Assert.h"
-#include "zub/Format.h"
 
 namespace Nev {
 

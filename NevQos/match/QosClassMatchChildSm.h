@@ -6,14 +6,14 @@
 
 #include <cstdint>
 
+#include "NevQos/platform/entities/QosTypes.h"
+#include "NevQos/platform/nev/AclData.h"
+#include "NevQos/platform/nev/AclKey.h"
+#include "NevQos/platform/nev/VerifyData.h"
+#include "NevQos/platform/zub/Ptr.h"
 #include "NevQos/policy/QosPolicyUpdateRequest.h"
 #include "NevQos/types/QosClassCounterData.h"
 #include "NevQos/types/QosClassData.h"
-#include "entities/QosTypes.h"
-#include "nev/AclData.h"
-#include "nev/AclKey.h"
-#include "nev/VerifyData.h"
-#include "zub/Ptr.h"
 
 namespace NevHelper {
 class QosAclHelper;

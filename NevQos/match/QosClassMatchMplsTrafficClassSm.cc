@@ -3,8 +3,8 @@
 #include "NevQos/helpers/QosAclHelper.h"
 #include "NevQos/match/MatchOptionCompiler.h"
 #include "NevQos/match/QosClassMatchSm.h"
+#include "NevQos/platform/zub/Format.h"
 #include "NevQos/policy/QosPolicyMapSm.h"
-#include "zub/Format.h"
 
 namespace Nev {
 

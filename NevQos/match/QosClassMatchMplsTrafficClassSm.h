@@ -4,8 +4,8 @@
 #include <cstdint>
 
 #include "NevQos/match/QosClassMatchChildSm.h"
+#include "NevQos/platform/zub/String.h"
 #include "NevQos/types/QosPMapAclTypes.h"
-#include "zub/String.h"
 
 namespace Nev {
 

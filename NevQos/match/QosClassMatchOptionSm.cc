@@ -3,9 +3,9 @@
 #include "NevQos/helpers/QosAclHelper.h"
 #include "NevQos/match/MatchOptionCompiler.h"
 #include "NevQos/match/QosClassMatchSm.h"
+#include "NevQos/platform/zub/Assert.h"
 #include "NevQos/policy/QosAclSm.h"
 #include "NevQos/policy/QosPolicyMapSm.h"
-#include "zub/Assert.h"
 
 namespace Nev {
 

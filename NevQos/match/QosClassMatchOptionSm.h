@@ -5,8 +5,8 @@
 #include <cstdint>
 
 #include "NevQos/match/QosClassMatchChildSm.h"
+#include "NevQos/platform/zub/String.h"
 #include "NevQos/types/QosPMapAclTypes.h"
-#include "zub/String.h"
 
 namespace Nev {
 

@@ -2,9 +2,9 @@
 
 #include "NevQos/helpers/QosAclHelper.h"
 #include "NevQos/log/TraceHandles.h"
+#include "NevQos/platform/zub/Assert.h"
 #include "NevQos/policy/QosAclSm.h"
 #include "NevQos/policy/QosPolicyMapSm.h"
-#include "zub/Assert.h"
 
 namespace Nev {
 

@@ -11,16 +11,16 @@
 #include "NevQos/match/QosClassMatchDefaultSm.h"
 #include "NevQos/match/QosClassMatchMplsTrafficClassSm.h"
 #include "NevQos/match/QosClassMatchOptionSm.h"
+#include "NevQos/platform/entities/ClassMapStatus.h"
+#include "NevQos/platform/entities/QosTypes.h"
+#include "NevQos/platform/nev/AclKey.h"
+#include "NevQos/platform/zub/Attribute.h"
 #include "NevQos/policy/QosPolicyMapClassData.h"
 #include "NevQos/policy/QosPolicyUpdateRequest.h"
 #include "NevQos/types/QosClassConfig.h"
 #include "NevQos/types/QosClassCounterData.h"
 #include "NevQos/types/QosClassData.h"
 #include "NevQos/types/QosClassMapKey.h"
-#include "entities/ClassMapStatus.h"
-#include "entities/QosTypes.h"
-#include "nev/AclKey.h"
-#include "zub/Attribute.h"
 
 namespace Nev {
 

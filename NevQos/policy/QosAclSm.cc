@@ -4,12 +4,12 @@
 
 #include "NevQos/log/QosLogHandles.h"
 #include "NevQos/log/TraceHandles.h"
+#include "NevQos/platform/nev/AclData.h"
+#include "NevQos/platform/zub/Assert.h"
+#include "NevQos/platform/zub/Fleelog.h"
+#include "NevQos/platform/zub/Log.h"
 #include "NevQos/policy/QosPolicyMapClassData.h"
 #include "NevQos/policy/QosPolicyMapSm.h"
-#include "nev/AclData.h"
-#include "zub/Assert.h"
-#include "zub/Fleelog.h"
-#include "zub/Log.h"
 
 namespace Nev {
 

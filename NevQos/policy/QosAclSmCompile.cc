@@ -6,12 +6,12 @@
 #include "NevQos/log/TraceHandles.h"
 #include "NevQos/match/IpAclCompiler.h"
 #include "NevQos/match/MatchOptionCompiler.h"
+#include "NevQos/platform/nev/AclData.h"
+#include "NevQos/platform/zub/Assert.h"
+#include "NevQos/platform/zub/Log.h"
 #include "NevQos/policy/QosAclSm.h"
 #include "NevQos/policy/QosPolicyMapClassData.h"
 #include "NevQos/policy/QosPolicyMapSm.h"
-#include "nev/AclData.h"
-#include "zub/Assert.h"
-#include "zub/Log.h"
 
 namespace Nev {
 

@@ -2,12 +2,12 @@
 // that must reach the hardware becomes a request here, and one request at a time is turned into
 // helper calls.
 #include "NevQos/log/TraceHandles.h"
+#include "NevQos/platform/nev/AclData.h"
+#include "NevQos/platform/zub/Assert.h"
+#include "NevQos/platform/zub/Fleelog.h"
 #include "NevQos/policy/QosAclSm.h"
 #include "NevQos/policy/QosPolicyMapClassData.h"
 #include "NevQos/policy/QosPolicyMapSm.h"
-#include "nev/AclData.h"
-#include "zub/Assert.h"
-#include "zub/Fleelog.h"
 
 namespace Nev {
 

@@ -3,13 +3,13 @@
 // system log.
 #include "NevQos/log/QosLogHandles.h"
 #include "NevQos/log/TraceHandles.h"
+#include "NevQos/platform/nev/AclData.h"
+#include "NevQos/platform/zub/Assert.h"
+#include "NevQos/platform/zub/Format.h"
+#include "NevQos/platform/zub/Log.h"
 #include "NevQos/policy/QosAclSm.h"
 #include "NevQos/policy/QosPolicyMapClassData.h"
 #include "NevQos/policy/QosPolicyMapSm.h"
-#include "nev/AclData.h"
-#include "zub/Assert.h"
-#include "zub/Format.h"
-#include "zub/Log.h"
 
 namespace Nev {
 

@@ -3,9 +3,9 @@
 
 #include <tuple>
 
-#include "entities/AclTypes.h"
-#include "zub/Attribute.h"
-#include "zub/Ptr.h"
+#include "NevQos/platform/entities/AclTypes.h"
+#include "NevQos/platform/zub/Attribute.h"
+#include "NevQos/platform/zub/Ptr.h"
 
 namespace Nev {
 

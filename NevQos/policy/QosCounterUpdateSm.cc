@@ -1,8 +1,8 @@
 #include "NevQos/policy/QosCounterUpdateSm.h"
 
 #include "NevQos/log/TraceHandles.h"
+#include "NevQos/platform/zub/Assert.h"
 #include "NevQos/policy/QosAclSm.h"
-#include "zub/Assert.h"
 
 namespace Nev {
 

@@ -4,9 +4,9 @@
 // sees either the old time or the finished numbers.
 #pragma once
 
-#include "entities/AclSliceHwStatus.h"
-#include "entities/CounterConfig.h"
-#include "zub/Attribute.h"
+#include "NevQos/platform/entities/AclSliceHwStatus.h"
+#include "NevQos/platform/entities/CounterConfig.h"
+#include "NevQos/platform/zub/Attribute.h"
 
 namespace Nev {
 

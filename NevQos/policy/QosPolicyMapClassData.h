@@ -5,12 +5,12 @@
 
 #include <cstdint>
 
+#include "NevQos/platform/entities/AclConfig.h"
+#include "NevQos/platform/entities/ClassMapStatus.h"
+#include "NevQos/platform/entities/QosTypes.h"
+#include "NevQos/platform/nev/AclKey.h"
+#include "NevQos/platform/zub/Ptr.h"
 #include "NevQos/types/QosClassData.h"
-#include "entities/AclConfig.h"
-#include "entities/ClassMapStatus.h"
-#include "entities/QosTypes.h"
-#include "nev/AclKey.h"
-#include "zub/Ptr.h"
 
 namespace Nev {
 

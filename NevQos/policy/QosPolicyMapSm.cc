@@ -4,10 +4,10 @@
 
 #include "NevQos/log/QosLogHandles.h"
 #include "NevQos/log/TraceHandles.h"
+#include "NevQos/platform/zub/Assert.h"
+#include "NevQos/platform/zub/Format.h"
+#include "NevQos/platform/zub/Log.h"
 #include "NevQos/policy/QosAclSm.h"
-#include "zub/Assert.h"
-#include "zub/Format.h"
-#include "zub/Log.h"
 
 namespace Nev {
 

@@ -7,16 +7,16 @@
 #include <tuple>
 
 #include "NevQos/classes/QosPolicyClassSm.h"
+#include "NevQos/platform/entities/AclSliceHwStatus.h"
+#include "NevQos/platform/entities/ClassMapStatus.h"
+#include "NevQos/platform/entities/PolicyMapStatus.h"
+#include "NevQos/platform/entities/QosTypes.h"
+#include "NevQos/platform/kesh/TimerWheel.h"
+#include "NevQos/platform/zub/Attribute.h"
+#include "NevQos/platform/zub/Entity.h"
 #include "NevQos/types/QosClassMapKey.h"
 #include "NevQos/types/QosPolicyMapKey.h"
 #include "NevQos/types/QosPolicyMapState.h"
-#include "entities/AclSliceHwStatus.h"
-#include "entities/ClassMapStatus.h"
-#include "entities/PolicyMapStatus.h"
-#include "entities/QosTypes.h"
-#include "kesh/TimerWheel.h"
-#include "zub/Attribute.h"
-#include "zub/Entity.h"
 
 namespace Nev {
 

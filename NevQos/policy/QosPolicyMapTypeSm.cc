@@ -1,10 +1,10 @@
 #include "NevQos/policy/QosPolicyMapTypeSm.h"
 
 #include "NevQos/log/TraceHandles.h"
+#include "NevQos/platform/zub/Assert.h"
 #include "NevQos/policy/QosAclSm.h"
 #include "NevQos/policy/QosPolicyMapSm.h"
 #include "NevQos/policy/QosServicePolicySm.h"
-#include "zub/Assert.h"
 
 namespace Nev {
 

@@ -5,10 +5,10 @@
 
 #include <tuple>
 
-#include "entities/PolicyMapStatus.h"
-#include "entities/QosTypes.h"
-#include "zub/Attribute.h"
-#include "zub/Ptr.h"
+#include "NevQos/platform/entities/PolicyMapStatus.h"
+#include "NevQos/platform/entities/QosTypes.h"
+#include "NevQos/platform/zub/Attribute.h"
+#include "NevQos/platform/zub/Ptr.h"
 
 namespace Nev {
 

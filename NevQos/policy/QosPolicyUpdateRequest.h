@@ -6,14 +6,14 @@
 #include <iosfwd>
 #include <utility>
 
+#include "NevQos/platform/entities/QosTypes.h"
+#include "NevQos/platform/nev/AclKey.h"
+#include "NevQos/platform/zub/Ptr.h"
+#include "NevQos/platform/zub/Strep.h"
+#include "NevQos/platform/zub/String.h"
+#include "NevQos/platform/zub/ValueText.h"
 #include "NevQos/policy/QosPolicyMapClassData.h"
 #include "NevQos/types/QosPolicyMapKey.h"
-#include "entities/QosTypes.h"
-#include "nev/AclKey.h"
-#include "zub/Ptr.h"
-#include "zub/Strep.h"
-#include "zub/String.h"
-#include "zub/ValueText.h"
 
 namespace Nev {
 

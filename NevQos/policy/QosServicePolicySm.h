@@ -5,11 +5,11 @@
 
 #include <tuple>
 
+#include "NevQos/platform/entities/QosTypes.h"
+#include "NevQos/platform/entities/ServicePolicyStatus.h"
+#include "NevQos/platform/kesh/TimerWheel.h"
+#include "NevQos/platform/zub/Attribute.h"
 #include "NevQos/policy/QosPolicyMapSm.h"
-#include "entities/QosTypes.h"
-#include "entities/ServicePolicyStatus.h"
-#include "kesh/TimerWheel.h"
-#include "zub/Attribute.h"
 
 namespace Nev {
 

@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "zub/ValueText.h"
+#include "NevQos/platform/zub/ValueText.h"
 
 namespace Nev {
 

@@ -3,9 +3,9 @@
 
 #include <cstdint>
 
+#include "NevQos/platform/entities/FecOverride.h"
+#include "NevQos/platform/zub/Entity.h"
 #include "NevQos/types/OverrideKeySet.h"
-#include "entities/FecOverride.h"
-#include "zub/Entity.h"
 
 namespace Nev {
 

@@ -4,9 +4,9 @@
 
 #include <cstdint>
 
-#include "entities/ClassMapMatchValues.h"
-#include "zub/Entity.h"
-#include "zub/String.h"
+#include "NevQos/platform/entities/ClassMapMatchValues.h"
+#include "NevQos/platform/zub/Entity.h"
+#include "NevQos/platform/zub/String.h"
 
 namespace Nev {
 

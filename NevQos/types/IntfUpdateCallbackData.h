@@ -5,9 +5,9 @@
 #include <cstdint>
 #include <iosfwd>
 
-#include "entities/QosTypes.h"
-#include "zub/Strep.h"
-#include "zub/String.h"
+#include "NevQos/platform/entities/QosTypes.h"
+#include "NevQos/platform/zub/Strep.h"
+#include "NevQos/platform/zub/String.h"
 
 namespace Nev {
 

@@ -2,7 +2,7 @@
 
 #include <ostream>
 
-#include "zub/ValueText.h"
+#include "NevQos/platform/zub/ValueText.h"
 
 namespace Nev {
 

@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <iosfwd>
 
-#include "zub/Strep.h"
-#include "zub/String.h"
+#include "NevQos/platform/zub/Strep.h"
+#include "NevQos/platform/zub/String.h"
 
 namespace Nev {
 

@@ -10,8 +10,8 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "entities/FecOverride.h"
-#include "zub/FlatMap.h"
+#include "NevQos/platform/entities/FecOverride.h"
+#include "NevQos/platform/zub/FlatMap.h"
 
 namespace Nev {
 

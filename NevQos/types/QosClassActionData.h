@@ -1,8 +1,8 @@
 // One action of a class as the rule programming sees it: what to set, and the value.
 #pragma once
 
-#include "entities/QosTypes.h"
-#include "zub/Entity.h"
+#include "NevQos/platform/entities/QosTypes.h"
+#include "NevQos/platform/zub/Entity.h"
 
 namespace Nev {
 

@@ -3,10 +3,10 @@
 // a copy per interface).
 #pragma once
 
+#include "NevQos/platform/entities/ClassMapStatus.h"
+#include "NevQos/platform/entities/PolicyMapStatus.h"
+#include "NevQos/platform/zub/Ptr.h"
 #include "NevQos/types/QosClassMapKey.h"
-#include "entities/ClassMapStatus.h"
-#include "entities/PolicyMapStatus.h"
-#include "zub/Ptr.h"
 
 namespace Nev {
 

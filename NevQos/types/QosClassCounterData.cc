@@ -2,8 +2,8 @@
 
 #include <ostream>
 
-#include "zub/Assert.h"
-#include "zub/Strep.h"
+#include "NevQos/platform/zub/Assert.h"
+#include "NevQos/platform/zub/Strep.h"
 
 namespace Nev {
 

@@ -7,8 +7,8 @@
 #include <iosfwd>
 #include <map>
 
-#include "mirel/IntfId.h"
-#include "zub/String.h"
+#include "NevQos/platform/mirel/IntfId.h"
+#include "NevQos/platform/zub/String.h"
 
 namespace Nev {
 

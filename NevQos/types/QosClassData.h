@@ -5,15 +5,15 @@
 
 #include <cstdint>
 
+#include "NevQos/platform/entities/ClassMapMatchValues.h"
+#include "NevQos/platform/entities/QosTypes.h"
+#include "NevQos/platform/mirel/IntfId.h"
+#include "NevQos/platform/zub/Entity.h"
 #include "NevQos/types/ClassMapMatchL2Params.h"
 #include "NevQos/types/QosClassActionData.h"
 #include "NevQos/types/QosClassDataKey.h"
 #include "NevQos/types/QosClassMatchData.h"
 #include "NevQos/types/QosPolicerData.h"
-#include "entities/ClassMapMatchValues.h"
-#include "entities/QosTypes.h"
-#include "mirel/IntfId.h"
-#include "zub/Entity.h"
 
 namespace Nev {
 

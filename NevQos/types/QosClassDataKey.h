@@ -6,10 +6,10 @@
 #include <iosfwd>
 #include <utility>
 
+#include "NevQos/platform/entities/QosTypes.h"
+#include "NevQos/platform/zub/Strep.h"
+#include "NevQos/platform/zub/String.h"
 #include "NevQos/types/QosPolicyMapKey.h"
-#include "entities/QosTypes.h"
-#include "zub/Strep.h"
-#include "zub/String.h"
 
 namespace Nev {
 

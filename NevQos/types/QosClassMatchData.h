@@ -3,9 +3,9 @@
 
 #include <cstdint>
 
-#include "entities/QosTypes.h"
-#include "nev/AclData.h"
-#include "zub/Entity.h"
+#include "NevQos/platform/entities/QosTypes.h"
+#include "NevQos/platform/nev/AclData.h"
+#include "NevQos/platform/zub/Entity.h"
 
 namespace Nev {
 

@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "zub/ValueText.h"
+#include "NevQos/platform/zub/ValueText.h"
 
 namespace Nev {
 

@@ -5,11 +5,11 @@
 #include <cstdint>
 #include <utility>
 
+#include "NevQos/platform/entities/NamedPolicerStatus.h"
+#include "NevQos/platform/entities/QosUnits.h"
+#include "NevQos/platform/zub/Entity.h"
+#include "NevQos/platform/zub/String.h"
 #include "NevQos/types/QosClassActionData.h"
-#include "entities/NamedPolicerStatus.h"
-#include "entities/QosUnits.h"
-#include "zub/Entity.h"
-#include "zub/String.h"
 
 namespace Nev {
 

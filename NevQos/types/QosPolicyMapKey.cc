@@ -3,7 +3,7 @@
 #include <ostream>
 
 #include "NevQos/log/TraceHandles.h"
-#include "zub/Trace.h"
+#include "NevQos/platform/zub/Trace.h"
 
 namespace Nev {
 

@@ -6,9 +6,9 @@
 #include <iosfwd>
 #include <utility>
 
-#include "entities/QosTypes.h"
-#include "zub/Strep.h"
-#include "zub/String.h"
+#include "NevQos/platform/entities/QosTypes.h"
+#include "NevQos/platform/zub/Strep.h"
+#include "NevQos/platform/zub/String.h"
 
 namespace Nev {
 

@@ -3,10 +3,10 @@
 // map comes back.
 #pragma once
 
+#include "NevQos/platform/entities/QosTypes.h"
+#include "NevQos/platform/zub/Entity.h"
 #include "NevQos/types/QosPMapAclTypes.h"
 #include "NevQos/types/QosPolicyMapKey.h"
-#include "entities/QosTypes.h"
-#include "zub/Entity.h"
 
 namespace Nev {
 

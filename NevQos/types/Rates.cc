@@ -1,8 +1,8 @@
 #include "NevQos/types/Rates.h"
 
 #include "NevQos/log/TraceHandles.h"
-#include "nev/NevAssert.h"
-#include "zub/Assert.h"
+#include "NevQos/platform/nev/NevAssert.h"
+#include "NevQos/platform/zub/Assert.h"
 
 namespace Nev {
 

@@ -12,10 +12,10 @@
 
 #include <cstdint>
 
-#include "entities/AclHwStatus.h"
-#include "entities/PolicyMapStatus.h"
-#include "entities/QosUnits.h"
-#include "zub/Ptr.h"
+#include "NevQos/platform/entities/AclHwStatus.h"
+#include "NevQos/platform/entities/PolicyMapStatus.h"
+#include "NevQos/platform/entities/QosUnits.h"
+#include "NevQos/platform/zub/Ptr.h"
 
 namespace Nev {
 

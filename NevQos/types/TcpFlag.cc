@@ -2,8 +2,8 @@
 
 #include <ostream>
 
-#include "zub/Exception.h"
-#include "zub/ValueText.h"
+#include "NevQos/platform/zub/Exception.h"
+#include "NevQos/platform/zub/ValueText.h"
 
 namespace NevHelper {
 

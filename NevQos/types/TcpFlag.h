@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <iosfwd>
 
-#include "zub/Strep.h"
-#include "zub/String.h"
+#include "NevQos/platform/zub/Strep.h"
+#include "NevQos/platform/zub/String.h"
 
 namespace NevHelper {
 

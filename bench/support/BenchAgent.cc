@@ -3,8 +3,8 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "sim/classbench/ClassBench.h"
-#include "zub/Log.h"
+#include "NevQos/platform/zub/Log.h"
+#include "NevQos/sim/classbench/ClassBench.h"
 
 namespace Bench {
 

@@ -7,10 +7,10 @@
 #include <string>
 #include <vector>
 
+#include "NevQos/platform/entities/AclRuleConfig.h"
+#include "NevQos/platform/zub/ActivityManager.h"
 #include "NevQos/policy/QosAclSm.h"
 #include "bench/support/CountingChip.h"
-#include "entities/AclRuleConfig.h"
-#include "zub/ActivityManager.h"
 
 namespace Bench {
 

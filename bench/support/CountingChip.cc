@@ -2,9 +2,9 @@
 
 #include <utility>
 
-#include "nev/AsyncOperation.h"
-#include "zub/ActivityManager.h"
-#include "zub/Clock.h"
+#include "NevQos/platform/nev/AsyncOperation.h"
+#include "NevQos/platform/zub/ActivityManager.h"
+#include "NevQos/platform/zub/Clock.h"
 
 namespace Bench {
 

@@ -12,7 +12,7 @@
 #include <cstdint>
 
 #include "NevQos/helpers/QosAclHelper.h"
-#include "sim/recording/RecordingQosAclHelper.h"
+#include "NevQos/sim/recording/RecordingQosAclHelper.h"
 
 namespace Bench {
 

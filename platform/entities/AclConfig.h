@@ -4,9 +4,9 @@
 
 #include <cstdint>
 
-#include "entities/AclRuleConfig.h"
-#include "entities/AclTypes.h"
-#include "zub/Entity.h"
+#include "NevQos/platform/entities/AclRuleConfig.h"
+#include "NevQos/platform/entities/AclTypes.h"
+#include "NevQos/platform/zub/Entity.h"
 
 namespace Acl {
 

@@ -4,9 +4,9 @@
 
 #include <cstdint>
 
-#include "entities/NamedPolicerStatus.h"
-#include "zub/Entity.h"
-#include "zub/String.h"
+#include "NevQos/platform/entities/NamedPolicerStatus.h"
+#include "NevQos/platform/zub/Entity.h"
+#include "NevQos/platform/zub/String.h"
 
 namespace Qos {
 

@@ -1,10 +1,10 @@
-#include "entities/AclRuleConfig.h"
+#include "NevQos/platform/entities/AclRuleConfig.h"
 
 #include <algorithm>
 #include <ostream>
 
-#include "zub/Exception.h"
-#include "zub/Format.h"
+#include "NevQos/platform/zub/Exception.h"
+#include "NevQos/platform/zub/Format.h"
 
 namespace Acl {
 

@@ -10,10 +10,10 @@
 #include <iosfwd>
 #include <utility>
 
-#include "mirel/Ip6AddrWithMask.h"
-#include "mirel/IpAddrWithMask.h"
-#include "zub/String.h"
-#include "zub/ValueText.h"
+#include "NevQos/platform/mirel/Ip6AddrWithMask.h"
+#include "NevQos/platform/mirel/IpAddrWithMask.h"
+#include "NevQos/platform/zub/String.h"
+#include "NevQos/platform/zub/ValueText.h"
 
 namespace Acl {
 

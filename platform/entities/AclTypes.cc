@@ -1,4 +1,4 @@
-#include "entities/AclTypes.h"
+#include "NevQos/platform/entities/AclTypes.h"
 
 namespace Acl {
 

@@ -10,10 +10,10 @@
 #include <ostream>
 #include <utility>
 
-#include "entities/AclRuleConfig.h"
-#include "entities/QosTypes.h"
-#include "zub/Entity.h"
-#include "zub/String.h"
+#include "NevQos/platform/entities/AclRuleConfig.h"
+#include "NevQos/platform/entities/QosTypes.h"
+#include "NevQos/platform/zub/Entity.h"
+#include "NevQos/platform/zub/String.h"
 
 namespace Qos {
 

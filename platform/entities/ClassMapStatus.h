@@ -2,10 +2,10 @@
 // each class map its matches, one per match option.
 #pragma once
 
-#include "entities/ClassMapMatchValues.h"
-#include "entities/QosTypes.h"
-#include "zub/Entity.h"
-#include "zub/String.h"
+#include "NevQos/platform/entities/ClassMapMatchValues.h"
+#include "NevQos/platform/entities/QosTypes.h"
+#include "NevQos/platform/zub/Entity.h"
+#include "NevQos/platform/zub/String.h"
 
 namespace Qos {
 

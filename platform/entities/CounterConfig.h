@@ -2,8 +2,8 @@
 // and names the interfaces and queues whose ECN counters it wants.
 #pragma once
 
-#include "entities/QosTypes.h"
-#include "zub/Entity.h"
+#include "NevQos/platform/entities/QosTypes.h"
+#include "NevQos/platform/zub/Entity.h"
 
 namespace Qos {
 

@@ -3,8 +3,8 @@
 
 #include <cstdint>
 
-#include "mirel/IntfId.h"
-#include "zub/Entity.h"
+#include "NevQos/platform/mirel/IntfId.h"
+#include "NevQos/platform/zub/Entity.h"
 
 namespace Interface {
 

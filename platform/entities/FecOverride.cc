@@ -1,6 +1,6 @@
-#include "entities/FecOverride.h"
+#include "NevQos/platform/entities/FecOverride.h"
 
-#include "zub/Format.h"
+#include "NevQos/platform/zub/Format.h"
 
 namespace Qos::Glarn {
 

@@ -8,10 +8,10 @@
 #include <cstdint>
 #include <ostream>
 
-#include "entities/QosTypes.h"
-#include "glarn/FecId.h"
-#include "glarn/GlarnMap.h"
-#include "mirel/AddressFamily.h"
+#include "NevQos/platform/entities/QosTypes.h"
+#include "NevQos/platform/glarn/FecId.h"
+#include "NevQos/platform/glarn/GlarnMap.h"
+#include "NevQos/platform/mirel/AddressFamily.h"
 
 namespace Qos::Hardware {
 

@@ -1,7 +1,7 @@
 // The hardware epoch of the switch: modes fixed for the life of the forwarding agent.
 #pragma once
 
-#include "zub/Entity.h"
+#include "NevQos/platform/zub/Entity.h"
 
 namespace HwEpoch {
 

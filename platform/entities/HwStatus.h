@@ -4,8 +4,8 @@
 
 #include <cstdint>
 
-#include "entities/QosTypes.h"
-#include "zub/Entity.h"
+#include "NevQos/platform/entities/QosTypes.h"
+#include "NevQos/platform/zub/Entity.h"
 
 namespace Qos {
 

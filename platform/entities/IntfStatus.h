@@ -3,10 +3,10 @@
 // interface may name.
 #pragma once
 
-#include "entities/QosTypes.h"
-#include "entities/QueueSettings.h"
-#include "mirel/IntfId.h"
-#include "zub/Entity.h"
+#include "NevQos/platform/entities/QosTypes.h"
+#include "NevQos/platform/entities/QueueSettings.h"
+#include "NevQos/platform/mirel/IntfId.h"
+#include "NevQos/platform/zub/Entity.h"
 
 namespace Qos {
 

@@ -4,8 +4,8 @@
 
 #include <cstdint>
 
-#include "entities/QosUnits.h"
-#include "zub/Entity.h"
+#include "NevQos/platform/entities/QosUnits.h"
+#include "NevQos/platform/zub/Entity.h"
 
 namespace Qos {
 

@@ -6,11 +6,11 @@
 #include <ostream>
 #include <utility>
 
-#include "entities/ClassMapStatus.h"
-#include "entities/QosTypes.h"
-#include "entities/QosUnits.h"
-#include "zub/Entity.h"
-#include "zub/String.h"
+#include "NevQos/platform/entities/ClassMapStatus.h"
+#include "NevQos/platform/entities/QosTypes.h"
+#include "NevQos/platform/entities/QosUnits.h"
+#include "NevQos/platform/zub/Entity.h"
+#include "NevQos/platform/zub/String.h"
 
 namespace Qos {
 

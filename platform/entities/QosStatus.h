@@ -1,13 +1,13 @@
 // The merged QoS status of the system, as the configuration agents publish it.
 #pragma once
 
-#include "entities/ClassMapStatus.h"
-#include "entities/IntfStatus.h"
-#include "entities/NamedPolicerStatus.h"
-#include "entities/PolicyMapStatus.h"
-#include "entities/QosTypes.h"
-#include "entities/ServicePolicyStatus.h"
-#include "zub/Entity.h"
+#include "NevQos/platform/entities/ClassMapStatus.h"
+#include "NevQos/platform/entities/IntfStatus.h"
+#include "NevQos/platform/entities/NamedPolicerStatus.h"
+#include "NevQos/platform/entities/PolicyMapStatus.h"
+#include "NevQos/platform/entities/QosTypes.h"
+#include "NevQos/platform/entities/ServicePolicyStatus.h"
+#include "NevQos/platform/zub/Entity.h"
 
 namespace Qos {
 

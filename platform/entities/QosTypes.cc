@@ -1,8 +1,8 @@
-#include "entities/QosTypes.h"
+#include "NevQos/platform/entities/QosTypes.h"
 
 #include <ostream>
 
-#include "zub/Format.h"
+#include "NevQos/platform/zub/Format.h"
 
 namespace Qos {
 

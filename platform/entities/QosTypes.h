@@ -8,12 +8,12 @@
 #include <ostream>
 #include <utility>
 
-#include "entities/QosUnits.h"
-#include "mirel/IntfId.h"
-#include "zub/Exception.h"
-#include "zub/Strep.h"
-#include "zub/String.h"
-#include "zub/ValueText.h"
+#include "NevQos/platform/entities/QosUnits.h"
+#include "NevQos/platform/mirel/IntfId.h"
+#include "NevQos/platform/zub/Exception.h"
+#include "NevQos/platform/zub/Strep.h"
+#include "NevQos/platform/zub/String.h"
+#include "NevQos/platform/zub/ValueText.h"
 
 namespace Qos {
 

@@ -1,4 +1,4 @@
-#include "entities/QosUnits.h"
+#include "NevQos/platform/entities/QosUnits.h"
 
 #include <ostream>
 

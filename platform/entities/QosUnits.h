@@ -8,7 +8,7 @@
 
 #include <cstdint>
 
-#include "zub/ValueText.h"
+#include "NevQos/platform/zub/ValueText.h"
 
 namespace Qos {
 

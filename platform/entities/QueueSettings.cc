@@ -1,4 +1,4 @@
-#include "entities/QueueSettings.h"
+#include "NevQos/platform/entities/QueueSettings.h"
 
 #include <ostream>
 

@@ -6,8 +6,8 @@
 #include <cstdint>
 #include <iosfwd>
 
-#include "entities/QosUnits.h"
-#include "zub/ValueText.h"
+#include "NevQos/platform/entities/QosUnits.h"
+#include "NevQos/platform/zub/ValueText.h"
 
 namespace Qos {
 

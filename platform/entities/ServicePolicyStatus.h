@@ -2,8 +2,8 @@
 // to a set of interfaces. A new `version` means the policy map changed.
 #pragma once
 
-#include "entities/QosTypes.h"
-#include "zub/Entity.h"
+#include "NevQos/platform/entities/QosTypes.h"
+#include "NevQos/platform/zub/Entity.h"
 
 namespace Qos {
 

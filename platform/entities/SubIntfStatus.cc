@@ -1,4 +1,4 @@
-#include "entities/SubIntfStatus.h"
+#include "NevQos/platform/entities/SubIntfStatus.h"
 
 #include <ostream>
 

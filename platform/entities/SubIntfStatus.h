@@ -3,9 +3,9 @@
 
 #include <cstdint>
 
-#include "mirel/IntfId.h"
-#include "zub/Entity.h"
-#include "zub/ValueText.h"
+#include "NevQos/platform/mirel/IntfId.h"
+#include "NevQos/platform/zub/Entity.h"
+#include "NevQos/platform/zub/ValueText.h"
 
 namespace Interface {
 

@@ -1,4 +1,4 @@
-#include "glarn/GlarnMap.h"
+#include "NevQos/platform/glarn/GlarnMap.h"
 
 namespace Glarn {
 

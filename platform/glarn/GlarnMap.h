@@ -23,11 +23,11 @@
 #include <utility>
 #include <vector>
 
-#include "pelto/PeltoException.h"
-#include "zub/Collection.h"
-#include "zub/Notifiee.h"
-#include "zub/String.h"
-#include "zub/Trace.h"
+#include "NevQos/platform/pelto/PeltoException.h"
+#include "NevQos/platform/zub/Collection.h"
+#include "NevQos/platform/zub/Notifiee.h"
+#include "NevQos/platform/zub/String.h"
+#include "NevQos/platform/zub/Trace.h"
 
 namespace Glarn {
 

@@ -1,4 +1,4 @@
-#include "kesh/TimerTask.h"
+#include "NevQos/platform/kesh/TimerTask.h"
 
 #include <algorithm>
 

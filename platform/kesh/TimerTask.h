@@ -9,8 +9,8 @@
 
 #include <cstdint>
 
-#include "zub/ActivityManager.h"
-#include "zub/Entity.h"
+#include "NevQos/platform/zub/ActivityManager.h"
+#include "NevQos/platform/zub/Entity.h"
 
 namespace Kesh {
 

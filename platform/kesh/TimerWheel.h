@@ -3,8 +3,8 @@
 // one `onTime()`; the rules are those of every Zub::Clock.
 #pragma once
 
-#include "zub/ActivityManager.h"
-#include "zub/Clock.h"
+#include "NevQos/platform/zub/ActivityManager.h"
+#include "NevQos/platform/zub/Clock.h"
 
 namespace Kesh {
 

@@ -1,4 +1,4 @@
-#include "mirel/AddressFamily.h"
+#include "NevQos/platform/mirel/AddressFamily.h"
 
 namespace Mirel {
 

@@ -1,11 +1,11 @@
-#include "mirel/IntfId.h"
+#include "NevQos/platform/mirel/IntfId.h"
 
 #include <optional>
 #include <ostream>
 #include <string>
 
-#include "zub/Exception.h"
-#include "zub/Format.h"
+#include "NevQos/platform/zub/Exception.h"
+#include "NevQos/platform/zub/Format.h"
 
 namespace Mirel {
 

@@ -9,9 +9,9 @@
 #include <iosfwd>
 #include <string_view>
 
-#include "mirel/AddressFamily.h"
-#include "zub/Strep.h"
-#include "zub/String.h"
+#include "NevQos/platform/mirel/AddressFamily.h"
+#include "NevQos/platform/zub/Strep.h"
+#include "NevQos/platform/zub/String.h"
 
 namespace Mirel {
 

@@ -1,11 +1,11 @@
-#include "mirel/Ip6AddrWithMask.h"
+#include "NevQos/platform/mirel/Ip6AddrWithMask.h"
 
 #include <ostream>
 #include <string>
 
-#include "zub/Exception.h"
-#include "zub/Format.h"
-#include "zub/Strep.h"
+#include "NevQos/platform/zub/Exception.h"
+#include "NevQos/platform/zub/Format.h"
+#include "NevQos/platform/zub/Strep.h"
 
 namespace Mirel {
 

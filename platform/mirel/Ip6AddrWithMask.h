@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <iosfwd>
 
-#include "zub/String.h"
+#include "NevQos/platform/zub/String.h"
 
 namespace Mirel {
 

@@ -1,9 +1,9 @@
-#include "mirel/IpAddrWithMask.h"
+#include "NevQos/platform/mirel/IpAddrWithMask.h"
 
 #include <ostream>
 
-#include "zub/Exception.h"
-#include "zub/Format.h"
+#include "NevQos/platform/zub/Exception.h"
+#include "NevQos/platform/zub/Format.h"
 
 namespace Mirel {
 

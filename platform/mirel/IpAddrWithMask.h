@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <iosfwd>
 
-#include "zub/String.h"
+#include "NevQos/platform/zub/String.h"
 
 namespace Mirel {
 

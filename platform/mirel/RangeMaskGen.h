@@ -6,7 +6,7 @@
 #include <type_traits>
 #include <vector>
 
-#include "zub/Assert.h"
+#include "NevQos/platform/zub/Assert.h"
 
 namespace Mirel {
 

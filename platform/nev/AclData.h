@@ -3,9 +3,9 @@
 
 #include <cstdint>
 
-#include "nev/AclFragMap.h"
-#include "nev/AclKey.h"
-#include "zub/Entity.h"
+#include "NevQos/platform/nev/AclFragMap.h"
+#include "NevQos/platform/nev/AclKey.h"
+#include "NevQos/platform/zub/Entity.h"
 
 namespace Nev {
 

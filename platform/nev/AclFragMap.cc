@@ -1,4 +1,4 @@
-#include "nev/AclFragMap.h"
+#include "NevQos/platform/nev/AclFragMap.h"
 
 #include <ostream>
 

@@ -7,8 +7,8 @@
 #include <cstdint>
 #include <iosfwd>
 
-#include "entities/AclRuleConfig.h"
-#include "zub/Entity.h"
+#include "NevQos/platform/entities/AclRuleConfig.h"
+#include "NevQos/platform/zub/Entity.h"
 
 namespace Nev {
 

@@ -1,4 +1,4 @@
-#include "nev/AclIpRuleCreateData.h"
+#include "NevQos/platform/nev/AclIpRuleCreateData.h"
 
 namespace Nev {
 

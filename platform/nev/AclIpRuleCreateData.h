@@ -8,9 +8,9 @@
 #include <utility>
 #include <vector>
 
-#include "entities/AclRuleConfig.h"
-#include "mirel/RangeMaskGen.h"
-#include "zub/Collection.h"
+#include "NevQos/platform/entities/AclRuleConfig.h"
+#include "NevQos/platform/mirel/RangeMaskGen.h"
+#include "NevQos/platform/zub/Collection.h"
 
 namespace Nev {
 

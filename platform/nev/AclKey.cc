@@ -1,10 +1,10 @@
-#include "nev/AclKey.h"
+#include "NevQos/platform/nev/AclKey.h"
 
 #include <ostream>
 #include <utility>
 
-#include "zub/Assert.h"
-#include "zub/Format.h"
+#include "NevQos/platform/zub/Assert.h"
+#include "NevQos/platform/zub/Format.h"
 
 namespace Nev {
 

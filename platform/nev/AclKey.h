@@ -5,9 +5,9 @@
 #include <cstdint>
 #include <iosfwd>
 
-#include "entities/AclTypes.h"
-#include "zub/Strep.h"
-#include "zub/String.h"
+#include "NevQos/platform/entities/AclTypes.h"
+#include "NevQos/platform/zub/Strep.h"
+#include "NevQos/platform/zub/String.h"
 
 namespace Nev {
 

@@ -1,4 +1,4 @@
-#include "nev/AsyncOperation.h"
+#include "NevQos/platform/nev/AsyncOperation.h"
 
 #include <ostream>
 

@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <iosfwd>
 
-#include "zub/Entity.h"
-#include "zub/String.h"
+#include "NevQos/platform/zub/Entity.h"
+#include "NevQos/platform/zub/String.h"
 
 namespace Nev {
 

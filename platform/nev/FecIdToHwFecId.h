@@ -6,8 +6,8 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "glarn/FecId.h"
-#include "glarn/GlarnMap.h"
+#include "NevQos/platform/glarn/FecId.h"
+#include "NevQos/platform/glarn/GlarnMap.h"
 
 namespace Nev {
 

@@ -2,7 +2,7 @@
 // with it, the chip's default CPU-queue rates are set up at start-up.
 #pragma once
 
-#include "zub/Entity.h"
+#include "NevQos/platform/zub/Entity.h"
 
 namespace Nev {
 

@@ -4,8 +4,8 @@
 
 #include <cstdint>
 
-#include "nev/ModIdPortQueueKey.h"
-#include "zub/Entity.h"
+#include "NevQos/platform/nev/ModIdPortQueueKey.h"
+#include "NevQos/platform/zub/Entity.h"
 
 namespace Nev {
 

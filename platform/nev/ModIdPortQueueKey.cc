@@ -1,8 +1,8 @@
-#include "nev/ModIdPortQueueKey.h"
+#include "NevQos/platform/nev/ModIdPortQueueKey.h"
 
 #include <ostream>
 
-#include "zub/Strep.h"
+#include "NevQos/platform/zub/Strep.h"
 
 namespace Nev {
 

@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <iosfwd>
 
-#include "zub/Format.h"
-#include "zub/String.h"
+#include "NevQos/platform/zub/Format.h"
+#include "NevQos/platform/zub/String.h"
 
 namespace Nev {
 

@@ -1,9 +1,9 @@
-#include "nev/NevAssert.h"
+#include "NevQos/platform/nev/NevAssert.h"
 
 #include <cstdio>
 #include <cstdlib>
 
-#include "zub/Assert.h"
+#include "NevQos/platform/zub/Assert.h"
 
 namespace Nev {
 

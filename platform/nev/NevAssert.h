@@ -1,7 +1,7 @@
 // The common layer's assertion for broken invariants of a machine or a helper.
 #pragma once
 
-#include "zub/String.h"
+#include "NevQos/platform/zub/String.h"
 
 namespace Nev {
 

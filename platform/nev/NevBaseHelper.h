@@ -2,9 +2,9 @@
 // state machine watches its attributes with a reactor like any input.
 #pragma once
 
-#include "nev/AsyncOperation.h"
-#include "nev/NevAssert.h"
-#include "zub/Entity.h"
+#include "NevQos/platform/nev/AsyncOperation.h"
+#include "NevQos/platform/nev/NevAssert.h"
+#include "NevQos/platform/zub/Entity.h"
 
 namespace Nev {
 

@@ -1,6 +1,6 @@
-#include "nev/NevBaseSm.h"
+#include "NevQos/platform/nev/NevBaseSm.h"
 
-#include "nev/NevCommonSmData.h"
+#include "NevQos/platform/nev/NevCommonSmData.h"
 
 namespace Nev {
 

@@ -7,11 +7,11 @@
 // its own initial walk of the inputs, and ends with `initializedIs( true )`.
 #pragma once
 
-#include "nev/AsyncOperation.h"
-#include "nev/NevAssert.h"
-#include "zub/ActivityManager.h"
-#include "zub/Clock.h"
-#include "zub/Ptr.h"
+#include "NevQos/platform/nev/AsyncOperation.h"
+#include "NevQos/platform/nev/NevAssert.h"
+#include "NevQos/platform/zub/ActivityManager.h"
+#include "NevQos/platform/zub/Clock.h"
+#include "NevQos/platform/zub/Ptr.h"
 
 namespace Nev {
 

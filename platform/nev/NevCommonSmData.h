@@ -2,9 +2,9 @@
 // interface list is complete, the switch's role, and the verify data.
 #pragma once
 
-#include "mirel/IntfId.h"
-#include "nev/VerifyData.h"
-#include "zub/Entity.h"
+#include "NevQos/platform/mirel/IntfId.h"
+#include "NevQos/platform/nev/VerifyData.h"
+#include "NevQos/platform/zub/Entity.h"
 
 namespace Nev {
 

@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "zub/Entity.h"
+#include "NevQos/platform/zub/Entity.h"
 
 namespace Nev {
 

@@ -4,8 +4,8 @@
 // result.
 #pragma once
 
-#include "entities/QosTypes.h"
-#include "zub/Ptr.h"
+#include "NevQos/platform/entities/QosTypes.h"
+#include "NevQos/platform/zub/Ptr.h"
 
 namespace Nev {
 

@@ -1,10 +1,10 @@
-#include "nev/VerifyData.h"
+#include "NevQos/platform/nev/VerifyData.h"
 
 #include <cstdlib>
 #include <ostream>
 #include <sstream>
 
-#include "zub/Assert.h"
+#include "NevQos/platform/zub/Assert.h"
 
 namespace Nev {
 

@@ -7,8 +7,8 @@
 #include <iosfwd>
 #include <vector>
 
-#include "zub/Entity.h"
-#include "zub/String.h"
+#include "NevQos/platform/zub/Entity.h"
+#include "NevQos/platform/zub/String.h"
 
 namespace Nev {
 

@@ -1,4 +1,4 @@
-#include "zub/ActivityManager.h"
+#include "NevQos/platform/zub/ActivityManager.h"
 
 #include <cxxabi.h>
 
@@ -9,8 +9,8 @@
 #include <thread>
 #include <typeinfo>
 
-#include "zub/Assert.h"
-#include "zub/Format.h"
+#include "NevQos/platform/zub/Assert.h"
+#include "NevQos/platform/zub/Format.h"
 
 namespace Zub {
 

@@ -14,8 +14,8 @@
 #include <utility>
 #include <vector>
 
-#include "zub/Clock.h"
-#include "zub/Exception.h"
+#include "NevQos/platform/zub/Clock.h"
+#include "NevQos/platform/zub/Exception.h"
 
 namespace Zub {
 

@@ -1,4 +1,4 @@
-#include "zub/Assert.h"
+#include "NevQos/platform/zub/Assert.h"
 
 #include <cstdio>
 #include <cstdlib>

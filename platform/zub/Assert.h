@@ -2,7 +2,7 @@
 // fatal for the agent, which the platform restarts.
 #pragma once
 
-#include "zub/String.h"
+#include "NevQos/platform/zub/String.h"
 
 namespace Zub {
 

@@ -7,10 +7,10 @@
 #include <tuple>
 #include <utility>
 
-#include "zub/Collection.h"
-#include "zub/Exception.h"
-#include "zub/Ptr.h"
-#include "zub/Strep.h"
+#include "NevQos/platform/zub/Collection.h"
+#include "NevQos/platform/zub/Exception.h"
+#include "NevQos/platform/zub/Ptr.h"
+#include "NevQos/platform/zub/Strep.h"
 
 namespace Zub {
 

@@ -11,7 +11,7 @@
 
 #include <cstdint>
 
-#include "zub/Entity.h"
+#include "NevQos/platform/zub/Entity.h"
 
 namespace Zub {
 

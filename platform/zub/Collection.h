@@ -23,7 +23,7 @@
 #include <utility>
 #include <vector>
 
-#include "zub/Pool.h"
+#include "NevQos/platform/zub/Pool.h"
 
 namespace Zub {
 

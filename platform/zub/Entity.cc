@@ -1,11 +1,11 @@
-#include "zub/Entity.h"
+#include "NevQos/platform/zub/Entity.h"
 
 #include <cstring>
 #include <mutex>
 #include <unordered_map>
 #include <vector>
 
-#include "zub/Assert.h"
+#include "NevQos/platform/zub/Assert.h"
 
 namespace Zub {
 

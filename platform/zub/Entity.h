@@ -32,11 +32,11 @@
 #include <type_traits>
 #include <utility>
 
-#include "zub/Collection.h"
-#include "zub/Notifiee.h"
-#include "zub/Ptr.h"
-#include "zub/Strep.h"
-#include "zub/String.h"
+#include "NevQos/platform/zub/Collection.h"
+#include "NevQos/platform/zub/Notifiee.h"
+#include "NevQos/platform/zub/Ptr.h"
+#include "NevQos/platform/zub/Strep.h"
+#include "NevQos/platform/zub/String.h"
 
 namespace Zub {
 

@@ -1,4 +1,4 @@
-#include "zub/Exception.h"
+#include "NevQos/platform/zub/Exception.h"
 
 namespace Zub {
 

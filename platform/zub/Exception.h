@@ -4,7 +4,7 @@
 
 #include <stdexcept>
 
-#include "zub/String.h"
+#include "NevQos/platform/zub/String.h"
 
 namespace Zub {
 

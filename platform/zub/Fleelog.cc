@@ -1,8 +1,8 @@
-#include "zub/Fleelog.h"
+#include "NevQos/platform/zub/Fleelog.h"
 
 #include <cstring>
 
-#include "zub/Strep.h"
+#include "NevQos/platform/zub/Strep.h"
 
 namespace Fleelog {
 

@@ -13,8 +13,8 @@
 #include <type_traits>
 #include <vector>
 
-#include "zub/String.h"
-#include "zub/Trace.h"
+#include "NevQos/platform/zub/String.h"
+#include "NevQos/platform/zub/Trace.h"
 
 namespace Fleelog {
 

@@ -1,4 +1,4 @@
-#include "zub/Format.h"
+#include "NevQos/platform/zub/Format.h"
 
 #include <cstdarg>
 #include <cstdio>

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <span>
 
-#include "zub/String.h"
+#include "NevQos/platform/zub/String.h"
 
 namespace Zub {
 

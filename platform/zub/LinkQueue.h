@@ -12,7 +12,7 @@
 #include <type_traits>
 #include <utility>
 
-#include "zub/Exception.h"
+#include "NevQos/platform/zub/Exception.h"
 
 namespace Zub {
 

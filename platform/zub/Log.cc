@@ -1,9 +1,9 @@
-#include "zub/Log.h"
+#include "NevQos/platform/zub/Log.h"
 
 #include <cstdio>
 #include <string>
 
-#include "zub/ActivityManager.h"
+#include "NevQos/platform/zub/ActivityManager.h"
 
 namespace Zub {
 

@@ -16,9 +16,9 @@
 #include <map>
 #include <vector>
 
-#include "zub/Entity.h"
-#include "zub/Strep.h"
-#include "zub/String.h"
+#include "NevQos/platform/zub/Entity.h"
+#include "NevQos/platform/zub/Strep.h"
+#include "NevQos/platform/zub/String.h"
 
 namespace Zub {
 

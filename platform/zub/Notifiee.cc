@@ -1,4 +1,4 @@
-#include "zub/Notifiee.h"
+#include "NevQos/platform/zub/Notifiee.h"
 
 #include <algorithm>
 

@@ -24,7 +24,7 @@
 #include <memory>
 #include <vector>
 
-#include "zub/Ptr.h"
+#include "NevQos/platform/zub/Ptr.h"
 
 namespace Zub {
 

@@ -1,5 +1,5 @@
-#include "zub/Pool.h"
-#include "zub/PoolUsage.h"
+#include "NevQos/platform/zub/Pool.h"
+#include "NevQos/platform/zub/PoolUsage.h"
 
 #include <array>
 #include <mutex>

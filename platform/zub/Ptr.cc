@@ -1,4 +1,4 @@
-#include "zub/Ptr.h"
+#include "NevQos/platform/zub/Ptr.h"
 
 namespace Zub {
 

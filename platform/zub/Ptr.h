@@ -8,7 +8,7 @@
 #include <functional>
 #include <utility>
 
-#include "zub/Pool.h"
+#include "NevQos/platform/zub/Pool.h"
 
 namespace Zub {
 

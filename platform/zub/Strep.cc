@@ -1,4 +1,4 @@
-#include "zub/Strep.h"
+#include "NevQos/platform/zub/Strep.h"
 
 #include <cstring>
 #include <string>

@@ -8,10 +8,10 @@
 #include <string_view>
 #include <type_traits>
 
-#include "zub/Exception.h"
-#include "zub/Format.h"
-#include "zub/Ptr.h"
-#include "zub/String.h"
+#include "NevQos/platform/zub/Exception.h"
+#include "NevQos/platform/zub/Format.h"
+#include "NevQos/platform/zub/Ptr.h"
+#include "NevQos/platform/zub/String.h"
 
 namespace Zub {
 

@@ -1,4 +1,4 @@
-#include "zub/String.h"
+#include "NevQos/platform/zub/String.h"
 
 #include <cstdlib>
 #include <new>

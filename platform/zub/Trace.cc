@@ -1,4 +1,4 @@
-#include "zub/Trace.h"
+#include "NevQos/platform/zub/Trace.h"
 
 #include <cstdio>
 #include <cstdlib>

@@ -13,7 +13,7 @@
 #include <sstream>
 #include <string_view>
 
-#include "zub/String.h"
+#include "NevQos/platform/zub/String.h"
 
 namespace Zub {
 

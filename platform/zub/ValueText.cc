@@ -1,9 +1,9 @@
-#include "zub/ValueText.h"
+#include "NevQos/platform/zub/ValueText.h"
 
 #include <ostream>
 
-#include "zub/Exception.h"
-#include "zub/Format.h"
+#include "NevQos/platform/zub/Exception.h"
+#include "NevQos/platform/zub/Format.h"
 
 namespace ValueText {
 

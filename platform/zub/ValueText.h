@@ -14,8 +14,8 @@
 #include <span>
 #include <string_view>
 
-#include "zub/Strep.h"
-#include "zub/String.h"
+#include "NevQos/platform/zub/Strep.h"
+#include "NevQos/platform/zub/String.h"
 
 namespace ValueText {
 

@@ -1,4 +1,4 @@
-#include "sim/checks/AbortNote.h"
+#include "NevQos/sim/checks/AbortNote.h"
 
 #include <unistd.h>
 

@@ -1,12 +1,12 @@
-#include "sim/checks/CheckedRun.h"
+#include "NevQos/sim/checks/CheckedRun.h"
 
 #include <sstream>
 #include <variant>
 
-#include "sim/checks/KnownDefects.h"
-#include "sim/checks/SwitchChecks.h"
-#include "sim/runner/Report.h"
-#include "sim/scenario/ScenarioError.h"
+#include "NevQos/sim/checks/KnownDefects.h"
+#include "NevQos/sim/checks/SwitchChecks.h"
+#include "NevQos/sim/runner/Report.h"
+#include "NevQos/sim/scenario/ScenarioError.h"
 
 namespace Sim {
 

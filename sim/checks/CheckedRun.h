@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "sim/runner/SimSwitch.h"
-#include "sim/scenario/Scenario.h"
+#include "NevQos/sim/runner/SimSwitch.h"
+#include "NevQos/sim/scenario/Scenario.h"
 
 namespace Sim {
 

@@ -1,4 +1,4 @@
-#include "sim/checks/KnownDefects.h"
+#include "NevQos/sim/checks/KnownDefects.h"
 
 #include <cstdlib>
 #include <stdexcept>

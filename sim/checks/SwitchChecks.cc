@@ -1,9 +1,9 @@
-#include "sim/checks/SwitchChecks.h"
+#include "NevQos/sim/checks/SwitchChecks.h"
 
 #include <map>
 #include <set>
 
-#include "sim/chip/ChipText.h"
+#include "NevQos/sim/chip/ChipText.h"
 
 namespace Sim {
 

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "sim/runner/SimSwitch.h"
+#include "NevQos/sim/runner/SimSwitch.h"
 
 namespace Sim {
 

@@ -1,8 +1,8 @@
-#include "sim/checks/SwitchImage.h"
+#include "NevQos/sim/checks/SwitchImage.h"
 
 #include <sstream>
 
-#include "sim/chip/ChipText.h"
+#include "NevQos/sim/chip/ChipText.h"
 
 namespace Sim {
 

@@ -12,10 +12,10 @@
 #include <string_view>
 #include <vector>
 
+#include "NevQos/platform/entities/QosTypes.h"
+#include "NevQos/platform/entities/QosUnits.h"
+#include "NevQos/platform/zub/Entity.h"
 #include "NevQos/types/AclCreateError.h"
-#include "entities/QosTypes.h"
-#include "entities/QosUnits.h"
-#include "zub/Entity.h"
 
 namespace Sim {
 

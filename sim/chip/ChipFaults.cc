@@ -1,9 +1,9 @@
-#include "sim/chip/ChipFaults.h"
+#include "NevQos/sim/chip/ChipFaults.h"
 
 #include <algorithm>
 #include <utility>
 
-#include "zub/Assert.h"
+#include "NevQos/platform/zub/Assert.h"
 
 namespace Sim {
 

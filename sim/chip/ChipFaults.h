@@ -11,8 +11,8 @@
 #include <string_view>
 #include <vector>
 
-#include "kesh/TimerWheel.h"
-#include "sim/chip/ChipConfig.h"
+#include "NevQos/platform/kesh/TimerWheel.h"
+#include "NevQos/sim/chip/ChipConfig.h"
 
 namespace Sim {
 

@@ -1,4 +1,4 @@
-#include "sim/chip/ChipText.h"
+#include "NevQos/sim/chip/ChipText.h"
 
 namespace Sim {
 

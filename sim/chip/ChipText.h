@@ -10,11 +10,11 @@
 #include <type_traits>
 #include <utility>
 
+#include "NevQos/platform/entities/QosTypes.h"
+#include "NevQos/platform/mirel/IntfId.h"
+#include "NevQos/platform/nev/AclKey.h"
+#include "NevQos/platform/nev/ModIdPortQueueKey.h"
 #include "NevQos/types/QosPolicyMapKey.h"
-#include "entities/QosTypes.h"
-#include "mirel/IntfId.h"
-#include "nev/AclKey.h"
-#include "nev/ModIdPortQueueKey.h"
 
 namespace Sim {
 

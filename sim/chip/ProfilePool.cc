@@ -1,4 +1,4 @@
-#include "sim/chip/ProfilePool.h"
+#include "NevQos/sim/chip/ProfilePool.h"
 
 namespace Sim {
 

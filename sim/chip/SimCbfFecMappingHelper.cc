@@ -1,9 +1,9 @@
-#include "sim/chip/SimCbfFecMappingHelper.h"
+#include "NevQos/sim/chip/SimCbfFecMappingHelper.h"
 
 #include <set>
 #include <utility>
 
-#include "sim/chip/ChipText.h"
+#include "NevQos/sim/chip/ChipText.h"
 
 namespace Sim {
 

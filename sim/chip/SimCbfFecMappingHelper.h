@@ -12,9 +12,9 @@
 #include <vector>
 
 #include "NevQos/helpers/CbfFecMappingHelper.h"
-#include "sim/chip/ChipConfig.h"
-#include "sim/chip/ChipFaults.h"
-#include "sim/chip/SimQosAclHelper.h"
+#include "NevQos/sim/chip/ChipConfig.h"
+#include "NevQos/sim/chip/ChipFaults.h"
+#include "NevQos/sim/chip/SimQosAclHelper.h"
 
 namespace Sim {
 

@@ -1,4 +1,4 @@
-#include "sim/chip/SimPktDrv.h"
+#include "NevQos/sim/chip/SimPktDrv.h"
 
 namespace Sim {
 

@@ -11,8 +11,8 @@
 #include <utility>
 #include <vector>
 
-#include "nev/PktDrvInterface.h"
-#include "zub/Entity.h"
+#include "NevQos/platform/nev/PktDrvInterface.h"
+#include "NevQos/platform/zub/Entity.h"
 
 namespace Sim {
 

@@ -1,13 +1,13 @@
-#include "sim/chip/SimQosAclHelper.h"
+#include "NevQos/sim/chip/SimQosAclHelper.h"
 
 #include <algorithm>
 
 #include "NevQos/log/QosLogHandles.h"
+#include "NevQos/platform/mirel/RangeMaskGen.h"
+#include "NevQos/platform/zub/Assert.h"
+#include "NevQos/platform/zub/Log.h"
+#include "NevQos/sim/chip/ChipText.h"
 #include "NevQos/types/QosClassData.h"
-#include "mirel/RangeMaskGen.h"
-#include "sim/chip/ChipText.h"
-#include "zub/Assert.h"
-#include "zub/Log.h"
 
 namespace Sim {
 

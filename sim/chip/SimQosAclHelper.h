@@ -17,11 +17,11 @@
 #include <vector>
 
 #include "NevQos/helpers/QosAclHelper.h"
-#include "kesh/TimerWheel.h"
-#include "nev/VerifyData.h"
-#include "sim/chip/ChipConfig.h"
-#include "sim/chip/ChipFaults.h"
-#include "sim/chip/Tcam.h"
+#include "NevQos/platform/kesh/TimerWheel.h"
+#include "NevQos/platform/nev/VerifyData.h"
+#include "NevQos/sim/chip/ChipConfig.h"
+#include "NevQos/sim/chip/ChipFaults.h"
+#include "NevQos/sim/chip/Tcam.h"
 
 namespace Sim {
 

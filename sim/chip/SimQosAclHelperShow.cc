@@ -3,9 +3,9 @@
 #include <cstdio>
 #include <sstream>
 
+#include "NevQos/sim/chip/ChipText.h"
+#include "NevQos/sim/chip/SimQosAclHelper.h"
 #include "NevQos/types/QosClassData.h"
-#include "sim/chip/ChipText.h"
-#include "sim/chip/SimQosAclHelper.h"
 
 namespace Sim {
 

@@ -11,11 +11,11 @@
 #include <sstream>
 #include <utility>
 
+#include "NevQos/platform/mirel/IpAddrWithMask.h"
+#include "NevQos/platform/zub/Format.h"
+#include "NevQos/sim/chip/ChipText.h"
+#include "NevQos/sim/chip/SimQosAclHelper.h"
 #include "NevQos/types/QosClassData.h"
-#include "mirel/IpAddrWithMask.h"
-#include "sim/chip/ChipText.h"
-#include "sim/chip/SimQosAclHelper.h"
-#include "zub/Format.h"
 
 namespace Sim {
 

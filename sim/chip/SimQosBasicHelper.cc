@@ -1,8 +1,8 @@
-#include "sim/chip/SimQosBasicHelper.h"
+#include "NevQos/sim/chip/SimQosBasicHelper.h"
 
 #include "NevQos/log/QosLogHandles.h"
-#include "sim/chip/ChipText.h"
-#include "zub/Log.h"
+#include "NevQos/platform/zub/Log.h"
+#include "NevQos/sim/chip/ChipText.h"
 
 namespace Sim {
 

@@ -19,13 +19,13 @@
 #include <vector>
 
 #include "NevQos/helpers/QosBasicHelper.h"
-#include "entities/EthPhyIntfStatus.h"
-#include "kesh/TimerWheel.h"
-#include "sim/chip/ChipConfig.h"
-#include "sim/chip/ChipFaults.h"
-#include "sim/chip/ProfilePool.h"
-#include "sim/chip/SimQosAclHelper.h"
-#include "zub/Log.h"
+#include "NevQos/platform/entities/EthPhyIntfStatus.h"
+#include "NevQos/platform/kesh/TimerWheel.h"
+#include "NevQos/platform/zub/Log.h"
+#include "NevQos/sim/chip/ChipConfig.h"
+#include "NevQos/sim/chip/ChipFaults.h"
+#include "NevQos/sim/chip/ProfilePool.h"
+#include "NevQos/sim/chip/SimQosAclHelper.h"
 
 namespace Sim {
 

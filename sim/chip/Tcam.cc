@@ -1,4 +1,4 @@
-#include "sim/chip/Tcam.h"
+#include "NevQos/sim/chip/Tcam.h"
 
 #include <algorithm>
 #include <stdexcept>

@@ -1,4 +1,4 @@
-#include "sim/classbench/ClassBench.h"
+#include "NevQos/sim/classbench/ClassBench.h"
 
 #include <charconv>
 #include <fstream>
@@ -9,7 +9,7 @@
 #include <tuple>
 #include <utility>
 
-#include "zub/Exception.h"
+#include "NevQos/platform/zub/Exception.h"
 
 namespace Sim {
 

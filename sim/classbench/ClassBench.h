@@ -12,9 +12,9 @@
 #include <string>
 #include <vector>
 
-#include "entities/AclConfig.h"
-#include "entities/AclRuleConfig.h"
-#include "zub/Ptr.h"
+#include "NevQos/platform/entities/AclConfig.h"
+#include "NevQos/platform/entities/AclRuleConfig.h"
+#include "NevQos/platform/zub/Ptr.h"
 
 namespace Sim {
 

@@ -1,9 +1,9 @@
-#include "sim/random/RandomChip.h"
+#include "NevQos/sim/random/RandomChip.h"
 
 #include <sstream>
 #include <stdexcept>
 
-#include "sim/checks/KnownDefects.h"
+#include "NevQos/sim/checks/KnownDefects.h"
 
 namespace Sim {
 

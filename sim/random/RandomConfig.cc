@@ -1,9 +1,9 @@
-#include "sim/random/RandomConfig.h"
+#include "NevQos/sim/random/RandomConfig.h"
 
 #include <algorithm>
 #include <iterator>
 
-#include "sim/checks/KnownDefects.h"
+#include "NevQos/sim/checks/KnownDefects.h"
 
 namespace Sim {
 

@@ -17,7 +17,7 @@
 #include <string>
 #include <vector>
 
-#include "sim/random/RandomChip.h"
+#include "NevQos/sim/random/RandomChip.h"
 
 namespace Sim {
 

@@ -1,4 +1,4 @@
-#include "sim/random/RandomSequence.h"
+#include "NevQos/sim/random/RandomSequence.h"
 
 #include <cmath>
 #include <fstream>
@@ -7,14 +7,14 @@
 #include <memory>
 #include <set>
 
-#include "sim/checks/AbortNote.h"
-#include "sim/checks/KnownDefects.h"
-#include "sim/checks/SwitchChecks.h"
-#include "sim/checks/SwitchImage.h"
-#include "sim/chip/ChipText.h"
-#include "sim/random/RandomConfig.h"
-#include "sim/scenario/ScenarioError.h"
-#include "sim/scenario/ScenarioLoader.h"
+#include "NevQos/sim/checks/AbortNote.h"
+#include "NevQos/sim/checks/KnownDefects.h"
+#include "NevQos/sim/checks/SwitchChecks.h"
+#include "NevQos/sim/checks/SwitchImage.h"
+#include "NevQos/sim/chip/ChipText.h"
+#include "NevQos/sim/random/RandomConfig.h"
+#include "NevQos/sim/scenario/ScenarioError.h"
+#include "NevQos/sim/scenario/ScenarioLoader.h"
 
 namespace Sim {
 

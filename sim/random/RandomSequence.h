@@ -22,7 +22,7 @@
 #include <string>
 #include <vector>
 
-#include "sim/chip/ChipConfig.h"
+#include "NevQos/sim/chip/ChipConfig.h"
 
 namespace Sim {
 

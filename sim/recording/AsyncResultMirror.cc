@@ -1,4 +1,4 @@
-#include "sim/recording/AsyncResultMirror.h"
+#include "NevQos/sim/recording/AsyncResultMirror.h"
 
 namespace Sim {
 

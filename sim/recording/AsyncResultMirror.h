@@ -2,7 +2,7 @@
 // watches, so that the asynchronous road runs through a decorator as it runs without one.
 #pragma once
 
-#include "nev/NevBaseHelper.h"
+#include "NevQos/platform/nev/NevBaseHelper.h"
 
 namespace Sim {
 

@@ -1,4 +1,4 @@
-#include "sim/recording/CallLog.h"
+#include "NevQos/sim/recording/CallLog.h"
 
 #include <utility>
 

@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-#include "sim/recording/ChipCall.h"
+#include "NevQos/sim/recording/ChipCall.h"
 
 namespace Sim {
 

@@ -1,4 +1,4 @@
-#include "sim/recording/CallRecorder.h"
+#include "NevQos/sim/recording/CallRecorder.h"
 
 #include <utility>
 

@@ -16,9 +16,9 @@
 #include <unordered_map>
 #include <vector>
 
-#include "kesh/TimerWheel.h"
-#include "sim/recording/CallLog.h"
-#include "sim/recording/ChipCall.h"
+#include "NevQos/platform/kesh/TimerWheel.h"
+#include "NevQos/sim/recording/CallLog.h"
+#include "NevQos/sim/recording/ChipCall.h"
 
 namespace Sim {
 

@@ -9,8 +9,8 @@
 #include <utility>
 #include <vector>
 
-#include "sim/chip/ChipText.h"
-#include "zub/Entity.h"
+#include "NevQos/platform/zub/Entity.h"
+#include "NevQos/sim/chip/ChipText.h"
 
 namespace Sim {
 

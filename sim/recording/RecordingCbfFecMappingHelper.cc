@@ -1,6 +1,6 @@
-#include "sim/recording/RecordingCbfFecMappingHelper.h"
+#include "NevQos/sim/recording/RecordingCbfFecMappingHelper.h"
 
-#include "sim/chip/ChipText.h"
+#include "NevQos/sim/chip/ChipText.h"
 
 namespace Sim {
 

@@ -10,8 +10,8 @@
 #pragma once
 
 #include "NevQos/helpers/CbfFecMappingHelper.h"
-#include "kesh/TimerWheel.h"
-#include "sim/recording/CallRecorder.h"
+#include "NevQos/platform/kesh/TimerWheel.h"
+#include "NevQos/sim/recording/CallRecorder.h"
 
 namespace Sim {
 

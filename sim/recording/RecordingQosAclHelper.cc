@@ -1,8 +1,8 @@
-#include "sim/recording/RecordingQosAclHelper.h"
+#include "NevQos/sim/recording/RecordingQosAclHelper.h"
 
+#include "NevQos/sim/chip/ChipText.h"
+#include "NevQos/sim/chip/SimQosAclHelper.h"
 #include "NevQos/types/QosClassData.h"
-#include "sim/chip/ChipText.h"
-#include "sim/chip/SimQosAclHelper.h"
 
 namespace Sim {
 

@@ -1,6 +1,6 @@
-#include "sim/recording/RecordingQosBasicHelper.h"
+#include "NevQos/sim/recording/RecordingQosBasicHelper.h"
 
-#include "sim/chip/ChipText.h"
+#include "NevQos/sim/chip/ChipText.h"
 
 namespace Sim {
 

@@ -13,9 +13,9 @@
 #pragma once
 
 #include "NevQos/helpers/QosBasicHelper.h"
-#include "kesh/TimerWheel.h"
-#include "sim/recording/AsyncResultMirror.h"
-#include "sim/recording/CallRecorder.h"
+#include "NevQos/platform/kesh/TimerWheel.h"
+#include "NevQos/sim/recording/AsyncResultMirror.h"
+#include "NevQos/sim/recording/CallRecorder.h"
 
 namespace Sim {
 

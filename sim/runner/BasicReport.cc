@@ -1,11 +1,11 @@
-#include "sim/runner/BasicReport.h"
+#include "NevQos/sim/runner/BasicReport.h"
 
 #include <ostream>
 #include <string>
 
-#include "sim/chip/ChipText.h"
-#include "sim/runner/Report.h"
-#include "sim/runner/TextFormat.h"
+#include "NevQos/sim/chip/ChipText.h"
+#include "NevQos/sim/runner/Report.h"
+#include "NevQos/sim/runner/TextFormat.h"
 
 namespace Sim {
 

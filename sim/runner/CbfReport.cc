@@ -1,11 +1,11 @@
-#include "sim/runner/CbfReport.h"
+#include "NevQos/sim/runner/CbfReport.h"
 
 #include <ostream>
 #include <string>
 
-#include "sim/chip/ChipText.h"
-#include "sim/runner/Report.h"
-#include "sim/runner/TextFormat.h"
+#include "NevQos/sim/chip/ChipText.h"
+#include "NevQos/sim/runner/Report.h"
+#include "NevQos/sim/runner/TextFormat.h"
 
 namespace Sim {
 

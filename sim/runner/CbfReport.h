@@ -7,7 +7,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "sim/runner/SimSwitch.h"
+#include "NevQos/sim/runner/SimSwitch.h"
 
 namespace Sim {
 

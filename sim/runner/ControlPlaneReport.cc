@@ -1,4 +1,4 @@
-#include "sim/runner/ControlPlaneReport.h"
+#include "NevQos/sim/runner/ControlPlaneReport.h"
 
 #include <algorithm>
 #include <iterator>
@@ -9,9 +9,9 @@
 #include <utility>
 #include <vector>
 
-#include "sim/chip/ChipText.h"
-#include "sim/runner/Report.h"
-#include "sim/runner/TextFormat.h"
+#include "NevQos/sim/chip/ChipText.h"
+#include "NevQos/sim/runner/Report.h"
+#include "NevQos/sim/runner/TextFormat.h"
 
 namespace Sim {
 

@@ -1,4 +1,4 @@
-#include "sim/runner/EngineReport.h"
+#include "NevQos/sim/runner/EngineReport.h"
 
 #include <ostream>
 #include <string>
@@ -12,9 +12,9 @@
 #include "NevQos/match/QosClassMatchSm.h"
 #include "NevQos/policy/QosPolicyMapSm.h"
 #include "NevQos/policy/QosServicePolicySm.h"
-#include "sim/chip/ChipText.h"
-#include "sim/chip/SimQosAclHelper.h"
-#include "sim/runner/TextFormat.h"
+#include "NevQos/sim/chip/ChipText.h"
+#include "NevQos/sim/chip/SimQosAclHelper.h"
+#include "NevQos/sim/runner/TextFormat.h"
 
 namespace Sim {
 

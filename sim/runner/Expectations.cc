@@ -1,5 +1,5 @@
-#include "sim/runner/Expectations.h"
-#include "sim/runner/TextFormat.h"
+#include "NevQos/sim/runner/Expectations.h"
+#include "NevQos/sim/runner/TextFormat.h"
 
 #include <algorithm>
 #include <cmath>

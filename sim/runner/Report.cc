@@ -1,4 +1,4 @@
-#include "sim/runner/Report.h"
+#include "NevQos/sim/runner/Report.h"
 
 #include <algorithm>
 #include <charconv>
@@ -9,13 +9,13 @@
 #include <string>
 #include <utility>
 
-#include "sim/chip/ChipText.h"
-#include "sim/runner/BasicReport.h"
-#include "sim/runner/CbfReport.h"
-#include "sim/runner/ControlPlaneReport.h"
-#include "sim/runner/EngineReport.h"
-#include "sim/runner/TextFormat.h"
-#include "sim/runner/Version.h"
+#include "NevQos/sim/chip/ChipText.h"
+#include "NevQos/sim/runner/BasicReport.h"
+#include "NevQos/sim/runner/CbfReport.h"
+#include "NevQos/sim/runner/ControlPlaneReport.h"
+#include "NevQos/sim/runner/EngineReport.h"
+#include "NevQos/sim/runner/TextFormat.h"
+#include "NevQos/sim/runner/Version.h"
 
 namespace Sim {
 

@@ -1,13 +1,13 @@
-#include "sim/runner/SimSwitch.h"
+#include "NevQos/sim/runner/SimSwitch.h"
 
 #include <algorithm>
 #include <string>
 #include <type_traits>
 
-#include "entities/SliceHwStatus.h"
-#include "sim/scenario/ScenarioError.h"
-#include "zub/Log.h"
-#include "zub/Trace.h"
+#include "NevQos/platform/entities/SliceHwStatus.h"
+#include "NevQos/platform/zub/Log.h"
+#include "NevQos/platform/zub/Trace.h"
+#include "NevQos/sim/scenario/ScenarioError.h"
 
 namespace Sim {
 

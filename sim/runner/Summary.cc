@@ -1,4 +1,4 @@
-#include "sim/runner/Summary.h"
+#include "NevQos/sim/runner/Summary.h"
 
 #include <algorithm>
 #include <map>
@@ -6,8 +6,8 @@
 #include <utility>
 #include <vector>
 
-#include "sim/runner/Report.h"
-#include "sim/runner/TextFormat.h"
+#include "NevQos/sim/runner/Report.h"
+#include "NevQos/sim/runner/TextFormat.h"
 
 namespace Sim {
 

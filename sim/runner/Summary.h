@@ -8,8 +8,8 @@
 
 #include <nlohmann/json.hpp>
 
-#include "sim/runner/SimSwitch.h"
-#include "sim/scenario/Scenario.h"
+#include "NevQos/sim/runner/SimSwitch.h"
+#include "NevQos/sim/scenario/Scenario.h"
 
 namespace Sim {
 

@@ -1,11 +1,11 @@
-#include "sim/runner/TextFormat.h"
+#include "NevQos/sim/runner/TextFormat.h"
 
 #include <charconv>
 #include <cstdio>
 #include <cstdlib>
 #include <optional>
 
-#include "sim/scenario/TextRules.h"
+#include "NevQos/sim/scenario/TextRules.h"
 
 namespace Sim {
 

@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "zub/Entity.h"
+#include "NevQos/platform/zub/Entity.h"
 
 namespace Sim {
 

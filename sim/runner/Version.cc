@@ -1,4 +1,4 @@
-#include "sim/runner/Version.h"
+#include "NevQos/sim/runner/Version.h"
 
 namespace Sim {
 

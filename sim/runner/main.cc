@@ -17,16 +17,16 @@
 #include <string>
 #include <vector>
 
-#include "sim/runner/Expectations.h"
-#include "sim/runner/Progress.h"
-#include "sim/runner/Report.h"
-#include "sim/runner/SimSwitch.h"
-#include "sim/runner/Summary.h"
-#include "sim/runner/Version.h"
-#include "sim/scenario/ScenarioError.h"
-#include "sim/scenario/ScenarioLoader.h"
-#include "sim/scenario/TextRules.h"
-#include "zub/Trace.h"
+#include "NevQos/platform/zub/Trace.h"
+#include "NevQos/sim/runner/Expectations.h"
+#include "NevQos/sim/runner/Progress.h"
+#include "NevQos/sim/runner/Report.h"
+#include "NevQos/sim/runner/SimSwitch.h"
+#include "NevQos/sim/runner/Summary.h"
+#include "NevQos/sim/runner/Version.h"
+#include "NevQos/sim/scenario/ScenarioError.h"
+#include "NevQos/sim/scenario/ScenarioLoader.h"
+#include "NevQos/sim/scenario/TextRules.h"
 
 namespace {
 

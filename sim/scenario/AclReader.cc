@@ -1,12 +1,12 @@
-#include "sim/scenario/AclReader.h"
+#include "NevQos/sim/scenario/AclReader.h"
 
 #include <arpa/inet.h>
 
 #include <cctype>
 #include <utility>
 
-#include "sim/classbench/ClassBench.h"
-#include "zub/Exception.h"
+#include "NevQos/platform/zub/Exception.h"
+#include "NevQos/sim/classbench/ClassBench.h"
 
 namespace Sim {
 

@@ -4,7 +4,7 @@
 
 #include <filesystem>
 
-#include "sim/scenario/YamlReader.h"
+#include "NevQos/sim/scenario/YamlReader.h"
 
 namespace Sim {
 

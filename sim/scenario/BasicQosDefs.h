@@ -12,9 +12,9 @@
 #include <string_view>
 #include <vector>
 
-#include "entities/QosTypes.h"
-#include "entities/QueueSettings.h"
-#include "mirel/IntfId.h"
+#include "NevQos/platform/entities/QosTypes.h"
+#include "NevQos/platform/entities/QueueSettings.h"
+#include "NevQos/platform/mirel/IntfId.h"
 
 namespace Sim {
 

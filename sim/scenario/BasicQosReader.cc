@@ -1,4 +1,4 @@
-#include "sim/scenario/BasicQosReader.h"
+#include "NevQos/sim/scenario/BasicQosReader.h"
 
 #include <cctype>
 #include <cstdint>

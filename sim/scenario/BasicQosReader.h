@@ -2,9 +2,9 @@
 // COS-to-TC profiles, the QoS of interfaces and their queues, ECN counters and links.
 #pragma once
 
-#include "sim/scenario/BasicQosDefs.h"
-#include "sim/scenario/ServicePolicyReader.h"
-#include "sim/scenario/YamlReader.h"
+#include "NevQos/sim/scenario/BasicQosDefs.h"
+#include "NevQos/sim/scenario/ServicePolicyReader.h"
+#include "NevQos/sim/scenario/YamlReader.h"
 
 namespace Sim {
 

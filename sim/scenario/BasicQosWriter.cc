@@ -1,4 +1,4 @@
-#include "sim/scenario/BasicQosWriter.h"
+#include "NevQos/sim/scenario/BasicQosWriter.h"
 
 #include <vector>
 

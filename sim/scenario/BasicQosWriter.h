@@ -3,10 +3,10 @@
 // that stands notifies nobody).
 #pragma once
 
-#include "entities/CounterConfig.h"
-#include "entities/EthPhyIntfStatus.h"
-#include "entities/QosStatus.h"
-#include "sim/scenario/ConfigModel.h"
+#include "NevQos/platform/entities/CounterConfig.h"
+#include "NevQos/platform/entities/EthPhyIntfStatus.h"
+#include "NevQos/platform/entities/QosStatus.h"
+#include "NevQos/sim/scenario/ConfigModel.h"
 
 namespace Sim {
 

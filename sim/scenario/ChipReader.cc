@@ -1,15 +1,15 @@
-#include "sim/scenario/ChipReader.h"
+#include "NevQos/sim/scenario/ChipReader.h"
 
 #include <algorithm>
 #include <cstdint>
 #include <utility>
 
+#include "NevQos/sim/chip/ChipFaults.h"
+#include "NevQos/sim/chip/ChipText.h"
+#include "NevQos/sim/scenario/PolicyReader.h"
+#include "NevQos/sim/scenario/ScenarioNames.h"
+#include "NevQos/sim/scenario/ServicePolicyReader.h"
 #include "NevQos/types/TcpFlag.h"
-#include "sim/chip/ChipFaults.h"
-#include "sim/chip/ChipText.h"
-#include "sim/scenario/PolicyReader.h"
-#include "sim/scenario/ScenarioNames.h"
-#include "sim/scenario/ServicePolicyReader.h"
 
 namespace Sim {
 

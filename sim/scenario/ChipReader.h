@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "sim/chip/ChipConfig.h"
-#include "sim/scenario/YamlReader.h"
+#include "NevQos/sim/chip/ChipConfig.h"
+#include "NevQos/sim/scenario/YamlReader.h"
 
 namespace Sim {
 

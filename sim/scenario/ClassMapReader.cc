@@ -1,4 +1,4 @@
-#include "sim/scenario/ClassMapReader.h"
+#include "NevQos/sim/scenario/ClassMapReader.h"
 
 #include <utility>
 

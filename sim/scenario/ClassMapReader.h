@@ -2,7 +2,7 @@
 // mac access groups, vlan, cos, vlanCos, dscp, mplsTrafficClass, builtIn).
 #pragma once
 
-#include "sim/scenario/YamlReader.h"
+#include "NevQos/sim/scenario/YamlReader.h"
 
 namespace Sim {
 

@@ -1,4 +1,4 @@
-#include "sim/scenario/ConfigDiff.h"
+#include "NevQos/sim/scenario/ConfigDiff.h"
 
 #include <algorithm>
 #include <iterator>

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "sim/scenario/ConfigModel.h"
+#include "NevQos/sim/scenario/ConfigModel.h"
 
 namespace Sim {
 

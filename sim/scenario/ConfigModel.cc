@@ -1,9 +1,9 @@
-#include "sim/scenario/ConfigModel.h"
+#include "NevQos/sim/scenario/ConfigModel.h"
 
 #include <algorithm>
 #include <optional>
 
-#include "sim/scenario/ScenarioNames.h"
+#include "NevQos/sim/scenario/ScenarioNames.h"
 
 namespace Sim {
 

@@ -13,7 +13,7 @@
 #include <utility>
 #include <vector>
 
-#include "sim/scenario/Scenario.h"
+#include "NevQos/sim/scenario/Scenario.h"
 
 namespace Sim {
 

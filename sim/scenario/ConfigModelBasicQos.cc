@@ -2,8 +2,8 @@
 // one still named is not removed.
 #include <string>
 
-#include "sim/chip/ChipText.h"
-#include "sim/scenario/ConfigModel.h"
+#include "NevQos/sim/chip/ChipText.h"
+#include "NevQos/sim/scenario/ConfigModel.h"
 
 namespace Sim {
 

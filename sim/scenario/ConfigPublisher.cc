@@ -1,15 +1,15 @@
-#include "sim/scenario/ConfigPublisher.h"
+#include "NevQos/sim/scenario/ConfigPublisher.h"
 
 #include <algorithm>
 #include <utility>
 
-#include "entities/CounterConfig.h"
-#include "sim/scenario/BasicQosWriter.h"
-#include "sim/scenario/ConfigDiff.h"
-#include "sim/scenario/EntityWriter.h"
-#include "sim/scenario/ScenarioError.h"
-#include "sim/scenario/ScenarioNames.h"
-#include "zub/Assert.h"
+#include "NevQos/platform/entities/CounterConfig.h"
+#include "NevQos/platform/zub/Assert.h"
+#include "NevQos/sim/scenario/BasicQosWriter.h"
+#include "NevQos/sim/scenario/ConfigDiff.h"
+#include "NevQos/sim/scenario/EntityWriter.h"
+#include "NevQos/sim/scenario/ScenarioError.h"
+#include "NevQos/sim/scenario/ScenarioNames.h"
 
 namespace Sim {
 

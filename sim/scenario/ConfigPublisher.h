@@ -20,20 +20,20 @@
 #include <string>
 #include <vector>
 
-#include "entities/AclConfig.h"
-#include "entities/AclHwStatus.h"
-#include "entities/CounterConfig.h"
-#include "entities/EthPhyIntfStatus.h"
-#include "entities/FecOverride.h"
-#include "entities/HwStatus.h"
-#include "entities/QosStatus.h"
-#include "entities/SubIntfStatus.h"
-#include "nev/FecIdToHwFecId.h"
-#include "nev/KernelCoPPStatus.h"
-#include "nev/NevCommonSmData.h"
-#include "nev/NexthopGroupStatus.h"
-#include "sim/scenario/ConfigModel.h"
-#include "zub/Entity.h"
+#include "NevQos/platform/entities/AclConfig.h"
+#include "NevQos/platform/entities/AclHwStatus.h"
+#include "NevQos/platform/entities/CounterConfig.h"
+#include "NevQos/platform/entities/EthPhyIntfStatus.h"
+#include "NevQos/platform/entities/FecOverride.h"
+#include "NevQos/platform/entities/HwStatus.h"
+#include "NevQos/platform/entities/QosStatus.h"
+#include "NevQos/platform/entities/SubIntfStatus.h"
+#include "NevQos/platform/nev/FecIdToHwFecId.h"
+#include "NevQos/platform/nev/KernelCoPPStatus.h"
+#include "NevQos/platform/nev/NevCommonSmData.h"
+#include "NevQos/platform/nev/NexthopGroupStatus.h"
+#include "NevQos/platform/zub/Entity.h"
+#include "NevQos/sim/scenario/ConfigModel.h"
 
 namespace Sim {
 

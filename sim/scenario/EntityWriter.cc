@@ -1,6 +1,6 @@
-#include "sim/scenario/EntityWriter.h"
+#include "NevQos/sim/scenario/EntityWriter.h"
 
-#include "zub/Assert.h"
+#include "NevQos/platform/zub/Assert.h"
 
 namespace Sim {
 

@@ -6,11 +6,11 @@
 
 #include <string>
 
-#include "entities/AclConfig.h"
-#include "entities/AclHwStatus.h"
-#include "entities/HwStatus.h"
-#include "entities/QosStatus.h"
-#include "sim/scenario/ConfigModel.h"
+#include "NevQos/platform/entities/AclConfig.h"
+#include "NevQos/platform/entities/AclHwStatus.h"
+#include "NevQos/platform/entities/HwStatus.h"
+#include "NevQos/platform/entities/QosStatus.h"
+#include "NevQos/sim/scenario/ConfigModel.h"
 
 namespace Sim {
 

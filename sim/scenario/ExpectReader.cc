@@ -1,10 +1,10 @@
-#include "sim/scenario/ExpectReader.h"
+#include "NevQos/sim/scenario/ExpectReader.h"
 
 #include <string>
 #include <string_view>
 #include <utility>
 
-#include "sim/scenario/ScenarioNames.h"
+#include "NevQos/sim/scenario/ScenarioNames.h"
 
 namespace Sim {
 

@@ -5,8 +5,8 @@
 
 #include <yaml-cpp/yaml.h>
 
-#include "sim/scenario/Scenario.h"
-#include "sim/scenario/YamlReader.h"
+#include "NevQos/sim/scenario/Scenario.h"
+#include "NevQos/sim/scenario/YamlReader.h"
 
 namespace Sim {
 

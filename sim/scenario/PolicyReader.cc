@@ -1,8 +1,8 @@
-#include "sim/scenario/PolicyReader.h"
+#include "NevQos/sim/scenario/PolicyReader.h"
 
 #include <utility>
 
-#include "sim/scenario/ConfigModel.h"
+#include "NevQos/sim/scenario/ConfigModel.h"
 
 namespace Sim {
 

@@ -2,7 +2,7 @@
 // counters and policers, and the rates and bursts of a policer in the operator's units.
 #pragma once
 
-#include "sim/scenario/YamlReader.h"
+#include "NevQos/sim/scenario/YamlReader.h"
 
 namespace Sim {
 

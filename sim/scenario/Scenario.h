@@ -13,17 +13,17 @@
 #include <variant>
 #include <vector>
 
-#include "entities/AclRuleConfig.h"
-#include "entities/ClassMapStatus.h"
-#include "entities/FecOverride.h"
-#include "entities/QosTypes.h"
-#include "entities/SubIntfStatus.h"
-#include "mirel/IntfId.h"
-#include "nev/KernelCoPPStatus.h"
-#include "nev/ModIdPortQueueKey.h"
-#include "sim/chip/ChipConfig.h"
-#include "sim/scenario/BasicQosDefs.h"
-#include "zub/Entity.h"
+#include "NevQos/platform/entities/AclRuleConfig.h"
+#include "NevQos/platform/entities/ClassMapStatus.h"
+#include "NevQos/platform/entities/FecOverride.h"
+#include "NevQos/platform/entities/QosTypes.h"
+#include "NevQos/platform/entities/SubIntfStatus.h"
+#include "NevQos/platform/mirel/IntfId.h"
+#include "NevQos/platform/nev/KernelCoPPStatus.h"
+#include "NevQos/platform/nev/ModIdPortQueueKey.h"
+#include "NevQos/platform/zub/Entity.h"
+#include "NevQos/sim/chip/ChipConfig.h"
+#include "NevQos/sim/scenario/BasicQosDefs.h"
 
 namespace Sim {
 

@@ -1,4 +1,4 @@
-#include "sim/scenario/ScenarioError.h"
+#include "NevQos/sim/scenario/ScenarioError.h"
 
 namespace Sim {
 

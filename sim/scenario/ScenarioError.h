@@ -5,7 +5,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "sim/scenario/Scenario.h"
+#include "NevQos/sim/scenario/Scenario.h"
 
 namespace Sim {
 

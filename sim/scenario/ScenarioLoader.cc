@@ -1,4 +1,4 @@
-#include "sim/scenario/ScenarioLoader.h"
+#include "NevQos/sim/scenario/ScenarioLoader.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -11,12 +11,12 @@
 #include <yaml-cpp/depthguard.h>
 #include <yaml-cpp/eventhandler.h>
 
-#include "sim/scenario/ChipReader.h"
-#include "sim/scenario/ConfigModel.h"
-#include "sim/scenario/ExpectReader.h"
-#include "sim/scenario/StepReader.h"
-#include "sim/scenario/TextRules.h"
-#include "zub/Trace.h"
+#include "NevQos/platform/zub/Trace.h"
+#include "NevQos/sim/scenario/ChipReader.h"
+#include "NevQos/sim/scenario/ConfigModel.h"
+#include "NevQos/sim/scenario/ExpectReader.h"
+#include "NevQos/sim/scenario/StepReader.h"
+#include "NevQos/sim/scenario/TextRules.h"
 
 namespace Sim {
 

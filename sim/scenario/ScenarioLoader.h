@@ -6,8 +6,8 @@
 
 #include <string>
 
-#include "sim/scenario/Scenario.h"
-#include "sim/scenario/ScenarioError.h"
+#include "NevQos/sim/scenario/Scenario.h"
+#include "NevQos/sim/scenario/ScenarioError.h"
 
 namespace Sim {
 

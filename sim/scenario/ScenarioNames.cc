@@ -1,4 +1,4 @@
-#include "sim/scenario/ScenarioNames.h"
+#include "NevQos/sim/scenario/ScenarioNames.h"
 
 #include <charconv>
 

@@ -7,10 +7,10 @@
 #include <string_view>
 #include <utility>
 
-#include "entities/AclRuleConfig.h"
-#include "entities/QosTypes.h"
-#include "sim/chip/ChipText.h"
-#include "sim/scenario/Scenario.h"
+#include "NevQos/platform/entities/AclRuleConfig.h"
+#include "NevQos/platform/entities/QosTypes.h"
+#include "NevQos/sim/chip/ChipText.h"
+#include "NevQos/sim/scenario/Scenario.h"
 
 namespace Sim {
 

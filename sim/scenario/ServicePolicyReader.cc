@@ -1,6 +1,6 @@
-#include "sim/scenario/ServicePolicyReader.h"
+#include "NevQos/sim/scenario/ServicePolicyReader.h"
 
-#include "zub/Exception.h"
+#include "NevQos/platform/zub/Exception.h"
 
 namespace Sim {
 

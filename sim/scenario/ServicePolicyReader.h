@@ -2,7 +2,7 @@
 // ("Ethernet1"); a LAG member as the member and its port-channel, "Ethernet1@Port-Channel10".
 #pragma once
 
-#include "sim/scenario/YamlReader.h"
+#include "NevQos/sim/scenario/YamlReader.h"
 
 namespace Sim {
 

@@ -1,4 +1,4 @@
-#include "sim/scenario/StepReader.h"
+#include "NevQos/sim/scenario/StepReader.h"
 
 #include <algorithm>
 #include <optional>

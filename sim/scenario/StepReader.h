@@ -8,11 +8,11 @@
 #include <utility>
 #include <vector>
 
-#include "sim/scenario/AclReader.h"
-#include "sim/scenario/BasicQosReader.h"
-#include "sim/scenario/ClassMapReader.h"
-#include "sim/scenario/PolicyReader.h"
-#include "sim/scenario/ServicePolicyReader.h"
+#include "NevQos/sim/scenario/AclReader.h"
+#include "NevQos/sim/scenario/BasicQosReader.h"
+#include "NevQos/sim/scenario/ClassMapReader.h"
+#include "NevQos/sim/scenario/PolicyReader.h"
+#include "NevQos/sim/scenario/ServicePolicyReader.h"
 
 namespace Sim {
 

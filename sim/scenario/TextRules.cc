@@ -1,4 +1,4 @@
-#include "sim/scenario/TextRules.h"
+#include "NevQos/sim/scenario/TextRules.h"
 
 #include <charconv>
 #include <cmath>

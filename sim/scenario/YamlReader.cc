@@ -1,12 +1,12 @@
-#include "sim/scenario/YamlReader.h"
+#include "NevQos/sim/scenario/YamlReader.h"
 
 #include <algorithm>
 #include <charconv>
 #include <optional>
 #include <set>
 
-#include "sim/scenario/ScenarioError.h"
-#include "sim/scenario/TextRules.h"
+#include "NevQos/sim/scenario/ScenarioError.h"
+#include "NevQos/sim/scenario/TextRules.h"
 
 namespace Sim {
 

@@ -10,8 +10,8 @@
 #include <string_view>
 #include <vector>
 
-#include "sim/scenario/Scenario.h"
-#include "sim/scenario/ScenarioNames.h"
+#include "NevQos/sim/scenario/Scenario.h"
+#include "NevQos/sim/scenario/ScenarioNames.h"
 
 namespace Sim {
 

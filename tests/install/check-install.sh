@@ -1,5 +1,7 @@
 #!/usr/bin/env bash
-# Installs the build tree into a scratch prefix and builds and runs a consumer project against it.
+# Installs the build tree into a scratch prefix, builds a consumer project against it and runs its
+# three programs: an agent on the engine, a test on the reference chip, a scenario on the runner.
+# The installed include folder must hold NevQos/ alone, so that a consumer's path gains no other.
 set -euo pipefail
 build_dir=$1
 source_dir=$( cd "$( dirname "${BASH_SOURCE[0]}" )" && pwd )
@@ -8,4 +10,12 @@ trap 'rm -rf "$scratch"' EXIT
 cmake --install "$build_dir" --prefix "$scratch/prefix" > /dev/null
 cmake -S "$source_dir/consumer" -B "$scratch/build" -G Ninja -DCMAKE_PREFIX_PATH="$scratch/prefix" > /dev/null
 cmake --build "$scratch/build" > /dev/null
+include_dirs=$( ls "$scratch/prefix/include" )
+if [ "$include_dirs" != "NevQos" ]; then
+   echo "the installed include folder holds more than NevQos/:" $include_dirs
+   exit 1
+fi
 "$scratch/build/consumer"
+"$scratch/build/chip-consumer"
+"$scratch/build/runner-consumer"
+echo "installed NevQos works"

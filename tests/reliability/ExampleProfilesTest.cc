@@ -15,10 +15,10 @@
 #include <variant>
 #include <vector>
 
-#include "sim/checks/AbortNote.h"
-#include "sim/checks/CheckedRun.h"
-#include "sim/scenario/ScenarioError.h"
-#include "sim/scenario/ScenarioLoader.h"
+#include "NevQos/sim/checks/AbortNote.h"
+#include "NevQos/sim/checks/CheckedRun.h"
+#include "NevQos/sim/scenario/ScenarioError.h"
+#include "NevQos/sim/scenario/ScenarioLoader.h"
 
 namespace NevQosTest {
 namespace {

@@ -8,8 +8,8 @@
 #include <cstdlib>
 #include <string>
 
+#include "NevQos/sim/random/RandomSequence.h"
 #include "reliability/ReliabilityTest.h"
-#include "sim/random/RandomSequence.h"
 
 namespace NevQosTest {
 namespace {

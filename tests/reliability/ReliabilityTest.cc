@@ -1,7 +1,7 @@
 #include "reliability/ReliabilityTest.h"
 
-#include "sim/scenario/ScenarioError.h"
-#include "sim/scenario/ScenarioLoader.h"
+#include "NevQos/sim/scenario/ScenarioError.h"
+#include "NevQos/sim/scenario/ScenarioLoader.h"
 
 namespace NevQosTest {
 

@@ -6,8 +6,8 @@
 
 #include <gtest/gtest.h>
 
-#include "sim/checks/SwitchImage.h"
-#include "sim/scenario/Scenario.h"
+#include "NevQos/sim/checks/SwitchImage.h"
+#include "NevQos/sim/scenario/Scenario.h"
 
 namespace NevQosTest {
 

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "NevQos/sim/runner/Report.h"
 #include "reliability/ReliabilityTest.h"
-#include "sim/runner/Report.h"
 
 namespace NevQosTest {
 namespace {

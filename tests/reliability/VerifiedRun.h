@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "sim/runner/SimSwitch.h"
+#include "NevQos/sim/runner/SimSwitch.h"
 
 namespace NevQosTest {
 

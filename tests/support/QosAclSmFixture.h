@@ -8,12 +8,12 @@
 #include <string>
 #include <vector>
 
+#include "NevQos/platform/zub/ActivityManager.h"
+#include "NevQos/platform/zub/Log.h"
 #include "NevQos/policy/QosAclSm.h"
 #include "NevQos/policy/QosPolicyMapClassData.h"
-#include "sim/chip/SimQosAclHelper.h"
-#include "sim/recording/RecordingQosAclHelper.h"
-#include "zub/ActivityManager.h"
-#include "zub/Log.h"
+#include "NevQos/sim/chip/SimQosAclHelper.h"
+#include "NevQos/sim/recording/RecordingQosAclHelper.h"
 
 namespace NevQosTest {
 

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "zub/Log.h"
+#include "NevQos/platform/zub/Log.h"
 
 namespace NevQosTest {
 

@@ -12,9 +12,9 @@
 #include <vector>
 
 #include "NevQos/basic/QosBasicSm.h"
-#include "sim/chip/SimQosBasicHelper.h"
-#include "sim/recording/RecordingQosBasicHelper.h"
-#include "zub/ActivityManager.h"
+#include "NevQos/platform/zub/ActivityManager.h"
+#include "NevQos/sim/chip/SimQosBasicHelper.h"
+#include "NevQos/sim/recording/RecordingQosBasicHelper.h"
 
 namespace NevQosTest {
 

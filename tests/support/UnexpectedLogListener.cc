@@ -3,7 +3,7 @@
 // what they caught), so a line that reaches this sink is one nobody said would come.
 #include <gtest/gtest.h>
 
-#include "zub/Log.h"
+#include "NevQos/platform/zub/Log.h"
 
 namespace NevQosTest {
 namespace {

@@ -7,11 +7,11 @@
 #include <vector>
 
 #include "NevQos/cbf/CbfFecMappingSm.h"
-#include "sim/chip/SimCbfFecMappingHelper.h"
-#include "sim/recording/RecordingCbfFecMappingHelper.h"
-#include "zub/ActivityManager.h"
-#include "zub/Log.h"
-#include "zub/Trace.h"
+#include "NevQos/platform/zub/ActivityManager.h"
+#include "NevQos/platform/zub/Log.h"
+#include "NevQos/platform/zub/Trace.h"
+#include "NevQos/sim/chip/SimCbfFecMappingHelper.h"
+#include "NevQos/sim/recording/RecordingCbfFecMappingHelper.h"
 
 namespace NevQosTest {
 namespace {

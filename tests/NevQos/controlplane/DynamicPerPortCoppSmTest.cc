@@ -5,10 +5,10 @@
 #include <vector>
 
 #include "NevQos/controlplane/DynamicPerPortCoppSm.h"
-#include "sim/chip/SimQosAclHelper.h"
-#include "sim/recording/RecordingQosAclHelper.h"
-#include "zub/ActivityManager.h"
-#include "zub/Log.h"
+#include "NevQos/platform/zub/ActivityManager.h"
+#include "NevQos/platform/zub/Log.h"
+#include "NevQos/sim/chip/SimQosAclHelper.h"
+#include "NevQos/sim/recording/RecordingQosAclHelper.h"
 
 namespace NevQosTest {
 namespace {

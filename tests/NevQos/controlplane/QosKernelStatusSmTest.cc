@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "NevQos/controlplane/QosKernelStatusSm.h"
-#include "zub/ActivityManager.h"
+#include "NevQos/platform/zub/ActivityManager.h"
 
 namespace NevQosTest {
 namespace {

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "entities/QosUnits.h"
+#include "NevQos/platform/entities/QosUnits.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 // blocks. The entries must be those worked out from the rules alone.
 #include <gtest/gtest.h>
 
-#include "sim/classbench/ClassBench.h"
+#include "NevQos/sim/classbench/ClassBench.h"
 #include "support/QosAclSmFixture.h"
 
 namespace NevQosTest {

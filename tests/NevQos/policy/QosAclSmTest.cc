@@ -4,8 +4,8 @@
 
 #include <algorithm>
 
+#include "NevQos/platform/nev/AclData.h"
 #include "NevQos/policy/QosPolicyMapSm.h"
-#include "nev/AclData.h"
 
 namespace NevQosTest {
 namespace {

@@ -2,10 +2,10 @@
 
 #include <sstream>
 
+#include "NevQos/platform/zub/Exception.h"
 #include "NevQos/types/AclCreateError.h"
 #include "NevQos/types/CbfFecMappingUpdateStatus.h"
 #include "NevQos/types/QosPMapAclTypes.h"
-#include "zub/Exception.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "zub/Exception.h"
+#include "NevQos/platform/zub/Exception.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "zub/Exception.h"
+#include "NevQos/platform/zub/Exception.h"
 
 namespace {
 

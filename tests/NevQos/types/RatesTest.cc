@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "zub/Trace.h"
+#include "NevQos/platform/zub/Trace.h"
 
 namespace {
 

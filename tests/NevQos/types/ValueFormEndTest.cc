@@ -4,13 +4,13 @@
 
 #include <string>
 
+#include "NevQos/platform/zub/Exception.h"
 #include "NevQos/types/IntfUpdateCallbackData.h"
 #include "NevQos/types/L2ParamsInfo.h"
 #include "NevQos/types/QosClassDataKey.h"
 #include "NevQos/types/QosClassMapKey.h"
 #include "NevQos/types/QosPolicyMapKey.h"
 #include "NevQos/types/TcpFlag.h"
-#include "zub/Exception.h"
 
 namespace {
 

@@ -9,7 +9,7 @@ int main() {
    auto dir = Zub::make< Zub::Dir >( Zub::Name( "config" ) );
    dir->entityPtrIs( Zub::Name( "a" ), Zub::make< Zub::Dir >( Zub::Name( "a" ) ) );
    if( dir->entityPtrSize() != 1 ) return 1;
-   std::printf( "installed NevQos works\n" );
+   std::printf( "installed engine works\n" );
    Zub::activityManagerIs( nullptr );
    return 0;
 }

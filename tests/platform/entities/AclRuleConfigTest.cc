@@ -1,4 +1,4 @@
-#include "entities/AclRuleConfig.h"
+#include "NevQos/platform/entities/AclRuleConfig.h"
 
 #include <gtest/gtest.h>
 
@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "zub/Exception.h"
+#include "NevQos/platform/zub/Exception.h"
 
 namespace {
 

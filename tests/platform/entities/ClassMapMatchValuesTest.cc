@@ -1,4 +1,4 @@
-#include "entities/ClassMapMatchValues.h"
+#include "NevQos/platform/entities/ClassMapMatchValues.h"
 
 #include <gtest/gtest.h>
 
@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "entities/AclConfig.h"
-#include "zub/Exception.h"
+#include "NevQos/platform/entities/AclConfig.h"
+#include "NevQos/platform/zub/Exception.h"
 
 namespace {
 

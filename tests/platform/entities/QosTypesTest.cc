@@ -1,13 +1,13 @@
-#include "entities/QosTypes.h"
+#include "NevQos/platform/entities/QosTypes.h"
 
 #include <gtest/gtest.h>
 
 #include <functional>
 #include <string>
 
-#include "entities/AclTypes.h"
-#include "mirel/AddressFamily.h"
-#include "zub/Exception.h"
+#include "NevQos/platform/entities/AclTypes.h"
+#include "NevQos/platform/mirel/AddressFamily.h"
+#include "NevQos/platform/zub/Exception.h"
 
 namespace {
 

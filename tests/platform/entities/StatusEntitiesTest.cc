@@ -5,20 +5,20 @@
 
 #include <vector>
 
-#include "entities/AclConfig.h"
-#include "entities/AclHwStatus.h"
-#include "entities/AclSliceHwStatus.h"
-#include "entities/CounterConfig.h"
-#include "entities/EthPhyIntfStatus.h"
-#include "entities/HwEpochStatus.h"
-#include "entities/HwStatus.h"
-#include "entities/InputConfig.h"
-#include "entities/QosStatus.h"
-#include "entities/SliceHwStatus.h"
-#include "entities/SubIntfStatus.h"
-#include "nev/KernelCoPPConfig.h"
-#include "nev/KernelCoPPStatus.h"
-#include "nev/NexthopGroupStatus.h"
+#include "NevQos/platform/entities/AclConfig.h"
+#include "NevQos/platform/entities/AclHwStatus.h"
+#include "NevQos/platform/entities/AclSliceHwStatus.h"
+#include "NevQos/platform/entities/CounterConfig.h"
+#include "NevQos/platform/entities/EthPhyIntfStatus.h"
+#include "NevQos/platform/entities/HwEpochStatus.h"
+#include "NevQos/platform/entities/HwStatus.h"
+#include "NevQos/platform/entities/InputConfig.h"
+#include "NevQos/platform/entities/QosStatus.h"
+#include "NevQos/platform/entities/SliceHwStatus.h"
+#include "NevQos/platform/entities/SubIntfStatus.h"
+#include "NevQos/platform/nev/KernelCoPPConfig.h"
+#include "NevQos/platform/nev/KernelCoPPStatus.h"
+#include "NevQos/platform/nev/NexthopGroupStatus.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
-#include "nev/VerifyData.h"
+#include "NevQos/platform/nev/VerifyData.h"
 
 #include <gtest/gtest.h>
 
-#include "nev/NevCommonSmData.h"
+#include "NevQos/platform/nev/NevCommonSmData.h"
 
 namespace {
 

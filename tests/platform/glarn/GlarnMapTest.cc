@@ -3,8 +3,8 @@
 #include <string>
 #include <vector>
 
-#include "entities/FecOverride.h"
-#include "nev/FecIdToHwFecId.h"
+#include "NevQos/platform/entities/FecOverride.h"
+#include "NevQos/platform/nev/FecIdToHwFecId.h"
 
 namespace NevQosTest {
 namespace {

@@ -2,9 +2,9 @@
 
 #include <vector>
 
-#include "kesh/TimerTask.h"
-#include "kesh/TimerWheel.h"
-#include "zub/ActivityManager.h"
+#include "NevQos/platform/kesh/TimerTask.h"
+#include "NevQos/platform/kesh/TimerWheel.h"
+#include "NevQos/platform/zub/ActivityManager.h"
 
 namespace {
 

@@ -1,10 +1,10 @@
-#include "mirel/IntfId.h"
+#include "NevQos/platform/mirel/IntfId.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 
-#include "zub/Exception.h"
+#include "NevQos/platform/zub/Exception.h"
 
 namespace {
 

@@ -2,8 +2,8 @@
 
 #include <sstream>
 
-#include "mirel/Ip6AddrWithMask.h"
-#include "zub/Exception.h"
+#include "NevQos/platform/mirel/Ip6AddrWithMask.h"
+#include "NevQos/platform/zub/Exception.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "mirel/RangeMaskGen.h"
+#include "NevQos/platform/mirel/RangeMaskGen.h"
 
 #include <gtest/gtest.h>
 

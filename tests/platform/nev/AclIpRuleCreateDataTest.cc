@@ -1,11 +1,11 @@
-#include "nev/AclIpRuleCreateData.h"
+#include "NevQos/platform/nev/AclIpRuleCreateData.h"
 
 #include <gtest/gtest.h>
 
 #include <sstream>
 #include <vector>
 
-#include "nev/AclFragMap.h"
+#include "NevQos/platform/nev/AclFragMap.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "nev/AclKey.h"
+#include "NevQos/platform/nev/AclKey.h"
 
 #include <gtest/gtest.h>
 

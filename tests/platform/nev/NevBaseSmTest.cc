@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
-#include "nev/NevBaseSm.h"
-#include "nev/NevCommonSmData.h"
-#include "zub/ActivityManager.h"
+#include "NevQos/platform/nev/NevBaseSm.h"
+#include "NevQos/platform/nev/NevCommonSmData.h"
+#include "NevQos/platform/zub/ActivityManager.h"
 
 namespace {
 

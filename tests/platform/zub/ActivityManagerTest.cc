@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "zub/ActivityManager.h"
+#include "NevQos/platform/zub/ActivityManager.h"
 
 namespace {
 

@@ -4,9 +4,9 @@
 
 #include <tuple>
 
+#include "NevQos/platform/zub/Attribute.h"
+#include "NevQos/platform/zub/Entity.h"
 #include "ZubTestEntities.h"
-#include "zub/Attribute.h"
-#include "zub/Entity.h"
 
 namespace {
 

@@ -6,8 +6,8 @@
 #include <set>
 #include <vector>
 
+#include "NevQos/platform/zub/Collection.h"
 #include "ZubTestEntities.h"
-#include "zub/Collection.h"
 
 namespace {
 

@@ -2,8 +2,8 @@
 // catch-up of a reactor attached late.
 #include <gtest/gtest.h>
 
+#include "NevQos/platform/zub/Entity.h"
 #include "ZubTestEntities.h"
-#include "zub/Entity.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include <map>
 #include <random>
 
-#include "zub/FlatMap.h"
+#include "NevQos/platform/zub/FlatMap.h"
 
 namespace {
 

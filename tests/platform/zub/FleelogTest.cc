@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "zub/Fleelog.h"
+#include "NevQos/platform/zub/Fleelog.h"
 
 namespace {
 

@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <set>
 
-#include "zub/LinkQueue.h"
-#include "zub/String.h"
+#include "NevQos/platform/zub/LinkQueue.h"
+#include "NevQos/platform/zub/String.h"
 
 namespace {
 

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "zub/ActivityManager.h"
-#include "zub/Log.h"
+#include "NevQos/platform/zub/ActivityManager.h"
+#include "NevQos/platform/zub/Log.h"
 
 namespace {
 

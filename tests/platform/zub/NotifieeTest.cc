@@ -2,8 +2,8 @@
 // going away in the middle of a delivery.
 #include <gtest/gtest.h>
 
+#include "NevQos/platform/zub/Entity.h"
 #include "ZubTestEntities.h"
-#include "zub/Entity.h"
 
 namespace {
 

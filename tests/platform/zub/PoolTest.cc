@@ -7,9 +7,9 @@
 #include <set>
 #include <vector>
 
-#include "zub/Collection.h"
-#include "zub/Pool.h"
-#include "zub/Ptr.h"
+#include "NevQos/platform/zub/Collection.h"
+#include "NevQos/platform/zub/Pool.h"
+#include "NevQos/platform/zub/Ptr.h"
 
 namespace {
 

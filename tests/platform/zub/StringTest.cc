@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "zub/Format.h"
-#include "zub/String.h"
+#include "NevQos/platform/zub/Format.h"
+#include "NevQos/platform/zub/String.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "zub/Trace.h"
+#include "NevQos/platform/zub/Trace.h"
 
 namespace {
 

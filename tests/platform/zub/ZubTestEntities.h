@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "zub/Entity.h"
+#include "NevQos/platform/zub/Entity.h"
 
 namespace ZubTest {
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "sim/chip/SimQosAclHelper.h"
+#include "NevQos/sim/chip/SimQosAclHelper.h"
 #include "support/QosAclSmFixture.h"
 
 namespace NevQosTest {

@@ -10,9 +10,9 @@
 #include <vector>
 
 #include "NevQos/log/QosLogHandles.h"
-#include "sim/chip/SimQosBasicHelper.h"
-#include "zub/ActivityManager.h"
-#include "zub/Log.h"
+#include "NevQos/platform/zub/ActivityManager.h"
+#include "NevQos/platform/zub/Log.h"
+#include "NevQos/sim/chip/SimQosBasicHelper.h"
 
 namespace {
 

@@ -1,12 +1,12 @@
-#include "sim/classbench/ClassBench.h"
+#include "NevQos/sim/classbench/ClassBench.h"
 
 #include <gtest/gtest.h>
 
 #include <sstream>
 #include <string>
 
-#include "nev/AclIpRuleCreateData.h"
-#include "zub/Exception.h"
+#include "NevQos/platform/nev/AclIpRuleCreateData.h"
+#include "NevQos/platform/zub/Exception.h"
 
 namespace {
 

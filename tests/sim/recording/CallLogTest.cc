@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "sim/recording/CallLog.h"
+#include "NevQos/sim/recording/CallLog.h"
 
 namespace NevQosTest {
 namespace {

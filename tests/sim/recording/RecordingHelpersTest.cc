@@ -8,13 +8,13 @@
 #include <string>
 #include <vector>
 
+#include "NevQos/sim/chip/ChipText.h"
+#include "NevQos/sim/chip/SimCbfFecMappingHelper.h"
+#include "NevQos/sim/chip/SimQosBasicHelper.h"
+#include "NevQos/sim/recording/RecordingCbfFecMappingHelper.h"
+#include "NevQos/sim/recording/RecordingQosAclHelper.h"
+#include "NevQos/sim/recording/RecordingQosBasicHelper.h"
 #include "NevQos/types/QosClassData.h"
-#include "sim/chip/ChipText.h"
-#include "sim/chip/SimCbfFecMappingHelper.h"
-#include "sim/chip/SimQosBasicHelper.h"
-#include "sim/recording/RecordingCbfFecMappingHelper.h"
-#include "sim/recording/RecordingQosAclHelper.h"
-#include "sim/recording/RecordingQosBasicHelper.h"
 #include "support/QosAclSmFixture.h"
 
 namespace NevQosTest {

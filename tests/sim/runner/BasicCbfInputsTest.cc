@@ -9,9 +9,9 @@
 #include <string>
 #include <vector>
 
-#include "sim/runner/Report.h"
-#include "sim/runner/SimSwitch.h"
-#include "sim/scenario/ScenarioLoader.h"
+#include "NevQos/sim/runner/Report.h"
+#include "NevQos/sim/runner/SimSwitch.h"
+#include "NevQos/sim/scenario/ScenarioLoader.h"
 
 namespace NevQosTest {
 namespace {

@@ -10,10 +10,10 @@
 #include <string>
 #include <vector>
 
-#include "sim/runner/Expectations.h"
-#include "sim/runner/Report.h"
-#include "sim/runner/SimSwitch.h"
-#include "sim/scenario/ScenarioLoader.h"
+#include "NevQos/sim/runner/Expectations.h"
+#include "NevQos/sim/runner/Report.h"
+#include "NevQos/sim/runner/SimSwitch.h"
+#include "NevQos/sim/scenario/ScenarioLoader.h"
 #include "support/SimProgram.h"
 
 namespace NevQosTest {

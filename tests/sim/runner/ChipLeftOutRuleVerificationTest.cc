@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "sim/runner/SimSwitch.h"
-#include "sim/scenario/ScenarioLoader.h"
+#include "NevQos/sim/runner/SimSwitch.h"
+#include "NevQos/sim/scenario/ScenarioLoader.h"
 
 namespace NevQosTest {
 namespace {

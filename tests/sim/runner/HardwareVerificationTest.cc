@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "sim/chip/SimQosAclHelper.h"
-#include "sim/runner/SimSwitch.h"
-#include "sim/scenario/ScenarioLoader.h"
+#include "NevQos/sim/chip/SimQosAclHelper.h"
+#include "NevQos/sim/runner/SimSwitch.h"
+#include "NevQos/sim/scenario/ScenarioLoader.h"
 #include "support/QosAclSmFixture.h"
 
 namespace NevQosTest {

@@ -7,9 +7,9 @@
 #include <set>
 #include <string>
 
-#include "sim/runner/SimSwitch.h"
-#include "sim/scenario/ScenarioLoader.h"
-#include "zub/Trace.h"
+#include "NevQos/platform/zub/Trace.h"
+#include "NevQos/sim/runner/SimSwitch.h"
+#include "NevQos/sim/scenario/ScenarioLoader.h"
 
 namespace NevQosTest {
 namespace {

@@ -18,9 +18,9 @@
 #include <string>
 #include <vector>
 
-#include "sim/runner/SimSwitch.h"
-#include "sim/runner/Version.h"
-#include "sim/scenario/ScenarioLoader.h"
+#include "NevQos/sim/runner/SimSwitch.h"
+#include "NevQos/sim/runner/Version.h"
+#include "NevQos/sim/scenario/ScenarioLoader.h"
 #include "support/SimProgram.h"
 
 namespace NevQosTest {

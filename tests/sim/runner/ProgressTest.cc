@@ -1,4 +1,4 @@
-#include "sim/runner/Progress.h"
+#include "NevQos/sim/runner/Progress.h"
 
 #include <gtest/gtest.h>
 

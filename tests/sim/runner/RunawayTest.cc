@@ -6,8 +6,8 @@
 #include <fstream>
 #include <string>
 
-#include "sim/runner/SimSwitch.h"
-#include "sim/scenario/ScenarioLoader.h"
+#include "NevQos/sim/runner/SimSwitch.h"
+#include "NevQos/sim/scenario/ScenarioLoader.h"
 #include "support/SimProgram.h"
 
 namespace NevQosTest {

@@ -7,8 +7,8 @@
 #include <string>
 
 #include "NevQos/log/TraceHandles.h"
-#include "sim/runner/SimSwitch.h"
-#include "sim/scenario/ScenarioLoader.h"
+#include "NevQos/sim/runner/SimSwitch.h"
+#include "NevQos/sim/scenario/ScenarioLoader.h"
 #include "support/SimProgram.h"
 
 namespace NevQosTest {

@@ -1,7 +1,7 @@
 // The text report's writing of names and times: nothing breaks a line, nothing is rounded.
 #include <gtest/gtest.h>
 
-#include "sim/runner/TextFormat.h"
+#include "NevQos/sim/runner/TextFormat.h"
 
 namespace {
 

@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "sim/chip/Tcam.h"
+#include "NevQos/sim/chip/Tcam.h"
 #include "support/SimProgram.h"
 
 namespace NevQosTest {

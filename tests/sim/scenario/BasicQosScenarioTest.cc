@@ -4,8 +4,8 @@
 
 #include <string>
 
-#include "sim/scenario/ConfigPublisher.h"
-#include "sim/scenario/ScenarioLoader.h"
+#include "NevQos/sim/scenario/ConfigPublisher.h"
+#include "NevQos/sim/scenario/ScenarioLoader.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // The configuration model refuses a change whole: a refused change leaves nothing of itself.
-#include "sim/scenario/ConfigModel.h"
+#include "NevQos/sim/scenario/ConfigModel.h"
 
 #include <gtest/gtest.h>
 

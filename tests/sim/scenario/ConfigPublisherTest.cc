@@ -1,13 +1,13 @@
 // Publishing a scenario into fresh input entities: what each entity holds afterwards, which
 // versions a step moves, the stamps of a step, and a bad step that writes nothing.
-#include "sim/scenario/ConfigPublisher.h"
+#include "NevQos/sim/scenario/ConfigPublisher.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 
-#include "entities/CounterConfig.h"
-#include "sim/scenario/ScenarioLoader.h"
+#include "NevQos/platform/entities/CounterConfig.h"
+#include "NevQos/sim/scenario/ScenarioLoader.h"
 
 namespace {
 

@@ -5,8 +5,8 @@
 #include <filesystem>
 #include <string>
 
-#include "sim/scenario/ConfigPublisher.h"
-#include "sim/scenario/ScenarioLoader.h"
+#include "NevQos/sim/scenario/ConfigPublisher.h"
+#include "NevQos/sim/scenario/ScenarioLoader.h"
 #include "support/QosAclSmFixture.h"
 
 namespace NevQosTest {

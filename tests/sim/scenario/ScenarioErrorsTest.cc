@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "sim/scenario/ScenarioLoader.h"
+#include "NevQos/sim/scenario/ScenarioLoader.h"
 #include "support/ScenarioErrorOf.h"
 
 namespace {

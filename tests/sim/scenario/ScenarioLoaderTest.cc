@@ -1,6 +1,6 @@
 // Reading scenarios: the example files, the readable rule form, the chip section and the changes
 // of a step come out as the values they stand for.
-#include "sim/scenario/ScenarioLoader.h"
+#include "NevQos/sim/scenario/ScenarioLoader.h"
 
 #include <gtest/gtest.h>
 
@@ -9,7 +9,7 @@
 #include <sstream>
 #include <string>
 
-#include "sim/classbench/ClassBench.h"
+#include "NevQos/sim/classbench/ClassBench.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 // refusals, with their places in a file, are in ScenarioErrorsTest.)
 #include <gtest/gtest.h>
 
-#include "sim/scenario/TextRules.h"
+#include "NevQos/sim/scenario/TextRules.h"
 
 namespace {
 
