@@ -23,6 +23,27 @@ Json tableOf( Table const& table ) {
    return out;
 }
 
+// ECN or WRED thresholds: null when off.
+Json thresholdsOf( Qos::QueueThresholds const& t ) {
+   if( !t.enabled ) return nullptr;
+   return Json{ { "minThreshold", t.minThreshold },
+                { "maxThreshold", t.maxThreshold },
+                { "maxProbability", t.maxProbability } };
+}
+
+// A default COS or DSCP: null for the chip's own.
+template< class Value >
+Json defaultOf( Value const& v ) {
+   return v.isValid() ? Json( unsigned( v ) ) : Json( nullptr );
+}
+
+// A rate as the number `key` and its unit `key`Unit.
+template< class Rate >
+void addRate( Json& out, std::string const& key, Rate const& r ) {
+   out[ key ] = r.rate;
+   out[ key + "Unit" ] = textOf( r.unit );
+}
+
 Json globalsOf( BasicGlobalTables const& g ) {
    return Json{ { "cosToTc", tableOf( g.cosToTc ) },
                 { "dscpToTc", tableOf( g.dscpToTc ) },
@@ -35,24 +56,20 @@ Json globalsOf( BasicGlobalTables const& g ) {
                 { "tcToMcTxQueue", tableOf( g.tcToMcTxQueue ) },
                 { "cosRewrite", g.cosRewriteEnabled },
                 { "dscpRewrite", g.dscpRewriteEnabled },
-                { "globalEcn", textOf( g.ecn ) } };
-}
-
-std::string sentinelText( unsigned value, bool valid ) {
-   return valid ? std::to_string( value ) : "default";
+                { "globalEcn", thresholdsOf( g.ecn ) } };
 }
 
 Json portsOf( SimQosBasicHelper const& chip ) {
    Json out = Json::array();
    for( auto const& [ intf, p ] : chip.ports() ) {
-      out.push_back(
-            Json{ { "interface", intfName( intf ) },
-                  { "trustMode", textOf( p.trustMode ) },
-                  { "defaultCos", sentinelText( p.defaultCos, p.defaultCos.isValid() ) },
-                  { "defaultDscp", sentinelText( p.defaultDscp, p.defaultDscp.isValid() ) },
-                  { "shapeRate", textOf( p.shapeRate ) },
-                  { "dscpRewriteMap", p.dscpRewriteMap.charPtr() },
-                  { "cosToTcProfile", p.cosToTcProfile.charPtr() } } );
+      Json port{ { "interface", intfName( intf ) },
+                 { "trustMode", textOf( p.trustMode ) },
+                 { "defaultCos", defaultOf( p.defaultCos ) },
+                 { "defaultDscp", defaultOf( p.defaultDscp ) } };
+      addRate( port, "shapeRate", p.shapeRate );
+      port[ "dscpRewriteMap" ] = p.dscpRewriteMap.charPtr();
+      port[ "cosToTcProfile" ] = p.cosToTcProfile.charPtr();
+      out.push_back( std::move( port ) );
    }
    return out;
 }
@@ -63,19 +80,24 @@ Json queuesOf( SimQosBasicHelper const& chip ) {
       Json thresholds = Json::object();
       for( auto const& [ dp, bytes ] : q.dropThresholds )
          thresholds[ std::to_string( dp ) ] = bytes;
-      bool const guaranteed = q.guaranteedBw.rate != Qos::GuaranteedBw::invalidRate;
-      out.push_back( Json{ { "queue", SimQosBasicHelper::queueName( key.intf, key.queue ) },
-                           { "priority", textOf( q.priority ) },
-                           { "shapeRate", textOf( q.shapeRate ) },
-                           { "guaranteedBw", guaranteed ? textOf( q.guaranteedBw ) : "none" },
-                           { "guaranteedRate", q.guaranteedRate },
-                           { "unitMismatch", q.guaranteedBwUnitMismatch },
-                           { "ecn", textOf( q.ecn ) },
-                           { "nonEct", textOf( q.nonEct ) },
-                           { "delayEcn", q.delayEcnEnabled },
-                           { "ecnDelayThreshold", textOf( q.ecnDelayThreshold ) },
-                           { "wred", textOf( q.wred ) },
-                           { "dropThresholds", thresholds } } );
+      Json queue{ { "queue", SimQosBasicHelper::queueName( key.intf, key.queue ) },
+                  { "priority", textOf( q.priority ) } };
+      addRate( queue, "shapeRate", q.shapeRate );
+      if( q.guaranteedBw.rate != Qos::GuaranteedBw::invalidRate ) {
+         addRate( queue, "guaranteedBw", q.guaranteedBw );
+      } else {
+         queue[ "guaranteedBw" ] = nullptr;
+         queue[ "guaranteedBwUnit" ] = nullptr;
+      }
+      queue[ "guaranteedRate" ] = q.guaranteedRate;
+      queue[ "unitMismatch" ] = q.guaranteedBwUnitMismatch;
+      queue[ "ecn" ] = thresholdsOf( q.ecn );
+      queue[ "nonEct" ] = q.nonEct.enabled ? Json( q.nonEct.threshold ) : Json( nullptr );
+      queue[ "delayEcn" ] = q.delayEcnEnabled;
+      queue[ "ecnDelayThreshold" ] = q.ecnDelayThreshold.microseconds;
+      queue[ "wred" ] = thresholdsOf( q.wred );
+      queue[ "dropThresholds" ] = thresholds;
+      out.push_back( std::move( queue ) );
    }
    return out;
 }
@@ -117,7 +139,7 @@ void addFeatures( Json& status, Qos::SliceHwStatus const& slice ) {
 Json basicOf( SimQosBasicHelper const& chip ) {
    Json counters = Json::array();
    for( auto const& [ intf, queue ] : chip.ecnCounters() )
-      counters.push_back( intfName( intf ) + " " + std::to_string( queue ) );
+      counters.push_back( Json{ { "interface", intfName( intf ) }, { "queue", queue } } );
    Json ecnCounters = poolOf( chip.config().ecnQueueCounters, chip.ecnCounters().size() );
    ecnCounters[ "queues" ] = std::move( counters );
    return Json{ { "globalMaps", globalsOf( chip.globals() ) },
@@ -129,6 +151,29 @@ Json basicOf( SimQosBasicHelper const& chip ) {
                         { "dropThresholds", profilesOf( chip.dropThresholdProfiles() ) } } },
                 { "ecnCounters", std::move( ecnCounters ) } };
 }
+
+namespace {
+
+// The text of thresholds as the chip's records write them: "off" or "1000-2000 bytes, 100%".
+std::string thresholdsText( Json const& t ) {
+   if( t.is_null() ) return "off";
+   return std::to_string( t[ "minThreshold" ].get< unsigned >() ) + "-" +
+          std::to_string( t[ "maxThreshold" ].get< unsigned >() ) + " bytes, " +
+          std::to_string( t[ "maxProbability" ].get< unsigned >() ) + "%";
+}
+
+// A default COS or DSCP: "default" for the chip's own.
+std::string defaultText( Json const& v ) {
+   return v.is_null() ? "default" : std::to_string( v.get< unsigned >() );
+}
+
+// The rate `key` with its unit: "5000 kbps", or "none" for none.
+std::string rateText( Json const& in, std::string const& key ) {
+   if( in[ key ].is_null() ) return "none";
+   return std::to_string( in[ key ].get< unsigned >() ) + " " + printable( in[ key + "Unit" ] );
+}
+
+}  // namespace
 
 void printFeatures( std::ostream& os, Json const& status ) {
    os << "\nBasic QoS features, slice status " << printable( status[ "basicStatus" ] )
@@ -152,24 +197,24 @@ void printBasic( std::ostream& os, Json const& basic ) {
    Json const& g = basic[ "globalMaps" ];
    std::size_t slots = 0;
    for( auto const& [ name, table ] : g.items() ) {
-      if( table.is_object() ) slots += table.size();
+      if( table.is_object() && name != "globalEcn" ) slots += table.size();
    }
    os << "  global maps: " << slots << " slots programmed; COS rewrite "
       << ( g[ "cosRewrite" ].get< bool >() ? "on" : "off" ) << ", DSCP rewrite "
       << ( g[ "dscpRewrite" ].get< bool >() ? "on" : "off" ) << ", global ECN "
-      << printable( g[ "globalEcn" ] ) << "\n";
+      << thresholdsText( g[ "globalEcn" ] ) << "\n";
    for( Json const& p : basic[ "ports" ] ) {
       os << "  port " << printable( p[ "interface" ] ) << ": trust "
-         << printable( p[ "trustMode" ] ) << ", default COS " << printable( p[ "defaultCos" ] )
-         << ", default DSCP " << printable( p[ "defaultDscp" ] ) << ", shape "
-         << printable( p[ "shapeRate" ] ) << "\n";
+         << printable( p[ "trustMode" ] ) << ", default COS " << defaultText( p[ "defaultCos" ] )
+         << ", default DSCP " << defaultText( p[ "defaultDscp" ] ) << ", shape "
+         << rateText( p, "shapeRate" ) << "\n";
    }
    for( Json const& q : basic[ "queues" ] ) {
       os << "  queue " << printable( q[ "queue" ] ) << ": " << printable( q[ "priority" ] )
-         << ", shape " << printable( q[ "shapeRate" ] ) << ", guaranteed "
-         << printable( q[ "guaranteedBw" ] )
+         << ", shape " << rateText( q, "shapeRate" ) << ", guaranteed "
+         << rateText( q, "guaranteedBw" )
          << ( q[ "unitMismatch" ].get< bool >() ? " (held back: units differ)" : "" ) << ", ECN "
-         << printable( q[ "ecn" ] ) << ", WRED " << printable( q[ "wred" ] ) << "\n";
+         << thresholdsText( q[ "ecn" ] ) << ", WRED " << thresholdsText( q[ "wred" ] ) << "\n";
    }
    for( auto const& [ name, pool ] : basic[ "profiles" ].items() ) {
       os << "  " << name << " profiles: " << poolText( pool ) << "\n";

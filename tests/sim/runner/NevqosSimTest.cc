@@ -18,6 +18,7 @@
 #include <string>
 #include <vector>
 
+#include "NevQos/sim/chip/ChipText.h"
 #include "NevQos/sim/runner/SimSwitch.h"
 #include "NevQos/sim/runner/Version.h"
 #include "NevQos/sim/scenario/ScenarioLoader.h"
@@ -188,6 +189,48 @@ TEST( NevqosSimTest, CallArgumentsAreTypedAndReadBackAsRecorded ) {
       if( std::regex_match( l, m, line ) ) printed.push_back( m[ 1 ] );
    }
    EXPECT_EQ( printed, recorded );
+}
+
+// The basic QoS part types its values too (defaults a number or null, rates a number and a unit,
+// thresholds an object or null), and the text report writes each queue back as the chip's
+// records print.
+TEST( NevqosSimTest, BasicQosIsTypedAndReadBackAsTheChipHoldsIt ) {
+   Json const basic = reportOf( "ecn-profiles.yaml" )[ "basic" ];
+   Json const& port = basic[ "ports" ].at( 0 );
+   EXPECT_TRUE( port[ "defaultCos" ].is_number_unsigned() ) << port;
+   EXPECT_TRUE( port[ "shapeRate" ].is_number_unsigned() ) << port;
+   EXPECT_EQ( port[ "shapeRateUnit" ], "kbps" );
+   Json const& queue = basic[ "queues" ].at( 0 );
+   EXPECT_EQ( queue[ "guaranteedBw" ], 20 );
+   EXPECT_EQ( queue[ "guaranteedBwUnit" ], "percent" );
+   EXPECT_EQ( queue[ "ecn" ], ( Json{ { "minThreshold", 30000 },
+                                      { "maxThreshold", 40000 },
+                                      { "maxProbability", 100 } } ) );
+   EXPECT_TRUE( queue[ "wred" ].is_null() );
+   EXPECT_TRUE( queue[ "nonEct" ].is_null() );
+
+   Sim::Scenario const scenario = Sim::loadScenario( example( "ecn-profiles.yaml" ) );
+   Sim::SimSwitch sw( scenario );
+   for( Sim::Step const& step : scenario.steps )
+      sw.stepIs( step );
+   sw.runFor( 60.0, [] {} );
+   Lines held;
+   for( auto const& [ key, q ] : sw.basicChip().queues() ) {
+      bool const guaranteed = q.guaranteedBw.rate != Qos::GuaranteedBw::invalidRate;
+      held.push_back( "  queue " + Sim::SimQosBasicHelper::queueName( key.intf, key.queue ) + ": " +
+                      Sim::textOf( q.priority ) + ", shape " + Sim::textOf( q.shapeRate ) +
+                      ", guaranteed " + ( guaranteed ? Sim::textOf( q.guaranteedBw ) : "none" ) +
+                      ( q.guaranteedBwUnitMismatch ? " (held back: units differ)" : "" ) +
+                      ", ECN " + Sim::textOf( q.ecn ) + ", WRED " + Sim::textOf( q.wred ) );
+   }
+   ASSERT_GE( held.size(), 2u );
+   SimRun const text = runSim( { example( "ecn-profiles.yaml" ) } );
+   Lines printed;
+   std::istringstream in( text.out );
+   for( std::string l; std::getline( in, l ); ) {
+      if( l.rfind( "  queue ", 0 ) == 0 ) printed.push_back( l );
+   }
+   EXPECT_EQ( printed, held );
 }
 
 // ---- Where the report goes
