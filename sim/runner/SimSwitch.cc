@@ -50,7 +50,7 @@ SimSwitch::SimSwitch( Scenario const& scenario, SwitchOptions const& options )
                                          switchStartTime );
    loop_->runawayLimitIs( options.runawayTurns );
    enter();
-   entitiesIs( scenario.chip );
+   entitiesIs( scenario.chip, options.driver );
    if( scenario.kernelCoppConfig ) {
       kernelCoppConfig_ = Zub::make< Nev::KernelCoPPConfig >( Zub::Name( "kernelCoppConfig" ) );
    }
@@ -88,7 +88,7 @@ SimSwitch::~SimSwitch() {
    Zub::activityManagerIs( nullptr );
 }
 
-void SimSwitch::entitiesIs( ChipConfig const& chip ) {
+void SimSwitch::entitiesIs( ChipConfig const& chip, DriverHelpers const& driver ) {
    ncsd_ = Zub::make< Nev::NevCommonSmData >( Zub::Name( "ncsd" ) );
    ncsd_->verifyDataIs( Zub::make< Nev::VerifyData >( Zub::Name( "verify" ) ) );
    cliCounterConfig_ = Zub::make< Qos::CounterConfig >( Zub::Name( "cli" ) );
@@ -111,23 +111,42 @@ void SimSwitch::entitiesIs( ChipConfig const& chip ) {
    clock_ = Zub::make< Kesh::TimerWheel >();
    chip_ = Zub::make< SimQosAclHelper >( chip, qosStatus_, aclSliceHwStatus_, aclConfig_, clock_ );
    chip_->verifyDataIs( ncsd_->verifyData() );
-   // The engines hold the chips through the recording decorators, which write every call into
-   // the one log in order.
-   aclRecorder_ = Zub::make< RecordingQosAclHelper >( chip_, clock_ );
+   // The engines hold the chips, or the driver's helpers, through the recording decorators,
+   // which write every call into the one log in order.
+   aclRecorder_ = Zub::make< RecordingQosAclHelper >(
+         driver.acl ? driver.acl( chip_, driverInputs( chip ) )
+                    : Zub::Ptr< NevHelper::QosAclHelper >( chip_ ),
+         clock_ );
    aclRecorder_->callLogIs( &calls_ );
    basicChip_ = Zub::make< SimQosBasicHelper >( chip, qosStatus_, hwStatus_, sliceHwStatus_,
                                                 ethPhyIntfStatusDir_ );
    // One set of faults for the whole chip: a fault switch and the call counts reach both helpers.
    basicChip_->faultsIs( chip_->faults() );
-   basicRecorder_ = Zub::make< RecordingQosBasicHelper >( basicChip_, clock_ );
+   basicRecorder_ = Zub::make< RecordingQosBasicHelper >(
+         driver.basic ? driver.basic( basicChip_, driverInputs( chip ) )
+                      : Zub::Ptr< NevHelper::QosBasicHelper >( basicChip_ ),
+         clock_ );
    basicRecorder_->callLogIs( &calls_ );
    kernelCoppStatus_ = Zub::make< Nev::KernelCoPPStatus >( Zub::Name( "kernelCopp" ) );
    pktDrv_ = Zub::make< SimPktDrv >();
    pktDrv_->clockIs( [ loop = loop_.ptr() ] { return loop->now(); } );
-   cbfTablesIs( chip );
+   cbfTablesIs( chip, driver );
 }
 
-void SimSwitch::cbfTablesIs( ChipConfig const& chip ) {
+DriverInputs SimSwitch::driverInputs( ChipConfig const& chip ) {
+   return DriverInputs{ &chip,
+                        qosStatus_,
+                        hwStatus_,
+                        sliceHwStatus_,
+                        aclSliceHwStatus_,
+                        aclConfig_,
+                        ethPhyIntfStatusDir_,
+                        clock_,
+                        ncsd_->verifyData(),
+                        [ this ] { operationLeftPending(); } };
+}
+
+void SimSwitch::cbfTablesIs( ChipConfig const& chip, DriverHelpers const& driver ) {
    using Access = Glarn::Access;
    fecOverrideConfigStore_ = Zub::make< Qos::Glarn::FecOverrideConfig::Store >(
          Zub::String( "cbf/fecOverrideConfig" ) );
@@ -150,7 +169,10 @@ void SimSwitch::cbfTablesIs( ChipConfig const& chip ) {
       return acl->faultOn( FaultConfig::Kind::cbfNotReady );
    } );
    cbfChip_->faultsIs( chip_->faults() );
-   cbfRecorder_ = Zub::make< RecordingCbfFecMappingHelper >( cbfChip_, clock_ );
+   cbfRecorder_ = Zub::make< RecordingCbfFecMappingHelper >(
+         driver.cbf ? driver.cbf( cbfChip_, driverInputs( chip ) )
+                    : Zub::Ptr< NevHelper::CbfFecMappingHelper >( cbfChip_ ),
+         clock_ );
    cbfRecorder_->callLogIs( &calls_ );
 }
 
@@ -170,9 +192,7 @@ void SimSwitch::engineIs() {
    // The agent's part of the asynchronous road: how long an operation may stay pending, and
    // marking pending the operation the chip says it left so.
    engine_->pendingOperationTimeoutIs( chip_->config().asyncTimeout );
-   chip_->operationLeftPendingHandlerIs( [ engine = engine_.ptr() ] {
-      if( engine->asyncState() == Nev::asyncInProgress ) engine->asyncStateIs( Nev::asyncPending );
-   } );
+   chip_->operationLeftPendingHandlerIs( [ this ] { operationLeftPending(); } );
    basicEngine_ =
          Nev::qosBasicSmFactory( ncsd_, qosStatus_, hwStatus_, sliceHwStatus_, basicRecorder_,
                                  ethPhyIntfStatusDir_, cliCounterConfig_, clock_ );
@@ -260,6 +280,12 @@ bool SimSwitch::pdpIntfsMerge( Qos::ServicePolicyConfig const& config ) {
       changed = true;
    }
    return changed || !gone.empty();
+}
+
+void SimSwitch::operationLeftPending() {
+   if( engine_ && engine_->asyncState() == Nev::asyncInProgress ) {
+      engine_->asyncStateIs( Nev::asyncPending );
+   }
 }
 
 // The engines stop as the agent's process would: their reactors fall silent and the machines go,

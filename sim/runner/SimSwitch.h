@@ -57,6 +57,41 @@ struct CorruptionRestart {
    std::string text;
 };
 
+// What a driver's helper is built on: the scenario's chip section (what the reference chip is
+// told it can do), the entities the helpers' bases and the reference chip take, the clock of
+// asynchronous answers, the verify agent's record, and the agent's hook for an operation the
+// driver says it left pending (the asynchronous road's time-out starts there; it holds the switch
+// and may be called while the switch lives).
+struct DriverInputs {
+   ChipConfig const* chip = nullptr;
+   Zub::Ptr< Qos::Status > qosStatus;
+   Zub::Ptr< Qos::HwStatus > hwStatus;
+   Zub::Ptr< Qos::SliceHwStatus > sliceHwStatus;
+   Zub::Ptr< Qos::AclSliceHwStatus > aclSliceHwStatus;
+   Zub::Ptr< Acl::Config > aclConfig;
+   Zub::Ptr< Interface::AllEthPhyIntfStatusDir > ethPhyIntfStatusDir;
+   Zub::Ptr< Kesh::TimerWheel > clock;
+   Zub::Ptr< Nev::VerifyData > verifyData;
+   std::function< void() > operationLeftPending;
+};
+
+// The helpers the engines drive, one factory per kind. Each gets the reference chip's helper of
+// its kind, built as always (to decorate, or to leave idle beside the driver's own), and the
+// inputs; it returns the helper the engines are to use. An empty factory leaves the reference
+// chip. Scenario changes aimed at the chip (faults, traffic, TCAM damage) still reach the
+// reference chip alone.
+struct DriverHelpers {
+   std::function< Zub::Ptr< NevHelper::QosAclHelper >( Zub::Ptr< SimQosAclHelper > const&,
+                                                       DriverInputs const& ) >
+         acl;
+   std::function< Zub::Ptr< NevHelper::QosBasicHelper >( Zub::Ptr< SimQosBasicHelper > const&,
+                                                         DriverInputs const& ) >
+         basic;
+   std::function< Zub::Ptr< NevHelper::CbfFecMappingHelper >(
+         Zub::Ptr< SimCbfFecMappingHelper > const&, DriverInputs const& ) >
+         cbf;
+};
+
 // How a switch runs, beside its scenario.
 struct SwitchOptions {
    // Turns within one second of virtual time past which a run is taken for one that never
@@ -76,6 +111,8 @@ struct SwitchOptions {
    std::size_t keepCallTimes = CallLog::defaultTimes;
    // The first and the last trace lines kept each; those between are only counted.
    std::size_t keepTraceLines = TraceLog::defaultKeep;
+   // The driver under test, if not the reference chip.
+   DriverHelpers driver = {};
 };
 
 class SimSwitch {
@@ -154,9 +191,12 @@ class SimSwitch {
  private:
    // Makes this switch's loop and log sink the thread's.
    void enter();
-   void entitiesIs( ChipConfig const& chip );
+   void entitiesIs( ChipConfig const& chip, DriverHelpers const& driver );
    void engineIs();
    void enginesStop();
+   // The driver left an operation pending: the engine waiting for it marks it so.
+   void operationLeftPending();
+   DriverInputs driverInputs( ChipConfig const& chip );
    // Starts the run asked for and collects its findings.
    std::vector< std::string > verifyRun();
    void chipChangesIs( std::vector< Change > const& changes );
@@ -164,7 +204,7 @@ class SimSwitch {
    void driverInputsIs( Step const& step );
    // Damages the TCAM as the change says; a change that finds nothing to damage stops the run.
    void tcamDamageIs( TcamCorruption const& damage, Where const& where );
-   void cbfTablesIs( ChipConfig const& chip );
+   void cbfTablesIs( ChipConfig const& chip, DriverHelpers const& driver );
    // Under DLP, tells basic QoS of each port whose link became active or inactive in a step.
    void dlpFlowIs( std::map< Mirel::IntfId, LinkDef > const& linksBefore );
    // Runs the loop until `t`. A damaged shared-table record that an engine reads ends the agent
