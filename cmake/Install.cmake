@@ -12,20 +12,15 @@ include( CMakePackageConfigHelpers )
 
 set( NEVQOS_PACKAGE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/NevQos )
 
-# The simulator's libraries: their names in the package and as files.
-foreach( part chip recording scenario runner classbench )
-   set_target_properties( nevqos_${part} PROPERTIES EXPORT_NAME ${part} )
-endforeach()
-set_target_properties( nevqos_chip PROPERTIES OUTPUT_NAME NevQosChip )
-set_target_properties( nevqos_recording PROPERTIES OUTPUT_NAME NevQosRecording )
-set_target_properties( nevqos_scenario PROPERTIES OUTPUT_NAME NevQosScenario )
-set_target_properties( nevqos_runner PROPERTIES OUTPUT_NAME NevQosRunner )
-set_target_properties( nevqos_classbench PROPERTIES OUTPUT_NAME NevQosClassBench )
+# The libraries' names in the package (NevQos::chip); the simulator's as files too
+# (libNevQosChip.a), and their headers from the installed include folder.
 set_target_properties( nevqos_platform PROPERTIES EXPORT_NAME platform )
 set_target_properties( nevqos_contract PROPERTIES EXPORT_NAME contract )
 set_target_properties( nevqos PROPERTIES EXPORT_NAME nevqos )
-foreach( part chip recording scenario runner classbench )
-   target_include_directories( nevqos_${part} PUBLIC $<INSTALL_INTERFACE:include> )
+foreach( part Chip Recording Scenario Runner ClassBench )
+   string( TOLOWER ${part} name )
+   set_target_properties( nevqos_${name} PROPERTIES EXPORT_NAME ${name} OUTPUT_NAME NevQos${part} )
+   target_include_directories( nevqos_${name} PUBLIC $<INSTALL_INTERFACE:include> )
 endforeach()
 
 install( TARGETS nevqos_platform nevqos_contract nevqos nevqos_chip EXPORT NevQosTargets

@@ -1,8 +1,10 @@
 #include "NevQos/sim/runner/BasicReport.h"
 
+#include <cstdint>
 #include <ostream>
 #include <string>
 
+#include "NevQos/platform/entities/QueueSettings.h"
 #include "NevQos/sim/chip/ChipText.h"
 #include "NevQos/sim/runner/Report.h"
 #include "NevQos/sim/runner/TextFormat.h"
@@ -154,12 +156,14 @@ Json basicOf( SimQosBasicHelper const& chip ) {
 
 namespace {
 
-// The text of thresholds as the chip's records write them: "off" or "1000-2000 bytes, 100%".
+// The text of thresholds as the chip's records print them: "off" or "1000-2000 bytes, 100%".
 std::string thresholdsText( Json const& t ) {
-   if( t.is_null() ) return "off";
-   return std::to_string( t[ "minThreshold" ].get< unsigned >() ) + "-" +
-          std::to_string( t[ "maxThreshold" ].get< unsigned >() ) + " bytes, " +
-          std::to_string( t[ "maxProbability" ].get< unsigned >() ) + "%";
+   if( t.is_null() ) return textOf( Qos::QueueThresholds{} );
+   return textOf(
+         Qos::QueueThresholds{ .enabled = true,
+                               .minThreshold = t[ "minThreshold" ].get< std::uint32_t >(),
+                               .maxThreshold = t[ "maxThreshold" ].get< std::uint32_t >(),
+                               .maxProbability = t[ "maxProbability" ].get< std::uint32_t >() } );
 }
 
 // A default COS or DSCP: "default" for the chip's own.

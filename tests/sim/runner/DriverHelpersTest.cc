@@ -27,6 +27,18 @@ std::vector< std::string > callLines( Sim::CallLog const& log ) {
    return lines;
 }
 
+// A driver's factory of a recording decorator of the reference chip's helper, which records into
+// `log` and notes `kind` in `built` when it is called.
+template< class Recorder, class Helper >
+auto recordingInto( Sim::CallLog& log, std::vector< std::string >& built, char const* kind ) {
+   return [ &log, &built, kind ]( auto const& reference, Sim::DriverInputs const& in ) {
+      built.push_back( kind );
+      auto helper = Zub::make< Recorder >( reference, in.clock );
+      helper->callLogIs( &log );
+      return Zub::Ptr< Helper >( helper );
+   };
+}
+
 // Each helper of the driver here is a recording decorator of the reference chip with a log of its
 // own: it must see every call the engines make, in their order, and the engine's verification
 // must read the chip back through it.
@@ -35,28 +47,18 @@ TEST( DriverHelpersTest, TheEnginesDriveAndVerifyTheDriversHelpers ) {
    Sim::CallLog driverCalls;
    std::vector< std::string > built;
    Sim::SwitchOptions options;
+   auto const acl = recordingInto< Sim::RecordingQosAclHelper, NevHelper::QosAclHelper >(
+         driverCalls, built, "acl" );
    options.driver.acl = [ & ]( Zub::Ptr< Sim::SimQosAclHelper > const& reference,
                                Sim::DriverInputs const& in ) {
-      built.push_back( "acl" );
       EXPECT_EQ( in.chip->tcamSliceEntries, scenario.chip.tcamSliceEntries );
-      auto helper = Zub::make< Sim::RecordingQosAclHelper >( reference, in.clock );
-      helper->callLogIs( &driverCalls );
-      return Zub::Ptr< NevHelper::QosAclHelper >( helper );
+      return acl( reference, in );
    };
-   options.driver.basic = [ & ]( Zub::Ptr< Sim::SimQosBasicHelper > const& reference,
-                                 Sim::DriverInputs const& in ) {
-      built.push_back( "basic" );
-      auto helper = Zub::make< Sim::RecordingQosBasicHelper >( reference, in.clock );
-      helper->callLogIs( &driverCalls );
-      return Zub::Ptr< NevHelper::QosBasicHelper >( helper );
-   };
-   options.driver.cbf = [ & ]( Zub::Ptr< Sim::SimCbfFecMappingHelper > const& reference,
-                               Sim::DriverInputs const& in ) {
-      built.push_back( "cbf" );
-      auto helper = Zub::make< Sim::RecordingCbfFecMappingHelper >( reference, in.clock );
-      helper->callLogIs( &driverCalls );
-      return Zub::Ptr< NevHelper::CbfFecMappingHelper >( helper );
-   };
+   options.driver.basic = recordingInto< Sim::RecordingQosBasicHelper, NevHelper::QosBasicHelper >(
+         driverCalls, built, "basic" );
+   options.driver.cbf =
+         recordingInto< Sim::RecordingCbfFecMappingHelper, NevHelper::CbfFecMappingHelper >(
+               driverCalls, built, "cbf" );
    Sim::SimSwitch sw( scenario, options );
    for( Sim::Step const& step : scenario.steps )
       sw.stepIs( step );
