@@ -20,6 +20,11 @@ constexpr KnownDefect list[] = {
      "a VLAN rule of a QoS map on a VLAN interface is programmed or left out by whether its list "
      "was compiled before or after the interface became active, so a switch started afresh holds "
      "another TCAM (asynchronous seed 1038)" },
+   { "policer-status-shared-by-acl-groups",
+     "the groups of a service policy's ACL groups share the map's status, in which a policer's "
+     "record is named by the policer alone: when one group's copy goes it takes the record of "
+     "another group's copy with it, and verifying that copy stops the engine on its assertion "
+     "\"policerHwStatus\" (the conformance kit's generated synchronous seed 294, step 24)" },
 };
 
 }  // namespace

@@ -210,7 +210,10 @@ RandomChip::RandomChip( std::mt19937_64& random, TcamMode mode ) : mode_( mode )
         { "doVersionUpdate", "delaySviPmapSmCreation", "selfReportedPrgmStatus" } )
       set( key, chance( 25 ) ? "true" : "false" );
    char const* const groups[] = { "{ Ethernet2: g1 }", "{ Ethernet1: g1, Ethernet3: g2 }" };
-   if( chance( 20 ) ) set( "aclGroups", groups[ pick( 2 ) ] );
+   if( chance( 20 ) ) {
+      char const* const group = groups[ pick( 2 ) ];
+      if( !avoided( "policer-status-shared-by-acl-groups" ) ) set( "aclGroups", group );
+   }
 }
 
 std::string RandomChip::text( bool withFaults ) const {

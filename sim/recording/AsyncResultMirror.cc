@@ -12,6 +12,7 @@ void AsyncResultMirror::onAsyncOperationResult() {
    Nev::AsyncOperationResult const result = inner_->asyncOperationResult();
    if( result == Nev::AsyncOperationResult() ) return;
    inner_->asyncOperationResultIs( Nev::AsyncOperationResult() );
+   if( heard_ ) heard_( result );
    outer_->asyncOperationResultIs( result );
 }
 

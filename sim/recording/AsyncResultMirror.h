@@ -2,6 +2,8 @@
 // watches, so that the asynchronous road runs through a decorator as it runs without one.
 #pragma once
 
+#include <functional>
+
 #include "NevQos/platform/nev/NevBaseHelper.h"
 
 namespace Sim {
@@ -14,10 +16,15 @@ class AsyncResultMirror : public Nev::NevAsyncBaseHelper::Notifiee {
    // The wrapped helper's result is taken back to "none" before the engine hears of it, so that
    // the same result written again (two operations completing in one moment) is heard again.
    void onAsyncOperationResult() override;
+   // Called with each result carried, before the outer helper hears of it.
+   void heardIs( std::function< void( Nev::AsyncOperationResult const& ) > heard ) {
+      heard_ = std::move( heard );
+   }
 
  private:
    Nev::NevAsyncBaseHelper* inner_;
    Nev::NevAsyncBaseHelper* outer_;
+   std::function< void( Nev::AsyncOperationResult const& ) > heard_;
 };
 
 }  // namespace Sim

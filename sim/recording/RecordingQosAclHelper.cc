@@ -141,14 +141,18 @@ RecordingQosAclHelper::RecordingQosAclHelper( Zub::Ptr< NevHelper::QosAclHelper 
    NEVHELPER_QOS_ACL_HELPER_ATTRS( SIM_RECORDING_COPY )
    asyncTcamOperationsSupportedIs( inner_->asyncTcamOperationsSupported() );
    mirror_ = Zub::make< AsyncResultMirror >( inner_, this );
-   if( auto* const chip = dynamic_cast< SimQosAclHelper* >( inner_.ptr() ) ) {
-      chip->engineHelperIs( this );
-   }
+   engineHelperIs( this );
 }
 
 RecordingQosAclHelper::~RecordingQosAclHelper() {
+   engineHelperIs( nullptr );
+}
+
+void RecordingQosAclHelper::engineHelperIs( NevHelper::QosAclHelper* helper ) {
    if( auto* const chip = dynamic_cast< SimQosAclHelper* >( inner_.ptr() ) ) {
-      chip->engineHelperIs( nullptr );
+      chip->engineHelperIs( helper );
+   } else if( auto* const decorator = dynamic_cast< RecordingQosAclHelper* >( inner_.ptr() ) ) {
+      decorator->engineHelperIs( helper );
    }
 }
 

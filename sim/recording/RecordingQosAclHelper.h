@@ -49,6 +49,14 @@ class RecordingQosAclHelper : public NevHelper::QosAclHelper, public CallRecorde
    // classData, aclKey, ruleNum and subruleNum), isSupportedMacAclRule and the sub-interface
    // notices. Off by default.
    void detailRecordedIs( bool recorded ) { detailRecorded_ = recorded; }
+   // The helper whose base-class state the wrapped reference chip marks and clears, through
+   // any decorators of this kind between them: each decorator made over another passes itself
+   // down, so the outermost, the one the engine holds, wins. Null: the chip itself.
+   void engineHelperIs( NevHelper::QosAclHelper* helper );
+   // Called with each asynchronous result the wrapped helper writes, before the engine hears it.
+   void asyncResultHeardIs( std::function< void( Nev::AsyncOperationResult const& ) > heard ) {
+      mirror_->heardIs( std::move( heard ) );
+   }
 
    // ---- The helper contract, forwarded
    Zub::Name aclGroup( Qos::IntfPairKey const& intfPair,

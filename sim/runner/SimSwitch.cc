@@ -111,6 +111,9 @@ void SimSwitch::entitiesIs( ChipConfig const& chip, DriverHelpers const& driver 
    clock_ = Zub::make< Kesh::TimerWheel >();
    chip_ = Zub::make< SimQosAclHelper >( chip, qosStatus_, aclSliceHwStatus_, aclConfig_, clock_ );
    chip_->verifyDataIs( ncsd_->verifyData() );
+   // The agent marks pending the operation the chip says it left so; a driver built on the chip
+   // may take the report on its way (DriverInputs::operationLeftPending).
+   chip_->operationLeftPendingHandlerIs( [ this ] { operationLeftPending(); } );
    // The engines hold the chips, or the driver's helpers, through the recording decorators,
    // which write every call into the one log in order.
    aclRecorder_ = Zub::make< RecordingQosAclHelper >(
@@ -189,10 +192,8 @@ void SimSwitch::engineIs() {
                               pdpHwCfg_, hwEpochStatus_, aclConfig_,
                               Zub::Ptr< NevHelper::QosAclHelper >( aclRecorder_ ), clock_,
                               kernelCoppStatus_, kernelCoppConfig_, nexthopGroupStatus_ );
-   // The agent's part of the asynchronous road: how long an operation may stay pending, and
-   // marking pending the operation the chip says it left so.
+   // The agent's part of the asynchronous road: how long an operation may stay pending.
    engine_->pendingOperationTimeoutIs( chip_->config().asyncTimeout );
-   chip_->operationLeftPendingHandlerIs( [ this ] { operationLeftPending(); } );
    basicEngine_ =
          Nev::qosBasicSmFactory( ncsd_, qosStatus_, hwStatus_, sliceHwStatus_, basicRecorder_,
                                  ethPhyIntfStatusDir_, cliCounterConfig_, clock_ );
@@ -292,8 +293,9 @@ void SimSwitch::operationLeftPending() {
 // and nothing is asked of the chip. Entities, status, the chip and the kernel's packet driver
 // stay; the next start-up's hwInit() and stale sweeps deal with what the old engines left.
 void SimSwitch::enginesStop() {
-   // The chip's report of an operation left pending belongs to the engine that started it.
-   if( chip_ ) chip_->operationLeftPendingHandlerIs( nullptr );
+   // The chip's report of an operation left pending stays wired (a driver may have taken it on
+   // its way): it finds no engine until the next starts, whose hwInit() drops what the chip had
+   // under way.
    if( engine_ ) engine_->zubDoZombieReactors( true );
    engine_ = nullptr;
    if( basicEngine_ ) basicEngine_->zubDoZombieReactors( true );
