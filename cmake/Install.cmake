@@ -4,6 +4,9 @@
 # NevQos::chip, the reference chip, to stand in for its own in tests. The scenario runner's
 # libraries read YAML and write JSON, so they come with the component `runner`:
 #    find_package( NevQos 0.2 REQUIRED COMPONENTS runner ) and NevQos::runner.
+# The driver conformance kit (NevQos::conformance, its GoogleTest suite in
+# <NevQos/sim/conformance/ConformanceSuite.h>) comes with `runner` too, with the examples it plays
+# under share/NevQos/examples.
 # Every header is installed under include/NevQos/, the one folder a consumer's include path gains:
 # the library's own folders as they are, the platform's under NevQos/platform/ and the
 # simulator's under NevQos/sim/, the names the sources include them by.
@@ -17,7 +20,7 @@ set( NEVQOS_PACKAGE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/NevQos )
 set_target_properties( nevqos_platform PROPERTIES EXPORT_NAME platform )
 set_target_properties( nevqos_contract PROPERTIES EXPORT_NAME contract )
 set_target_properties( nevqos PROPERTIES EXPORT_NAME nevqos )
-foreach( part Chip Recording Scenario Runner ClassBench )
+foreach( part Chip Recording Scenario Runner ClassBench Checks Random Conformance )
    string( TOLOWER ${part} name )
    set_target_properties( nevqos_${name} PROPERTIES EXPORT_NAME ${name} OUTPUT_NAME NevQos${part} )
    target_include_directories( nevqos_${name} PUBLIC $<INSTALL_INTERFACE:include> )
@@ -26,7 +29,8 @@ endforeach()
 install( TARGETS nevqos_platform nevqos_contract nevqos nevqos_chip EXPORT NevQosTargets
          ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
          LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} )
-install( TARGETS nevqos_classbench nevqos_recording nevqos_scenario nevqos_runner
+install( TARGETS nevqos_classbench nevqos_recording nevqos_scenario nevqos_runner nevqos_checks
+                 nevqos_random nevqos_conformance
          EXPORT NevQosRunnerTargets
          ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} )
 install( TARGETS nevqos-sim RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} )
@@ -37,8 +41,11 @@ install( DIRECTORY ${PROJECT_SOURCE_DIR}/platform/ DESTINATION include/NevQos/pl
          FILES_MATCHING PATTERN "*.h" )
 install( DIRECTORY ${PROJECT_SOURCE_DIR}/sim/chip ${PROJECT_SOURCE_DIR}/sim/classbench
                    ${PROJECT_SOURCE_DIR}/sim/recording ${PROJECT_SOURCE_DIR}/sim/scenario
-                   ${PROJECT_SOURCE_DIR}/sim/runner
+                   ${PROJECT_SOURCE_DIR}/sim/runner ${PROJECT_SOURCE_DIR}/sim/checks
+                   ${PROJECT_SOURCE_DIR}/sim/random ${PROJECT_SOURCE_DIR}/sim/conformance
          DESTINATION include/NevQos/sim FILES_MATCHING PATTERN "*.h" )
+install( DIRECTORY ${PROJECT_SOURCE_DIR}/examples/ DESTINATION share/NevQos/examples
+         FILES_MATCHING PATTERN "*.yaml" )
 
 install( EXPORT NevQosTargets NAMESPACE NevQos:: DESTINATION ${NEVQOS_PACKAGE_DIR} )
 install( EXPORT NevQosRunnerTargets NAMESPACE NevQos:: DESTINATION ${NEVQOS_PACKAGE_DIR} )

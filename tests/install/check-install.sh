@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs the build tree into a scratch prefix, builds a consumer project against it and runs its
-# three programs: an agent on the engine, a test on the reference chip, a scenario on the runner.
+# three programs: an agent on the engine, a test on the reference chip, a scenario on the runner;
+# then builds the example driver project (examples/driver) and runs its conformance suite.
 # The installed include folder must hold NevQos/ alone, so that a consumer's path gains no other.
 set -euo pipefail
 build_dir=$1
@@ -18,4 +19,9 @@ fi
 "$scratch/build/consumer"
 "$scratch/build/chip-consumer"
 "$scratch/build/runner-consumer"
+# The example driver project validates its driver with the installed conformance kit.
+examples_dir=$( cd "$source_dir/../../examples/driver" && pwd )
+cmake -S "$examples_dir" -B "$scratch/driver" -G Ninja -DCMAKE_PREFIX_PATH="$scratch/prefix" > /dev/null
+cmake --build "$scratch/driver" > /dev/null
+"$scratch/driver/example-driver-conformance" --gtest_brief=1
 echo "installed NevQos works"

@@ -1,83 +1,148 @@
-// The conformance run passes the reference chip through every example, and fails a driver that
-// loses rules, at the step where it shows.
+// The conformance kit passes the reference chip through every example and generated stories of
+// both TCAM modes, and fails each of five broken drivers, decorators of the reference chip, with
+// the message of the contract point it breaks.
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
+#include <iostream>
+#include <optional>
 #include <string>
 #include <vector>
 
-#include "NevQos/sim/conformance/ConformanceRun.h"
-#include "NevQos/sim/recording/RecordingQosAclHelper.h"
+#include "NevQos/platform/kesh/TimerWheel.h"
+#include "NevQos/sim/conformance/ConformanceSuite.h"
+#include "NevQos/sim/conformance/ReferenceDriver.h"
 #include "NevQos/sim/scenario/ScenarioLoader.h"
+
+NEVQOS_CONFORMANCE_SUITE( ReferenceChip, Conformance::referenceDriver )
 
 namespace NevQosTest {
 namespace {
 
-namespace fs = std::filesystem;
-
-// The reference chip behind a decorator that forwards every call: a driver like any other, built
-// on the reference chip.
-Conformance::DriverUnderTest referenceDriver() {
-   Conformance::DriverUnderTest driver{ .name = "reference chip", .onReferenceChip = true };
-   driver.helpers.acl = []( Zub::Ptr< Sim::SimQosAclHelper > const& reference,
-                            Sim::DriverInputs const& in ) {
-      return Zub::Ptr< NevHelper::QosAclHelper >(
-            Zub::make< Sim::RecordingQosAclHelper >( reference, in.clock ) );
-   };
-   return driver;
+Sim::Scenario example( std::string const& name ) {
+   return Sim::loadScenario( NEVQOS_CONFORMANCE_EXAMPLES "/" + name );
 }
 
-TEST( ConformanceRunTest, TheReferenceChipPassesEveryExample ) {
-   std::size_t run = 0;
-   for( auto const& entry : fs::directory_iterator( NEVQOS_EXAMPLES_DIR ) ) {
-      if( entry.path().extension() != ".yaml" ) continue;
-      Sim::Scenario const scenario = Sim::loadScenario( entry.path().string() );
-      Conformance::ConformanceResult const result =
-            Conformance::runConformance( scenario, referenceDriver() );
-      EXPECT_EQ( result.findings, std::vector< std::string >{} ) << entry.path();
-      if( result.skipped.empty() ) ++run;
-   }
-   EXPECT_GE( run, 12u );
-}
-
-TEST( ConformanceRunTest, ADriverThatLosesSubrulesFailsVerificationWhereItShows ) {
-   Conformance::DriverUnderTest driver = referenceDriver();
-   // Every third IP subrule is answered a success without reaching the chip (for a thousand
-   // rounds, far more than the scenario makes).
-   driver.helpers.acl = []( Zub::Ptr< Sim::SimQosAclHelper > const& reference,
-                            Sim::DriverInputs const& in ) {
-      auto helper = Zub::make< Sim::RecordingQosAclHelper >( reference, in.clock );
-      for( int i = 0; i < 1000; ++i ) {
-         helper->forwardEnq( "createIpAclSubrule" );
-         helper->forwardEnq( "createIpAclSubrule" );
-         helper->answerEnq( "createIpAclSubrule", Nev::aclCreateErrorNone );
-      }
-      return Zub::Ptr< NevHelper::QosAclHelper >( helper );
-   };
-   Sim::Scenario const scenario = Sim::loadScenario( NEVQOS_EXAMPLES_DIR "/edge-policy.yaml" );
-   Conformance::ConformanceResult const result = Conformance::runConformance( scenario, driver );
-   ASSERT_FALSE( result.findings.empty() );
-   EXPECT_EQ( result.findings.front().rfind(
-                    "edge-policy.yaml: before step 1 (at 1 s): verification: the driver does not "
-                    "read back what it was told: ",
-                    0 ),
-              0u )
+// The first finding of `result`, which must begin with `prefix`.
+void expectFirstFinding( Conformance::ConformanceResult const& result, std::string const& prefix ) {
+   ASSERT_FALSE( result.findings.empty() ) << "no finding; expected " << prefix;
+   // The message a driver author would read, in the test's output.
+   std::cout << "[ FINDING  ] " << result.findings.front() << "\n";
+   EXPECT_EQ( result.findings.front().substr( 0, prefix.size() ), prefix )
          << result.findings.front();
 }
 
-TEST( ConformanceRunTest, ScenariosAimedAtTheReferenceChipAreSkippedForAnotherDriver ) {
-   Sim::Scenario const faults = Sim::loadScenario( NEVQOS_EXAMPLES_DIR "/basic-faults.yaml" );
-   Conformance::DriverUnderTest driver = referenceDriver();
+TEST( BrokenDriverTest, OneThatDropsEveryThirdSubruleFailsVerification ) {
+   auto const driver = Conformance::referenceDriver( {}, []( Conformance::ReferenceChipAcl& acl ) {
+      for( int i = 0; i < 1000; ++i ) {
+         acl.forwardEnq( "createIpAclSubrule" );
+         acl.forwardEnq( "createIpAclSubrule" );
+         acl.answerEnq( "createIpAclSubrule", Nev::aclCreateErrorNone );
+      }
+   } );
+   expectFirstFinding( Conformance::runConformance( example( "edge-policy.yaml" ), driver ),
+                       "edge-policy.yaml: before step 1 (at 1 s): verification: the driver does "
+                       "not read back what it was told: " );
+}
+
+TEST( BrokenDriverTest, OneThatAnswersVerificationFromWhatItWasToldIsFound ) {
+   Sim::Scenario const scenario = example( "edge-policy.yaml" );
+   // The honest chip finds the subrule withheld from it.
+   Conformance::ConformanceResult const honest =
+         Conformance::runWithheldSubrule( scenario, Conformance::referenceDriver() );
+   EXPECT_EQ( honest.findings, std::vector< std::string >{} );
+   EXPECT_EQ( honest.notes, std::vector< std::string >{} );
+   auto const driver = Conformance::referenceDriver( {}, []( Conformance::ReferenceChipAcl& acl ) {
+      acl.answerIs( "ipSubruleExists", true );
+   } );
+   expectFirstFinding( Conformance::runWithheldSubrule( scenario, driver ),
+                       "edge-policy.yaml: after 60 s of settling: verification: the subrule " );
+}
+
+TEST( BrokenDriverTest, OneThatLeaksPolicersFailsTheResourceCheck ) {
+   auto const driver = Conformance::referenceDriver( {}, []( Conformance::ReferenceChipAcl& acl ) {
+      acl.actionIs( "destroyPolicer", [] {} );
+   } );
+   Conformance::ConformanceResult const result =
+         Conformance::runConformance( example( "edge-policy.yaml" ), driver );
+   expectFirstFinding( result, "edge-policy.yaml: after the teardown: resources: policers: " );
+   EXPECT_NE( result.findings.front().find( " in use after the teardown, 0 at the start" ),
+              std::string::npos )
+         << result.findings.front();
+}
+
+// Writes the first result its chip gives a second time, a second later.
+class AnswersTwice : public Conformance::ReferenceChipAcl {
+ public:
+   AnswersTwice( Zub::Ptr< Sim::SimQosAclHelper > const& chip, Sim::DriverInputs const& in )
+       : ReferenceChipAcl( chip, in ), echo_( Zub::make< Echo >( this ) ) {
+      echo_->notifierIs( in.clock );
+      asyncResultHeardIs( [ this, clock = in.clock ]( Nev::AsyncOperationResult const& r ) {
+         if( echo_->result ) return;
+         echo_->result = r;
+         echo_->timeMinIs( clock->now() + 1.0 );
+      } );
+   }
+
+ private:
+   struct Echo : Kesh::TimerWheel::NotifieeConst {
+      explicit Echo( AnswersTwice* owner ) : helper( owner ) {}
+      void onTime() override { helper->asyncOperationResultIs( *result ); }
+      AnswersTwice* helper;
+      std::optional< Nev::AsyncOperationResult > result;
+   };
+   Zub::Ptr< Echo > echo_;
+};
+
+TEST( BrokenDriverTest, OneThatAnswersAnOperationTwiceFailsTheAsynchronousCheck ) {
+   auto const driver = Conformance::referenceDriver(
+         []( Zub::Ptr< Sim::SimQosAclHelper > const& chip, Sim::DriverInputs const& in ) {
+            return Zub::Ptr< Conformance::ReferenceChipAcl >(
+                  Zub::make< AnswersTwice >( chip, in ) );
+         } );
+   Sim::Scenario const scenario = Conformance::generatedStory( Sim::TcamMode::asynchronous, 1, 3 );
+   Conformance::ConformanceResult const result = Conformance::runConformance( scenario, driver );
+   expectFirstFinding( result, "generated-asynchronous-seed-1.yaml: " );
+   EXPECT_NE( result.findings.front().find( ": asynchronous results: a result (" ),
+              std::string::npos )
+         << result.findings.front();
+   EXPECT_NE( result.findings.front().find(
+                    ") came with no operation waiting for one: an operation answered twice" ),
+              std::string::npos )
+         << result.findings.front();
+}
+
+TEST( BrokenDriverTest, OneThatReportsSuccessForAFailedCommitFailsVerification ) {
+   auto const driver = Conformance::referenceDriver( {}, []( Conformance::ReferenceChipAcl& acl ) {
+      acl.answerIs( "commitAcl", Nev::aclCreateErrorNone );
+   } );
+   Conformance::ConformanceResult const result =
+         Conformance::runConformance( example( "edge-policy.yaml" ), driver );
+   expectFirstFinding( result,
+                       "edge-policy.yaml: before step 1 (at 1 s): verification: the "
+                       "driver does not read back what it was told: " );
+   EXPECT_NE( result.findings.front().find( "is not committed" ), std::string::npos )
+         << result.findings.front();
+}
+
+TEST( ConformanceRunTest, ChangesAimedAtTheReferenceChipAreLeftOutForAnotherDriver ) {
+   Conformance::DriverUnderTest driver = Conformance::referenceDriver();
    driver.onReferenceChip = false;
-   Conformance::ConformanceResult const result = Conformance::runConformance( faults, driver );
-   EXPECT_EQ( result.steps, 0u );
-   EXPECT_NE( result.skipped.find( "aimed at the reference chip" ), std::string::npos )
-         << result.skipped;
-   // Damage to the TCAM is there for verification to find, on any driver.
-   Sim::Scenario const damage = Sim::loadScenario( NEVQOS_EXAMPLES_DIR "/tcam-corruption.yaml" );
-   EXPECT_EQ( Conformance::runConformance( damage, referenceDriver() ).skipped,
-              "damages the TCAM on purpose, for verification to find" );
+   Conformance::ConformanceResult const result =
+         Conformance::runConformance( example( "basic-faults.yaml" ), driver );
+   EXPECT_EQ( result.findings, std::vector< std::string >{} );
+   EXPECT_EQ( result.steps, example( "basic-faults.yaml" ).steps.size() );
+   // The chip's faults and a step's fault switch.
+   EXPECT_EQ( result.notes, std::vector< std::string >{ "basic-faults.yaml: left out, as aimed "
+                                                        "at the reference chip: chip: faults and "
+                                                        "1 more" } );
+   // Damage to the TCAM is there for verification to find: the rest is checked.
+   Conformance::ConformanceResult const damage = Conformance::runConformance(
+         example( "tcam-corruption.yaml" ), Conformance::referenceDriver() );
+   EXPECT_EQ( damage.findings, std::vector< std::string >{} );
+   EXPECT_EQ( damage.notes.front(),
+              "tcam-corruption.yaml: verification: not checked: the scenario damages the TCAM on "
+              "purpose, for verification to find" );
 }
 
 }  // namespace
