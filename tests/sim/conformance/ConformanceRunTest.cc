@@ -5,14 +5,18 @@
 #include <gtest/gtest.h>
 
 #include <iostream>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "NevQos/platform/kesh/TimerWheel.h"
 #include "NevQos/sim/conformance/ConformanceSuite.h"
+#include "NevQos/sim/conformance/ContractWatcher.h"
 #include "NevQos/sim/conformance/ReferenceDriver.h"
 #include "NevQos/sim/scenario/ScenarioLoader.h"
+#include "NevQos/types/QosClassData.h"
+#include "support/QosAclSmFixture.h"
 
 NEVQOS_CONFORMANCE_SUITE( ReferenceChip, Conformance::referenceDriver )
 
@@ -123,6 +127,65 @@ TEST( BrokenDriverTest, OneThatReportsSuccessForAFailedCommitFailsVerification )
                        "driver does not read back what it was told: " );
    EXPECT_NE( result.findings.front().find( "is not committed" ), std::string::npos )
          << result.findings.front();
+}
+
+// The first finding of `result` that holds `text`, or none.
+std::string findingWith( Conformance::ConformanceResult const& result, std::string const& text ) {
+   for( std::string const& f : result.findings ) {
+      if( f.find( text ) != std::string::npos ) return f;
+   }
+   return "";
+}
+
+TEST( BrokenDriverTest, CapabilityAnswersThatContradictBehaviourAreFound ) {
+   // Expansion asked for again of the blocks an expansion made, and a capability that changes.
+   auto const expands = Conformance::referenceDriver( {}, []( Conformance::ReferenceChipAcl& acl ) {
+      acl.answerIs( "createIpAclSubrule", Nev::aclCreateErrorExpandSrc );
+      acl.answerEnq( "multipleActionsSupported", false );
+   } );
+   auto const sync = Conformance::runConformance( example( "edge-policy.yaml" ), expands );
+   EXPECT_NE( findingWith( sync,
+                           "capabilities: createIpAclSubrule answered "
+                           "aclCreateErrorExpandSrc to subrule " ),
+              "" );
+   EXPECT_NE( findingWith( sync,
+                           ", which has no range to expand: the blocks of an expansion "
+                           "must be taken" ),
+              "" );
+   EXPECT_NE( findingWith( sync,
+                           "capabilities: multipleActionsSupported answered true after "
+                           "false: a capability answers the same each time" ),
+              "" );
+   // A refusal in the call on the asynchronous road: found, and the engine goes on.
+   auto const refuses = Conformance::referenceDriver( {}, []( Conformance::ReferenceChipAcl& acl ) {
+      acl.answerEnq( "createIpAclSubrule", Nev::aclCreateErrorOutOfTcam );
+   } );
+   Sim::Scenario queued = example( "edge-policy.yaml" );
+   queued.chip.tcamMode = Sim::TcamMode::asynchronous;
+   auto const async = Conformance::runConformance( queued, refuses );
+   EXPECT_EQ( async.steps, queued.steps.size() );
+   EXPECT_NE( findingWith( async,
+                           "answered aclCreateErrorOutOfTcam on the asynchronous road, "
+                           "where every rule operation answers 0" ),
+              "" )
+         << ::testing::PrintToString( async.findings );
+}
+
+// The engine keeps the call sequence it promises, so a break of it is shown by calling the watcher
+// as an engine that broke it would.
+class ContractWatcherTest : public QosAclSmFixture {};
+
+TEST_F( ContractWatcherTest, ADestroyOfAPolicerTheDriverNeverGaveIsACallSequenceFinding ) {
+   auto const ledger = std::make_shared< Conformance::ContractLedger >();
+   auto const watcher = Zub::make< Conformance::WatchingQosAclHelper >( chip, clock, ledger, 10.0 );
+   auto const gold = Zub::make< Nev::QosClassData >(
+         Nev::QosClassDataKey( pmapKey( "gold" ), Zub::Name( "c1" ), Qos::mapQos_,
+                               Nev::QosClassDataKey::defaultPolicerName() ) );
+   watcher->destroyPolicer( *gold );
+   EXPECT_EQ( ledger->findings,
+              std::vector< std::string >{ "at the start: call sequence: destroyPolicer of "
+                                          "gold(qos,input)/c1/Default, which the driver refused "
+                                          "or never made" } );
 }
 
 TEST( ConformanceRunTest, ChangesAimedAtTheReferenceChipAreLeftOutForAnotherDriver ) {
