@@ -245,6 +245,20 @@ OptionRuleLoop createMplsTrafficClassRules( MatchOptionTarget const& t,
          } );
 }
 
+bool macListTakesARule( MatchOptionTarget const& t ) {
+   auto const mac = t.classData->macValue();
+   auto const typeConfig = t.qosAclSm.mainAclConfig()->config( Acl::mac() );
+   Zub::Ptr< Acl::AclConfig const > const aclConfig =
+         mac && typeConfig ? typeConfig->acl( mac->aclName() ) : nullptr;
+   auto const rules = aclConfig ? aclConfig->currCfg() : nullptr;
+   // Without the list, whether it holds a rule is the chip's to say.
+   if( !rules ) return true;
+   for( auto it = rules->ruleBySequence().iter(); it; ++it ) {
+      if( helperOf( t ).isSupportedMacAclRule( rules->macRuleById( it.value() ) ) ) return true;
+   }
+   return false;
+}
+
 OptionRuleLoop createMacAclRules( MatchOptionTarget const& t, OptionRuleAnswers answers ) {
    auto const mac = t.classData->macValue();
    ZUB_ASSERT_TEXT( mac && !mac->aclName().empty(), "classData->macValue()->aclName()" );

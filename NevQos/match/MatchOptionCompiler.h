@@ -111,6 +111,9 @@ bool createClassMatchMplsTrafficClassAcl( MatchOptionTarget const& target,
 // Whether a MAC list of the target's map is left unprogrammed: the map has an IPv6 access group and
 // the chip cannot hold MAC lists beside IPv6 ones.
 bool macRulesIgnoredBesideIpv6( MatchOptionTarget const& target );
+// Whether the chip takes a rule of the target's MAC list (isSupportedMacAclRule): a list it takes
+// none of is committed with no rule, and has none to verify.
+bool macListTakesARule( MatchOptionTarget const& target );
 // Reports a refused rule only by its result: dirty stays as it was.
 bool createClassMatchMacAcl( MatchOptionTarget const& target,
                              Zub::Ptr< Qos::ClassMapMatch const > const& classMatch );

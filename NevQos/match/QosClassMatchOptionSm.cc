@@ -110,9 +110,15 @@ void QosClassMatchOptionSm::handleVerify() {
       case Qos::matchOptionDscpEcn:
          helper().verifyDscpEcnRule( pmapState(), *classData(), matchOption(), key() );
          break;
-      case Qos::matchOptionMac:
-         helper().verifyMacAclRule( pmapState(), *classData(), matchOption(), key() );
+      case Qos::matchOptionMac: {
+         MatchOptionTarget const target{ *qosAclSm(), *pmapSm(),     classData(),
+                                         key(),       matchOption(), aclData() };
+         // A list whose rules the chip all refused holds no rule to compare.
+         if( macListTakesARule( target ) ) {
+            helper().verifyMacAclRule( pmapState(), *classData(), matchOption(), key() );
+         }
          break;
+      }
       default:
          break;  // a built-in class has no rule of its own to compare
    }

@@ -44,9 +44,8 @@ std::vector< std::string > aclsOfPolicyMap( TcamImage const& image, std::string 
    return out;
 }
 
-std::map< std::string, std::uint64_t > resourcesInUse( SimSwitch const& sw ) {
+std::map< std::string, std::uint64_t > aclResourcesInUse( SimQosAclHelper const& chip ) {
    std::map< std::string, std::uint64_t > out;
-   SimQosAclHelper const& chip = sw.chip();
    for( auto const& [ name, slice ] : chip.tcam().slices() )
       out[ "tcam " + name ] = slice.used;
    out[ "range checkers" ] = chip.tcam().rangeCheckersUsed();
@@ -55,6 +54,11 @@ std::map< std::string, std::uint64_t > resourcesInUse( SimSwitch const& sw ) {
    out[ "cpu queues" ] = chip.cpuQueuesUsed();
    out[ "port cpu queue policers" ] = chip.portCpuQueuePolicers().size();
    out[ "pending operations" ] = chip.pendingOperations();
+   return out;
+}
+
+std::map< std::string, std::uint64_t > resourcesInUse( SimSwitch const& sw ) {
+   std::map< std::string, std::uint64_t > out = aclResourcesInUse( sw.chip() );
    SimQosBasicHelper const& basic = sw.basicChip();
    out[ "ecn profiles" ] = basic.ecnProfiles().used();
    out[ "wred profiles" ] = basic.wredProfiles().used();

@@ -30,6 +30,8 @@ std::vector< std::string > aclsOfPolicyMap( TcamImage const& image, std::string 
 // Resource name to units in use: TCAM entries per slice, range checkers, policers, counters, CPU
 // queues, port CPU queue policers, queue profiles, ECN counters, CBF rules, pending operations.
 std::map< std::string, std::uint64_t > resourcesInUse( SimSwitch const& sw );
+// Those of the ACL helper alone: TCAM entries per slice ("tcam ipv4") to pending operations.
+std::map< std::string, std::uint64_t > aclResourcesInUse( SimQosAclHelper const& chip );
 // The log lines from the `from`th on.
 std::vector< std::string > logLinesOf( SimSwitch const& sw, std::size_t from = 0 );
 // "direction/name: status (message)" of every policy map in the hardware status.

@@ -484,12 +484,8 @@ Nev::AclCreateError SimQosAclHelper::createMacAclRule( Nev::QosPolicyMapState co
                                                        Qos::ClassMapMatchOption,
                                                        Nev::AclKey const& aclKey,
                                                        std::uint32_t ruleNum ) {
-   std::string const id = aclIdOf( classData, aclKey );
-   Nev::AclCreateError const answer =
-         createRule( "createMacAclRule", id, sliceOf( aclKey ), classData, &aclKey,
-                     macEntryOf( classData, ruleNum ) );
-   aclRecords_[ id ].macRuleWritten = true;
-   return answer;
+   return createRule( "createMacAclRule", aclIdOf( classData, aclKey ), sliceOf( aclKey ),
+                      classData, &aclKey, macEntryOf( classData, ruleNum ) );
 }
 
 TcamEntry SimQosAclHelper::macEntryOf( Nev::QosClassData const& classData, std::uint32_t ruleNum ) {

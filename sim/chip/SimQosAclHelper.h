@@ -361,9 +361,6 @@ class SimQosAclHelper : public NevHelper::QosAclHelper {
       // The engine's key of the ACL; none for the ACL of the built-in classes.
       std::optional< Nev::AclKey > aclKey;
       std::optional< std::vector< TcamEntry > > written;
-      // A MAC rule was written since the ACL opened: a list whose rules the chip all refused
-      // (isSupportedMacAclRule) gets none.
-      bool macRuleWritten = false;
    };
    // The entries written into the ACL as the driver wrote them.
    std::vector< TcamEntry > const& writtenEntries( std::string const& aclId ) const;

@@ -540,20 +540,7 @@ void SimQosAclHelper::verifyDscpEcnRule( Nev::QosPolicyMapState const&,
 void SimQosAclHelper::verifyMacAclRule( Nev::QosPolicyMapState const&,
                                         Nev::QosClassData const& classData,
                                         Qos::ClassMapMatchOption, Nev::AclKey const& aclKey ) {
-   std::string const id = aclIdOf( classData, aclKey );
-   auto const record = aclRecords_.find( id );
-   if( record == aclRecords_.end() || record->second.macRuleWritten ) {
-      checkRuleEntry( classData, aclKey, macEntryOf( classData, 0 ) );
-      return;
-   }
-   // Every rule of the list refused: there is nothing to hold.
-   auto const acl = tcam_.acls().find( id );
-   if( acl == tcam_.acls().end() ) return;
-   for( TcamEntry const& e : acl->second.entries ) {
-      if( e.kind != "mac" ) continue;
-      reportAclMismatch( classData, aclKey, "holds a mac entry, but no MAC rule was written" );
-      return;
-   }
+   checkRuleEntry( classData, aclKey, macEntryOf( classData, 0 ) );
 }
 
 // ---- Policers and counters

@@ -1,5 +1,7 @@
 #include "NevQos/sim/conformance/ReferenceDriver.h"
 
+#include "NevQos/sim/checks/SwitchImage.h"
+
 namespace Conformance {
 
 ReferenceChipAcl::ReferenceChipAcl( Zub::Ptr< Sim::SimQosAclHelper > const& chip,
@@ -11,17 +13,7 @@ ReferenceChipAcl::ReferenceChipAcl( Zub::Ptr< Sim::SimQosAclHelper > const& chip
 }
 
 std::map< std::string, std::uint64_t > ReferenceChipAcl::resourcesInUse() const {
-   std::map< std::string, std::uint64_t > out{
-      { "range checkers", chip_->tcam().rangeCheckersUsed() },
-      { "policers", chip_->policersUsed() },
-      { "counters", chip_->countersUsed() },
-      { "CPU queues", chip_->cpuQueuesUsed() },
-      { "CPU queue policers of ports", chip_->portCpuQueuePolicers().size() },
-      { "ACLs", chip_->tcam().acls().size() },
-   };
-   for( auto const& [ name, slice ] : chip_->tcam().slices() )
-      out[ "TCAM entries " + name ] = slice.used;
-   return out;
+   return Sim::aclResourcesInUse( *chip_ );
 }
 
 ReferenceChipCbf::ReferenceChipCbf( Zub::Ptr< Sim::SimCbfFecMappingHelper > const& chip,
@@ -31,7 +23,7 @@ ReferenceChipCbf::ReferenceChipCbf( Zub::Ptr< Sim::SimCbfFecMappingHelper > cons
 }
 
 std::map< std::string, std::uint64_t > ReferenceChipCbf::resourcesInUse() const {
-   return { { "CBF rules", chip_->rules().size() } };
+   return { { "cbf rules", chip_->rules().size() } };
 }
 
 DriverUnderTest referenceDriver( ReferenceAclFactory acl,
