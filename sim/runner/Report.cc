@@ -14,6 +14,7 @@
 #include "NevQos/sim/runner/CbfReport.h"
 #include "NevQos/sim/runner/ControlPlaneReport.h"
 #include "NevQos/sim/runner/EngineReport.h"
+#include "NevQos/sim/runner/Fit.h"
 #include "NevQos/sim/runner/TextFormat.h"
 #include "NevQos/sim/runner/Version.h"
 
@@ -707,6 +708,7 @@ std::vector< Part > partsOf( Scenario const& scenario, SimSwitch const& sw ) {
         [ & ]( std::ostream& os, std::size_t in ) { writeTcam( os, sw.chip(), in ); } },
       { "resources", [ & ] { return resourcesOf( sw.chip() ); } },
       { "engine", [ & ] { return engineOf( sw.engine() ); } },
+      { "fit", [ & ] { return fitOf( sw ); } },
    };
 }
 
@@ -725,8 +727,8 @@ Json reportPartsOf( Scenario const& scenario, SimSwitch const& sw,
 
 // The parts are moved in: an ordered object copies its members when it grows.
 Json reportOf( Scenario const& scenario, SimSwitch const& sw ) {
-   // Room for the parts below and for those the runner adds: verify, trace, expect.
-   Json report = objectWithRoom( 16 );
+   // Room for the parts below and for those the runner adds: steps, verify, trace, expect.
+   Json report = objectWithRoom( 18 );
    for( Part const& part : partsOf( scenario, sw ) )
       report[ part.key ] = part.make();
    return report;
@@ -780,6 +782,7 @@ void printTextReport( std::ostream& os, Json const& report, std::size_t limit ) 
    printStatus( os, report[ "status" ] );
    printTcam( os, report[ "tcam" ], report[ "resources" ], limit );
    printEngine( os, report[ "engine" ] );
+   printFit( os, report[ "fit" ] );
    printFeatures( os, report[ "status" ] );
    printBasic( os, report[ "basic" ] );
    printControlPlane( os, report[ "controlPlane" ] );

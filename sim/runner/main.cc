@@ -13,16 +13,21 @@
 #include <fstream>
 #include <iostream>
 #include <map>
+#include <sstream>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "NevQos/platform/zub/Trace.h"
 #include "NevQos/sim/runner/Expectations.h"
 #include "NevQos/sim/runner/Progress.h"
 #include "NevQos/sim/runner/Report.h"
+#include "NevQos/sim/runner/ReportDiff.h"
+#include "NevQos/sim/runner/ReportPage.h"
 #include "NevQos/sim/runner/SimSwitch.h"
 #include "NevQos/sim/runner/Summary.h"
+#include "NevQos/sim/runner/Timeline.h"
 #include "NevQos/sim/runner/Version.h"
 #include "NevQos/sim/scenario/ScenarioError.h"
 #include "NevQos/sim/scenario/ScenarioLoader.h"
@@ -49,21 +54,28 @@ struct Verification {
    std::string mode;  // empty: off; "requested" or "always"
    std::size_t runs = 0;
    Json findings = Json::array();
+   // Each run: the check point (0 the start, then the steps, then the settle time), its time and
+   // what it found.
+   Json checks = Json::array();
 
    bool on() const { return !mode.empty(); }
-   void run( Sim::SimSwitch& sw ) {
+   void run( Sim::SimSwitch& sw, std::size_t checkPoint ) {
       if( !on() ) return;
       bool const always = mode == "always";
       if( !always && !sw.verifyRequested() ) return;
       ++runs;
-      for( std::string const& text : always ? sw.verify() : sw.requestedVerify() )
+      std::vector< std::string > const found = always ? sw.verify() : sw.requestedVerify();
+      for( std::string const& text : found )
          findings.push_back( { { "t", sw.now() }, { "text", text } } );
+      checks.push_back(
+            { { "step", checkPoint }, { "t", sw.now() }, { "findings", found.size() } } );
    }
    Json json( Sim::SimSwitch const& sw ) const {
       return { { "mode", mode },
                { "runs", runs },
                { "subruleQueries", sw.chip().subruleQueries() },
-               { "findings", findings } };
+               { "findings", findings },
+               { "checks", checks } };
    }
 };
 
@@ -83,6 +95,7 @@ struct Options {
    std::size_t keepCalls = Sim::CallLog::defaultKeep;
    std::string output;  // -o: empty for standard output
    bool summary = false;
+   std::string html;  // --html: the page's file, or empty
 };
 
 // Where the report goes: standard output, or the file of -o, opened once the scenario has loaded
@@ -147,6 +160,11 @@ std::pair< CLI::Option*, CLI::Option* > addOptions( CLI::App& app, Options& o ) 
                  "Print a one-screen overview on standard output (policy maps and their status, "
                  "TCAM use per slice, log lines by handle, verification) instead of the report, "
                  "which goes to -o FILE if one is given" );
+   app.add_option( "--html", o.html,
+                   "Also write the report as one self-contained HTML page to FILE (charts of the "
+                   "TCAM and the chip's pools step by step, costs per class, the fit of each "
+                   "service policy, status, calls and log lines)" )
+         ->type_name( "FILE" );
    app.add_option( "--settle", o.settleText,
                    "Virtual seconds to run after the last step, so that asynchronous operations "
                    "and time-outs finish" )
@@ -211,18 +229,23 @@ std::string problemOf( Options& o ) {
    return {};
 }
 
-// Runs the scenario's steps and the settle time, verifying at each check point.
-void runSteps( Sim::Scenario const& scenario, Sim::SimSwitch& sw, Options& o ) {
+// Runs the scenario's steps and the settle time, verifying and sampling the chip at each check
+// point.
+void runSteps( Sim::Scenario const& scenario, Sim::SimSwitch& sw, Sim::Timeline& timeline,
+               Options& o ) {
    Sim::Progress progress( std::cerr, isatty( STDERR_FILENO ) != 0, scenario.steps.size() );
-   o.verification.run( sw );
+   o.verification.run( sw, 0 );
+   timeline.startIs( sw );
    std::size_t stepsDone = 0;
    for( Sim::Step const& step : scenario.steps ) {
       sw.stepIs( step );
-      o.verification.run( sw );
-      progress.update( sw.now(), ++stepsDone, sw.calls().size() );
+      o.verification.run( sw, ++stepsDone );
+      timeline.stepIs( sw, stepsDone );
+      progress.update( sw.now(), stepsDone, sw.calls().size() );
    }
    sw.runFor( o.settle, [ & ] { progress.update( sw.now(), stepsDone, sw.calls().size() ); } );
-   o.verification.run( sw );
+   o.verification.run( sw, stepsDone + 1 );
+   timeline.settledIs( sw );
    progress.finish();
 }
 
@@ -242,6 +265,16 @@ void writeReport( std::ostream& os, Sim::Scenario const& scenario, Sim::SimSwitc
    if( o.show ) show( sw, o.showType, !o.brief, os );
 }
 
+// The report as an HTML page, into `page`; the problem of the write, or empty.
+std::string writePage( ReportOutput& page, Sim::Scenario const& scenario, Sim::SimSwitch& sw,
+                       Json const& more ) {
+   std::ostringstream json;
+   Sim::writeJsonReport( json, scenario, sw, more );
+   errno = 0;
+   Sim::writeReportPage( page.stream(), json.view() );
+   return page.finish();
+}
+
 int run( Options& o ) {
    Sim::Scenario scenario = Sim::loadScenario( o.path );
    if( o.tcamMode == "synchronous" ) scenario.chip.tcamMode = Sim::TcamMode::synchronous;
@@ -249,17 +282,22 @@ int run( Options& o ) {
    // With --summary and no -o the overview is all there is to print.
    bool const reportWanted = !o.summary || !o.output.empty();
    ReportOutput output( o.output );
-   if( std::string const problem = output.open(); !problem.empty() ) {
-      std::cerr << "nevqos-sim: " << problem << "\n";
-      return failed;
+   ReportOutput page( o.html );
+   for( ReportOutput* out : { &output, &page } ) {
+      if( std::string const problem = out->open(); !problem.empty() ) {
+         std::cerr << "nevqos-sim: " << problem << "\n";
+         return failed;
+      }
    }
    Sim::SimSwitch sw( scenario, Sim::SwitchOptions{ .runawayTurns = o.maxTurns,
                                                     .verifyOnRequest = o.verification.on(),
                                                     .keepTraces = !o.traces.empty(),
                                                     .keepCalls = o.keepCalls } );
-   runSteps( scenario, sw, o );
+   Sim::Timeline timeline( scenario );
+   runSteps( scenario, sw, timeline, o );
    // What the runner adds to the switch's report.
    Json more = Json::object();
+   more[ "steps" ] = timeline.json();
    if( o.verification.on() ) more[ "verify" ] = o.verification.json( sw );
    if( !o.traces.empty() || !scenario.traces.empty() )
       more[ "trace" ] = Sim::tracesOf( sw.traces() );
@@ -269,6 +307,7 @@ int run( Options& o ) {
    errno = 0;
    if( reportWanted ) writeReport( output.stream(), scenario, sw, more, o );
    std::string problem = reportWanted ? output.finish() : std::string();
+   if( !o.html.empty() && problem.empty() ) problem = writePage( page, scenario, sw, more );
    if( o.summary && problem.empty() ) {
       errno = 0;
       Sim::printSummary( std::cout, Sim::summaryOf( scenario, sw, more ), o.output );
@@ -286,13 +325,92 @@ int run( Options& o ) {
    return 0;
 }
 
+// A report read from `path`; empty, with the problem in `problem`, when it cannot be read or is
+// not a report.
+Json reportFrom( std::string const& path, std::string& problem ) {
+   errno = 0;
+   std::ifstream in( path, std::ios::binary );
+   if( !in ) {
+      problem = path + ": cannot open it";
+      if( errno != 0 ) problem += std::string( ": " ) + std::strerror( errno );
+      return {};
+   }
+   Json report;
+   try {
+      report = Json::parse( in );
+   } catch( Json::parse_error const& e ) {
+      problem = path + ": not JSON: " + e.what();
+      return {};
+   }
+   if( std::string const why = Sim::notAReport( report ); !why.empty() ) {
+      problem = path + ": " + why;
+      return {};
+   }
+   return report;
+}
+
+// nevqos-sim diff A.json B.json: exit 0 when the parts compared are the same, 1 when they differ.
+int diffMain( int argc, char** argv ) {
+   CLI::App app{
+      "Compares two JSON reports of nevqos-sim (--json): the TCAM as sets, the status "
+      "by name, the log lines and the helper calls in order; times only with "
+      "--times. Exits with 1 when they differ."
+   };
+   std::string paths[ 2 ];
+   Sim::DiffOptions options;
+   std::vector< std::string > parts;
+   app.add_option( "A", paths[ 0 ], "The first report" )->required();
+   app.add_option( "B", paths[ 1 ], "The second report" )->required();
+   app.add_flag( "--times", options.times,
+                 "Compare the times of the calls, the log lines and the status too" );
+   app.add_flag( "--subrules", options.subrules,
+                 "Compare the subrule numbers of TCAM entries too (an expansion of a range by the "
+                 "engine numbers its blocks, one by the chip does not)" );
+   app.add_option( "--only", parts, "Compare only these parts: tcam, status, logs, calls" )
+         ->delimiter( ',' )
+         ->check( CLI::IsMember( std::vector< std::string >( std::begin( Sim::diffParts ),
+                                                             std::end( Sim::diffParts ) ) ) );
+   app.add_option( "--limit", options.limit,
+                   "List at most this many differences per part (then a count); 0 lists all" )
+         ->capture_default_str();
+   try {
+      app.parse( argc, argv );
+   } catch( CLI::ParseError const& e ) {
+      return app.exit( e ) == 0 ? 0 : badInput;
+   }
+   options.parts.insert( parts.begin(), parts.end() );
+   Json reports[ 2 ];
+   for( int i = 0; i < 2; ++i ) {
+      std::string problem;
+      reports[ i ] = reportFrom( paths[ i ], problem );
+      if( !problem.empty() ) {
+         std::cerr << "nevqos-sim diff: " << problem << "\n";
+         return badInput;
+      }
+   }
+   std::cout << "A: " << paths[ 0 ] << "\nB: " << paths[ 1 ] << "\n";
+   bool const differ = Sim::printDiff(
+         std::cout, Sim::diffReports( reports[ 0 ], reports[ 1 ], options ), options );
+   if( !std::cout.flush() ) {
+      std::cerr << "nevqos-sim diff: cannot write to standard output\n";
+      return failed;
+   }
+   return differ ? mismatch : 0;
+}
+
 }  // namespace
 
 int main( int argc, char** argv ) {
+   // A closed pipe is a failed write to report, not a signal that ends the process unheard.
+   std::signal( SIGPIPE, SIG_IGN );
+   if( argc > 1 && std::string_view( argv[ 1 ] ) == "diff" ) return diffMain( argc - 1, argv + 1 );
    CLI::App app{
       "Runs a QoS scenario on the reference chip and reports what reached the "
       "hardware, what the switch logged and the status it wrote."
    };
+   app.footer(
+         "nevqos-sim diff A.json B.json compares two JSON reports; see nevqos-sim diff "
+         "--help." );
    Options o;
    auto const [ verifyOption, showOption ] = addOptions( app, o );
    try {
@@ -308,8 +426,6 @@ int main( int argc, char** argv ) {
       std::cerr << "nevqos-sim: " << problem << "\n";
       return badInput;
    }
-   // A closed pipe is a failed write to report, not a signal that ends the process unheard.
-   std::signal( SIGPIPE, SIG_IGN );
    try {
       return run( o );
    } catch( Sim::ScenarioError const& e ) {

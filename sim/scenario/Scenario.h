@@ -331,6 +331,8 @@ using ChangeValue = std::variant<
 struct Change {
    Where where;
    ChangeValue value;
+   // The key it was written under ("acl", "attach", ...); empty for a change built in code.
+   std::string kind = {};
 };
 
 // The virtual time at which the switch starts; the engine reads a time of 0 as unset.

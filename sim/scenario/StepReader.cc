@@ -113,7 +113,8 @@ Change StepReader::change( YAML::Node const& node ) const {
    yaml_.checkMapping( node, "change", changeKinds );
    if( node.size() != 1 ) yaml_.fail( node, "change: one kind of change per list item" );
    auto const entry = *node.begin();
-   return { YamlReader::whereOf( node ), value( entry.first.Scalar(), entry.second ) };
+   std::string const kind = entry.first.Scalar();
+   return { YamlReader::whereOf( node ), value( kind, entry.second ), kind };
 }
 
 ChangeValue StepReader::value( std::string const& kind, YAML::Node const& node ) const {
