@@ -92,7 +92,7 @@ std::vector< std::string > logLines( Json const& logs, bool times ) {
    for( Json const& l : logs ) {
       std::string line = cat( l.value( "handle", "" ), " ", l.value( "severity", "" ), ": ",
                               l.value( "text", "" ) );
-      if( times ) line += timeText( l[ "t" ] );
+      if( times ) line += timeText( l.at( "t" ) );
       out.push_back( std::move( line ) );
    }
    return out;
@@ -102,18 +102,20 @@ std::vector< std::string > callLines( Json const& calls, bool times ) {
    std::vector< std::string > out;
    for( Json const& c : calls ) {
       if( c.contains( "gap" ) ) {
-         Json const& gap = c[ "gap" ];
-         std::string line = cat( "(", gap[ "calls" ].dump(),
-                                 " calls left out of the record: ", gap[ "counts" ].dump(), ")" );
+         Json const& gap = c.at( "gap" );
+         std::string line =
+               cat( "(", gap.at( "calls" ).dump(),
+                    " calls left out of the record: ", gap.at( "counts" ).dump(), ")" );
          if( times )
-            line += cat( " from ", gap[ "from" ].dump(), " s until ", gap[ "until" ].dump(), " s" );
+            line += cat( " from ", gap.at( "from" ).dump(), " s until ", gap.at( "until" ).dump(),
+                         " s" );
          out.push_back( std::move( line ) );
          continue;
       }
       std::string line =
-            c.value( "helper", "" ) + " " + c.value( "op", "" ) + " " + c[ "args" ].dump();
-      if( c.contains( "count" ) ) line += cat( " x", c[ "count" ].dump() );
-      if( times ) line += timeText( c[ "t" ] );
+            c.value( "helper", "" ) + " " + c.value( "op", "" ) + " " + c.at( "args" ).dump();
+      if( c.contains( "count" ) ) line += cat( " x", c.at( "count" ).dump() );
+      if( times ) line += timeText( c.at( "t" ) );
       out.push_back( std::move( line ) );
    }
    return out;
@@ -196,17 +198,17 @@ std::map< std::string, AclContents > tcamContents( Json const& tcam, bool subrul
                                                    std::size_t& entries ) {
    std::map< std::string, AclContents > out;
    entries = 0;
-   for( Json const& acl : tcam[ "acls" ] ) {
-      AclContents& contents = out[ acl[ "id" ].get< std::string >() ];
+   for( Json const& acl : tcam.at( "acls" ) ) {
+      AclContents& contents = out[ acl.at( "id" ).get< std::string >() ];
       contents.head =
-            cat( "slice ", acl[ "slice" ].dump(), ", committed ", acl[ "committed" ].dump(),
-                 ", interfaces ", sortedDump( acl[ "interfaces" ] ), ", range checkers ",
-                 sortedDump( acl[ "rangeCheckers" ] ) );
-      for( Json e : acl[ "entries" ] ) {
+            cat( "slice ", acl.at( "slice" ).dump(), ", committed ", acl.at( "committed" ).dump(),
+                 ", interfaces ", sortedDump( acl.at( "interfaces" ) ), ", range checkers ",
+                 sortedDump( acl.at( "rangeCheckers" ) ) );
+      for( Json e : acl.at( "entries" ) ) {
          if( !subrules ) e.erase( "subruleNum" );
          contents.entries.insert( e.dump() );
       }
-      entries += acl[ "entries" ].size();
+      entries += acl.at( "entries" ).size();
    }
    return out;
 }
@@ -227,8 +229,8 @@ void entriesDiff( std::string const& id, AclContents const& a, AclContents const
 
 PartDiff tcamDiff( Json const& a, Json const& b, bool subrules ) {
    std::size_t entriesA = 0, entriesB = 0;
-   auto const aclsA = tcamContents( a[ "tcam" ], subrules, entriesA );
-   auto const aclsB = tcamContents( b[ "tcam" ], subrules, entriesB );
+   auto const aclsA = tcamContents( a.at( "tcam" ), subrules, entriesA );
+   auto const aclsB = tcamContents( b.at( "tcam" ), subrules, entriesB );
    PartDiff out{ "tcam",
                  std::to_string( aclsA.size() ) + " ACLs and " + std::to_string( entriesA ) +
                        " entries in A, " + std::to_string( aclsB.size() ) + " and " +
@@ -254,11 +256,11 @@ PartDiff tcamDiff( Json const& a, Json const& b, bool subrules ) {
 
 PartDiff statusDiff( Json const& a, Json const& b, bool times ) {
    std::map< std::string, std::string > valuesA, valuesB;
-   flatten( a[ "status" ], "status", times, valuesA );
-   flatten( b[ "status" ], "status", times, valuesB );
+   flatten( a.at( "status" ), "status", times, valuesA );
+   flatten( b.at( "status" ), "status", times, valuesB );
    return { "status",
-            std::to_string( a[ "status" ][ "policyMaps" ].size() ) + " policy maps in A, " +
-                  std::to_string( b[ "status" ][ "policyMaps" ].size() ) + " in B",
+            std::to_string( a.at( "status" ).at( "policyMaps" ).size() ) + " policy maps in A, " +
+                  std::to_string( b.at( "status" ).at( "policyMaps" ).size() ) + " in B",
             valueDiff( valuesA, valuesB ) };
 }
 
@@ -279,7 +281,7 @@ std::string notAReport( Json const& report ) {
    for( char const* key : { "tcam", "status", "logs", "calls" } ) {
       if( !report.contains( key ) ) return cat( "the report has no \"", key, "\"" );
    }
-   if( !report[ "tcam" ].contains( "acls" ) ) return "the report's \"tcam\" has no \"acls\"";
+   if( !report.at( "tcam" ).contains( "acls" ) ) return "the report's \"tcam\" has no \"acls\"";
    return {};
 }
 
@@ -291,13 +293,14 @@ std::vector< PartDiff > diffReports( Json const& a, Json const& b, DiffOptions c
    if( wanted( "tcam" ) ) out.push_back( tcamDiff( a, b, options.subrules ) );
    if( wanted( "status" ) ) out.push_back( statusDiff( a, b, options.times ) );
    if( wanted( "logs" ) ) {
-      out.push_back( sequencePartDiff( "logs", "log lines", logLines( a[ "logs" ], options.times ),
-                                       logLines( b[ "logs" ], options.times ) ) );
+      out.push_back( sequencePartDiff( "logs", "log lines",
+                                       logLines( a.at( "logs" ), options.times ),
+                                       logLines( b.at( "logs" ), options.times ) ) );
    }
    if( wanted( "calls" ) ) {
       out.push_back( sequencePartDiff( "calls", "call records",
-                                       callLines( a[ "calls" ], options.times ),
-                                       callLines( b[ "calls" ], options.times ) ) );
+                                       callLines( a.at( "calls" ), options.times ),
+                                       callLines( b.at( "calls" ), options.times ) ) );
    }
    return out;
 }

@@ -39,7 +39,8 @@ inline constexpr char const* diffParts[] = { "tcam", "status", "logs", "calls" }
 // Why `report` is not a report whose parts can be compared, or empty.
 std::string notAReport( nlohmann::ordered_json const& report );
 
-// Both reports must pass notAReport.
+// Both reports must pass notAReport. A part whose members are not of the report's shape throws
+// nlohmann's exception, naming what it found.
 std::vector< PartDiff > diffReports( nlohmann::ordered_json const& a,
                                      nlohmann::ordered_json const& b, DiffOptions const& options );
 

@@ -388,9 +388,16 @@ int diffMain( int argc, char** argv ) {
          return badInput;
       }
    }
+   std::vector< Sim::PartDiff > diff;
+   try {
+      diff = Sim::diffReports( reports[ 0 ], reports[ 1 ], options );
+   } catch( Json::exception const& e ) {
+      std::cerr << "nevqos-sim diff: " << paths[ 0 ] << ", " << paths[ 1 ]
+                << ": a part is not of a report's shape: " << e.what() << "\n";
+      return badInput;
+   }
    std::cout << "A: " << paths[ 0 ] << "\nB: " << paths[ 1 ] << "\n";
-   bool const differ = Sim::printDiff(
-         std::cout, Sim::diffReports( reports[ 0 ], reports[ 1 ], options ), options );
+   bool const differ = Sim::printDiff( std::cout, diff, options );
    if( !std::cout.flush() ) {
       std::cerr << "nevqos-sim diff: cannot write to standard output\n";
       return failed;

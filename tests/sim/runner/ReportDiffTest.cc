@@ -141,6 +141,22 @@ TEST( ReportDiffTest, WhatIsNotAReportIsRefusedByName ) {
       EXPECT_NE( run.err.find( c.message ), std::string::npos ) << run.err;
    }
    EXPECT_EQ( runSim( { "diff", good, good, "--only", "colours" } ).exitCode, 2 );
+
+   // A report whose parts are not of a report's shape: an ACL without its entries, a call
+   // without its arguments.
+   for( char const* part : { "tcam", "calls" } ) {
+      Json broken = reportIn( good );
+      if( std::string( part ) == "tcam" ) {
+         broken[ "tcam" ][ "acls" ][ 0 ].erase( "entries" );
+      } else {
+         broken[ "calls" ][ 0 ].erase( "args" );
+      }
+      std::string const file = scenarioFile( "broken.json", broken.dump() );
+      SimRun const run = runSim( { "diff", good, file } );
+      EXPECT_EQ( run.exitCode, 2 ) << part;
+      EXPECT_NE( run.err.find( file + ": a part is not of a report's shape: " ), std::string::npos )
+            << run.err;
+   }
 }
 
 }  // namespace
