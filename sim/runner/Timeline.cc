@@ -45,14 +45,6 @@ Json faultsOn( Scenario const& scenario, SimSwitch const& sw ) {
    return out;
 }
 
-Json tcamUse( Tcam const& tcam ) {
-   Json slices = Json::array();
-   for( auto const& [ name, slice ] : tcam.slices() )
-      slices.push_back( Json{ { "name", name }, { "size", slice.size }, { "used", slice.used } } );
-   return Json{ { "slices", std::move( slices ) },
-                { "rangeCheckers", poolOf( tcam.rangeCheckers(), tcam.rangeCheckersUsed() ) } };
-}
-
 Json poolsUse( SimSwitch const& sw ) {
    SimQosAclHelper const& chip = sw.chip();
    ChipConfig const& c = chip.config();
@@ -89,14 +81,12 @@ void Timeline::settledIs( SimSwitch const& sw ) {
 }
 
 // The calls by operation since the last sample. The call log counts every call, kept in its
-// record or not, so the counts are exact however long the run.
+// record or not, so the counts are exact however long the run; the runner never clears it.
 Json Timeline::callsSince( SimSwitch const& sw ) {
    Json out = Json::object();
    for( auto const& [ op, count ] : sw.calls().counts() ) {
       auto const before = callsBefore_.find( op );
-      std::uint64_t const was = before == callsBefore_.end() ? 0 : before->second;
-      // A record cleared between samples starts its counts again.
-      std::uint64_t const made = count >= was ? count - was : count;
+      std::uint64_t const made = count - ( before == callsBefore_.end() ? 0 : before->second );
       if( made != 0 ) out[ op ] = made;
    }
    callsBefore_ = sw.calls().counts();
@@ -111,11 +101,11 @@ void Timeline::sampleIs( SimSwitch const& sw, std::size_t index, std::string con
                 { "t", sw.now() },
                 { "changes", std::move( changes ) },
                 { "faults", faultsOn( scenario_, sw ) },
-                { "tcam", tcamUse( sw.chip().tcam() ) },
+                { "tcam", tcamPoolsOf( sw.chip().tcam() ) },
                 { "pools", poolsUse( sw ) },
                 { "pendingOperations", sw.chip().pendingOperations() },
                 { "calls", callsSince( sw ) },
-                { "logs", logs >= logsBefore_ ? logs - logsBefore_ : logs } };
+                { "logs", logs - logsBefore_ } };
    logsBefore_ = logs;
    samples_.push_back( std::move( sample ) );
 }

@@ -52,7 +52,6 @@ std::map< std::string, Qos::MapType > const showTypes{ { "qos", Qos::mapQos_ },
 // verify agent runs; with --verify=always at every check point, over everything programmed.
 struct Verification {
    std::string mode;  // empty: off; "requested" or "always"
-   std::size_t runs = 0;
    Json findings = Json::array();
    // Each run: the check point (0 the start, then the steps, then the settle time), its time and
    // what it found.
@@ -63,7 +62,6 @@ struct Verification {
       if( !on() ) return;
       bool const always = mode == "always";
       if( !always && !sw.verifyRequested() ) return;
-      ++runs;
       std::vector< std::string > const found = always ? sw.verify() : sw.requestedVerify();
       for( std::string const& text : found )
          findings.push_back( { { "t", sw.now() }, { "text", text } } );
@@ -72,7 +70,7 @@ struct Verification {
    }
    Json json( Sim::SimSwitch const& sw ) const {
       return { { "mode", mode },
-               { "runs", runs },
+               { "runs", checks.size() },
                { "subruleQueries", sw.chip().subruleQueries() },
                { "findings", findings },
                { "checks", checks } };
